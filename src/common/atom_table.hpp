@@ -1,0 +1,88 @@
+/// Atom tables: one row per atom, five columns of doubles, stored column by column.
+///
+///     column   0   1   2    3      4
+///              x   y   z   mass   Z
+///
+/// x, y, z in Angstrom; mass in unified atomic mass units; Z the atomic number as a double, 1.0 to
+/// 92.0, or 0.0 for an unknown label. Row i holds atom i + 1 of the input file, molecule 1 first.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "common/vector.hpp"
+
+namespace dravo {
+
+inline constexpr std::int32_t kMaxAtoms = 150000;
+
+/// Element label of an atom, blank-padded on the right.
+using Label = std::array<char, 2>;
+
+inline std::string_view text_of(const Label& label) { return {label.data(), label.size()}; }
+
+/// The doubles behind a table; zero when it has static storage.
+template <std::int32_t Rows>
+using AtomStorage = std::array<std::array<double, Rows>, 5>;
+
+/// A table over storage that somebody else owns. Copying the view copies no atoms.
+class AtomTable {
+ public:
+  template <std::size_t Rows>
+  explicit AtomTable(std::array<std::array<double, Rows>, 5>& storage)
+      : rows_(static_cast<std::int32_t>(Rows)) {
+    for (std::size_t c = 0; c < storage.size(); ++c) column_[c] = storage[c].data();
+  }
+
+  [[nodiscard]] std::int32_t rows() const { return rows_; }
+
+  [[nodiscard]] Vec3 position(std::int32_t i) const {
+    return {column_[0][i], column_[1][i], column_[2][i]};
+  }
+  [[nodiscard]] double mass(std::int32_t i) const { return column_[3][i]; }
+  [[nodiscard]] double atomic_number(std::int32_t i) const { return column_[4][i]; }
+
+  void set_position(std::int32_t i, const Vec3& p) {
+    column_[0][i] = p.x;
+    column_[1][i] = p.y;
+    column_[2][i] = p.z;
+  }
+  void set_element(std::int32_t i, double atomic_number, double mass) {
+    column_[3][i] = mass;
+    column_[4][i] = atomic_number;
+  }
+
+  /// All five columns of the first `count` rows of another table.
+  void copy_rows(const AtomTable& from, std::int32_t count) {
+    for (std::size_t c = 0; c < column_.size(); ++c)
+      std::copy_n(from.column_[c], count, column_[c]);
+  }
+
+ private:
+  std::array<double*, 5> column_{};
+  std::int32_t rows_;
+};
+
+/// Rows [begin, end).
+struct RowRange {
+  std::int32_t begin;
+  std::int32_t end;
+};
+
+/// How a table divides into molecules: rows 1..n1 are molecule 1, rows n1+1..N molecule 2.
+///
+/// n1 may exceed N. The rows past N are empty (mass 0, atomic number 0) and add nothing to any sum,
+/// so molecule 1 ends at N then, and molecule 2 has no atoms.
+struct MoleculeSplit {
+  std::int32_t N;
+  std::int32_t n1;
+
+  [[nodiscard]] RowRange molecule1() const { return {0, std::min(n1, N)}; }
+  [[nodiscard]] RowRange molecule2() const { return {std::min(n1, N), N}; }
+  [[nodiscard]] std::array<RowRange, 2> molecules() const { return {molecule1(), molecule2()}; }
+};
+
+}  // namespace dravo

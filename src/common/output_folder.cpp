@@ -1,0 +1,83 @@
+#include "common/output_folder.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "common/errors.hpp"
+
+namespace dravo {
+namespace {
+
+[[noreturn]] void fail(const std::string& name, const char* action) {
+  const int reason = errno;
+  throw IoFailure(name + ": cannot " + action + ": " + std::generic_category().message(reason));
+}
+
+class DescriptorSink : public ByteSink {
+ public:
+  DescriptorSink(int descriptor, std::string name)
+      : descriptor_(descriptor), name_(std::move(name)) {}
+
+  void write(std::string_view bytes) override {
+    while (!bytes.empty()) {
+      const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+      if (written < 0) {
+        if (errno == EINTR) continue;
+        fail(name_, "write");
+      }
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+  }
+
+ protected:
+  int descriptor_;
+  std::string name_;
+};
+
+class FileSink final : public DescriptorSink {
+ public:
+  FileSink(const std::string& path, const std::string& name)
+      : DescriptorSink(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666), name) {
+    if (descriptor_ < 0) fail(name_, "open for writing");
+  }
+  FileSink(const FileSink&) = delete;
+  FileSink& operator=(const FileSink&) = delete;
+  ~FileSink() override {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  void close() {
+    if (::close(std::exchange(descriptor_, -1)) != 0) fail(name_, "write");
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<ByteSink> WorkingDirectory::open(const std::string& name) {
+  return std::make_unique<FileSink>(name, name);
+}
+
+void WorkingDirectory::replace(const std::string& name, std::string_view contents) {
+  const std::string unfinished = name + ".part";
+  try {
+    FileSink file(unfinished, name);
+    file.write(contents);
+    file.close();
+    if (std::rename(unfinished.c_str(), name.c_str()) != 0) fail(name, "put in place");
+  } catch (const IoFailure&) {
+    ::unlink(unfinished.c_str());
+    throw;
+  }
+}
+
+std::unique_ptr<ByteSink> sink_to_descriptor(int descriptor, const std::string& name) {
+  return std::make_unique<DescriptorSink>(descriptor, name);
+}
+
+}  // namespace dravo

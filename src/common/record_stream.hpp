@@ -1,0 +1,122 @@
+/// Output as a stream of records, one line each.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "common/record_format.hpp"
+#include "common/vector.hpp"
+
+namespace dravo {
+
+/// Where the bytes of a stream go.
+class ByteSink {
+ public:
+  ByteSink() = default;
+  ByteSink(const ByteSink&) = delete;
+  ByteSink& operator=(const ByteSink&) = delete;
+  virtual ~ByteSink() = default;
+
+  /// Takes all bytes or throws IoFailure.
+  virtual void write(std::string_view bytes) = 0;
+};
+
+/// Fields of a record with a stated format.
+struct Iw {
+  std::int32_t value;
+  int width;
+};
+struct Fwd {
+  double value;
+  int width;
+  int decimals;
+};
+struct Aw {
+  std::string_view text;
+  int width;
+};
+
+/// Builds records and hands them to a sink in large pieces. Without a sink the records stay in
+/// memory, to be read with `text()`.
+class RecordStream {
+ public:
+  RecordStream() = default;
+  explicit RecordStream(ByteSink* sink) : sink_(sink) {}
+
+  void attach(ByteSink* sink) { sink_ = sink; }
+
+  /// One free-format record. Items are texts, 32-bit integers, doubles, and vectors (three doubles).
+  ///
+  /// The record starts with one blank, which also separates its first item; a number is preceded by
+  /// a blank, a text only when it follows a number.
+  template <class... Items>
+  void record(const Items&... items) {
+    buffer_ += ' ';
+    previous_ = Previous::nothing;
+    (free_item(items), ...);
+    end_record();
+  }
+
+  /// `count` records that hold two blanks each: empty-looking lines.
+  void blank(int count = 1) { repeat("  ", count); }
+
+  /// The same text on `count` records.
+  void repeat(std::string_view text, int count) {
+    for (int i = 0; i < count; ++i) record(text);
+  }
+
+  /// One record of fields with a stated format, without any blank that the fields do not hold. A bare
+  /// text stands as it is.
+  template <class... Fields>
+  void formatted(const Fields&... fields) {
+    (field(fields), ...);
+    end_record();
+  }
+
+  /// Hands everything to the sink.
+  void flush();
+
+  /// The records that no sink has taken yet.
+  [[nodiscard]] const std::string& text() const { return buffer_; }
+
+ private:
+  enum class Previous { nothing, text, number };
+
+  void free_item(std::string_view text) {
+    if (previous_ == Previous::number) buffer_ += ' ';
+    buffer_ += text;
+    previous_ = Previous::text;
+  }
+  void free_item(std::same_as<std::int32_t> auto value) {
+    separate_number();
+    append_free_integer(buffer_, value);
+  }
+  void free_item(std::same_as<double> auto value) {
+    separate_number();
+    append_free_real(buffer_, value);
+  }
+  void free_item(const Vec3& v) {
+    free_item(v.x);
+    free_item(v.y);
+    free_item(v.z);
+  }
+  void separate_number() {
+    if (previous_ != Previous::nothing) buffer_ += ' ';
+    previous_ = Previous::number;
+  }
+
+  void field(const Iw& f) { append_integer_field(buffer_, f.value, f.width); }
+  void field(const Fwd& f) { append_fixed_field(buffer_, f.value, f.width, f.decimals); }
+  void field(const Aw& f) { append_text_field(buffer_, f.text, f.width); }
+  void field(std::string_view text) { buffer_ += text; }
+
+  void end_record();
+
+  ByteSink* sink_ = nullptr;
+  std::string buffer_;
+  Previous previous_ = Previous::nothing;
+};
+
+}  // namespace dravo

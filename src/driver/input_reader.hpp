@@ -1,0 +1,39 @@
+/// The input file: both molecules and the six association parameters.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "common/atom_table.hpp"
+#include "common/record_reader.hpp"
+#include "common/record_stream.hpp"
+#include "driver/user_parameters.hpp"
+
+namespace dravo {
+
+inline constexpr auto kInputFileName = "QN-input-GEOMETRY.xyz";
+
+struct InputGeometry {
+  MoleculeSplit split;
+  UserParameters user;  ///< angles in radians, singular values nudged
+};
+
+/// Reads the file line by line:
+///
+///     N                        total number of atoms
+///     label x y z              N lines, Angstrom, molecule 1 first
+///     (ignored)
+///     n1                       atoms of molecule 1
+///     (ignored)
+///     r, theta, phi            Angstrom and degrees, one per line
+///     (ignored)
+///     alpha, beta, gamma       degrees, one per line
+///     (ignored)
+///
+/// Fills the positions of `icoo_and_m` and the labels, then copies the rows to `newcoo_and_m`. Atoms
+/// past the capacity of the table are read but not stored. Count and range errors are reported on
+/// `screen` and end the run with RunStop; an unreadable or missing line throws IoFailure.
+InputGeometry read_input(RecordReader& input, AtomTable icoo_and_m, AtomTable newcoo_and_m,
+                         std::span<Label> isymbol, RecordStream& screen);
+
+}  // namespace dravo

@@ -1,0 +1,136 @@
+#include "driver/pair_analysis.hpp"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+#include "common/errors.hpp"
+#include "frames/axis_directions.hpp"
+#include "frames/higher_z_reflection.hpp"
+#include "frames/right_handed.hpp"
+#include "frames/symmetric_molecule.hpp"
+#include "inertia/centre_of_mass.hpp"
+#include "inertia/eigenproblem_verification.hpp"
+#include "inertia/inertia_tensor.hpp"
+#include "inertia/moments_report.hpp"
+#include "orientation/alignment_fit.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr int kAlignmentCycles = 3;
+constexpr int kSecondAlignment = 1;
+
+struct PairInertia {
+  std::array<MassCentre, 2> centres;
+  std::array<EigenProblem, 2> problems;
+};
+
+PairInertia analyse_inertia(const MoleculeSplit& split, const AtomTable& atoms, RunUnits& units) {
+  PairInertia pair;
+  const auto molecules = split.molecules();
+  for (std::size_t m = 0; m < 2; ++m) {
+    const int molecule = static_cast<int>(m) + 1;
+    MassCentre& centre = pair.centres[m];
+    EigenProblem& problem = pair.problems[m];
+
+    centre = find_mass_centre(atoms, molecules[m]);
+    units.open_log();
+    write_mass_centre(units.log(), molecule, centre);
+
+    problem.tensor = inertia_tensor(atoms, molecules[m], centre.cm);
+    write_tensor(units.log(), molecule, problem.tensor);
+
+    problem.axes = principal_axes(problem.tensor);
+    problem.frame = frame_of(centre.cm, problem.axes);
+    write_moments_report(units.log(), molecule, problem.axes);
+  }
+  return pair;
+}
+
+ReferenceVector reference_of(const MassCentre& centre) {
+  const ElementCentre* const higher_z = centre.higher_z();
+  if (higher_z == nullptr || !higher_z->usable()) return std::nullopt;
+  return higher_z->centroid - centre.cm;
+}
+
+void settle_directions(const PairInertia& inertia, PairOfFrames& frames, PairOfFlags& flags,
+                       int cycle, RunUnits& units) {
+  PairOfReferenceAngles angles;
+  for (std::size_t m = 0; m < 2; ++m) {
+    angles[m] = reference_angles(frames[m], reference_of(inertia.centres[m]));
+    decide_directions(angles[m], flags[m]);
+  }
+  write_axis_directions(units.log(), angles, flags, cycle == kSecondAlignment);
+  stop_for_symmetric_molecules(flags, units.screen(), units.log());
+
+  write_tips_before_reflection(units.log(), frames);
+  for (std::size_t m = 0; m < 2; ++m) reflect_towards_higher_z(frames[m], flags[m]);
+  write_tips_after_reflection(units.log(), frames, flags);
+}
+
+void complete_frames(PairOfFrames& frames, const PairOfFlags& flags, RunUnits& units) {
+  std::array<std::optional<HandednessCheck>, 2> checks;
+  for (std::size_t m = 0; m < 2; ++m)
+    checks[m] = make_right_handed(static_cast<int>(m) + 1, frames[m], flags[m]);
+  write_right_handed(units.log(), checks);
+  write_right_handed_summary(units.log(), frames);
+}
+
+/// Right-handed frames of both molecules where they stand.
+PairOfFrames analyse_frames(const MoleculeSplit& split, const AtomTable& atoms, PairOfFlags& flags,
+                            int cycle, RunUnits& units) {
+  const PairInertia inertia = analyse_inertia(split, atoms, units);
+  PairOfFrames frames{inertia.problems[0].frame, inertia.problems[1].frame};
+  write_initial_data(units.log(), frames);
+  write_eigenproblem_verification(units.log(), inertia.problems);
+  settle_directions(inertia, frames, flags, cycle, units);
+  complete_frames(frames, flags, units);
+  return frames;
+}
+
+AlignmentFit fit_with_warnings(const MoleculeFrame& molecule2, int cycle, RunUnits& units) {
+  return fit_alignment(molecule2, [&] {
+    write_no_guess_angle_warning(units.screen(), units.log());
+    if (cycle != kSecondAlignment) return;
+    write_second_alignment_error(units.screen(), units.log());
+    throw RunStop{};
+  });
+}
+
+}  // namespace
+
+PairOfFrames align_pair(const MoleculeSplit& split, AnalysisTables& tables, RunUnits& units) {
+  PairOfFlags flags;
+  PairOfFrames frames;
+  for (int cycle = 0; cycle < kAlignmentCycles; ++cycle) {
+    if (cycle > 0)
+      tables.newcoo_and_m.copy_rows(tables.inicial_posicao_correta_coo_and_m, split.N);
+    tables.originalcoo_and_m.copy_rows(tables.newcoo_and_m, split.N);
+    tables.auxiliar.copy_rows(tables.newcoo_and_m, split.N);
+
+    frames = analyse_frames(split, tables.newcoo_and_m, flags, cycle, units);
+    const AlignmentFit fit = fit_with_warnings(frames[1], cycle, units);
+
+    const AlignmentMotion motion(fit, frames[1].cm);
+    motion.move_rows(tables.auxiliar, {0, split.N});
+    motion.move_frames(frames);
+    tables.inicial_posicao_correta_coo_and_m.copy_rows(tables.auxiliar, split.N);
+    units.log().blank();
+  }
+  return frames;
+}
+
+EulerAngles find_euler_angles(const PairOfFrames& frames, RunUnits& units) {
+  write_search_heading(units.log());
+  const auto found = search_euler_angles(frames, search_log(units.log()));
+  if (!found) {
+    write_angles_not_found(units.screen());
+    write_angles_not_found(units.log());
+    throw RunStop{};
+  }
+  write_search_closing(units.log());
+  return *found;
+}
+
+}  // namespace dravo

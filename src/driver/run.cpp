@@ -1,0 +1,30 @@
+#include "driver/run.hpp"
+
+#include <array>
+
+#include "driver/banners.hpp"
+#include "driver/input_reader.hpp"
+#include "driver/param.hpp"
+
+namespace dravo {
+
+void run(std::string_view input, RunUnits& units) {
+  static std::array<AtomStorage<kMaxAtoms>, 2> storage;
+  static std::array<Label, kMaxAtoms> isymbol;
+  AtomTable icoo_and_m(storage[0]);
+  AtomTable newcoo_and_m(storage[1]);
+
+  RecordReader reader(kInputFileName, input);
+  InputGeometry geometry = read_input(reader, icoo_and_m, newcoo_and_m, isymbol, units.screen());
+  write_screen_banner(units.screen());
+
+  WorkText work_text{};
+  AppliedParameters applied;
+  UserParameters& user = geometry.user;
+  param(work_text, geometry.split.N, geometry.split.n1, isymbol, newcoo_and_m, applied.r,
+        applied.alpha, applied.beta, applied.gamma, kBuildMode, applied.theta, applied.phi,
+        user.theta, user.phi, user.alpha, user.beta, user.gamma, user.r, units);
+  write_closing_reports(applied, units.screen(), units.log());
+}
+
+}  // namespace dravo

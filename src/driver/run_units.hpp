@@ -1,0 +1,47 @@
+/// The output side of a run: screen, log, files, warnings.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "common/output_folder.hpp"
+#include "common/record_stream.hpp"
+
+namespace dravo {
+
+inline constexpr auto kLogFileName = "QN-LOG-PARAM.txt";
+
+class RunUnits {
+ public:
+  /// `screen` takes standard output, `warnings` what does not belong to it. Both and `folder` must
+  /// outlive the units.
+  RunUnits(ByteSink& screen, ByteSink& warnings, OutputFolder& folder)
+      : screen_(&screen), warnings_(&warnings), folder_(&folder) {}
+
+  RecordStream& screen() { return screen_; }
+  RecordStream& log() { return log_; }
+
+  /// Opens the log and writes its banner; opening the open log again has no effect.
+  void open_log();
+
+  /// The records of `file` become a file of the output folder, all at once.
+  void write_file(const std::string& name, const RecordStream& file);
+
+  /// One line beside the results.
+  void warn(const std::string& message);
+
+  /// Brings every record to its file. Throws IoFailure.
+  void flush();
+
+ private:
+  RecordStream screen_;
+  RecordStream log_;
+  std::unique_ptr<ByteSink> log_file_;
+  ByteSink* warnings_;
+  OutputFolder* folder_;
+};
+
+/// Text at the head of every message on standard error.
+inline constexpr auto kMessagePrefix = "qn-dravo: ";
+
+}  // namespace dravo

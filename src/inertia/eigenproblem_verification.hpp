@@ -1,0 +1,26 @@
+/// Check of the eigenproblem, for the reader of the log.
+#pragma once
+
+#include <array>
+
+#include "common/frame.hpp"
+#include "common/record_stream.hpp"
+#include "inertia/inertia_tensor.hpp"
+
+namespace dravo {
+
+/// What the check needs of one molecule.
+struct EigenProblem {
+  Matrix3 tensor;       ///< g cm^2
+  PrincipalAxes axes;   ///< as the solver returned them
+  MoleculeFrame frame;  ///< tips at these axes
+};
+
+/// tensor * v / moment for every axis of both molecules, beside the axis itself, and again for every
+/// axis reversed. Nothing is decided here.
+///
+/// Eigenvector 1 is called C in this section, 2 is B and 3 is A.
+void write_eigenproblem_verification(RecordStream& log,
+                                     const std::array<EigenProblem, 2>& molecules);
+
+}  // namespace dravo

@@ -1,0 +1,111 @@
+#include "orientation/alignment_fit.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr Vec3 kLaboratoryX{1.0, 0.0, 0.0};
+constexpr Vec3 kLaboratoryY{0.0, 1.0, 0.0};
+constexpr Vec3 kLaboratoryZ{0.0, 0.0, 1.0};
+
+struct FitConvention {
+  static Matrix3 rotation(const Turn& outer, const Turn& middle, const Turn& inner) {
+    return alignment_matrix(outer, middle, inner);
+  }
+  static double degrees(double radians) { return radians * kDegreesPerRadian; }
+};
+
+AxisTriple axes_of_molecule2(const MoleculeFrame& molecule2) {
+  using namespace axis_of_molecule2;
+  return {molecule2.axis(Z), molecule2.axis(X), molecule2.axis(Y)};
+}
+
+/// Screen and log hold the same texts but for blanks at the end of two of them.
+struct UnitTexts {
+  const char* warning;
+  const char* no_value;
+};
+constexpr UnitTexts kScreenTexts{" WARNING  ",
+                                 " best_z1,best_x1,best_y1 nao receberam valor algum "};
+constexpr UnitTexts kLogTexts{" WARNING ", " best_z1,best_x1,best_y1 nao receberam valor algum"};
+
+void write_problem(RecordStream& out, const char* heading, const UnitTexts& texts) {
+  out.record(heading);
+  out.record(" problem in : AXES ALIGNMENT ");
+  out.blank();
+  out.record(" issue related to: ");
+  out.record(" soma_diferencas and parametro_diferencas ");
+  out.record(texts.no_value);
+}
+
+void write_warning(RecordStream& out, const UnitTexts& texts) {
+  out.blank();
+  out.repeat(texts.warning, 6);
+  out.blank();
+  write_problem(out, " WARNING - NO GUESS ANGLE FOUND IN FIT PROCEDURE - ", texts);
+}
+
+void write_error(RecordStream& out, const UnitTexts& texts) {
+  out.blank();
+  out.record(" AFTER SECOND AXES ALIGNMENT ");
+  out.blank(2);
+  write_problem(out, " ERROR - NO GUESS ANGLE FOUND IN FIT PROCEDURE - ", texts);
+}
+
+}  // namespace
+
+double tilt_of(const MoleculeFrame& molecule2) {
+  const Vec3 Z = molecule2.axis(axis_of_molecule2::Z);
+  return tangent_angle(modulus(cross(Z, kLaboratoryZ)), dot(Z, kLaboratoryZ), modulus(Z));
+}
+
+AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
+                           const std::function<void()>& no_candidate_yet) {
+  const AxesMatchRule<FitConvention> rule(axes_of_molecule2(molecule2),
+                                          {kLaboratoryZ, kLaboratoryX, kLaboratoryY},
+                                          tilt_of(molecule2));
+  BestPoint best;
+  int improvements = 0;
+  ScanPass pass = first_scan_pass();
+  for (int number = 1; number <= kScanPasses; ++number) {
+    Ranking ranking;
+    walk_grid(pass, [&](const Turn& a, const Turn& b) {
+      const auto match = rule.judge(a, b, pass.tolerance);
+      if (match && ranking.offer(a, rule.middle(), b, *match, best)) ++improvements;
+    });
+    if (improvements == 0) no_candidate_yet();
+    pass = refined_scan_pass(pass, number, best.outer, best.inner);
+  }
+  return {best.outer, best.middle, best.inner, best.soma_diferencas};
+}
+
+AlignmentMotion::AlignmentMotion(const AlignmentFit& fit, const Vec3& cm2)
+    : rotation_(
+          alignment_matrix(Turn::of(fit.best_z1), Turn::of(fit.best_x1), Turn::of(fit.best_y1))),
+      centre_(cm2) {}
+
+void AlignmentMotion::move_rows(AtomTable atoms, RowRange rows) const {
+  for (std::int32_t i = rows.begin; i < rows.end; ++i)
+    atoms.set_position(i, (*this)(atoms.position(i)));
+}
+
+void AlignmentMotion::move_frames(PairOfFrames& frames) const {
+  for (MoleculeFrame& frame : frames)
+    for (Vec3& tip : frame.tips) tip = (*this)(tip);
+  frames[0].cm = (*this)(frames[0].cm);
+  frames[1].cm = {0.0, 0.0, 0.0};
+}
+
+void write_no_guess_angle_warning(RecordStream& screen, RecordStream& log) {
+  write_warning(screen, kScreenTexts);
+  write_warning(log, kLogTexts);
+  log.blank();
+}
+
+void write_second_alignment_error(RecordStream& screen, RecordStream& log) {
+  write_error(screen, kScreenTexts);
+  write_error(log, kLogTexts);
+  log.blank();
+  screen.blank();
+}
+
+}  // namespace dravo

@@ -1,0 +1,33 @@
+#include "orientation/molecule_alignment.hpp"
+
+#include "common/constants.hpp"
+#include "common/rounding.hpp"
+#include "orientation/rotations.hpp"
+
+namespace dravo {
+
+void turn_rows(AtomTable atoms, RowRange rows, const Matrix3& rotation, const Vec3& centre) {
+  for (std::int32_t i = rows.begin; i < rows.end; ++i)
+    atoms.set_position(i, rotation * (atoms.position(i) - centre) + centre);
+}
+
+void align_molecule1(AtomTable auxiliar_paralelas, RowRange molecule1, const EulerAngles& found,
+                     const Vec3& cm1) {
+  const Matrix3 back = transposed(euler_matrix(found.alpha, found.beta, found.gamma));
+  turn_rows(auxiliar_paralelas, molecule1, back, cm1);
+}
+
+EulerAngles full_turns_folded(const EulerAngles& angles) {
+  const auto folded = [](double radians) {
+    return nearest_integer(degrees_by_pi(radians)) == 360 ? 0.0 : radians;
+  };
+  return {folded(angles.alpha), folded(angles.beta), folded(angles.gamma)};
+}
+
+void write_molecule_alignment(RecordStream& log) {
+  log.repeat("   ", 2);
+  log.repeat(" ALIGNMENT OF MOLECULES AFTER ACTUAL EULER IDENTIF.", 5);
+  log.repeat("   ", 2);
+}
+
+}  // namespace dravo
