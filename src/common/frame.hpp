@@ -1,8 +1,8 @@
 /// Principal-axis frames of the two molecules and the flags of their axes.
 ///
-/// An axis is stored as its tip, the point one eigenvector away from the centre of mass, because that
-/// is what is logged and drawn. Tips stand in the order of ascending moments. The letters of the axes
-/// differ between the molecules on purpose:
+/// An axis is stored as its tip, the point one eigenvector away from the centre of mass, because
+/// that is what is logged and drawn. Tips stand in the order of ascending moments. The letters of
+/// the axes differ between the molecules on purpose:
 ///
 ///     tip               0 (I_A)   1 (I_B)   2 (I_C)
 ///     molecule 1, xyz      z         y         x

@@ -106,8 +106,8 @@ void append_fixed_field(std::string& record, double value, int width, int decima
   }
   std::array<char, kLongestFixed> buffer{};
   char* begin = buffer.data();
-  auto [end, error] = std::to_chars(begin, begin + buffer.size(), value, std::chars_format::fixed,
-                                    decimals);
+  auto [end, error] =
+      std::to_chars(begin, begin + buffer.size(), value, std::chars_format::fixed, decimals);
   if (decimals == 0) *end++ = '.';
   if (end - begin == width + 1) {  // one column too many: the zero before the point gives way
     char* first_digit = begin + (*begin == '-' ? 1 : 0);

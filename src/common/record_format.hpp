@@ -13,15 +13,16 @@ namespace dravo {
 /// Free-format integer: right-aligned in 11 columns.
 void append_free_integer(std::string& record, std::int32_t value);
 
-/// Free-format real: 17 significant digits, right-aligned in 25 columns. Fixed form followed by five
-/// blanks where 0.1 <= |value| < 1e17 and for zero, else exponent form with three exponent digits.
+/// Free-format real: 17 significant digits, right-aligned in 25 columns. Fixed form followed by
+/// five blanks where 0.1 <= |value| < 1e17 and for zero, else exponent form with three exponent
+/// digits.
 void append_free_real(std::string& record, double value);
 
 /// Iw: right-aligned; asterisks when the value does not fit.
 void append_integer_field(std::string& record, std::int32_t value, int width);
 
-/// Fw.d: correctly rounded from the binary value, right-aligned; the zero before the point is dropped
-/// when only that makes it fit; asterisks when nothing does. `NaN` and `Infinity` likewise.
+/// Fw.d: correctly rounded from the binary value, right-aligned; the zero before the point is
+/// dropped when only that makes it fit; asterisks when nothing does. `NaN` and `Infinity` likewise.
 void append_fixed_field(std::string& record, double value, int width, int decimals);
 
 /// Aw: a shorter text is right-aligned, a longer one is cut on the right.

@@ -50,8 +50,8 @@ std::optional<double> parse_non_finite(std::string_view text) {
   return std::nullopt;
 }
 
-/// The decimal exponent of a number, its letter optional when it has a sign. Empty when there is none.
-/// Returns false when `rest` is no exponent.
+/// The decimal exponent of a number, its letter optional when it has a sign. Empty when there is
+/// none. Returns false when `rest` is no exponent.
 bool take_exponent(std::string_view rest, std::string& exponent) {
   if (rest.empty()) return true;
   const char letter = lower(rest[0]);
@@ -69,8 +69,8 @@ bool take_exponent(std::string_view rest, std::string& exponent) {
   return !digits.empty() && rest.empty();
 }
 
-/// Tells the two ends of the range of a double apart, for a number that lies outside it. `exponent` is
-/// empty or of the form e12, e-12.
+/// Tells the two ends of the range of a double apart, for a number that lies outside it. `exponent`
+/// is empty or of the form e12, e-12.
 bool is_below_one(std::string_view before_point, std::string_view after_point,
                   std::string_view exponent) {
   const auto leading_zeros = [](std::string_view digits) {
@@ -187,10 +187,11 @@ void RecordReader::go_to_next_item(const Expected& expected) {
 
 RecordReader::Token RecordReader::item(const Expected& expected) {
   go_to_next_item(expected);
-  const Token token{position_, static_cast<std::size_t>(
-                                   std::find_if(text_.begin() + static_cast<std::ptrdiff_t>(position_),
-                                                text_.end(), is_separator) -
-                                   text_.begin())};
+  const Token token{
+      position_,
+      static_cast<std::size_t>(std::find_if(text_.begin() + static_cast<std::ptrdiff_t>(position_),
+                                            text_.end(), is_separator) -
+                               text_.begin())};
   position_ = token.end;
   return token;
 }
@@ -235,12 +236,13 @@ void RecordReader::refuse(Token token, const Expected& expected) const {
   constexpr std::size_t kShownBefore = 60;
   constexpr std::size_t kShownLine = 100;
 
-  const auto token_start = text_.begin() + static_cast<std::ptrdiff_t>(token.begin);
-  const auto line_number = std::count(text_.begin(), token_start, '\n') + 1;
-  const std::size_t previous_end = text_.substr(0, token.begin).rfind('\n');
+  const std::string_view text_before = text_.substr(0, token.begin);
+  const auto line_number = std::count(text_before.begin(), text_before.end(), '\n') + 1;
+  const std::size_t previous_end = text_before.rfind('\n');
   std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
   if (token.begin - start > kShownBefore) start = token.begin - kShownBefore;
-  std::string line = printable(text_.substr(start, end_of_line(start) - start).substr(0, kShownLine));
+  std::string line =
+      printable(text_.substr(start, end_of_line(start) - start).substr(0, kShownLine));
   line.erase(line.find_last_not_of(' ') + 1);
 
   const std::size_t columns =

@@ -18,11 +18,12 @@ struct Expected {
 };
 
 /// Reads the items of a text file. A statement begins on a new line (`next_statement`), takes the
-/// items it needs, and leaves the rest of that line unread; when a line runs out first, reading goes
-/// on at the next one. Blanks, tabs, carriage returns, line ends and at most one comma separate items.
+/// items it needs, and leaves the rest of that line unread; when a line runs out first, reading
+/// goes on at the next one. Blanks, tabs, carriage returns, line ends and at most one comma
+/// separate items.
 ///
-/// Whatever cannot be read throws IoFailure with file, line, what was expected and what stood there,
-/// and shows the line with a caret under it.
+/// Whatever cannot be read throws IoFailure with file, line, what was expected and what stood
+/// there, and shows the line with a caret under it.
 class RecordReader {
  public:
   /// `name` is the file's name in messages; `text` must outlive the reader.
@@ -37,12 +38,12 @@ class RecordReader {
   /// Optional sign and digits, in 32 bits.
   std::int32_t integer(const Expected& expected);
 
-  /// `3`, `3.`, `.5`, `+2.0`, `1e3`, `1.0D+01`, `1d1`, `1.0+5`, `NaN`, `Infinity`, in any case. A value
-  /// too large for a double is refused; one too small for it is zero.
+  /// `3`, `3.`, `.5`, `+2.0`, `1e3`, `1.0D+01`, `1d1`, `1.0+5`, `NaN`, `Infinity`, in any case. A
+  /// value too large for a double is refused; one too small for it is zero.
   double real(const Expected& expected);
 
-  /// The characters up to the next separator, or a text in quotes; the first two are kept, a shorter
-  /// one is padded with blanks.
+  /// The characters up to the next separator, or a text in quotes; the first two are kept, a
+  /// shorter one is padded with blanks.
   Label label(const Expected& expected);
 
  private:

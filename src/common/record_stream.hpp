@@ -47,7 +47,8 @@ class RecordStream {
 
   void attach(ByteSink* sink) { sink_ = sink; }
 
-  /// One free-format record. Items are texts, 32-bit integers, doubles, and vectors (three doubles).
+  /// One free-format record. Items are texts, 32-bit integers, doubles, and vectors (three
+  /// doubles).
   ///
   /// The record starts with one blank, which also separates its first item; a number is preceded by
   /// a blank, a text only when it follows a number.
@@ -67,8 +68,8 @@ class RecordStream {
     for (int i = 0; i < count; ++i) record(text);
   }
 
-  /// One record of fields with a stated format, without any blank that the fields do not hold. A bare
-  /// text stands as it is.
+  /// One record of fields with a stated format, without any blank that the fields do not hold. A
+  /// bare text stands as it is.
   template <class... Fields>
   void formatted(const Fields&... fields) {
     (field(fields), ...);

@@ -1,7 +1,7 @@
 /// Three-component vectors and 3 x 3 matrices, in the order of operations of the printed formulas.
 ///
-/// Sums run left to right (x, y, z), because users repeat these numbers by hand and compare the last
-/// digit.
+/// Sums run left to right (x, y, z), because users repeat these numbers by hand and compare the
+/// last digit.
 #pragma once
 
 #include <array>
@@ -28,11 +28,11 @@ constexpr Vec3 cross(const Vec3& a, const Vec3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// Square root as the power 0.5 of the C library, which differs from `sqrt` in the last digit for some
-/// values.
+/// Square root as the power 0.5 of the C library, which differs from `sqrt` in the last digit for
+/// some values.
 ///
-/// Not inline: where several calls stand side by side, an optimiser may turn them into one vector square
-/// root, and printed digits would depend on the build.
+/// Not inline: where several calls stand side by side, an optimiser may turn them into one vector
+/// square root, and printed digits would depend on the build.
 double half_power(double value);
 
 inline double modulus(const Vec3& a) { return half_power(dot(a, a)); }

@@ -20,11 +20,11 @@ struct Element {
 std::span<const Element> element_table();
 
 /// Resolves the labels of atoms 1..N: first as symbols (exact case), then as atomic numbers written
-/// from the first column ("6"), which are replaced by the symbol. Fills mass and atomic number of the
-/// rows; the mass is the widened single-precision value.
+/// from the first column ("6"), which are replaced by the symbol. Fills mass and atomic number of
+/// the rows; the mass is the widened single-precision value.
 ///
-/// An unknown label leaves its row as it was, mass 0 and atomic number 0. Returns the rows with such
-/// labels, ascending.
+/// An unknown label leaves its row as it was, mass 0 and atomic number 0. Returns the rows with
+/// such labels, ascending.
 std::vector<std::int32_t> resolve_elements(std::int32_t N, std::span<Label> isymbol,
                                            AtomTable newcoo_and_m);
 

@@ -104,8 +104,7 @@ PairOfFrames align_pair(const MoleculeSplit& split, AnalysisTables& tables, RunU
   PairOfFlags flags;
   PairOfFrames frames;
   for (int cycle = 0; cycle < kAlignmentCycles; ++cycle) {
-    if (cycle > 0)
-      tables.newcoo_and_m.copy_rows(tables.inicial_posicao_correta_coo_and_m, split.N);
+    if (cycle > 0) tables.newcoo_and_m.copy_rows(tables.inicial_posicao_correta_coo_and_m, split.N);
     tables.originalcoo_and_m.copy_rows(tables.newcoo_and_m, split.N);
     tables.auxiliar.copy_rows(tables.newcoo_and_m, split.N);
 

@@ -1,5 +1,6 @@
-/// From two molecules anywhere in space to frames on the laboratory axes and the Euler angles between
-/// them. A caller with tables of its own analyses a pair once and places it as often as it likes.
+/// From two molecules anywhere in space to frames on the laboratory axes and the Euler angles
+/// between them. A caller with tables of its own analyses a pair once and places it as often as it
+/// likes.
 #pragma once
 
 #include "common/atom_table.hpp"
@@ -17,8 +18,8 @@ struct AnalysisTables {
   AtomTable inicial_posicao_correta_coo_and_m;  ///< the same, handed to the next cycle
 };
 
-/// Three cycles of analysis and alignment. Afterwards molecule 2's centre of mass is the origin and its
-/// frame lies on the laboratory axes, in the returned frames and in `auxiliar`.
+/// Three cycles of analysis and alignment. Afterwards molecule 2's centre of mass is the origin and
+/// its frame lies on the laboratory axes, in the returned frames and in `auxiliar`.
 ///
 /// Throws RunStop for a symmetric molecule, and when the second alignment finds no rotation.
 PairOfFrames align_pair(const MoleculeSplit& split, AnalysisTables& tables, RunUnits& units);

@@ -37,8 +37,8 @@ WorkTables& work_tables() {
   return tables;
 }
 
-void warn_about_unknown_labels(const std::vector<std::int32_t>& rows, std::span<const Label> isymbol,
-                               RunUnits& units) {
+void warn_about_unknown_labels(const std::vector<std::int32_t>& rows,
+                               std::span<const Label> isymbol, RunUnits& units) {
   if (rows.empty()) return;
   units.warn("warning: unknown element labels count as mass 0: " +
              describe_unknown_labels(rows, isymbol));
@@ -78,8 +78,7 @@ void place_by_user(const MoleculeSplit& split, const SphericalPosition& user, Pa
 /// Identification: molecule 1 goes to the position measured where it stands. It moves only when
 /// molecule 2's centre of mass is not the origin. The centres of mass stay as analysed.
 void place_as_found(const MoleculeSplit& split, PairOfFrames& frames, WorkTables& tables) {
-  const Vec3 translation =
-      cartesian(measured_position(frames[0].cm, frames[1].cm)) - frames[0].cm;
+  const Vec3 translation = cartesian(measured_position(frames[0].cm, frames[1].cm)) - frames[0].cm;
   translate_rows(tables.aux, split.molecule1(), translation);
   tables.coo_and_m_transl.copy_rows(tables.aux, split.N);
   for (Vec3& tip : frames[0].tips) tip = tip + translation;
@@ -138,8 +137,8 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
   final_alpha = build ? alpha : 0.0;
   final_beta = build ? beta : 0.0;
   final_gamma = build ? gamma : 0.0;
-  const Matrix3 user_rotation = build ? euler_matrix(alpha, beta, gamma)
-                                      : euler_matrix(kNoTurn, kNoTurn, kNoTurn);
+  const Matrix3 user_rotation =
+      build ? euler_matrix(alpha, beta, gamma) : euler_matrix(kNoTurn, kNoTurn, kNoTurn);
   turn_rows(tables.auxiliar_paralelas, split.molecule1(), user_rotation, frames[0].cm);
 
   write_position_heading(units.log());

@@ -10,18 +10,18 @@
 
 namespace dravo {
 
-/// Mode flag of a run that applies the user's rotation and position. With any other flag the angles,
-/// r, theta and phi are identified from the geometry, and molecule 1 keeps its place.
+/// Mode flag of a run that applies the user's rotation and position. With any other flag the
+/// angles, r, theta and phi are identified from the geometry, and molecule 1 keeps its place.
 inline constexpr char kBuildMode = 'y';
 
 using WorkText = std::array<char, 10>;
 
 /// All arguments by reference, distances in Angstrom, angles in radians.
 ///
-/// `isymbol` and `newcoo_and_m` come with labels and positions; numeric labels are replaced by symbols,
-/// and the table is left as the alignment cycles moved it. `final_*` receive the rotation applied and
-/// the position measured after it. In identification mode `alpha`, `beta` and `gamma` receive the
-/// angles found, and the rotation applied is zero. Nothing is passed in `work_text`.
+/// `isymbol` and `newcoo_and_m` come with labels and positions; numeric labels are replaced by
+/// symbols, and the table is left as the alignment cycles moved it. `final_*` receive the rotation
+/// applied and the position measured after it. In identification mode `alpha`, `beta` and `gamma`
+/// receive the angles found, and the rotation applied is zero. Nothing is passed in `work_text`.
 ///
 /// The outputs go to `units`. Throws RunStop after a prescribed stop and IoFailure when an output
 /// cannot be written.

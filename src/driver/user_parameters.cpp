@@ -44,16 +44,16 @@ constexpr std::array<RangeCheck, 11> kRangeChecks{{
      " polar angle out of range. ", " Allowed: 0<theta<180 degrees "},
     {&UserParameters::alpha, Limit::below_zero, 0,  //
      " ALPHA Euler angle out of range!    ", " Allowed: 0<ALPHA<360 degrees "},
-    {&UserParameters::alpha, Limit::rounded_above, 360,
-     " ALPHA Euler angle out of range!    ", " Allowed: 0<ALPHA<360 degrees "},
+    {&UserParameters::alpha, Limit::rounded_above, 360, " ALPHA Euler angle out of range!    ",
+     " Allowed: 0<ALPHA<360 degrees "},
     {&UserParameters::beta, Limit::below_zero, 0,  //
      " BETA Euler angle out of range!    ", " Allowed: 0<BETA<180 degrees "},
-    {&UserParameters::beta, Limit::rounded_above, 180,
-     " Beta Euler angle out of range!    ", " Allowed: 0<beta<180 degrees "},
+    {&UserParameters::beta, Limit::rounded_above, 180, " Beta Euler angle out of range!    ",
+     " Allowed: 0<beta<180 degrees "},
     {&UserParameters::gamma, Limit::below_zero, 0,  //
      " GAMMA Euler angle out of range!    ", " Allowed: 0<GAMMA<360 degrees "},
-    {&UserParameters::gamma, Limit::rounded_above, 360,
-     " GAMMA Euler angle out of range!    ", " Allowed: 0<GAMMA<360 degrees "},
+    {&UserParameters::gamma, Limit::rounded_above, 360, " GAMMA Euler angle out of range!    ",
+     " Allowed: 0<GAMMA<360 degrees "},
 }};
 
 bool fails(const RangeCheck& check, double value) {
@@ -110,9 +110,9 @@ UserParameters prepare_parameters(const UserParameters& degrees, RecordStream& s
   apply_beta_zero_rule(user);
   check_ranges(user, screen);
   nudge_singular_values(user);
-  for (const Parameter angle : {&UserParameters::theta, &UserParameters::phi,
-                                &UserParameters::alpha, &UserParameters::beta,
-                                &UserParameters::gamma})
+  for (const Parameter angle :
+       {&UserParameters::theta, &UserParameters::phi, &UserParameters::alpha, &UserParameters::beta,
+        &UserParameters::gamma})
     user.*angle = user.*angle * kRadiansPerDegree;
   return user;
 }

@@ -15,8 +15,8 @@ struct UserParameters {
   double gamma = 0.0;
 };
 
-/// From the degrees of the input file to what the stages take: the beta-zero rule, the range checks,
-/// the nudging of singular values, the conversion to radians, in this order.
+/// From the degrees of the input file to what the stages take: the beta-zero rule, the range
+/// checks, the nudging of singular values, the conversion to radians, in this order.
 ///
 /// A value out of range is reported on `screen` and ends the run with RunStop.
 UserParameters prepare_parameters(const UserParameters& degrees, RecordStream& screen);

@@ -1,4 +1,5 @@
-/// Which principal axes have a direction that can be told from its opposite, and which way it points.
+/// Which principal axes have a direction that can be told from its opposite, and which way it
+/// points.
 #pragma once
 
 #include <array>
@@ -9,11 +10,12 @@
 
 namespace dravo {
 
-/// From the centre of mass of a molecule to its higher-Z-CM (Angstrom); empty when the higher-Z-CM lies
-/// too close to the centre of mass to serve as a reference.
+/// From the centre of mass of a molecule to its higher-Z-CM (Angstrom); empty when the higher-Z-CM
+/// lies too close to the centre of mass to serve as a reference.
 using ReferenceVector = std::optional<Vec3>;
 
-/// Angle between the reference vector and an axis, and between it and the reversed axis, in degrees.
+/// Angle between the reference vector and an axis, and between it and the reversed axis, in
+/// degrees.
 struct ReferenceAngles {
   double along = 0.0;
   double reversed = 0.0;
@@ -29,9 +31,9 @@ double angle_between(const Vec3& a, const Vec3& b);
 MoleculeReferenceAngles reference_angles(const MoleculeFrame& frame,
                                          const ReferenceVector& reference);
 
-/// An axis whose two angles differ by more than 10 degrees becomes distinguishable; its direction flag
-/// is -1.0 when the reversed axis is the one nearer to the reference. Direction flags start at 1.0 in
-/// every call; a distinguishable flag is never lowered.
+/// An axis whose two angles differ by more than 10 degrees becomes distinguishable; its direction
+/// flag is -1.0 when the reversed axis is the one nearer to the reference. Direction flags start
+/// at 1.0 in every call; a distinguishable flag is never lowered.
 void decide_directions(const MoleculeReferenceAngles& angles, AxisFlags& flags);
 
 /// `after_second_alignment` marks the table of the second cycle as adjusted.

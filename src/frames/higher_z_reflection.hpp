@@ -6,8 +6,8 @@
 
 namespace dravo {
 
-/// Reflects the tips whose direction flag is negative through the centre of mass, and sets these flags
-/// back to 1.0.
+/// Reflects the tips whose direction flag is negative through the centre of mass, and sets these
+/// flags back to 1.0.
 void reflect_towards_higher_z(MoleculeFrame& frame, AxisFlags& flags);
 
 /// The six tips before the reflections and after them.

@@ -28,8 +28,8 @@ constexpr Decided NNY{false, false, true};
 constexpr bool negative = false;
 constexpr bool positive = true;
 
-// Molecule, decided axes, A, B, C, sign of (A x B) . C, texts. The texts are part of the format: some
-// name another axis than the one computed, and their blanks differ from case to case.
+// Molecule, decided axes, A, B, C, sign of (A x B) . C, texts. The texts are part of the format:
+// some name another axis than the one computed, and their blanks differ from case to case.
 // clang-format off
 constexpr std::array<RightHandedCase, 16> kCases{{
     {1, NNN, z, y, x, negative,
@@ -193,8 +193,7 @@ std::optional<HandednessCheck> make_right_handed(int molecule, MoleculeFrame& fr
   const bool wrong_sign = found->positive ? before < 0.0 : before > 0.0;
   if (wrong_sign) frame.tips[found->C] = reflected(frame.tips[found->C], frame.cm);
   const double after = dot(normal, frame.axis(found->C));
-  return HandednessCheck{found,      modulus(A), modulus(B), modulus(normal),
-                         modulus(C), before,     after};
+  return HandednessCheck{found, modulus(A), modulus(B), modulus(normal), modulus(C), before, after};
 }
 
 void write_right_handed(RecordStream& log,

@@ -1,8 +1,9 @@
 /// Completes the axes of each molecule into a right-handed frame.
 ///
-/// Two axes are kept; the third is reversed when its triple product with them has the wrong sign. Which
-/// axis may be reversed depends on which directions are certain ("Y") and which are not ("N"): an axis
-/// that the reference angle decided is not touched while another one can take the correction.
+/// Two axes are kept; the third is reversed when its triple product with them has the wrong sign.
+/// Which axis may be reversed depends on which directions are certain ("Y") and which are not
+/// ("N"): an axis that the reference angle decided is not touched while another one can take the
+/// correction.
 #pragma once
 
 #include <array>
@@ -14,16 +15,16 @@
 
 namespace dravo {
 
-/// One of the eight combinations of certain and uncertain axes of one molecule. A and B are the kept
-/// axes, C the one that may be reversed.
+/// One of the eight combinations of certain and uncertain axes of one molecule. A and B are the
+/// kept axes, C the one that may be reversed.
 struct RightHandedCase {
-  int molecule;                      ///< 1 or 2
-  std::array<bool, 3> decided;       ///< distinguishable flags in tip order
-  std::size_t A;                     ///< tip indices
+  int molecule;                 ///< 1 or 2
+  std::array<bool, 3> decided;  ///< distinguishable flags in tip order
+  std::size_t A;                ///< tip indices
   std::size_t B;
   std::size_t C;
-  bool positive;                     ///< sign of (A x B) . C in a right-handed frame
-  const char* header;                ///< texts of the log; they name what they name
+  bool positive;                              ///< sign of (A x B) . C in a right-handed frame
+  const char* header;                         ///< texts of the log; they name what they name
   std::array<const char*, 3> modulus_labels;  ///< of A, B, C
   const char* cross_label;
   const char* dot_label;
@@ -45,8 +46,8 @@ struct HandednessCheck {
   double after;   ///< triple product as left
 };
 
-/// Reverses at most one axis of `frame`. A triple product of exactly zero, or a not-a-number, reverses
-/// nothing. Empty when the flags fit no case, which flags of 0.0 and 10.0 always do.
+/// Reverses at most one axis of `frame`. A triple product of exactly zero, or a not-a-number,
+/// reverses nothing. Empty when the flags fit no case, which flags of 0.0 and 10.0 always do.
 std::optional<HandednessCheck> make_right_handed(int molecule, MoleculeFrame& frame,
                                                  const AxisFlags& flags);
 

@@ -6,12 +6,12 @@
 
 namespace dravo {
 
-/// A molecule needs at least two distinguishable axes. The flags only ever rise during a run, so a pair
-/// that passed once passes in every later alignment cycle.
+/// A molecule needs at least two distinguishable axes. The flags only ever rise during a run, so a
+/// pair that passed once passes in every later alignment cycle.
 bool is_symmetric(const AxisFlags& flags);
 
-/// Explains on the screen and in the log which molecule is symmetric and throws RunStop; returns when
-/// neither is.
+/// Explains on the screen and in the log which molecule is symmetric and throws RunStop; returns
+/// when neither is.
 void stop_for_symmetric_molecules(const PairOfFlags& flags, RecordStream& screen,
                                   RecordStream& log);
 

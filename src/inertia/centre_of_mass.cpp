@@ -14,9 +14,7 @@ struct MassSums {
     mass += m;
     moment = moment + m * position;
   }
-  [[nodiscard]] Vec3 centre() const {
-    return {moment.x / mass, moment.y / mass, moment.z / mass};
-  }
+  [[nodiscard]] Vec3 centre() const { return {moment.x / mass, moment.y / mass, moment.z / mass}; }
 };
 
 }  // namespace

@@ -23,11 +23,11 @@ struct ElementCentre {
 };
 
 struct MassCentre {
-  Vec3 cm;                                                 ///< Angstrom; not-a-number without mass
+  Vec3 cm;  ///< Angstrom; not-a-number without mass
   std::array<ElementCentre, kHighestAtomicNumber> elements;  ///< entry Z - 1 is element Z
 
-  /// The higher-Z-CM: centre of the atoms of the highest atomic number present, however few they are.
-  /// Null when no atom has a known element.
+  /// The higher-Z-CM: centre of the atoms of the highest atomic number present, however few they
+  /// are. Null when no atom has a known element.
   [[nodiscard]] const ElementCentre* higher_z() const;
 };
 

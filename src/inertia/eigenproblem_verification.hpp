@@ -16,8 +16,8 @@ struct EigenProblem {
   MoleculeFrame frame;  ///< tips at these axes
 };
 
-/// tensor * v / moment for every axis of both molecules, beside the axis itself, and again for every
-/// axis reversed. Nothing is decided here.
+/// tensor * v / moment for every axis of both molecules, beside the axis itself, and again for
+/// every axis reversed. Nothing is decided here.
 ///
 /// Eigenvector 1 is called C in this section, 2 is B and 3 is A.
 void write_eigenproblem_verification(RecordStream& log,

@@ -32,12 +32,11 @@ Matrix3 inertia_tensor(const AtomTable& atoms, RowRange rows, const Vec3& cm) {
 PrincipalAxes principal_axes(const Matrix3& tensor) {
   const auto& [first, second, third] = tensor.row;
   // Symmetric, so the rows one behind the other are the columns one behind the other.
-  std::array<double, 9> a{first.x,  first.y,  first.z, second.x, second.y,
+  std::array<double, 9> a{first.x,  first.y, first.z, second.x, second.y,
                           second.z, third.x, third.y, third.z};
   PrincipalAxes axes{};
   diasym(a, axes.moments, 3);
-  for (std::size_t k = 0; k < 3; ++k)
-    axes.eigenvectors[k] = {a[3 * k], a[3 * k + 1], a[3 * k + 2]};
+  for (std::size_t k = 0; k < 3; ++k) axes.eigenvectors[k] = {a[3 * k], a[3 * k + 1], a[3 * k + 2]};
   return axes;
 }
 

@@ -60,9 +60,8 @@ double tilt_of(const MoleculeFrame& molecule2) {
 
 AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
                            const std::function<void()>& no_candidate_yet) {
-  const AxesMatchRule<FitConvention> rule(axes_of_molecule2(molecule2),
-                                          {kLaboratoryZ, kLaboratoryX, kLaboratoryY},
-                                          tilt_of(molecule2));
+  const AxesMatchRule<FitConvention> rule(
+      axes_of_molecule2(molecule2), {kLaboratoryZ, kLaboratoryX, kLaboratoryY}, tilt_of(molecule2));
   BestPoint best;
   int improvements = 0;
   ScanPass pass = first_scan_pass();

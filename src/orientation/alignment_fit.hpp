@@ -22,8 +22,8 @@ struct AlignmentFit {
 /// Angle between molecule 2's Z axis and the laboratory z axis, 0 to pi.
 double tilt_of(const MoleculeFrame& molecule2);
 
-/// Ten passes, whatever their outcome. `no_candidate_yet` is called at the end of each pass as long as
-/// no pass has accepted a point; what it throws ends the fit.
+/// Ten passes, whatever their outcome. `no_candidate_yet` is called at the end of each pass as long
+/// as no pass has accepted a point; what it throws ends the fit.
 AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
                            const std::function<void()>& no_candidate_yet);
 
@@ -45,8 +45,8 @@ class AlignmentMotion {
 /// The warning of a pass without a candidate, on both units.
 void write_no_guess_angle_warning(RecordStream& screen, RecordStream& log);
 
-/// What follows the warning when the second alignment finds nothing in its first pass. The run cannot
-/// go on after it.
+/// What follows the warning when the second alignment finds nothing in its first pass. The run
+/// cannot go on after it.
 void write_second_alignment_error(RecordStream& screen, RecordStream& log);
 
 }  // namespace dravo

@@ -22,14 +22,14 @@ struct EulerSearchWatcher {
   /// An accepted grid point, before it is ranked against `parametro_diferencas`.
   std::function<void(const EulerAngles& point, const AxesMatch& match, double parametro_diferencas)>
       accepted = [](const auto&...) {};
-  /// The end of pass `number`, with the best point so far and the pass that comes next. Pass 10 has a
-  /// next one as well, which is not made.
+  /// The end of pass `number`, with the best point so far and the pass that comes next. Pass 10 has
+  /// a next one as well, which is not made.
   std::function<void(int number, const BestPoint& best, const ScanPass& next, double beta)>
       pass_done = [](const auto&...) {};
 };
 
-/// Molecule 2's centre of mass must be the origin: its tips are taken as its axes. Empty when the first
-/// pass accepts no point.
+/// Molecule 2's centre of mass must be the origin: its tips are taken as its axes. Empty when the
+/// first pass accepts no point.
 std::optional<EulerAngles> search_euler_angles(const PairOfFrames& frames,
                                                const EulerSearchWatcher& watcher);
 

@@ -1,9 +1,9 @@
 /// The grid scan that both searches share: three axes are turned at every point of a grid of two
 /// angles and compared with three target axes.
 ///
-/// Two things are kept apart. `AxesMatchRule` decides whether a grid point is accepted and how good it
-/// is; `walk_grid` only visits points in order. The third angle, in the middle of the product, is fixed
-/// by geometry.
+/// Two things are kept apart. `AxesMatchRule` decides whether a grid point is accepted and how good
+/// it is; `walk_grid` only visits points in order. The third angle, in the middle of the product,
+/// is fixed by geometry.
 #pragma once
 
 #include <array>
@@ -21,8 +21,8 @@ namespace dravo {
 
 inline constexpr int kScanPasses = 10;
 
-/// One pass over the grid. Both angles start anew, advance by repeated addition of the step, and take
-/// `points` values each.
+/// One pass over the grid. Both angles start anew, advance by repeated addition of the step, and
+/// take `points` values each.
 struct ScanPass {
   double outer_start;  ///< radians
   double inner_start;  ///< radians
@@ -37,8 +37,8 @@ inline ScanPass first_scan_pass() {
   return {0.0, 0.0, step, step, nearest_integer(2.0 * kPi / step)};
 }
 
-/// The pass after pass number `done`: ten times finer, from ten old steps below the best point. It is
-/// lopsided on purpose: it reaches farther above the best point than below.
+/// The pass after pass number `done`: ten times finer, from ten old steps below the best point. It
+/// is lopsided on purpose: it reaches farther above the best point than below.
 inline ScanPass refined_scan_pass(const ScanPass& pass, int done, double best_outer,
                                   double best_inner) {
   constexpr double unit = widened(0.001F);
@@ -76,7 +76,7 @@ struct AxisDeviation {
 
 /// An accepted grid point.
 struct AxesMatch {
-  std::int32_t verificador;                  ///< ten points for each component within tolerance
+  std::int32_t verificador;                 ///< ten points for each component within tolerance
   std::array<AxisDeviation, 3> deviations;  ///< z, x, y
   double soma_diferencas;                   ///< sum of the three deviations, degrees
 };
@@ -107,21 +107,22 @@ class AxesMatchRule {
       turned[k] = rotation * moving_[k];
       verificador += component_score(turned[k], target_[k], tolerance);
     }
-    if (verificador != kFullScore || is_excluded(outer.radians, inner.radians))
-      return std::nullopt;
+    if (verificador != kFullScore || is_excluded(outer.radians, inner.radians)) return std::nullopt;
 
     AxesMatch match{verificador, {}, 0.0};
     for (std::size_t k = 0; k < 3; ++k) match.deviations[k] = deviation(target_[k], turned[k]);
-    match.soma_diferencas = match.deviations[0].degrees + match.deviations[1].degrees +
-                            match.deviations[2].degrees;
+    match.soma_diferencas =
+        match.deviations[0].degrees + match.deviations[1].degrees + match.deviations[2].degrees;
     return match;
   }
 
  private:
   static std::int32_t component_score(const Vec3& turned, const Vec3& target, double tolerance) {
     const Vec3 difference = turned - target;
-    return 10 * ((std::abs(difference.x) < tolerance) + (std::abs(difference.y) < tolerance) +
-                 (std::abs(difference.z) < tolerance));
+    std::int32_t score = 0;
+    for (const double component : {difference.x, difference.y, difference.z})
+      if (std::abs(component) < tolerance) score += 10;
+    return score;
   }
 
   /// Negative angles, and past the full turn when only the sum of the two angles has a meaning.

@@ -10,8 +10,8 @@ namespace dravo {
 /// Turns rows about a point: p' = rotation (p - centre) + centre.
 void turn_rows(AtomTable atoms, RowRange rows, const Matrix3& rotation, const Vec3& centre);
 
-/// Turns molecule 1 by the transpose of the found rotation about its own centre of mass, so that its
-/// frame xyz lies on molecule 2's frame XYZ.
+/// Turns molecule 1 by the transpose of the found rotation about its own centre of mass, so that
+/// its frame xyz lies on molecule 2's frame XYZ.
 void align_molecule1(AtomTable auxiliar_paralelas, RowRange molecule1, const EulerAngles& found,
                      const Vec3& cm1);
 

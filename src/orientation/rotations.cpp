@@ -1,6 +1,6 @@
 #include "orientation/rotations.hpp"
 
-#include <math.h>  // sincos is an extension of the C library
+#include <cmath>
 
 namespace dravo {
 

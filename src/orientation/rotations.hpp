@@ -1,13 +1,14 @@
 /// Euler rotation matrices.
 ///
-/// A = Rz(gamma) Ry(beta) Rz(alpha), z-y-z, built from elementary rotations that transform coordinates:
+/// A = Rz(gamma) Ry(beta) Rz(alpha), z-y-z, built from elementary rotations that transform
+/// coordinates:
 ///
 ///     |  ca cb cg - sa sg    sa cb cg + ca sg   -sb cg |
 ///     | -ca cb sg - sa cg    ca cg - sa cb sg    sb sg |
 ///     |  ca sb               sa sb               cb    |
 ///
-/// A carries molecule 2's axes onto molecule 1's; its transpose carries molecule 1 back onto molecule
-/// 2's frame. The user's angles turn molecule 1 with A itself.
+/// A carries molecule 2's axes onto molecule 1's; its transpose carries molecule 1 back onto
+/// molecule 2's frame. The user's angles turn molecule 1 with A itself.
 #pragma once
 
 #include "common/vector.hpp"

@@ -19,8 +19,8 @@ void write_pair(RecordStream& out, const ShortContact& contact, std::span<const 
     return Aw{text_of(isymbol[static_cast<std::size_t>(row)]), 2};
   };
   out.formatted(symbol(contact.atom1), Iw{contact.atom1 + 1, 6}, Aw{" .. ", 4},
-                symbol(contact.atom2), Iw{contact.atom2 + 1, 6}, " dist:",
-                Fwd{contact.distance, 7, 3});
+                symbol(contact.atom2), Iw{contact.atom2 + 1, 6},
+                " dist:", Fwd{contact.distance, 7, 3});
 }
 
 }  // namespace
@@ -44,8 +44,7 @@ std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
 }
 
 void write_short_contacts(RecordStream& screen, RecordStream& log,
-                          std::span<const ShortContact> contacts,
-                          std::span<const Label> isymbol) {
+                          std::span<const ShortContact> contacts, std::span<const Label> isymbol) {
   for (const ShortContact& contact : contacts) {
     log.record(" intermolecular distance ");
     log.record(" smaller than 1.9 Angstrons");

@@ -16,8 +16,8 @@ struct ShortContact {
   double distance;     ///< Angstrom
 };
 
-/// Every intermolecular pair at 1.9 Angstrom (single precision) or less, the threshold included, ordered
-/// by the atoms of molecule 1, then of molecule 2.
+/// Every intermolecular pair at 1.9 Angstrom (single precision) or less, the threshold included,
+/// ordered by the atoms of molecule 1, then of molecule 2.
 std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
                                               const MoleculeSplit& split);
 
