@@ -34,8 +34,10 @@ std::string_view take_digits(std::string_view& rest) {
 }
 
 std::optional<std::int32_t> parse_integer(std::string_view text) {
-  if (text.starts_with('+')) text.remove_prefix(1);
-  if (text.empty() || (starts_with_sign(text) && text[0] == '+')) return std::nullopt;
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (starts_with_sign(text)) return std::nullopt;
+  }
   std::int32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
@@ -78,9 +80,11 @@ bool is_below_one(std::string_view before_point, std::string_view after_point,
   };
   std::int64_t shift = 0;
   if (!exponent.empty()) {
+    constexpr std::int64_t kBeyondAnyFile = 1'000'000'000'000'000'000;  // keeps the sum in range
     const char* const end = exponent.data() + exponent.size();
     if (std::from_chars(exponent.data() + 1, end, shift).ec != std::errc{})
       return exponent.starts_with("e-");
+    shift = std::clamp(shift, -kBeyondAnyFile, kBeyondAnyFile);
   }
   const std::size_t zeros = leading_zeros(before_point);
   const auto digits_before_point = zeros < before_point.size()

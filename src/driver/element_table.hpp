@@ -29,7 +29,7 @@ std::vector<std::int32_t> resolve_elements(std::int32_t N, std::span<Label> isym
                                            AtomTable newcoo_and_m);
 
 /// One line that names the unknown labels with their atom numbers, for example
-/// `D (atoms 3-5, 9), c (atom 12)`. Empty for no rows.
+/// `"D" (atoms 3-5, 9), "c" (atom 12)`. Empty for no rows.
 std::string describe_unknown_labels(std::span<const std::int32_t> rows,
                                     std::span<const Label> isymbol);
 

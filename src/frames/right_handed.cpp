@@ -147,9 +147,14 @@ constexpr std::array<RightHandedCase, 16> kCases{{
 }};
 // clang-format on
 
-Decided decided_axes(const AxisFlags& flags) {
+/// Empty unless every flag is 0 or 10.
+std::optional<Decided> decided_axes(const AxisFlags& flags) {
   Decided decided{};
-  for (std::size_t k = 0; k < 3; ++k) decided[k] = nearest_integer(flags.distinguishable[k]) == 10;
+  for (std::size_t k = 0; k < 3; ++k) {
+    const std::int32_t flag = nearest_integer(flags.distinguishable[k]);
+    if (flag != 0 && flag != 10) return std::nullopt;
+    decided[k] = flag == 10;
+  }
   return decided;
 }
 
@@ -179,9 +184,9 @@ const std::array<RightHandedCase, 16>& right_handed_cases() { return kCases; }
 
 std::optional<HandednessCheck> make_right_handed(int molecule, MoleculeFrame& frame,
                                                  const AxisFlags& flags) {
-  const Decided decided = decided_axes(flags);
+  const auto decided = decided_axes(flags);
   const auto* const found = std::find_if(kCases.begin(), kCases.end(), [&](const auto& entry) {
-    return entry.molecule == molecule && entry.decided == decided;
+    return entry.molecule == molecule && decided == entry.decided;
   });
   if (found == kCases.end()) return std::nullopt;
 

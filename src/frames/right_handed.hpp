@@ -47,7 +47,7 @@ struct HandednessCheck {
 };
 
 /// Reverses at most one axis of `frame`. A triple product of exactly zero, or a not-a-number,
-/// reverses nothing. Empty when the flags fit no case, which flags of 0.0 and 10.0 always do.
+/// reverses nothing. Empty, and the frame unchanged, when a flag is neither 0.0 nor 10.0.
 std::optional<HandednessCheck> make_right_handed(int molecule, MoleculeFrame& frame,
                                                  const AxisFlags& flags);
 

@@ -21,8 +21,7 @@ void write_eigenvectors(RecordStream& log, int molecule, const PrincipalAxes& ax
   log.blank();
   log.record(" EIGENVECTORS: A eigen1, B eigen 2, C eigen 3 ");
   log.record(
-      " for asymmetric top:                                  I_A (blue) < I_B (green) < I_C "
-      "(red) ");
+      " for asymmetric top:                                  I_A (blue) < I_B (green) < I_C (red) ");
   log.record(" I A  (eigenvector 1)  (blue)");
   log.record(" I B  (eigenvector 2)  (green)");
   log.record(" I C  (eigenvector 3)  (red)");

@@ -12,7 +12,8 @@
 
 namespace dravo::test {
 
-/// An atom by its element symbol; an unknown symbol stands for an atom of mass 0 and atomic number 0.
+/// An atom by its element symbol; an unknown symbol stands for an atom of mass 0 and atomic number
+/// 0.
 struct Atom {
   std::string_view symbol;
   Vec3 position;

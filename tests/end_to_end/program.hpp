@@ -1,0 +1,94 @@
+/// Runs the built program in a temporary folder.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+#include "support/sample_input.hpp"
+
+namespace dravo::test {
+
+/// A new empty folder that goes with its owner.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "qn-dravo-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+    path_ = name;
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(path_ / name, std::ios::binary) << text;
+  }
+
+  /// Every file of the folder but the input.
+  [[nodiscard]] std::map<std::string, std::string> outputs() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+      const std::string name = entry.path().filename().string();
+      if (name != "QN-input-GEOMETRY.xyz" && entry.is_regular_file())
+        files[name] = file_text(entry.path().string());
+    }
+    return files;
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+struct Outcome {
+  int status = -1;  ///< exit status, -1 when a signal ended the program
+  std::string screen;
+  std::string messages;
+  std::map<std::string, std::string> files;
+};
+
+/// Runs `program` in `folder` with nothing on standard input.
+inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO_PROGRAM) {
+  const TemporaryFolder streams;
+  const std::string screen = (streams.path() / "stdout").string();
+  const std::string messages = (streams.path() / "stderr").string();
+  const pid_t child = ::fork();
+  if (child < 0) throw std::runtime_error("fork failed");
+  if (child == 0) {
+    const auto redirect = [](int target, const char* path, int flags) {
+      const int descriptor = ::open(path, flags, 0600);
+      if (descriptor < 0 || ::dup2(descriptor, target) < 0) ::_exit(126);
+    };
+    redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
+    redirect(STDOUT_FILENO, screen.c_str(), O_WRONLY | O_CREAT);
+    redirect(STDERR_FILENO, messages.c_str(), O_WRONLY | O_CREAT);
+    if (::chdir(folder.path().c_str()) != 0) ::_exit(126);
+    ::execl(program, program, static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, file_text(screen), file_text(messages),
+          folder.outputs()};
+}
+
+/// Runs the program on the text of an input file.
+inline Outcome run_on(const std::string& input, const char* program = DRAVO_PROGRAM) {
+  const TemporaryFolder folder;
+  folder.write("QN-input-GEOMETRY.xyz", input);
+  return run_in(folder, program);
+}
+
+}  // namespace dravo::test

@@ -1,0 +1,239 @@
+/// Every way in which a run ends early: its messages, its status, and the files it leaves.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+
+#include "end_to_end/program.hpp"
+
+namespace dravo::test {
+namespace {
+
+const std::string kBanner =
+    "   \n   \n   \n  QN-DRAVO Version 1.14 \n   \n  QN-DRAVO Developers \n"
+    "  Please cite the QN-DRAVO manual\n   \n   \n";
+
+const std::string kTooFewAtoms =
+    "  This version allow the study of entities \n  with more than 2 atoms \n";
+
+enum Parameter { r, theta, phi, alpha, beta, gamma_ };
+
+struct EarlyStop {
+  const char* name;
+  std::function<void(SampleInput&)> change;  ///< applied to the formamide dimer
+  std::string screen;                        ///< whole standard output
+};
+
+void PrintTo(const EarlyStop& stop, std::ostream* out) { *out << stop.name; }
+
+auto set(Parameter parameter, const char* value) {
+  return [=](SampleInput& pair) { pair.parameters[parameter] = value; };
+}
+
+std::string range_failure(const std::string& message, const std::string& allowed,
+                          const std::string& value) {
+  return " " + message + "\n " + allowed + "\n  User value :" + value + "\n  program stopped\n";
+}
+
+const std::vector<EarlyStop> kEarlyStops{
+    {"two atoms in molecule 1", [](SampleInput& pair) { pair.n1 = 2; },
+     kTooFewAtoms + "  ERROR \t\n"},
+    {"five atoms in all",
+     [](SampleInput& pair) {
+       pair.atoms.resize(5);
+       pair.n1 = 3;
+     },
+     kTooFewAtoms + "  ERROR \n"},
+    {"negative r", set(r, "-1.5"),
+     range_failure(" negative r not allowed! ", " Allowed: r>0", "  -1.5000000000000000     ")},
+    {"negative phi", set(phi, "-0.2"),
+     range_failure(" azimuth angle out of range! ", " Allowed: 0<phi<360", "           0")},
+    {"phi past the turn", set(phi, "360.5"),
+     range_failure(" azimuth angle out of range. ", " Allowed: 0<phi<360 degrees ",
+                   "         361")},
+    {"negative theta", set(theta, "-7"),
+     range_failure(" polar angle out of range! ", " Allowed: 0<theta<180", "          -7")},
+    {"theta past the pole", set(theta, "180.5"),
+     range_failure(" polar angle out of range. ", " Allowed: 0<theta<180 degrees ",
+                   "         181")},
+    {"alpha past the turn", set(alpha, "400"),
+     range_failure(" ALPHA Euler angle out of range!    ", " Allowed: 0<ALPHA<360 degrees ",
+                   "         400")},
+    {"negative beta", set(beta, "-1"),
+     range_failure(" BETA Euler angle out of range!    ", " Allowed: 0<BETA<180 degrees ",
+                   "          -1")},
+    {"beta too large", set(beta, "181"),
+     range_failure(" Beta Euler angle out of range!    ", " Allowed: 0<beta<180 degrees ",
+                   "         181")},
+    {"negative gamma", set(gamma_, "-90"),
+     range_failure(" GAMMA Euler angle out of range!    ", " Allowed: 0<GAMMA<360 degrees ",
+                   "         -90")},
+    {"distance that fits no file name", set(r, "9999.95"),
+     kBanner + "  distance between molecules greater than \n  9999.9 Angstrons \n"
+               "  name file error \n"},
+};
+
+class BeforeAnyFile : public ::testing::TestWithParam<EarlyStop> {};
+
+TEST_P(BeforeAnyFile, StopsWithItsMessageAndStatusZero) {
+  SampleInput pair = sample("formamide-dimer");
+  GetParam().change(pair);
+  const Outcome outcome = run_on(pair.text());
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.screen, GetParam().screen);
+  EXPECT_EQ(outcome.messages, "");
+  EXPECT_TRUE(outcome.files.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Stops, BeforeAnyFile, ::testing::ValuesIn(kEarlyStops));
+
+TEST(Capacity, OneAtomTooManyStopsAfterAllLinesWereRead) {
+  const SampleInput pair = sample("formamide-dimer");
+  std::string atoms;
+  for (int i = 0; i < 150001; ++i) atoms += "H 0 0 0\n";
+  const Outcome outcome = run_on("150001\n" + atoms + "n1\n6\nposition\n");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.screen, "  max number of atoms -150000 -exceeded \n");
+  EXPECT_TRUE(outcome.files.empty());
+}
+
+std::string explanation(const std::string& molecule, const std::string& frame) {
+  return "     \n     \n  Molecule " + molecule + " is symmetric concerning \n" +
+         "  evaluation of a particular axis of inertia \n"
+         "  It is not possible to undoubtedly define \n " +
+         frame +
+         "\n  based on the higher-Z-CM procedure.\n"
+         "  Such issue is under investigation at ZPL \n"
+         "  The program cannot proceed \n     \n     \n";
+}
+
+const std::string kMolecule1 = explanation("1", " a unique xyz system, ");
+const std::string kMolecule2OnScreen = explanation("2", " a unique XYZ reference system, ");
+const std::string kMolecule2InLog = explanation("2", " a unique ZYZ reference system, ");
+const std::string kStopOnScreen = "   \n  program stopped\n  version: QN-DRAVO 1.14 \n   \n";
+const std::string kStopInLog = "   \n  program stopped\n  version: QN-DRAVO 1.14 \n  rev.: ST11 \n";
+
+struct SymmetricPair {
+  const char* name;
+  const char* molecule1;  ///< sample that molecule 1 comes from
+  const char* molecule2;
+  std::string screen;
+  std::string log_end;
+};
+
+void PrintTo(const SymmetricPair& pair, std::ostream* out) { *out << pair.name; }
+
+// Water's oxygen lies on its twofold axis, so only that axis has a direction; formamide has two.
+const std::vector<SymmetricPair> kSymmetricPairs{
+    {"both", "water-dimer", "water-dimer", kMolecule1 + kMolecule2OnScreen + kStopOnScreen,
+     kMolecule1 + kMolecule2InLog + kStopInLog},
+    {"molecule 1", "water-dimer", "formamide-dimer", kMolecule1 + kStopOnScreen,
+     kMolecule1 + kStopInLog},
+    {"molecule 2", "formamide-dimer", "water-dimer", kMolecule2OnScreen + kStopOnScreen,
+     kMolecule2InLog + kStopInLog},
+};
+
+class SymmetricMolecules : public ::testing::TestWithParam<SymmetricPair> {};
+
+TEST_P(SymmetricMolecules, StopWithAnExplanationOnScreenAndInTheLog) {
+  SampleInput pair = sample(GetParam().molecule1);
+  const SampleInput partner = sample(GetParam().molecule2);
+  pair.atoms.resize(pair.n1);
+  pair.atoms.insert(pair.atoms.end(),
+                    partner.atoms.begin() + static_cast<std::ptrdiff_t>(partner.n1),
+                    partner.atoms.end());
+  const Outcome outcome = run_on(pair.text());
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.screen, kBanner + GetParam().screen);
+  ASSERT_EQ(outcome.files.size(), 1U) << "nothing but the log is written";
+  const std::string& log = outcome.files.at("QN-LOG-PARAM.txt");
+  EXPECT_TRUE(log.ends_with(GetParam().log_end));
+}
+
+INSTANTIATE_TEST_SUITE_P(Pairs, SymmetricMolecules, ::testing::ValuesIn(kSymmetricPairs));
+
+TEST(MoreAtomsInMolecule1ThanInAll, LeavesMolecule2EmptyAndStops) {
+  for (const std::size_t n1 : {std::size_t{13}, std::size_t{200000}, std::size_t{2147483647}}) {
+    SampleInput pair = sample("formamide-dimer");
+    pair.n1 = n1;
+    const Outcome outcome = run_on(pair.text());
+    EXPECT_EQ(outcome.status, 0) << n1;
+    EXPECT_NE(outcome.screen.find(kMolecule2OnScreen + kStopOnScreen), std::string::npos) << n1;
+    EXPECT_NE(outcome.files.at("QN-LOG-PARAM.txt").find("NaN"), std::string::npos)
+        << "the centre of no mass";
+  }
+}
+
+struct Failure {
+  const char* name;
+  std::function<std::string(const SampleInput&)> input;
+  std::string message;  ///< whole standard error
+};
+
+void PrintTo(const Failure& failure, std::ostream* out) { *out << failure.name; }
+
+const std::vector<Failure> kFailures{
+    {"unreadable azimuth",
+     [](const SampleInput& pair) {
+       SampleInput changed = pair;
+       changed.parameters[phi] = "9o";
+       return changed.text();
+     },
+     "qn-dravo: QN-input-GEOMETRY.xyz:19: expected the azimuth phi in degrees (a number), found "
+     "\"9o\"\n9o\n^^\n"},
+    {"comment line after the count",
+     [](const SampleInput& pair) {
+       const std::string text = pair.text();
+       return text.substr(0, 3) + "formamide dimer\n" + text.substr(3);
+     },
+     "qn-dravo: QN-input-GEOMETRY.xyz:2: expected the x coordinate in Angstrom (a number) of atom "
+     "1, found \"dimer\"\nformamide dimer\n          ^^^^^\n"},
+    {"closing line missing",
+     [](const SampleInput& pair) {
+       const std::string text = pair.text();
+       return text.substr(0, text.size() - 4);
+     },
+     "qn-dravo: QN-input-GEOMETRY.xyz:24: expected the line after the Euler angle gamma, found the "
+     "end of the file\n"},
+    {"empty file", [](const SampleInput&) { return std::string(); },
+     "qn-dravo: QN-input-GEOMETRY.xyz:1: expected the total number of atoms (an integer), found "
+     "the end of the file\n"},
+};
+
+class UnreadableInput : public ::testing::TestWithParam<Failure> {};
+
+TEST_P(UnreadableInput, IsOneMessageAndStatusTwo) {
+  const Outcome outcome = run_on(GetParam().input(sample("formamide-dimer")));
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.screen, "");
+  EXPECT_EQ(outcome.messages, GetParam().message);
+  EXPECT_TRUE(outcome.files.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Failures, UnreadableInput, ::testing::ValuesIn(kFailures));
+
+TEST(MissingInput, IsAFailureThatCreatesNoFile) {
+  const TemporaryFolder folder;
+  const Outcome outcome = run_in(folder);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.screen, "");
+  EXPECT_EQ(outcome.messages,
+            "qn-dravo: QN-input-GEOMETRY.xyz: cannot read: No such file or directory\n");
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(BlockedOutput, NamesTheFileAndLeavesTheLogReadable) {
+  const TemporaryFolder folder;
+  folder.write("QN-input-GEOMETRY.xyz", file_text(sample_path("formamide-dimer")));
+  std::filesystem::create_directory(folder.path() / "input-GEOMETRY.xyz");
+  const Outcome outcome = run_in(folder);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages,
+            "qn-dravo: input-GEOMETRY.xyz: cannot put in place: Is a directory\n");
+  ASSERT_EQ(outcome.files.size(), 1U) << "no pair poses as a result";
+  EXPECT_NE(outcome.files.at("QN-LOG-PARAM.txt").find("CHANGING POSITION ACCORDING TO USER"),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace dravo::test
