@@ -74,8 +74,8 @@ struct RowRange {
 
 /// How a table divides into molecules: rows 1..n1 are molecule 1, rows n1+1..N molecule 2.
 ///
-/// n1 may exceed N. The rows past N are empty (mass 0, atomic number 0) and add nothing to any sum,
-/// so molecule 1 ends at N then, and molecule 2 has no atoms.
+/// n1 may exceed N. The rows past N count as empty (mass 0, atomic number 0) and would add
+/// nothing to any sum, so molecule 1 ends at N then, and molecule 2 has no atoms.
 struct MoleculeSplit {
   std::int32_t N;
   std::int32_t n1;

@@ -42,9 +42,10 @@ class DescriptorSink : public ByteSink {
 
 class FileSink final : public DescriptorSink {
  public:
+  /// `name` is the file that a reader of a later message knows.
   FileSink(const std::string& path, const std::string& name)
       : DescriptorSink(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666), name) {
-    if (descriptor_ < 0) fail(name_, "open for writing");
+    if (descriptor_ < 0) fail(path, "open for writing");
   }
   FileSink(const FileSink&) = delete;
   FileSink& operator=(const FileSink&) = delete;
@@ -52,8 +53,8 @@ class FileSink final : public DescriptorSink {
     if (descriptor_ >= 0) ::close(descriptor_);
   }
 
-  void close() {
-    if (::close(std::exchange(descriptor_, -1)) != 0) fail(name_, "write");
+  void close() override {
+    if (descriptor_ >= 0 && ::close(std::exchange(descriptor_, -1)) != 0) fail(name_, "write");
   }
 };
 
@@ -65,8 +66,8 @@ std::unique_ptr<ByteSink> WorkingDirectory::open(const std::string& name) {
 
 void WorkingDirectory::replace(const std::string& name, std::string_view contents) {
   const std::string unfinished = name + ".part";
+  FileSink file(unfinished, name);
   try {
-    FileSink file(unfinished, name);
     file.write(contents);
     file.close();
     if (std::rename(unfinished.c_str(), name.c_str()) != 0) fail(name, "put in place");

@@ -229,7 +229,7 @@ Label RecordReader::label(const Expected& expected) {
   const bool quoted = text_[position_] == '\'' || text_[position_] == '"';
   const Token token = quoted ? quoted_item(expected) : item(expected);
   const std::string_view text = view(token);
-  if (!quoted && !is_plain_label(text)) refuse(token, expected);
+  if (text.empty() || (!quoted && !is_plain_label(text))) refuse(token, expected);
   Label label{' ', ' '};
   std::copy_n(text.begin(), std::min(text.size(), label.size()), label.begin());
   return label;

@@ -43,7 +43,7 @@ class RecordReader {
   double real(const Expected& expected);
 
   /// The characters up to the next separator, or a text in quotes; the first two are kept, a
-  /// shorter one is padded with blanks.
+  /// shorter one is padded with blanks. An empty text is no label.
   Label label(const Expected& expected);
 
  private:

@@ -21,6 +21,9 @@ class ByteSink {
 
   /// Takes all bytes or throws IoFailure.
   virtual void write(std::string_view bytes) = 0;
+
+  /// Nothing more will come. Throws IoFailure when the system could not keep what it took.
+  virtual void close() {}
 };
 
 /// Fields of a record with a stated format.

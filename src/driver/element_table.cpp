@@ -1,5 +1,6 @@
 #include "driver/element_table.hpp"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <optional>
@@ -96,8 +97,10 @@ std::string describe_unknown_labels(std::span<const std::int32_t> rows,
   std::string text;
   for (const auto& [label, atoms] : atoms_of_label) {
     if (!text.empty()) text += ", ";
-    std::string_view shown = text_of(label);
-    if (shown.ends_with(' ')) shown.remove_suffix(1);
+    std::string shown(text_of(label));
+    if (shown.ends_with(' ')) shown.pop_back();
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
     text.append("\"").append(shown).append("\" (atom");
     text.append(atoms.size() > 1 ? "s " : " ").append(ranges_of(atoms)).append(")");
   }

@@ -70,7 +70,7 @@ InputGeometry read_input(RecordReader& input, AtomTable icoo_and_m, AtomTable ne
     screen.record(" max number of atoms -150000 -exceeded ");
     throw RunStop{};
   }
-  // The rows past N are zero in both tables and need no copy.
+  // No stage reads a row past N.
   newcoo_and_m.copy_rows(icoo_and_m, split.N);
 
   const UserParameters degrees = read_parameters(input);

@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <exception>
 #include <string>
 
@@ -13,12 +15,12 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kInputOutputFailure = 2;
 
-/// A message about standard error itself has nowhere to go.
-void report(dravo::ByteSink& messages, const std::string& text) noexcept {
-  try {
-    messages.write(dravo::kMessagePrefix + text + "\n");
-  } catch (const std::exception&) {
-  }
+/// Whoever reads the screen may go away, or may never have been there: both must end as a failed
+/// write, not by a signal, and not with screen output in a file that took the free descriptor.
+void secure_standard_streams() {
+  std::signal(SIGPIPE, SIG_IGN);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (::fcntl(stream, F_GETFD) == -1) ::open("/dev/null", O_RDONLY);
 }
 
 void run_in_working_directory(dravo::RunUnits& units) {
@@ -27,12 +29,22 @@ void run_in_working_directory(dravo::RunUnits& units) {
   } catch (const dravo::RunStop&) {
     // Prescribed: the messages are written, and the run ends like any other.
   }
-  units.flush();
+  units.finish();
+}
+
+/// What was found out before a failure stays readable.
+void finish_after_failure(dravo::RunUnits& units) {
+  try {
+    units.finish();
+  } catch (const std::exception&) {
+    // The same failure, or one more: the first message stands.
+  }
 }
 
 }  // namespace
 
 int main() {
+  secure_standard_streams();
   const auto screen = dravo::sink_to_descriptor(STDOUT_FILENO, "standard output");
   const auto messages = dravo::sink_to_descriptor(STDERR_FILENO, "standard error");
   dravo::WorkingDirectory folder;
@@ -41,14 +53,10 @@ int main() {
     run_in_working_directory(units);
     return kDone;
   } catch (const dravo::IoFailure& failure) {
-    report(*messages, failure.what());
+    units.warn(failure.what());
   } catch (const std::exception& failure) {
-    report(*messages, std::string("cannot go on: ") + failure.what());
+    units.warn(std::string("cannot go on: ") + failure.what());
   }
-  try {
-    units.flush();  // what was found out before the failure stays readable
-  } catch (const std::exception&) {
-    // The same failure, or one more: the first message stands.
-  }
+  finish_after_failure(units);
   return kInputOutputFailure;
 }

@@ -18,8 +18,8 @@ struct OutputNames {
 /// For example "[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz": distance, theta, phi, then the Euler
 /// angles in whole degrees. `NAD` stands for an angle that has no meaning.
 ///
-/// Angles of `user` in radians. A distance above 9999.9 Angstrom does not fit: that is reported on
-/// `screen` and ends the run with RunStop.
+/// Angles of `user` in radians, within a few turns. A distance above 9999.9 Angstrom does not fit:
+/// that is reported on `screen` and ends the run with RunStop.
 OutputNames build_output_names(const UserParameters& user, RecordStream& screen);
 
 }  // namespace dravo

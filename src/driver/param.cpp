@@ -3,13 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "driver/banners.hpp"
 #include "driver/element_table.hpp"
 #include "driver/output_names.hpp"
-#include "driver/pair_analysis.hpp"
-#include "inertia/centre_of_mass.hpp"
 #include "orientation/molecule_alignment.hpp"
-#include "orientation/rotations.hpp"
+#include "orientation/pair_analysis.hpp"
 #include "output/bild_writer.hpp"
 #include "output/placement.hpp"
 #include "output/short_contacts.hpp"
@@ -21,11 +18,11 @@ namespace {
 /// The seven work tables.
 struct WorkTables {
   AtomTable originalcoo_and_m;                  ///< the pair as the last analysis found it
-  AtomTable auxiliar;                           ///< aligned pair, then molecule 1 placed
+  AtomTable auxiliar;                           ///< aligned pair
   AtomTable coo_and_m_transl;                   ///< placed pair
-  AtomTable inicial_posicao_correta_coo_and_m;  ///< aligned pair
+  AtomTable inicial_posicao_correta_coo_and_m;  ///< aligned pair, as a cycle hands it to the next
   AtomTable final_coo_and_m;                    ///< placed pair, as checked and written
-  AtomTable auxiliar_paralelas;                 ///< molecule 1 in molecule 2's frame, then turned
+  AtomTable auxiliar_paralelas;                 ///< aligned pair, molecule 1 in molecule 2's frame
   AtomTable aux;                                ///< aligned pair, molecule 1 not turned
 };
 
@@ -44,7 +41,7 @@ void warn_about_unknown_labels(const std::vector<std::int32_t>& rows,
              describe_unknown_labels(rows, isymbol));
 }
 
-/// Molecule 1 into molecule 2's frame, in `auxiliar_paralelas`. `aux` keeps the pair as it is.
+/// Molecule 1 into molecule 2's frame, in `auxiliar_paralelas`; `aux` keeps the pair as it is.
 void bring_together(const MoleculeSplit& split, const EulerAngles& found, const Vec3& cm1,
                     WorkTables& tables) {
   tables.auxiliar_paralelas.copy_rows(tables.auxiliar, split.N);
@@ -52,49 +49,25 @@ void bring_together(const MoleculeSplit& split, const EulerAngles& found, const 
   align_molecule1(tables.auxiliar_paralelas, split.molecule1(), found, cm1);
 }
 
-/// Writes input-GEOMETRY.xyz, the pair with molecule 1 at its new place.
+/// The placed pair, in a file that tells where molecule 1 ends.
 void write_input_geometry(const MoleculeSplit& split, const WorkTables& tables, RunUnits& units) {
   RecordStream file;
-  write_geometry(file, split.N, tables.auxiliar, tables.originalcoo_and_m);
+  write_geometry(file, split.N, tables.coo_and_m_transl, tables.originalcoo_and_m);
   write_geometry_trailer(file, split.n1);
   units.write_file("input-GEOMETRY.xyz", file);
 }
 
-/// Moves molecule 1 to the user's position and its tips with it; the placed pair ends in
-/// `coo_and_m_transl`, and the centres of mass become those of the placed atoms.
-void place_by_user(const MoleculeSplit& split, const SphericalPosition& user, PairOfFrames& frames,
-                   WorkTables& tables, RunUnits& units) {
-  const Vec3 translation = cartesian(user) - frames[0].cm;
-  tables.auxiliar.copy_rows(tables.auxiliar_paralelas, split.molecule1().end);
-  translate_rows(tables.auxiliar, split.molecule1(), translation);
-  write_input_geometry(split, tables, units);
-  tables.coo_and_m_transl.copy_rows(tables.auxiliar, split.N);
-
-  for (Vec3& tip : frames[0].tips) tip = tip + translation;
-  frames[0].cm = centre_of_mass(tables.coo_and_m_transl, split.molecule1());
-  frames[1].cm = centre_of_mass(tables.coo_and_m_transl, split.molecule2());
-}
-
-/// Identification: molecule 1 goes to the position measured where it stands. It moves only when
-/// molecule 2's centre of mass is not the origin. The centres of mass stay as analysed.
-void place_as_found(const MoleculeSplit& split, PairOfFrames& frames, WorkTables& tables) {
-  const Vec3 translation = cartesian(measured_position(frames[0].cm, frames[1].cm)) - frames[0].cm;
-  translate_rows(tables.aux, split.molecule1(), translation);
-  tables.coo_and_m_transl.copy_rows(tables.aux, split.N);
-  for (Vec3& tip : frames[0].tips) tip = tip + translation;
-}
-
 /// Short contacts choose the names of the pair of files.
 void check_and_write(const OutputNames& names, const MoleculeSplit& split,
-                     std::span<const Label> isymbol, const WorkTables& tables,
-                     const MoleculeFrame& molecule1, const Vec3& drawn_centre, RunUnits& units) {
-  const auto contacts = find_short_contacts(tables.final_coo_and_m, split);
+                     std::span<const Label> isymbol, const AtomTable& final_coo_and_m,
+                     const Placement& placement, RunUnits& units) {
+  const auto contacts = find_short_contacts(final_coo_and_m, split);
   write_short_contacts(units.screen(), units.log(), contacts, isymbol);
 
   RecordStream geometry;
   RecordStream drawing;
-  write_geometry(geometry, split.N, tables.final_coo_and_m, tables.final_coo_and_m);
-  write_bild(drawing, drawn_centre, molecule1);
+  write_geometry(geometry, split.N, final_coo_and_m, final_coo_and_m);
+  write_bild(drawing, placement.drawn_centre, placement.molecule1);
   const bool found = !contacts.empty();
   units.write_file(found ? names.short_contact_geometry : names.geometry, geometry);
   units.write_file(found ? names.short_contact_drawing : names.drawing, drawing);
@@ -117,14 +90,16 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
   const MoleculeSplit split{N, n1};
   const OutputNames names = build_output_names({r, theta, phi, alpha, beta, gamma}, units.screen());
   warn_about_unknown_labels(resolve_elements(N, isymbol, newcoo_and_m), isymbol, units);
+  units.open_log();
+  RecordStream& log = units.log();
 
   WorkTables& tables = work_tables();
   AnalysisTables analysis{newcoo_and_m, tables.originalcoo_and_m, tables.auxiliar,
                           tables.inicial_posicao_correta_coo_and_m};
-  PairOfFrames frames = align_pair(split, analysis, units);
-  EulerAngles found = find_euler_angles(frames, units);
+  const PairOfFrames frames = align_pair(split, analysis, units.screen(), log);
+  EulerAngles found = find_euler_angles(frames, units.screen(), log);
 
-  write_molecule_alignment(units.log());
+  write_molecule_alignment(log);
   if (!build) {
     found = full_turns_folded(found);
     alpha = found.alpha;
@@ -133,28 +108,23 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
   }
   bring_together(split, found, frames[0].cm, tables);
 
-  write_rotation_heading(units.log());
+  write_rotation_heading(log);
+  write_position_heading(log);
+  const Placement placement =
+      build ? place_by_user(tables.auxiliar_paralelas, split, frames[0], {alpha, beta, gamma},
+                            {r, theta, phi}, tables.coo_and_m_transl)
+            : place_as_found(tables.aux, split, frames, tables.coo_and_m_transl);
+  if (build) write_input_geometry(split, tables, units);
+  final_r = placement.applied.r;
+  final_theta = placement.applied.theta;
+  final_phi = placement.applied.phi;
   final_alpha = build ? alpha : 0.0;
   final_beta = build ? beta : 0.0;
   final_gamma = build ? gamma : 0.0;
-  const Matrix3 user_rotation =
-      build ? euler_matrix(alpha, beta, gamma) : euler_matrix(kNoTurn, kNoTurn, kNoTurn);
-  turn_rows(tables.auxiliar_paralelas, split.molecule1(), user_rotation, frames[0].cm);
-
-  write_position_heading(units.log());
-  if (build) {
-    place_by_user(split, {r, theta, phi}, frames, tables, units);
-  } else {
-    place_as_found(split, frames, tables);
-  }
-  const SphericalPosition applied = measured_position(frames[0].cm, frames[1].cm);
-  final_r = applied.r;
-  final_theta = applied.theta;
-  final_phi = applied.phi;
 
   tables.final_coo_and_m.copy_rows(tables.coo_and_m_transl, N);
-  check_and_write(names, split, isymbol, tables, frames[0], cartesian(applied), units);
-  write_log_trailer(units.log());
+  check_and_write(names, split, isymbol, tables.final_coo_and_m, placement, units);
+  write_log_trailer(log);
 }
 
 }  // namespace dravo

@@ -18,13 +18,17 @@ using WorkText = std::array<char, 10>;
 
 /// All arguments by reference, distances in Angstrom, angles in radians.
 ///
+/// N is at most 150000 and at most the rows of the table and the entries of `isymbol`.
 /// `isymbol` and `newcoo_and_m` come with labels and positions; numeric labels are replaced by
-/// symbols, and the table is left as the alignment cycles moved it. `final_*` receive the rotation
-/// applied and the position measured after it. In identification mode `alpha`, `beta` and `gamma`
-/// receive the angles found, and the rotation applied is zero. Nothing is passed in `work_text`.
+/// symbols, and the table is left as it stood before the last alignment. `final_*` receive the
+/// rotation applied and the position measured after it. In identification mode `alpha`, `beta` and
+/// `gamma` receive the angles found, and the rotation applied is zero. Nothing is passed in
+/// `work_text`.
 ///
 /// The outputs go to `units`. Throws RunStop after a prescribed stop and IoFailure when an output
-/// cannot be written.
+/// cannot be written. The work tables have static storage: one call at a time. A caller with tables
+/// of its own, or with several threads, calls `align_pair`, `find_euler_angles`, `align_molecule1`
+/// and `place_by_user` itself.
 void param(WorkText& work_text, const std::int32_t& N, const std::int32_t& n1,
            std::span<Label> isymbol, AtomTable& newcoo_and_m, double& final_r, double& final_alpha,
            double& final_beta, double& final_gamma, const char& mode_flag, double& final_theta,

@@ -1,5 +1,6 @@
 #include "driver/run_units.hpp"
 
+#include "common/errors.hpp"
 #include "driver/banners.hpp"
 
 namespace dravo {
@@ -16,12 +17,17 @@ void RunUnits::write_file(const std::string& name, const RecordStream& file) {
 }
 
 void RunUnits::warn(const std::string& message) {
-  warnings_->write(kMessagePrefix + message + "\n");
+  try {
+    warnings_->write(kMessagePrefix + message + "\n");
+  } catch (const IoFailure&) {
+    // A warning is no result: losing it loses nothing of the run.
+  }
 }
 
-void RunUnits::flush() {
-  screen_.flush();
+void RunUnits::finish() {
   log_.flush();
+  if (log_file_) log_file_->close();
+  screen_.flush();
 }
 
 }  // namespace dravo

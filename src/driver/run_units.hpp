@@ -11,6 +11,9 @@ namespace dravo {
 
 inline constexpr auto kLogFileName = "QN-LOG-PARAM.txt";
 
+/// Text at the head of every message on standard error.
+inline constexpr auto kMessagePrefix = "qn-dravo: ";
+
 class RunUnits {
  public:
   /// `screen` takes standard output, `warnings` what does not belong to it. Both and `folder` must
@@ -27,11 +30,11 @@ class RunUnits {
   /// The records of `file` become a file of the output folder, all at once.
   void write_file(const std::string& name, const RecordStream& file);
 
-  /// One line beside the results.
+  /// One line beside the results. The run goes on even where nobody can read it.
   void warn(const std::string& message);
 
-  /// Brings every record to its file. Throws IoFailure.
-  void flush();
+  /// Brings every record to its file, the log first. Throws IoFailure.
+  void finish();
 
  private:
   RecordStream screen_;
@@ -40,8 +43,5 @@ class RunUnits {
   ByteSink* warnings_;
   OutputFolder* folder_;
 };
-
-/// Text at the head of every message on standard error.
-inline constexpr auto kMessagePrefix = "qn-dravo: ";
 
 }  // namespace dravo

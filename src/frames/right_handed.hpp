@@ -24,7 +24,7 @@ struct RightHandedCase {
   std::size_t B;
   std::size_t C;
   bool positive;                              ///< sign of (A x B) . C in a right-handed frame
-  const char* header;                         ///< texts of the log; they name what they name
+  const char* header;                         ///< texts of the log, fixed; some name another axis
   std::array<const char*, 3> modulus_labels;  ///< of A, B, C
   const char* cross_label;
   const char* dot_label;

@@ -50,7 +50,7 @@ void stop_for_symmetric_molecules(const PairOfFlags& flags, RecordStream& screen
     write_molecule1(log);
   }
   if (molecule2) {
-    // The two copies name the axes in a different order.
+    // The two copies differ in one letter; readers of either look for theirs.
     write_explanation(screen, kMolecule2, " a unique XYZ reference system, ");
     write_explanation(log, kMolecule2, " a unique ZYZ reference system, ");
   }

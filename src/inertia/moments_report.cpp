@@ -9,7 +9,7 @@ namespace dravo {
 namespace {
 
 /// h / (8 pi^2) in GHz g cm^2.
-constexpr double kRotationalFactor = 8.397824785295456e-38;
+constexpr double fator = 8.397824785295456e-38;
 constexpr double kKgM2PerGCm2 = widened(1.0e-7F);
 /// Rounded on purpose: wavenumbers of this program are GHz / 30.
 constexpr double kGhzPerWavenumber = 30.0;
@@ -61,7 +61,7 @@ void write_constants(RecordStream& log, int molecule, const char* heading,
 
 }  // namespace
 
-double rotational_constant_ghz(double moment) { return (1.0 / moment) * kRotationalFactor; }
+double rotational_constant_ghz(double moment) { return (1.0 / moment) * fator; }
 
 double rotational_constant_wavenumber(double moment) {
   return rotational_constant_ghz(moment) / kGhzPerWavenumber;
@@ -81,7 +81,7 @@ void write_moments_report(RecordStream& log, int molecule, const PrincipalAxes& 
   write_moments(log, molecule, " EIGENVALUES: Moments of Inertia (kg m^2):", si_moments);
   log.blank(2);
   log.record(" Rot Constant = h/(8*Pi**2*c*I) ");
-  log.record("fator ", kRotationalFactor);
+  log.record("fator ", fator);
   log.blank(4);
   write_constants(log, molecule, "ROTATIONAL CONSTANTS (GHz): ", ghz);
   write_constants(log, molecule, "ROTATIONAL CONSTANTS (cm-1): ", wavenumbers);

@@ -1,5 +1,7 @@
 #include "orientation/alignment_fit.hpp"
 
+#include "common/errors.hpp"
+
 namespace dravo {
 namespace {
 
@@ -74,7 +76,17 @@ AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
     if (improvements == 0) no_candidate_yet();
     pass = refined_scan_pass(pass, number, best.outer, best.inner);
   }
-  return {best.outer, best.middle, best.inner, best.soma_diferencas};
+  return {best.outer, best.middle, best.inner, best.soma_diferencas, improvements > 0};
+}
+
+AlignmentFit fit_alignment(const MoleculeFrame& molecule2, int cycle, RecordStream& screen,
+                           RecordStream& log) {
+  return fit_alignment(molecule2, [&] {
+    write_no_guess_angle_warning(screen, log);
+    if (cycle != kSecondAlignment) return;
+    write_second_alignment_error(screen, log);
+    throw RunStop{};
+  });
 }
 
 AlignmentMotion::AlignmentMotion(const AlignmentFit& fit, const Vec3& cm2)

@@ -10,6 +10,9 @@
 
 namespace dravo {
 
+/// Cycle whose fit must not fail, and whose flag table is marked as adjusted.
+inline constexpr int kSecondAlignment = 1;
+
 /// The guess angles, radians: R(best_z1, best_x1, best_y1) carries molecule 2's axes onto i, j, k.
 /// All zero when no grid point was ever accepted.
 struct AlignmentFit {
@@ -17,6 +20,7 @@ struct AlignmentFit {
   double best_x1 = 0.0;          ///< tilt between Z and k
   double best_y1 = 0.0;          ///< inner angle
   double soma_diferencas = 0.0;  ///< sum of the three axis deviations at the best point, degrees
+  bool found = false;            ///< whether any grid point was accepted
 };
 
 /// Angle between molecule 2's Z axis and the laboratory z axis, 0 to pi.
@@ -41,6 +45,11 @@ class AlignmentMotion {
   Matrix3 rotation_;
   Vec3 centre_;
 };
+
+/// The fit of one alignment cycle (0, 1, 2) with its messages: a warning for each pass as long as
+/// no candidate was found. In cycle 1 the first of them is fatal; it throws RunStop.
+AlignmentFit fit_alignment(const MoleculeFrame& molecule2, int cycle, RecordStream& screen,
+                           RecordStream& log);
 
 /// The warning of a pass without a candidate, on both units.
 void write_no_guess_angle_warning(RecordStream& screen, RecordStream& log);

@@ -10,13 +10,6 @@
 
 namespace dravo {
 
-/// Radians.
-struct EulerAngles {
-  double alpha = 0.0;
-  double beta = 0.0;
-  double gamma = 0.0;
-};
-
 /// What a caller may watch during the search.
 struct EulerSearchWatcher {
   /// An accepted grid point, before it is ranked against `parametro_diferencas`.
@@ -29,13 +22,18 @@ struct EulerSearchWatcher {
 };
 
 /// Molecule 2's centre of mass must be the origin: its tips are taken as its axes. Empty when the
-/// first pass accepts no point.
+/// first pass accepts no point. Axes that differ from a rotation so much that no accepted point
+/// comes below one degree give zero angles.
 std::optional<EulerAngles> search_euler_angles(const PairOfFrames& frames,
                                                const EulerSearchWatcher& watcher);
 
-/// Writes the log section while the search runs: heading, every accepted point, every pass.
+/// Opens the log section of the search.
 void write_search_heading(RecordStream& log);
+
+/// Writes every accepted point and every pass to the log while the search runs.
 EulerSearchWatcher search_log(RecordStream& log);
+
+/// Closes the log section of a search that found the angles.
 void write_search_closing(RecordStream& log);
 
 /// The message of a search that found nothing.

@@ -180,7 +180,7 @@ class Ranking {
   double parametro_diferencas_ = 1.0;
 };
 
-/// sin and cos part of an angle between two vectors that is fixed before a search: the tilt of the
+/// Angle between two vectors in its tangent form, from |a x b|, a . b and |a| |b|: the tilt of the
 /// alignment fit, beta of the Euler search.
 inline double tangent_angle(double cross_modulus, double dot_product, double moduli) {
   return std::atan2(cross_modulus / moduli, dot_product / moduli);

@@ -2,7 +2,6 @@
 
 #include "common/constants.hpp"
 #include "common/rounding.hpp"
-#include "orientation/rotations.hpp"
 
 namespace dravo {
 

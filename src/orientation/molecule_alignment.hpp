@@ -3,7 +3,7 @@
 
 #include "common/atom_table.hpp"
 #include "common/record_stream.hpp"
-#include "orientation/euler_search.hpp"
+#include "orientation/rotations.hpp"
 
 namespace dravo {
 

@@ -24,8 +24,12 @@ struct Turn {
   static Turn of(double radians);
 };
 
-/// Cosine 1 and sine 0, exactly.
-inline constexpr Turn kNoTurn{0.0, 0.0, 1.0};
+/// Radians.
+struct EulerAngles {
+  double alpha = 0.0;
+  double beta = 0.0;
+  double gamma = 0.0;
+};
 
 Matrix3 euler_matrix(const Turn& alpha, const Turn& beta, const Turn& gamma);
 Matrix3 euler_matrix(double alpha, double beta, double gamma);

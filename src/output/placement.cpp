@@ -2,9 +2,24 @@
 
 #include <cmath>
 
-#include "orientation/rotations.hpp"
+#include "inertia/centre_of_mass.hpp"
+#include "orientation/molecule_alignment.hpp"
 
 namespace dravo {
+namespace {
+
+MoleculeFrame moved_tips(const MoleculeFrame& frame, const Vec3& translation) {
+  MoleculeFrame moved = frame;
+  for (Vec3& tip : moved.tips) tip = tip + translation;
+  return moved;
+}
+
+Placement measured(const MoleculeFrame& molecule1, const Vec3& cm2) {
+  const SphericalPosition applied = measured_position(molecule1.cm, cm2);
+  return {applied, cartesian(applied), molecule1};
+}
+
+}  // namespace
 
 Vec3 cartesian(const SphericalPosition& position) {
   const Turn theta = Turn::of(position.theta);
@@ -21,6 +36,30 @@ SphericalPosition measured_position(const Vec3& cm1, const Vec3& cm2) {
 void translate_rows(AtomTable atoms, RowRange rows, const Vec3& translation) {
   for (std::int32_t i = rows.begin; i < rows.end; ++i)
     atoms.set_position(i, atoms.position(i) + translation);
+}
+
+Placement place_by_user(const AtomTable& parallel, const MoleculeSplit& split,
+                        const MoleculeFrame& molecule1, const EulerAngles& rotation,
+                        const SphericalPosition& position, AtomTable placed) {
+  const Vec3 translation = cartesian(position) - molecule1.cm;
+  placed.copy_rows(parallel, split.N);
+  turn_rows(placed, split.molecule1(), euler_matrix(rotation.alpha, rotation.beta, rotation.gamma),
+            molecule1.cm);
+  translate_rows(placed, split.molecule1(), translation);
+
+  MoleculeFrame moved = moved_tips(molecule1, translation);
+  moved.cm = centre_of_mass(placed, split.molecule1());
+  return measured(moved, centre_of_mass(placed, split.molecule2()));
+}
+
+Placement place_as_found(const AtomTable& aligned, const MoleculeSplit& split,
+                         const PairOfFrames& frames, AtomTable placed) {
+  const auto& [molecule1, molecule2] = frames;
+  const SphericalPosition found = measured_position(molecule1.cm, molecule2.cm);
+  const Vec3 translation = cartesian(found) - molecule1.cm;
+  placed.copy_rows(aligned, split.N);
+  translate_rows(placed, split.molecule1(), translation);
+  return measured(moved_tips(molecule1, translation), molecule2.cm);
 }
 
 void write_rotation_heading(RecordStream& log) {

@@ -15,7 +15,7 @@ namespace dravo {
 void write_geometry(RecordStream& xyz, std::int32_t N, const AtomTable& positions,
                     const AtomTable& atomic_numbers);
 
-/// The trailer that makes the file an input again: atoms of molecule 1 and the mode "n".
+/// The trailer of input-GEOMETRY.xyz: the number of atoms of molecule 1 and the letter n.
 void write_geometry_trailer(RecordStream& xyz, std::int32_t n1);
 
 }  // namespace dravo

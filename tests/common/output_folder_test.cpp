@@ -169,7 +169,7 @@ TEST_F(WorkingDirectoryTest, ReplaceNeverChangesAFileThatSomebodyReads) {
 
 TEST_F(WorkingDirectoryTest, ReplaceInAFolderThatDoesNotExistNamesFileAndReason) {
   EXPECT_EQ(failure_of([&] { folder.replace("gone/pair.xyz", "x"); }),
-            "gone/pair.xyz: cannot open for writing: No such file or directory");
+            "gone/pair.xyz.part: cannot open for writing: No such file or directory");
   EXPECT_EQ(names(), std::set<std::string>{});
 }
 

@@ -151,7 +151,7 @@ TEST(LogBanner, StandsAtTheFirstOpeningOnly) {
   memory.units.log().record("first cycle");
   memory.units.open_log();
   memory.units.log().record("second cycle");
-  memory.units.flush();
+  memory.units.finish();
   EXPECT_EQ(memory.folder.files["QN-LOG-PARAM.txt"],
             banner.text() + " first cycle\n second cycle\n");
 }

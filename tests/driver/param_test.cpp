@@ -50,7 +50,7 @@ struct ParamCall {
     param(work_text, N, n1, labels, table_, r, alpha, beta, gamma, mode, theta, phi,
           parameters.theta, parameters.phi, parameters.alpha, parameters.beta, parameters.gamma,
           parameters.r, out.units);
-    out.units.flush();
+    out.units.finish();
   }
 
   /// The assembled pair, under whichever of its two names.

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -59,21 +60,51 @@ struct Outcome {
   std::map<std::string, std::string> files;
 };
 
+/// Where standard output goes.
+enum class Screen { kept, full, closed, broken_pipe };
+
+/// For the child process between fork and exec.
+inline void redirect(int target, const char* path, int flags) {
+  const int descriptor = ::open(path, flags, 0600);
+  if (descriptor < 0 || ::dup2(descriptor, target) < 0) ::_exit(126);
+  ::close(descriptor);
+}
+
+inline void redirect_screen(Screen screen, const char* path) {
+  switch (screen) {
+    case Screen::kept:
+      redirect(STDOUT_FILENO, path, O_WRONLY);
+      break;
+    case Screen::full:
+      redirect(STDOUT_FILENO, "/dev/full", O_WRONLY);
+      break;
+    case Screen::closed:
+      ::close(STDOUT_FILENO);
+      break;
+    case Screen::broken_pipe: {
+      std::array<int, 2> ends{};
+      if (::pipe(ends.data()) != 0 || ::dup2(ends[1], STDOUT_FILENO) < 0) ::_exit(126);
+      ::close(ends[0]);
+      ::close(ends[1]);
+      break;
+    }
+  }
+}
+
 /// Runs `program` in `folder` with nothing on standard input.
-inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO_PROGRAM) {
+inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO_PROGRAM,
+                      Screen where = Screen::kept) {
   const TemporaryFolder streams;
+  streams.write("stdout", "");
+  streams.write("stderr", "");
   const std::string screen = (streams.path() / "stdout").string();
   const std::string messages = (streams.path() / "stderr").string();
   const pid_t child = ::fork();
   if (child < 0) throw std::runtime_error("fork failed");
   if (child == 0) {
-    const auto redirect = [](int target, const char* path, int flags) {
-      const int descriptor = ::open(path, flags, 0600);
-      if (descriptor < 0 || ::dup2(descriptor, target) < 0) ::_exit(126);
-    };
     redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
-    redirect(STDOUT_FILENO, screen.c_str(), O_WRONLY | O_CREAT);
-    redirect(STDERR_FILENO, messages.c_str(), O_WRONLY | O_CREAT);
+    redirect(STDERR_FILENO, messages.c_str(), O_WRONLY);
+    redirect_screen(where, screen.c_str());
     if (::chdir(folder.path().c_str()) != 0) ::_exit(126);
     ::execl(program, program, static_cast<char*>(nullptr));
     ::_exit(127);

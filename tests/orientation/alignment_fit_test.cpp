@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 
+#include "common/errors.hpp"
 #include "support/atoms.hpp"
 
 namespace dravo {
@@ -179,6 +180,43 @@ TEST(AlignmentFit, WhatTheReportThrowsEndsTheFitAfterTheFirstPass) {
                              }),
                Stop);
   EXPECT_EQ(reports, 1);
+}
+
+std::size_t occurrences(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+TEST(AlignmentCycle, FirstAndThirdGoOnAfterTenWarnings) {
+  for (const int cycle : {0, 2}) {
+    RecordStream screen;
+    RecordStream log;
+    const AlignmentFit fit = fit_alignment(left_handed_frame(), cycle, screen, log);
+    EXPECT_FALSE(fit.found);
+    for (const RecordStream* unit : {&screen, &log}) {
+      EXPECT_EQ(occurrences(unit->text(), " WARNING - NO GUESS ANGLE FOUND"), 10U) << cycle;
+      EXPECT_EQ(occurrences(unit->text(), " ERROR - "), 0U) << cycle;
+    }
+  }
+}
+
+TEST(AlignmentCycle, SecondStopsAfterOneWarning) {
+  RecordStream screen;
+  RecordStream log;
+  EXPECT_THROW(fit_alignment(left_handed_frame(), 1, screen, log), RunStop);
+  for (const RecordStream* unit : {&screen, &log}) {
+    EXPECT_EQ(occurrences(unit->text(), " WARNING - NO GUESS ANGLE FOUND"), 1U);
+    EXPECT_EQ(occurrences(unit->text(), " AFTER SECOND AXES ALIGNMENT "), 1U);
+    EXPECT_EQ(occurrences(unit->text(), " ERROR - NO GUESS ANGLE FOUND"), 1U);
+  }
+}
+
+TEST(AlignmentCycle, SaysNothingWhenACandidateIsFound) {
+  RecordStream screen;
+  RecordStream log;
+  EXPECT_TRUE(fit_alignment(frame_of({1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}), 1, screen, log).found);
+  EXPECT_EQ(screen.text() + log.text(), "");
 }
 
 TEST(AlignmentMotion, WithoutTurnOnlyMovesTheCentreToTheOrigin) {

@@ -12,6 +12,8 @@
 namespace dravo {
 namespace {
 
+constexpr Turn kNoTurn{0.0, 0.0, 1.0};
+
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// Every grid point turns nothing, and angles are given in degrees, so that a test reaches the

@@ -4,11 +4,15 @@
 
 #include <array>
 #include <cmath>
+#include <thread>
+#include <vector>
 
 #include "support/atoms.hpp"
 
 namespace dravo {
 namespace {
+
+using test::SmallTable;
 
 constexpr double kQuarter = 1.5707963267948966;
 constexpr double kHalf = 3.141592653589793;
@@ -108,6 +112,87 @@ TEST(TranslateRows, MovesTheGivenRowsOnly) {
   EXPECT_EQ(atoms.table().position(1), (Vec3{-0.75, -0.5, 10.0}));
   EXPECT_EQ(atoms.table().position(2), (Vec3{4.0, 4.0, 4.0}));
   EXPECT_EQ(atoms.table().atomic_number(1), 1.0);
+}
+
+/// Molecule 1 (three hydrogens and an oxygen around (1, 1, 1)) and molecule 2 at the origin, both
+/// on the laboratory axes.
+SmallTable two_molecules() {
+  return SmallTable({{"H", {2.0, 1.0, 1.0}},
+                     {"H", {0.0, 1.0, 1.0}},
+                     {"O", {1.0, 1.0, 1.0}},
+                     {"N", {0.0, 0.0, 2.0}},
+                     {"N", {0.0, 0.0, -2.0}}});
+}
+constexpr MoleculeSplit kThreeAndTwo{5, 3};
+const MoleculeFrame kFrameOfMolecule1{{1.0, 1.0, 1.0},
+                                      {{{1.0, 1.0, 2.0}, {1.0, 2.0, 1.0}, {2.0, 1.0, 1.0}}}};
+
+TEST(PlaceByUser, TurnsMolecule1AboutItsCentreAndMovesItThere) {
+  // gamma = 90 degrees alone: A = Rz(90) of coordinates carries x to -y and y to x. The hydrogens
+  // at +x and -x of the oxygen come to stand at -y and +y of it. r = 5 along Y.
+  SmallTable parallel = two_molecules();
+  SmallTable placed;
+  const Placement placement =
+      place_by_user(parallel.table(), kThreeAndTwo, kFrameOfMolecule1, {0.0, 0.0, kQuarter},
+                    {5.0, kQuarter, kQuarter}, placed.table());
+  const std::array<Vec3, 5> expected{
+      {{0.0, 4.0, 0.0}, {0.0, 6.0, 0.0}, {0.0, 5.0, 0.0}, {0.0, 0.0, 2.0}, {0.0, 0.0, -2.0}}};
+  for (std::int32_t i = 0; i < 5; ++i)
+    expect_near(placed.table().position(i), expected[static_cast<std::size_t>(i)], 1e-14);
+  EXPECT_NEAR(placement.applied.r, 5.0, 1e-14);
+  EXPECT_NEAR(placement.applied.theta, kQuarter, 1e-14);
+  EXPECT_NEAR(placement.applied.phi, kQuarter, 1e-14);
+  expect_near(placement.drawn_centre, {0.0, 5.0, 0.0}, 1e-14);
+  // The tips move by (-1, 4, -1) like the centre; the turn leaves them alone.
+  expect_near(placement.molecule1.tips[0], {0.0, 5.0, 1.0}, 1e-14);
+  expect_near(placement.molecule1.tips[1], {0.0, 6.0, 0.0}, 1e-14);
+  expect_near(placement.molecule1.tips[2], {1.0, 5.0, 0.0}, 1e-14);
+}
+
+TEST(PlaceByUser, KeepsMassesAndAtomicNumbers) {
+  SmallTable parallel = two_molecules();
+  SmallTable placed;
+  place_by_user(parallel.table(), kThreeAndTwo, kFrameOfMolecule1, {}, {5.0, 1.0, 1.0},
+                placed.table());
+  for (std::int32_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(placed.table().mass(i), parallel.table().mass(i));
+    EXPECT_EQ(placed.table().atomic_number(i), parallel.table().atomic_number(i));
+  }
+}
+
+TEST(PlaceByUser, ServesSeveralThreadsFromOneAnalysis) {
+  SmallTable parallel = two_molecules();
+  const auto place = [&](int k, SmallTable& placed) {
+    const double turn = 0.1 * k;
+    place_by_user(parallel.table(), kThreeAndTwo, kFrameOfMolecule1, {turn, 2.0 * turn, turn},
+                  {3.0 + turn, turn, 2.0 * turn}, placed.table());
+  };
+  constexpr int kPlacements = 64;
+  std::vector<SmallTable> one_by_one(kPlacements);
+  std::vector<SmallTable> together(kPlacements);
+  for (int k = 0; k < kPlacements; ++k) place(k, one_by_one[static_cast<std::size_t>(k)]);
+  std::vector<std::thread> threads;
+  for (int first = 0; first < 4; ++first)
+    threads.emplace_back([&, first] {
+      for (int k = first; k < kPlacements; k += 4) place(k, together[static_cast<std::size_t>(k)]);
+    });
+  for (std::thread& thread : threads) thread.join();
+  for (std::size_t k = 0; k < kPlacements; ++k)
+    for (std::int32_t i = 0; i < 5; ++i)
+      EXPECT_EQ(together[k].table().position(i), one_by_one[k].table().position(i));
+}
+
+TEST(PlaceAsFound, LeavesMolecule1WhereItIsWhenMolecule2IsTheOrigin) {
+  SmallTable aligned = two_molecules();
+  SmallTable placed;
+  const Placement placement = place_as_found(aligned.table(), kThreeAndTwo,
+                                             {kFrameOfMolecule1, MoleculeFrame{}}, placed.table());
+  for (std::int32_t i = 0; i < 5; ++i)
+    expect_near(placed.table().position(i), aligned.table().position(i), 1e-15);
+  // (1, 1, 1): r = sqrt 3, cos theta = 1 / sqrt 3, phi = 45 degrees.
+  EXPECT_NEAR(placement.applied.r, std::sqrt(3.0), 1e-15);
+  EXPECT_NEAR(placement.applied.theta, 0.95531661812450928, 1e-15);
+  EXPECT_NEAR(placement.applied.phi, kHalf / 4.0, 1e-15);
 }
 
 TEST(PlacementLog, RotationHeading) {

@@ -33,7 +33,7 @@ class MemoryFolder final : public OutputFolder {
   std::map<std::string, std::string> files;
 };
 
-/// Screen, warnings and files as text; call `units.flush()` before reading them.
+/// Screen, warnings and files as text; call `units.finish()` before reading them.
 struct MemoryUnits {
   std::string screen;
   std::string warnings;

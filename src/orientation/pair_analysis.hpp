@@ -5,8 +5,8 @@
 
 #include "common/atom_table.hpp"
 #include "common/frame.hpp"
-#include "driver/run_units.hpp"
-#include "orientation/euler_search.hpp"
+#include "common/record_stream.hpp"
+#include "orientation/rotations.hpp"
 
 namespace dravo {
 
@@ -22,9 +22,10 @@ struct AnalysisTables {
 /// its frame lies on the laboratory axes, in the returned frames and in `auxiliar`.
 ///
 /// Throws RunStop for a symmetric molecule, and when the second alignment finds no rotation.
-PairOfFrames align_pair(const MoleculeSplit& split, AnalysisTables& tables, RunUnits& units);
+PairOfFrames align_pair(const MoleculeSplit& split, AnalysisTables& tables, RecordStream& screen,
+                        RecordStream& log);
 
 /// The Euler search with its log section. Throws RunStop when it finds nothing.
-EulerAngles find_euler_angles(const PairOfFrames& frames, RunUnits& units);
+EulerAngles find_euler_angles(const PairOfFrames& frames, RecordStream& screen, RecordStream& log);
 
 }  // namespace dravo

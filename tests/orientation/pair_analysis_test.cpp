@@ -1,0 +1,94 @@
+/// The analysis as a caller with tables of its own uses it.
+#include "orientation/pair_analysis.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "driver/element_table.hpp"
+#include "support/atoms.hpp"
+#include "support/sample_input.hpp"
+
+namespace dravo {
+namespace {
+
+using test::SmallTable;
+
+struct Analysis {
+  SmallTable newcoo_and_m, originalcoo_and_m, auxiliar, inicial;
+  PairOfFrames frames;
+  EulerAngles angles;
+  RecordStream screen;
+  RecordStream log;
+
+  void run(const std::string& dimer) {
+    const test::SampleInput pair = test::sample(dimer);
+    for (const auto& atom : pair.atoms) newcoo_and_m.add({atom.label, atom.position});
+    AnalysisTables tables{newcoo_and_m.table(), originalcoo_and_m.table(), auxiliar.table(),
+                          inicial.table()};
+    const MoleculeSplit split{static_cast<std::int32_t>(pair.atoms.size()),
+                              static_cast<std::int32_t>(pair.n1)};
+    frames = align_pair(split, tables, screen, log);
+    angles = find_euler_angles(frames, screen, log);
+  }
+};
+
+constexpr std::array kDimers{"formamide-dimer", "acetamide-acrylonitrile"};
+
+TEST(AlignedPair, HasMolecule2OnTheLaboratoryAxes) {
+  for (const char* dimer : kDimers) {
+    Analysis analysis;
+    analysis.run(dimer);
+    const MoleculeFrame& molecule2 = analysis.frames[1];
+    EXPECT_EQ(molecule2.cm, (Vec3{0.0, 0.0, 0.0}));
+    const Vec3 X = molecule2.axis(axis_of_molecule2::X);
+    const Vec3 Z = molecule2.axis(axis_of_molecule2::Z);
+    EXPECT_NEAR(X.x, 1.0, 1e-6) << dimer;
+    EXPECT_NEAR(Z.z, 1.0, 1e-6) << dimer;
+  }
+}
+
+TEST(AlignedPair, FramesAreRightHanded) {
+  for (const char* dimer : kDimers) {
+    Analysis analysis;
+    analysis.run(dimer);
+    const MoleculeFrame& one = analysis.frames[0];
+    const MoleculeFrame& two = analysis.frames[1];
+    EXPECT_NEAR(dot(cross(one.axis(axis_of_molecule1::x), one.axis(axis_of_molecule1::y)),
+                    one.axis(axis_of_molecule1::z)),
+                1.0, 1e-9);
+    EXPECT_NEAR(dot(cross(two.axis(axis_of_molecule2::X), two.axis(axis_of_molecule2::Y)),
+                    two.axis(axis_of_molecule2::Z)),
+                1.0, 1e-9);
+  }
+}
+
+TEST(AlignedPair, AnglesCarryMolecule2AxesOntoThoseOfMolecule1) {
+  for (const char* dimer : kDimers) {
+    Analysis analysis;
+    analysis.run(dimer);
+    const Matrix3 A =
+        euler_matrix(analysis.angles.alpha, analysis.angles.beta, analysis.angles.gamma);
+    const Vec3 turned = A * analysis.frames[1].axis(axis_of_molecule2::Z);
+    const Vec3 z = analysis.frames[0].axis(axis_of_molecule1::z);
+    EXPECT_LE(modulus(turned - z), 1e-4) << dimer;
+  }
+}
+
+TEST(AlignedPair, IsTheSameWhenTwoThreadsAnalyseTwoPairs) {
+  std::array<Analysis, 2> one_by_one;
+  std::array<Analysis, 2> together;
+  for (std::size_t k = 0; k < 2; ++k) one_by_one[k].run(kDimers[k]);
+  std::vector<std::thread> threads;
+  for (std::size_t k = 0; k < 2; ++k)
+    threads.emplace_back([&together, k] { together[k].run(kDimers[k]); });
+  for (std::thread& thread : threads) thread.join();
+  for (std::size_t k = 0; k < 2; ++k)
+    EXPECT_TRUE(together[k].log.text() == one_by_one[k].log.text()) << kDimers[k];
+}
+
+}  // namespace
+}  // namespace dravo
