@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "common/vector.hpp"
@@ -24,18 +25,25 @@ using Label = std::array<char, 2>;
 
 inline std::string_view text_of(const Label& label) { return {label.data(), label.size()}; }
 
-/// The doubles behind a table; zero when it has static storage.
+inline constexpr std::size_t kColumns = 5;
+
+/// The doubles behind a table of up to `Rows` rows; zero when it has static storage.
 template <std::int32_t Rows>
-using AtomStorage = std::array<std::array<double, Rows>, 5>;
+using AtomStorage = std::array<double, kColumns * Rows>;
 
 /// A table over storage that somebody else owns. Copying the view copies no atoms.
 class AtomTable {
  public:
-  template <std::size_t Rows>
-  explicit AtomTable(std::array<std::array<double, Rows>, 5>& storage)
-      : rows_(static_cast<std::int32_t>(Rows)) {
-    for (std::size_t c = 0; c < storage.size(); ++c) column_[c] = storage[c].data();
+  /// The columns follow each other without gaps, so a small table touches little memory, however
+  /// large its storage is. `storage` holds at least 5 x `rows` doubles.
+  AtomTable(std::span<double> storage, std::int32_t rows) : rows_(rows) {
+    for (std::size_t c = 0; c < kColumns; ++c)
+      column_[c] = storage.data() + c * static_cast<std::size_t>(rows);
   }
+
+  /// As many rows as the storage holds.
+  explicit AtomTable(std::span<double> storage)
+      : AtomTable(storage, static_cast<std::int32_t>(storage.size() / kColumns)) {}
 
   [[nodiscard]] std::int32_t rows() const { return rows_; }
 
@@ -62,7 +70,7 @@ class AtomTable {
   }
 
  private:
-  std::array<double*, 5> column_{};
+  std::array<double*, kColumns> column_{};
   std::int32_t rows_;
 };
 

@@ -12,7 +12,6 @@ namespace {
 constexpr int kFreeIntegerWidth = 11;
 constexpr int kFreeRealWidth = 25;
 constexpr int kSignificantDigits = 17;
-constexpr std::string_view kFixedFormTail = "     ";
 
 /// Longest fixed notation of a double: sign, 309 digits, point and the decimals of a field.
 constexpr std::size_t kLongestFixed = 1100;
@@ -31,49 +30,41 @@ std::string_view name_of_non_finite(double value) {
   return value < 0.0 ? "-Infinity" : "Infinity";
 }
 
-/// Sign, digits and decimal exponent of a finite double: value = d.dddd... x 10^exponent.
-struct DecimalDigits {
-  bool negative = false;
-  std::array<char, kSignificantDigits> digit{};
-  int exponent = 0;
+/// Text of at most one field, built from left to right.
+class FieldText {
+ public:
+  void add(char c) { *end_++ = c; }
+  void add(std::string_view text) { end_ = std::copy(text.begin(), text.end(), end_); }
+  [[nodiscard]] std::string_view view() const { return {text_.data(), end_}; }
+
+ private:
+  std::array<char, 32> text_;  // a sign, 17 digits, "0." and five blanks, or an exponent
+  char* end_ = text_.data();
 };
 
-DecimalDigits decimal_digits(double value) {
-  std::array<char, 32> buffer{};
-  const auto [end, error] =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
-                    std::chars_format::scientific, kSignificantDigits - 1);
-  DecimalDigits result;
-  result.negative = std::signbit(value);
-  result.digit[0] = buffer[0];
-  std::copy_n(buffer.data() + 2, kSignificantDigits - 1, result.digit.data() + 1);
-  const char* exponent = buffer.data() + 2 + kSignificantDigits;  // behind "d.ddd...e"
-  if (*exponent == '+') ++exponent;
-  std::from_chars(exponent, end, result.exponent);
-  return result;
-}
-
-/// 17 digits with the point moved to its place, and the five blanks that keep columns of fixed and
-/// exponent forms apart.
-std::string fixed_form(const DecimalDigits& decimal) {
-  std::string text = decimal.negative ? "-" : "";
-  const std::string_view digits(decimal.digit.data(), decimal.digit.size());
-  if (decimal.exponent < 0) {
-    text.append("0.").append(digits);
+/// Fixed form: 17 digits with the point moved to its place, and the five blanks that keep columns
+/// of both forms apart.
+void add_fixed_form(FieldText& text, std::string_view digits, int exponent) {
+  if (exponent < 0) {
+    text.add("0.");
+    text.add(digits);
   } else {
-    const auto before_point = static_cast<std::size_t>(decimal.exponent) + 1;
-    text.append(digits.substr(0, before_point)).append(".").append(digits.substr(before_point));
+    const auto before_point = static_cast<std::size_t>(exponent) + 1;
+    text.add(digits.substr(0, before_point));
+    text.add('.');
+    text.add(digits.substr(before_point));
   }
-  return text.append(kFixedFormTail);
+  text.add("     ");
 }
 
-std::string exponent_form(const DecimalDigits& decimal) {
-  std::string text = decimal.negative ? "-" : "";
-  const std::string_view digits(decimal.digit.data(), decimal.digit.size());
-  text.append(digits.substr(0, 1)).append(".").append(digits.substr(1)).append("E");
-  text.append(decimal.exponent < 0 ? "-" : "+");
-  const std::string magnitude = std::to_string(std::abs(decimal.exponent));
-  return text.append(3 - magnitude.size(), '0').append(magnitude);
+void add_exponent_form(FieldText& text, std::string_view digits, int exponent) {
+  text.add(digits[0]);
+  text.add('.');
+  text.add(digits.substr(1));
+  text.add('E');
+  text.add(exponent < 0 ? '-' : '+');
+  const int magnitude = std::abs(exponent);
+  for (const int place : {100, 10, 1}) text.add(static_cast<char>('0' + magnitude / place % 10));
 }
 
 }  // namespace
@@ -87,14 +78,30 @@ void append_free_real(std::string& record, double value) {
     append_right_aligned(record, name_of_non_finite(value), kFreeRealWidth);
     return;
   }
-  const DecimalDigits decimal = decimal_digits(value);
-  const bool fixed = value == 0.0 || (decimal.exponent >= -1 && decimal.exponent < 17);
-  append_right_aligned(record, fixed ? fixed_form(decimal) : exponent_form(decimal),
-                       kFreeRealWidth);
+  // d.dddddddddddddddde+xx; the first digit is moved behind the point, beside the others.
+  std::array<char, 32> buffer;
+  const auto [end, error] =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
+                    std::chars_format::scientific, kSignificantDigits - 1);
+  buffer[1] = buffer[0];
+  const std::string_view digits(buffer.data() + 1, kSignificantDigits);
+  const char* exponent_text = buffer.data() + 1 + kSignificantDigits + 1;
+  if (*exponent_text == '+') ++exponent_text;
+  int exponent = 0;
+  std::from_chars(exponent_text, end, exponent);
+
+  FieldText text;
+  if (std::signbit(value)) text.add('-');
+  if (value == 0.0 || (exponent >= -1 && exponent < kSignificantDigits)) {
+    add_fixed_form(text, digits, exponent);
+  } else {
+    add_exponent_form(text, digits, exponent);
+  }
+  append_right_aligned(record, text.view(), kFreeRealWidth);
 }
 
 void append_integer_field(std::string& record, std::int32_t value, int width) {
-  std::array<char, 12> buffer{};
+  std::array<char, 12> buffer;
   const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
   append_right_aligned(record, {buffer.data(), end}, width);
 }
@@ -104,7 +111,7 @@ void append_fixed_field(std::string& record, double value, int width, int decima
     append_right_aligned(record, name_of_non_finite(value), width);
     return;
   }
-  std::array<char, kLongestFixed> buffer{};
+  std::array<char, kLongestFixed> buffer;
   char* begin = buffer.data();
   auto [end, error] =
       std::to_chars(begin, begin + buffer.size(), value, std::chars_format::fixed, decimals);

@@ -1,10 +1,10 @@
 #include "common/record_reader.hpp"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <limits>
@@ -270,12 +270,16 @@ std::string read_file(const std::string& name) {
   };
   const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) throw fail(errno);
-  std::string contents;
-  std::array<char, 1U << 16U> piece{};
-  ssize_t count = 0;
-  while ((count = ::read(descriptor, piece.data(), piece.size())) != 0) {
+  struct stat status {};
+  const bool has_size = ::fstat(descriptor, &status) == 0 && status.st_size > 0;
+  std::string contents(has_size ? static_cast<std::size_t>(status.st_size) + 1 : 4096, '\0');
+  std::size_t filled = 0;
+  while (true) {
+    const ssize_t count = ::read(descriptor, contents.data() + filled, contents.size() - filled);
+    if (count == 0) break;
     if (count > 0) {
-      contents.append(piece.data(), static_cast<std::size_t>(count));
+      filled += static_cast<std::size_t>(count);
+      if (filled == contents.size()) contents.resize(2 * filled);
     } else if (errno != EINTR) {
       const int reason = errno;
       ::close(descriptor);
@@ -283,6 +287,7 @@ std::string read_file(const std::string& name) {
     }
   }
   ::close(descriptor);
+  contents.resize(filled);
   return contents;
 }
 

@@ -4,7 +4,13 @@
 
 namespace dravo {
 namespace {
-constexpr std::size_t kFlushSize = 1U << 16U;
+constexpr std::size_t kFlushSize = 1U << 15U;
+constexpr std::size_t kLongestRecord = 1024;  // usually; a longer one only moves the buffer
+}  // namespace
+
+void RecordStream::attach(ByteSink* sink) {
+  sink_ = sink;
+  buffer_.reserve(kFlushSize + kLongestRecord);
 }
 
 void RecordStream::end_record() {

@@ -46,9 +46,9 @@ struct Aw {
 class RecordStream {
  public:
   RecordStream() = default;
-  explicit RecordStream(ByteSink* sink) : sink_(sink) {}
+  explicit RecordStream(ByteSink* sink) { attach(sink); }
 
-  void attach(ByteSink* sink) { sink_ = sink; }
+  void attach(ByteSink* sink);
 
   /// One free-format record. Items are texts, 32-bit integers, doubles, and vectors (three
   /// doubles).

@@ -37,6 +37,11 @@ double half_power(double value);
 
 inline double modulus(const Vec3& a) { return half_power(dot(a, a)); }
 
+/// Every component below a limit; false for a not-a-number.
+constexpr bool all_below(const Vec3& a, double limit) {
+  return a.x < limit && a.y < limit && a.z < limit;
+}
+
 /// Point reflected through a centre: the reversed axis when the point is an axis tip.
 constexpr Vec3 reflected(const Vec3& point, const Vec3& centre) {
   return centre - (point - centre);

@@ -26,12 +26,16 @@ struct WorkTables {
   AtomTable aux;                                ///< aligned pair, molecule 1 not turned
 };
 
-WorkTables& work_tables() {
-  static std::array<AtomStorage<kMaxAtoms>, 7> storage;
-  static WorkTables tables{AtomTable(storage[0]), AtomTable(storage[1]), AtomTable(storage[2]),
-                           AtomTable(storage[3]), AtomTable(storage[4]), AtomTable(storage[5]),
-                           AtomTable(storage[6])};
-  return tables;
+/// Tables of `rows` rows one behind the other in static storage, so that a small pair touches
+/// little of it.
+WorkTables work_tables(std::int32_t rows) {
+  constexpr std::size_t kTables = 7;
+  static std::array<double, kTables * kColumns * kMaxAtoms> storage;
+  const std::size_t size = kColumns * static_cast<std::size_t>(rows);
+  const auto table = [&](std::size_t k) {
+    return AtomTable(std::span(storage).subspan(k * size, size), rows);
+  };
+  return {table(0), table(1), table(2), table(3), table(4), table(5), table(6)};
 }
 
 void warn_about_unknown_labels(const std::vector<std::int32_t>& rows,
@@ -93,7 +97,7 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
   units.open_log();
   RecordStream& log = units.log();
 
-  WorkTables& tables = work_tables();
+  WorkTables tables = work_tables(N);
   AnalysisTables analysis{newcoo_and_m, tables.originalcoo_and_m, tables.auxiliar,
                           tables.inicial_posicao_correta_coo_and_m};
   const PairOfFrames frames = align_pair(split, analysis, units.screen(), log);

@@ -1,5 +1,7 @@
 #include "orientation/alignment_fit.hpp"
 
+#include <algorithm>
+
 #include "common/errors.hpp"
 
 namespace dravo {
@@ -19,6 +21,18 @@ struct FitConvention {
 AxisTriple axes_of_molecule2(const MoleculeFrame& molecule2) {
   using namespace axis_of_molecule2;
   return {molecule2.axis(Z), molecule2.axis(X), molecule2.axis(Y)};
+}
+
+/// Sum of a point that is surely accepted, or the one degree that every point must beat. The best
+/// point of the pass cannot have a larger one.
+double sum_to_beat(const GridWalker& walker, const AxesMatchRule<FitConvention>& rule,
+                   const ScanPass& pass) {
+  constexpr double one_degree = 1.0;
+  const auto point = walker.likely_best(
+      [&](double outer, double inner) { return !rule.is_excluded(outer, inner); });
+  if (!point) return one_degree;
+  const auto match = rule.judge(*point, pass.tolerance);
+  return match ? std::min(match->soma_diferencas, one_degree) : one_degree;
 }
 
 /// Screen and log hold the same texts but for blanks at the end of two of them.
@@ -64,14 +78,16 @@ AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
                            const std::function<void()>& no_candidate_yet) {
   const AxesMatchRule<FitConvention> rule(
       axes_of_molecule2(molecule2), {kLaboratoryZ, kLaboratoryX, kLaboratoryY}, tilt_of(molecule2));
+  GridWalker walker(rule.axes());
   BestPoint best;
   int improvements = 0;
   ScanPass pass = first_scan_pass();
   for (int number = 1; number <= kScanPasses; ++number) {
     Ranking ranking;
-    walk_grid(pass, [&](const Turn& a, const Turn& b) {
-      const auto match = rule.judge(a, b, pass.tolerance);
-      if (match && ranking.offer(a, rule.middle(), b, *match, best)) ++improvements;
+    walker.begin(pass);
+    walker.visit(sum_to_beat(walker, rule, pass), [&](const GridPoint& point) {
+      const auto match = rule.judge(point, pass.tolerance);
+      if (match && ranking.offer(point, rule.middle(), *match, best)) ++improvements;
     });
     if (improvements == 0) no_candidate_yet();
     pass = refined_scan_pass(pass, number, best.outer, best.inner);

@@ -1,10 +1,15 @@
 #include "orientation/euler_search.hpp"
 
+#include <limits>
+
 namespace dravo {
 namespace {
 
 constexpr auto kDoubleRule = " ======================================= ";
 constexpr auto kLongDoubleRule = " ================================================== ";
+/// Every accepted point is logged, however far it is from the best one.
+constexpr double kNoSumLimit = std::numeric_limits<double>::infinity();
+
 constexpr auto kDashes = "-----------------------------------";
 
 /// Outer angle gamma, inner angle alpha.
@@ -102,21 +107,23 @@ std::optional<EulerAngles> search_euler_angles(const PairOfFrames& frames,
                                                const EulerSearchWatcher& watcher) {
   const AxisTriple target = axes_of_molecule1(frames[0]);
   const AxisTriple moving = tips_of_molecule2(frames[1]);
-  const double beta = beta_between(target.z, moving.z);
+  const double beta = beta_between(target[0], moving[0]);
   const AxesMatchRule<SearchConvention> rule(moving, target, beta);
 
+  GridWalker walker(rule.axes());
   BestPoint best;
   ScanPass pass = first_scan_pass();
   for (int number = 1; number <= kScanPasses; ++number) {
     Ranking ranking;
     int accepted = 0;
-    walk_grid(pass, [&](const Turn& gamma, const Turn& alpha) {
-      const auto match = rule.judge(gamma, alpha, pass.tolerance);
+    walker.begin(pass);
+    walker.visit(kNoSumLimit, [&](const GridPoint& point) {
+      const auto match = rule.judge(point, pass.tolerance);
       if (!match) return;
       ++accepted;
-      watcher.accepted({alpha.radians, beta, gamma.radians}, *match,
+      watcher.accepted({point.inner.radians, beta, point.outer.radians}, *match,
                        ranking.parametro_diferencas());
-      ranking.offer(gamma, beta, alpha, *match, best);
+      ranking.offer(point, beta, *match, best);
     });
     if (number == 1 && accepted == 0) return std::nullopt;
     pass = refined_scan_pass(pass, number, best.outer, best.inner);

@@ -12,7 +12,7 @@ std::unique_ptr<AtomStorage<8>> numbered_storage() {
   auto storage = std::make_unique<AtomStorage<8>>();
   for (std::size_t column = 0; column < 5; ++column)
     for (std::size_t row = 0; row < 8; ++row)
-      (*storage)[column][row] = static_cast<double>(100 * column + row);
+      (*storage)[8 * column + row] = static_cast<double>(100 * column + row);
   return storage;
 }
 
@@ -26,6 +26,16 @@ TEST(AtomTables, ColumnsAreXYZMassAndAtomicNumber) {
   EXPECT_EQ(table.atomic_number(7), 407.0);
 }
 
+TEST(AtomTables, ColumnsOfFewRowsFollowEachOtherWithoutGaps) {
+  const auto storage = numbered_storage();
+  const AtomTable table(*storage, 2);
+  EXPECT_EQ(table.rows(), 2);
+  // Doubles 0 1 | 2 3 | 4 5 | 6 7 | 8 9 of the storage, which hold 0 1 | 2 3 | 4 5 | 6 7 | 100 101.
+  EXPECT_EQ(table.position(1), (Vec3{1.0, 3.0, 5.0}));
+  EXPECT_EQ(table.mass(0), 6.0);
+  EXPECT_EQ(table.atomic_number(1), 101.0);
+}
+
 TEST(AtomTables, SettingAPositionTouchesNothingElse) {
   const auto storage = numbered_storage();
   AtomTable(*storage).set_position(3, {-1.0, -2.0, -3.0});
@@ -33,8 +43,9 @@ TEST(AtomTables, SettingAPositionTouchesNothingElse) {
   for (std::size_t column = 0; column < 5; ++column)
     for (std::size_t row = 0; row < 8; ++row) {
       const bool set = row == 3 && column < 3;
-      const double expected = set ? -1.0 - static_cast<double>(column) : (*before)[column][row];
-      EXPECT_EQ((*storage)[column][row], expected) << "column " << column << " row " << row;
+      const double expected =
+          set ? -1.0 - static_cast<double>(column) : (*before)[8 * column + row];
+      EXPECT_EQ((*storage)[8 * column + row], expected) << "column " << column << " row " << row;
     }
 }
 
@@ -42,10 +53,10 @@ TEST(AtomTables, SettingAnElementTouchesNothingElse) {
   const auto storage = numbered_storage();
   AtomTable(*storage).set_element(5, 17.0, 35.45);
   const auto before = numbered_storage();
-  EXPECT_EQ((*storage)[3][5], 35.45);
-  EXPECT_EQ((*storage)[4][5], 17.0);
-  (*storage)[3][5] = (*before)[3][5];
-  (*storage)[4][5] = (*before)[4][5];
+  EXPECT_EQ((*storage)[8 * 3 + 5], 35.45);
+  EXPECT_EQ((*storage)[8 * 4 + 5], 17.0);
+  (*storage)[8 * 3 + 5] = (*before)[8 * 3 + 5];
+  (*storage)[8 * 4 + 5] = (*before)[8 * 4 + 5];
   EXPECT_EQ(*storage, *before);
 }
 
@@ -63,7 +74,7 @@ TEST(AtomTables, CopyingRowsTakesAllFiveColumnsAndStopsAfterTheCount) {
   AtomTable(target).copy_rows(AtomTable(*source), 6);
   for (std::size_t column = 0; column < 5; ++column)
     for (std::size_t row = 0; row < 8; ++row)
-      EXPECT_EQ(target[column][row], row < 6 ? (*source)[column][row] : 0.0)
+      EXPECT_EQ(target[8 * column + row], row < 6 ? (*source)[8 * column + row] : 0.0)
           << "column " << column << " row " << row;
 }
 

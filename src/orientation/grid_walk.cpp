@@ -1,0 +1,231 @@
+#include "orientation/grid_walk.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace dravo {
+namespace {
+
+// Rounding errors of the quantities below are a few 1e-15 at most. The margins are more than a
+// thousand times larger and still no coarser than the finest scan, whose step is 5e-12.
+constexpr double kComponentMargin = 1e-11;
+constexpr double kAngleMargin = 1e-11;  // radians
+
+/// Inner values whose sines, cosines and azimuths are found from those of one of them.
+constexpr std::size_t kBlock = 16;
+constexpr std::size_t kMiddle = kBlock / 2;
+
+bool is_unit(const Vec3& v) { return std::abs(dot(v, v) - 1.0) < 1e-6; }
+
+/// The values that an angle takes in a pass, each the one before plus the step.
+void fill_values(std::vector<double>& values, double start, const ScanPass& pass) {
+  values.resize(static_cast<std::size_t>(pass.points));
+  double value = start;
+  for (double& v : values) {
+    v = value;
+    value += pass.step;
+  }
+}
+
+/// A moving axis after the middle and inner rotations, seen along z.
+struct Projection {
+  double x;
+  double y;
+};
+
+Projection projected(const Vec3& v, const Turn& middle, double sine, double cosine) {
+  return {middle.cosine * (cosine * v.x + sine * v.y) - middle.sine * v.z,
+          cosine * v.y - sine * v.x};
+}
+
+/// Azimuth of a projection that is a small angle away from one whose azimuth is known.
+double azimuth_near(const Projection& p, const Projection& known, double known_azimuth) {
+  constexpr double kSmall = 0.05;  // the series leaves out less than 1e-15 up to here
+  const double along = known.x * p.x + known.y * p.y;
+  const double tangent = (known.x * p.y - known.y * p.x) / along;
+  if (!(along > 0.0 && std::abs(tangent) < kSmall)) return std::atan2(p.y, p.x);
+  const double t2 = tangent * tangent;
+  return known_azimuth +
+         tangent * (1.0 - t2 * (1.0 / 3.0 - t2 * (1.0 / 5.0 - t2 * (1.0 / 7.0 - t2 / 9.0))));
+}
+
+}  // namespace
+
+GridWalker::GridWalker(const ScanAxes& axes) : axes_(axes) {
+  for (std::size_t k = 0; k < 3; ++k) {
+    const Vec3& target = axes.target[k];
+    const double length = std::sqrt(target.x * target.x + target.y * target.y);
+    if (!(length > target_length_)) continue;
+    guide_ = k;
+    target_length_ = length;
+    target_azimuth_ = std::atan2(target.y, target.x);
+  }
+  // Of three perpendicular axes one leans from z by 54 degrees or more.
+  applies_ = target_length_ > 0.5 && std::all_of(axes.moving.begin(), axes.moving.end(), is_unit) &&
+             std::all_of(axes.target.begin(), axes.target.end(), is_unit);
+}
+
+void GridWalker::begin(const ScanPass& pass) {
+  pass_ = pass;
+  steps_per_radian_ = 1.0 / pass.step;
+  matches_.clear();
+  if (!applies_) return;
+
+  fill_values(outer_, pass.outer_start, pass);
+  fill_values(inner_, pass.inner_start, pass);
+  matches_.reserve(inner_.size());
+  for (std::size_t k = 0; k < kBlock; ++k) {
+    const Turn turn = Turn::of((static_cast<double>(k) - static_cast<double>(kMiddle)) * pass.step);
+    block_sines_[k] = turn.sine;
+    block_cosines_[k] = turn.cosine;
+  }
+  for (std::size_t begin = 0; begin < inner_.size(); begin += kBlock)
+    find_matches(begin, std::min(begin + kBlock, inner_.size()));
+}
+
+/// Looks at the inner values [begin, end) of one block.
+void GridWalker::find_matches(std::size_t begin, std::size_t end) {
+  if (inner_[end - 1] < 0.0) return;  // refused whatever the outer angle is
+  const Vec3& guide = axes_.moving[guide_];
+  const Turn middle = Turn::of(inner_[begin] + static_cast<double>(kMiddle) * pass_.step);
+  const Projection known = projected(guide, axes_.middle, middle.sine, middle.cosine);
+  const double known_azimuth = std::atan2(known.y, known.x);
+  for (std::size_t j = begin; j < end; ++j) {
+    const std::size_t k = j - begin;
+    const double sine = middle.sine * block_cosines_[k] + middle.cosine * block_sines_[k];
+    const double cosine = middle.cosine * block_cosines_[k] - middle.sine * block_sines_[k];
+    if (inner_[j] < 0.0 || !z_components_match(sine, cosine)) continue;
+    const Projection p = projected(guide, axes_.middle, sine, cosine);
+    add_match(inner_[j], azimuth_near(p, known, known_azimuth));
+  }
+}
+
+bool GridWalker::z_components_match(double sine, double cosine) const {
+  const Vec3 row{axes_.middle.sine * cosine, axes_.middle.sine * sine, axes_.middle.cosine};
+  const auto difference = [&](std::size_t k) {
+    return std::abs(dot(row, axes_.moving[k]) - axes_.target[k].z);
+  };
+  return all_below({difference(0), difference(1), difference(2)},
+                   pass_.tolerance + kComponentMargin);
+}
+
+void GridWalker::add_match(double inner, double guide_azimuth) {
+  const double outer = in_turn_of_grid(guide_azimuth - target_azimuth_);
+  const std::int32_t nearest = nearest_outer(outer);
+  const double miss = std::abs(outer_[static_cast<std::size_t>(nearest)] - outer);
+  matches_.push_back({inner, outer, miss, nearest});
+}
+
+/// The same angle in the turn that starts 0.1, more than any window, below the grid.
+double GridWalker::in_turn_of_grid(double angle) const {
+  const double lowest = pass_.outer_start - 0.1;
+  while (angle < lowest) angle += kTwoPi;
+  while (angle >= lowest + kTwoPi) angle -= kTwoPi;
+  return angle;
+}
+
+/// Index of the outer value next to an angle.
+std::int32_t GridWalker::nearest_outer(double angle) const {
+  const double steps = (angle - pass_.outer_start) * steps_per_radian_;
+  return static_cast<std::int32_t>(std::clamp(steps, 0.0, pass_.points - 1.0) + 0.5);
+}
+
+std::optional<GridPoint> GridWalker::likely_best(const Allowed& allowed) const {
+  double least = pass_.step;
+  const InnerMatch* best = nullptr;
+  for (const InnerMatch& match : matches_) {
+    if (match.miss >= least) continue;
+    if (!allowed(outer_[static_cast<std::size_t>(match.nearest)], match.inner)) continue;
+    least = match.miss;
+    best = &match;
+  }
+  if (best == nullptr) return std::nullopt;
+  return GridPoint{Turn::of(outer_[static_cast<std::size_t>(best->nearest)]),
+                   Turn::of(best->inner)};
+}
+
+/// Largest difference of the outer angle from the one that belongs to the inner angle.
+///
+/// The turned axis and its target have projections of about the same length, closer to each other
+/// than sqrt 2 tolerances; 1.5 leaves room for the arc. And an axis whose azimuth is off by a small
+/// angle is itself off by at least that angle times the length of its projection.
+double GridWalker::half_window(double sum_limit) const {
+  const double by_components = 1.5 * pass_.tolerance / target_length_;
+  const double by_sum = sum_limit * kRadiansPerDegree / (0.99 * target_length_);
+  return std::min(by_components, by_sum) + kAngleMargin;
+}
+
+void GridWalker::visit(double sum_limit, const Visit& visit) {
+  if (!applies_) {
+    visit_all(visit);
+    return;
+  }
+  find_candidates(half_window(sum_limit));
+  sort_by_outer();
+
+  std::int32_t row = -1;
+  GridPoint point{};
+  for (const Candidate& candidate : candidates_) {
+    if (candidate.outer != row) {
+      row = candidate.outer;
+      point.outer = Turn::of(outer_[static_cast<std::size_t>(row)]);
+    }
+    point.inner = turns_[static_cast<std::size_t>(candidate.turn)];
+    visit(point);
+  }
+}
+
+void GridWalker::find_candidates(double half_width) {
+  unsorted_.clear();
+  turns_.clear();
+  const double one_turn_below_end = outer_.back() + half_width - kTwoPi;
+  for (const InnerMatch& match : matches_) {
+    const std::size_t before = unsorted_.size();
+    if (match.miss <= half_width) add_window(match.outer, match.nearest, half_width);
+    if (match.outer <= one_turn_below_end) {
+      const double next_turn = match.outer + kTwoPi;
+      add_window(next_turn, nearest_outer(next_turn), half_width);
+    }
+    if (unsorted_.size() > before) turns_.push_back(Turn::of(match.inner));
+  }
+}
+
+/// The outer values within half a window of an angle, for the inner turn that comes next.
+void GridWalker::add_window(double angle, std::int32_t nearest, double half_width) {
+  // Half a step for the rounding of the index, and one step more than needed.
+  const auto reach = static_cast<std::int32_t>(half_width * steps_per_radian_ + 0.5) + 1;
+  const std::int32_t begin = std::max(nearest - reach, 0);
+  const std::int32_t end = std::min(nearest + reach, pass_.points - 1);
+  const auto turn = static_cast<std::int32_t>(turns_.size());
+  for (std::int32_t i = begin; i <= end; ++i)
+    if (std::abs(outer_[static_cast<std::size_t>(i)] - angle) <= half_width)
+      unsorted_.push_back({i, turn});
+}
+
+/// Stable counting sort: within an outer value the inner values stay ascending.
+void GridWalker::sort_by_outer() {
+  places_.assign(outer_.size() + 1, 0);
+  for (const Candidate& c : unsorted_) ++places_[static_cast<std::size_t>(c.outer) + 1];
+  for (std::size_t i = 1; i < places_.size(); ++i) places_[i] += places_[i - 1];
+  candidates_.resize(unsorted_.size());
+  for (const Candidate& c : unsorted_) {
+    std::int32_t& place = places_[static_cast<std::size_t>(c.outer)];
+    candidates_[static_cast<std::size_t>(place++)] = c;
+  }
+}
+
+/// For axes that are no unit vectors, about which nothing is certain.
+void GridWalker::visit_all(const Visit& visit) const {
+  GridPoint point{};
+  double outer = pass_.outer_start;
+  for (std::int32_t i = 0; i < pass_.points; ++i, outer += pass_.step) {
+    point.outer = Turn::of(outer);
+    double inner = pass_.inner_start;
+    for (std::int32_t j = 0; j < pass_.points; ++j, inner += pass_.step) {
+      point.inner = Turn::of(inner);
+      visit(point);
+    }
+  }
+}
+
+}  // namespace dravo
