@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -10,7 +11,7 @@ namespace dravo {
 namespace {
 
 constexpr int kFreeIntegerWidth = 11;
-constexpr int kFreeRealWidth = 25;
+constexpr int kFreeRealWidth = static_cast<int>(FreeRealCache::kWidth);
 constexpr int kSignificantDigits = 17;
 
 /// Longest fixed notation of a double: sign, 309 digits, point and the decimals of a field.
@@ -98,6 +99,21 @@ void append_free_real(std::string& record, double value) {
     add_exponent_form(text, digits, exponent);
   }
   append_right_aligned(record, text.view(), kFreeRealWidth);
+}
+
+void FreeRealCache::append(std::string& record, double value) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  // The leading bits of the product depend on all bits of the value.
+  Entry& entry = entries_[(bits * 0x9E3779B97F4A7C15U) >> 58U];
+  if (entry.filled && entry.bits == bits) {
+    record.append(entry.text.data(), entry.text.size());
+    return;
+  }
+  const std::size_t before = record.size();
+  append_free_real(record, value);
+  entry.bits = bits;
+  entry.filled = true;
+  std::copy_n(record.data() + before, kWidth, entry.text.data());
 }
 
 void append_integer_field(std::string& record, std::int32_t value, int width) {

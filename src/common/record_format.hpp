@@ -4,6 +4,8 @@
 /// their type, and edit descriptors (Iw, Fw.d, Aw), whose width the format states.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,6 +19,23 @@ void append_free_integer(std::string& record, std::int32_t value);
 /// five blanks where 0.1 <= |value| < 1e17 and for zero, else exponent form with three exponent
 /// digits.
 void append_free_real(std::string& record, double value);
+
+/// Free-format reals of one stream. Logs repeat their numbers, so the last ones are kept as text.
+class FreeRealCache {
+ public:
+  /// Columns of a free-format real.
+  static constexpr std::size_t kWidth = 25;
+
+  void append(std::string& record, double value);
+
+ private:
+  struct Entry {
+    std::uint64_t bits = 0;  ///< of the value
+    bool filled = false;
+    std::array<char, kWidth> text{};
+  };
+  std::array<Entry, 64> entries_{};
+};
 
 /// Iw: right-aligned; asterisks when the value does not fit.
 void append_integer_field(std::string& record, std::int32_t value, int width);

@@ -57,19 +57,16 @@ class RecordStream {
   /// a blank, a text only when it follows a number.
   template <class... Items>
   void record(const Items&... items) {
-    buffer_ += ' ';
-    previous_ = Previous::nothing;
+    start_record();
     (free_item(items), ...);
     end_record();
   }
 
   /// `count` records that hold two blanks each: empty-looking lines.
-  void blank(int count = 1) { repeat("  ", count); }
+  void blank(int count = 1);
 
   /// The same text on `count` records.
-  void repeat(std::string_view text, int count) {
-    for (int i = 0; i < count; ++i) record(text);
-  }
+  void repeat(std::string_view text, int count);
 
   /// One record of fields with a stated format, without any blank that the fields do not hold. A
   /// bare text stands as it is.
@@ -88,38 +85,26 @@ class RecordStream {
  private:
   enum class Previous { nothing, text, number };
 
-  void free_item(std::string_view text) {
-    if (previous_ == Previous::number) buffer_ += ' ';
-    buffer_ += text;
-    previous_ = Previous::text;
-  }
-  void free_item(std::same_as<std::int32_t> auto value) {
-    separate_number();
-    append_free_integer(buffer_, value);
-  }
-  void free_item(std::same_as<double> auto value) {
-    separate_number();
-    append_free_real(buffer_, value);
-  }
-  void free_item(const Vec3& v) {
-    free_item(v.x);
-    free_item(v.y);
-    free_item(v.z);
-  }
-  void separate_number() {
-    if (previous_ != Previous::nothing) buffer_ += ' ';
-    previous_ = Previous::number;
-  }
+  // Not inline: hundreds of records are written once each, and small code loads faster.
+  void start_record();
+  void free_item(std::string_view text);
+  void free_item(const Vec3& v);
+  void free_integer(std::int32_t value);
+  void free_real(double value);
+  // Constrained, so that no other number or truth value turns into an item by conversion.
+  void free_item(std::same_as<std::int32_t> auto value) { free_integer(value); }
+  void free_item(std::same_as<double> auto value) { free_real(value); }
 
-  void field(const Iw& f) { append_integer_field(buffer_, f.value, f.width); }
-  void field(const Fwd& f) { append_fixed_field(buffer_, f.value, f.width, f.decimals); }
-  void field(const Aw& f) { append_text_field(buffer_, f.text, f.width); }
-  void field(std::string_view text) { buffer_ += text; }
+  void field(const Iw& f);
+  void field(const Fwd& f);
+  void field(const Aw& f);
+  void field(std::string_view text);
 
   void end_record();
 
   ByteSink* sink_ = nullptr;
   std::string buffer_;
+  FreeRealCache reals_;
   Previous previous_ = Previous::nothing;
 };
 

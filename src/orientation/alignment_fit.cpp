@@ -28,8 +28,7 @@ AxisTriple axes_of_molecule2(const MoleculeFrame& molecule2) {
 double sum_to_beat(const GridWalker& walker, const AxesMatchRule<FitConvention>& rule,
                    const ScanPass& pass) {
   constexpr double one_degree = 1.0;
-  const auto point = walker.likely_best(
-      [&](double outer, double inner) { return !rule.is_excluded(outer, inner); });
+  const auto point = walker.likely_best();
   if (!point) return one_degree;
   const auto match = rule.judge(*point, pass.tolerance);
   return match ? std::min(match->soma_diferencas, one_degree) : one_degree;
@@ -78,7 +77,7 @@ AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
                            const std::function<void()>& no_candidate_yet) {
   const AxesMatchRule<FitConvention> rule(
       axes_of_molecule2(molecule2), {kLaboratoryZ, kLaboratoryX, kLaboratoryY}, tilt_of(molecule2));
-  GridWalker walker(rule.axes());
+  GridWalker walker(rule.axes(), rule.allowed());
   BestPoint best;
   int improvements = 0;
   ScanPass pass = first_scan_pass();

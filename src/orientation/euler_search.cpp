@@ -110,7 +110,7 @@ std::optional<EulerAngles> search_euler_angles(const PairOfFrames& frames,
   const double beta = beta_between(target[0], moving[0]);
   const AxesMatchRule<SearchConvention> rule(moving, target, beta);
 
-  GridWalker walker(rule.axes());
+  GridWalker walker(rule.axes(), rule.allowed());
   BestPoint best;
   ScanPass pass = first_scan_pass();
   for (int number = 1; number <= kScanPasses; ++number) {

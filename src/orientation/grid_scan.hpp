@@ -46,12 +46,21 @@ class AxesMatchRule {
   [[nodiscard]] const ScanAxes& axes() const { return axes_; }
   [[nodiscard]] double middle() const { return axes_.middle.radians; }
 
-  /// Negative angles, and past the full turn when only the sum of the two angles has a meaning.
+  /// Whether the angles alone refuse a point: negative ones do, and where only the sum of the two
+  /// has a meaning, sums of 360 and more in whole degrees.
   [[nodiscard]] bool is_excluded(double outer, double inner) const {
     if (outer < 0.0 || inner < 0.0) return true;
-    return no_tilt_ && nearest_integer(Convention::degrees(inner)) +
-                               nearest_integer(Convention::degrees(outer)) >=
-                           360;
+    if (!no_tilt_) return false;
+    const double outer_degrees = Convention::degrees(outer);
+    const double inner_degrees = Convention::degrees(inner);
+    const double sum = outer_degrees + inner_degrees;
+    if (sum < 358.5 || sum > 361.5) return sum > 360.0;  // rounding adds or takes one at most
+    return nearest_integer(inner_degrees) + nearest_integer(outer_degrees) >= 360;
+  }
+
+  /// For a walker, which may leave out what the angles alone refuse. The rule must outlive it.
+  [[nodiscard]] GridWalker::Allowed allowed() const {
+    return [this](double outer, double inner) { return !is_excluded(outer, inner); };
   }
 
   /// Empty when the point is refused.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace dravo {
 namespace {
@@ -11,9 +12,7 @@ namespace {
 constexpr double kComponentMargin = 1e-11;
 constexpr double kAngleMargin = 1e-11;  // radians
 
-/// Inner values whose sines, cosines and azimuths are found from those of one of them.
-constexpr std::size_t kBlock = 16;
-constexpr std::size_t kMiddle = kBlock / 2;
+constexpr std::size_t kMiddle = kGridBlock / 2;
 
 bool is_unit(const Vec3& v) { return std::abs(dot(v, v) - 1.0) < 1e-6; }
 
@@ -38,20 +37,10 @@ Projection projected(const Vec3& v, const Turn& middle, double sine, double cosi
           cosine * v.y - sine * v.x};
 }
 
-/// Azimuth of a projection that is a small angle away from one whose azimuth is known.
-double azimuth_near(const Projection& p, const Projection& known, double known_azimuth) {
-  constexpr double kSmall = 0.05;  // the series leaves out less than 1e-15 up to here
-  const double along = known.x * p.x + known.y * p.y;
-  const double tangent = (known.x * p.y - known.y * p.x) / along;
-  if (!(along > 0.0 && std::abs(tangent) < kSmall)) return std::atan2(p.y, p.x);
-  const double t2 = tangent * tangent;
-  return known_azimuth +
-         tangent * (1.0 - t2 * (1.0 / 3.0 - t2 * (1.0 / 5.0 - t2 * (1.0 / 7.0 - t2 / 9.0))));
-}
-
 }  // namespace
 
-GridWalker::GridWalker(const ScanAxes& axes) : axes_(axes) {
+GridWalker::GridWalker(const ScanAxes& axes, Allowed allowed)
+    : axes_(axes), allowed_(std::move(allowed)) {
   for (std::size_t k = 0; k < 3; ++k) {
     const Vec3& target = axes.target[k];
     const double length = std::sqrt(target.x * target.x + target.y * target.y);
@@ -74,39 +63,80 @@ void GridWalker::begin(const ScanPass& pass) {
   fill_values(outer_, pass.outer_start, pass);
   fill_values(inner_, pass.inner_start, pass);
   matches_.reserve(inner_.size());
-  for (std::size_t k = 0; k < kBlock; ++k) {
+  for (std::size_t k = 0; k < kGridBlock; ++k) {
     const Turn turn = Turn::of((static_cast<double>(k) - static_cast<double>(kMiddle)) * pass.step);
     block_sines_[k] = turn.sine;
     block_cosines_[k] = turn.cosine;
   }
-  for (std::size_t begin = 0; begin < inner_.size(); begin += kBlock)
-    find_matches(begin, std::min(begin + kBlock, inner_.size()));
+  for (std::size_t begin = 0; begin < inner_.size(); begin += kGridBlock)
+    find_matches(begin, std::min(begin + kGridBlock, inner_.size()));
 }
 
-/// Looks at the inner values [begin, end) of one block.
+/// Looks at the inner values [begin, end) of one block. The loops over a block have no branches, so
+/// that a compiler can take several values at once.
 void GridWalker::find_matches(std::size_t begin, std::size_t end) {
   if (inner_[end - 1] < 0.0) return;  // refused whatever the outer angle is
-  const Vec3& guide = axes_.moving[guide_];
   const Turn middle = Turn::of(inner_[begin] + static_cast<double>(kMiddle) * pass_.step);
-  const Projection known = projected(guide, axes_.middle, middle.sine, middle.cosine);
-  const double known_azimuth = std::atan2(known.y, known.x);
-  for (std::size_t j = begin; j < end; ++j) {
-    const std::size_t k = j - begin;
-    const double sine = middle.sine * block_cosines_[k] + middle.cosine * block_sines_[k];
-    const double cosine = middle.cosine * block_cosines_[k] - middle.sine * block_sines_[k];
-    if (inner_[j] < 0.0 || !z_components_match(sine, cosine)) continue;
-    const Projection p = projected(guide, axes_.middle, sine, cosine);
-    add_match(inner_[j], azimuth_near(p, known, known_azimuth));
+  Block sine;
+  Block cosine;
+  for (std::size_t k = 0; k < kGridBlock; ++k) {
+    sine[k] = middle.sine * block_cosines_[k] + middle.cosine * block_sines_[k];
+    cosine[k] = middle.cosine * block_cosines_[k] - middle.sine * block_sines_[k];
   }
+  const Block difference = largest_difference_along_z(sine, cosine);
+  const double limit = pass_.tolerance + kComponentMargin;
+  if (!std::any_of(difference.begin(), difference.end(), [=](double d) { return d < limit; }))
+    return;
+
+  const Block azimuth = guide_azimuths(middle, sine, cosine);
+  for (std::size_t j = begin; j < end; ++j)
+    if (difference[j - begin] < limit && inner_[j] >= 0.0) add_match(inner_[j], azimuth[j - begin]);
 }
 
-bool GridWalker::z_components_match(double sine, double cosine) const {
-  const Vec3 row{axes_.middle.sine * cosine, axes_.middle.sine * sine, axes_.middle.cosine};
-  const auto difference = [&](std::size_t k) {
-    return std::abs(dot(row, axes_.moving[k]) - axes_.target[k].z);
-  };
-  return all_below({difference(0), difference(1), difference(2)},
-                   pass_.tolerance + kComponentMargin);
+/// Largest of the three differences that the outer angle does not change.
+GridWalker::Block GridWalker::largest_difference_along_z(const Block& sine,
+                                                         const Block& cosine) const {
+  Block largest{};
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const Vec3& v = axes_.moving[axis];
+    const double constant = axes_.middle.cosine * v.z - axes_.target[axis].z;
+    const double along_x = axes_.middle.sine * v.x;
+    const double along_y = axes_.middle.sine * v.y;
+    for (std::size_t k = 0; k < kGridBlock; ++k) {
+      const double difference = std::abs(along_x * cosine[k] + along_y * sine[k] + constant);
+      largest[k] = difference > largest[k] ? difference : largest[k];
+    }
+  }
+  return largest;
+}
+
+/// Azimuth of the guide axis after the middle and inner rotations. Within a block it turns little,
+/// so it follows from that of the middle by a short series; where it turns much, it is computed
+/// anew.
+GridWalker::Block GridWalker::guide_azimuths(const Turn& middle, const Block& sine,
+                                             const Block& cosine) const {
+  constexpr double kSmall = 0.06;  // the series leaves out less than 1e-14 up to here
+  const Vec3& v = axes_.moving[guide_];
+  const Projection known = projected(v, axes_.middle, middle.sine, middle.cosine);
+  const double known_azimuth = std::atan2(known.y, known.x);
+  Block azimuth;
+  Block tangent;
+  Block along;
+  for (std::size_t k = 0; k < kGridBlock; ++k) {
+    const Projection p = projected(v, axes_.middle, sine[k], cosine[k]);
+    along[k] = known.x * p.x + known.y * p.y;
+    const double t = (known.x * p.y - known.y * p.x) / along[k];
+    const double t2 = t * t;
+    tangent[k] = std::abs(t);
+    azimuth[k] = known_azimuth +
+                 t * (1.0 - t2 * (1.0 / 3.0 - t2 * (1.0 / 5.0 - t2 * (1.0 / 7.0 - t2 / 9.0))));
+  }
+  for (std::size_t k = 0; k < kGridBlock; ++k) {
+    if (along[k] > 0.0 && tangent[k] < kSmall) continue;
+    const Projection p = projected(v, axes_.middle, sine[k], cosine[k]);
+    azimuth[k] = std::atan2(p.y, p.x);
+  }
+  return azimuth;
 }
 
 void GridWalker::add_match(double inner, double guide_azimuth) {
@@ -130,12 +160,12 @@ std::int32_t GridWalker::nearest_outer(double angle) const {
   return static_cast<std::int32_t>(std::clamp(steps, 0.0, pass_.points - 1.0) + 0.5);
 }
 
-std::optional<GridPoint> GridWalker::likely_best(const Allowed& allowed) const {
+std::optional<GridPoint> GridWalker::likely_best() const {
   double least = pass_.step;
   const InnerMatch* best = nullptr;
   for (const InnerMatch& match : matches_) {
     if (match.miss >= least) continue;
-    if (!allowed(outer_[static_cast<std::size_t>(match.nearest)], match.inner)) continue;
+    if (!allowed_(outer_[static_cast<std::size_t>(match.nearest)], match.inner)) continue;
     least = match.miss;
     best = &match;
   }
@@ -181,25 +211,27 @@ void GridWalker::find_candidates(double half_width) {
   const double one_turn_below_end = outer_.back() + half_width - kTwoPi;
   for (const InnerMatch& match : matches_) {
     const std::size_t before = unsorted_.size();
-    if (match.miss <= half_width) add_window(match.outer, match.nearest, half_width);
+    if (match.miss <= half_width) add_window(match.inner, match.outer, match.nearest, half_width);
     if (match.outer <= one_turn_below_end) {
       const double next_turn = match.outer + kTwoPi;
-      add_window(next_turn, nearest_outer(next_turn), half_width);
+      add_window(match.inner, next_turn, nearest_outer(next_turn), half_width);
     }
     if (unsorted_.size() > before) turns_.push_back(Turn::of(match.inner));
   }
 }
 
 /// The outer values within half a window of an angle, for the inner turn that comes next.
-void GridWalker::add_window(double angle, std::int32_t nearest, double half_width) {
+void GridWalker::add_window(double inner, double angle, std::int32_t nearest, double half_width) {
   // Half a step for the rounding of the index, and one step more than needed.
   const auto reach = static_cast<std::int32_t>(half_width * steps_per_radian_ + 0.5) + 1;
   const std::int32_t begin = std::max(nearest - reach, 0);
   const std::int32_t end = std::min(nearest + reach, pass_.points - 1);
   const auto turn = static_cast<std::int32_t>(turns_.size());
-  for (std::int32_t i = begin; i <= end; ++i)
-    if (std::abs(outer_[static_cast<std::size_t>(i)] - angle) <= half_width)
+  for (std::int32_t i = begin; i <= end; ++i) {
+    const double outer = outer_[static_cast<std::size_t>(i)];
+    if (std::abs(outer - angle) <= half_width && allowed_(outer, inner))
       unsorted_.push_back({i, turn});
+  }
 }
 
 /// Stable counting sort: within an outer value the inner values stay ascending.

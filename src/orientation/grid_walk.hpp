@@ -62,6 +62,9 @@ struct GridPoint {
   Turn inner;
 };
 
+/// Inner values whose sines, cosines and azimuths are found from those of one of them.
+inline constexpr std::size_t kGridBlock = 16;
+
 /// Visits the points of a pass in scan order: outer angle ascending, inner angle ascending within
 /// it.
 ///
@@ -75,19 +78,22 @@ class GridWalker {
   using Visit = std::function<void(const GridPoint& point)>;
   using Allowed = std::function<bool(double outer, double inner)>;
 
-  explicit GridWalker(const ScanAxes& axes);
+  /// Points that are not `allowed` by their angles (radians) are left out.
+  GridWalker(const ScanAxes& axes, Allowed allowed);
 
   /// Goes to a pass.
   void begin(const ScanPass& pass);
 
-  /// The point of the pass that is likely to be the best of those allowed; empty when none is.
-  [[nodiscard]] std::optional<GridPoint> likely_best(const Allowed& allowed) const;
+  /// The point of the pass that is likely to be its best one; empty when nothing is known.
+  [[nodiscard]] std::optional<GridPoint> likely_best() const;
 
   /// Every point of the pass that has all nine components within tolerance and a sum of axis
   /// deviations up to `sum_limit` degrees is visited, and few others.
   void visit(double sum_limit, const Visit& visit);
 
  private:
+  using Block = std::array<double, kGridBlock>;
+
   /// An inner angle that passes the test of the z components.
   struct InnerMatch {
     double inner;          ///< radians
@@ -101,17 +107,20 @@ class GridWalker {
   };
 
   void find_matches(std::size_t begin, std::size_t end);
-  [[nodiscard]] bool z_components_match(double sine, double cosine) const;
+  [[nodiscard]] Block largest_difference_along_z(const Block& sine, const Block& cosine) const;
+  [[nodiscard]] Block guide_azimuths(const Turn& middle, const Block& sine,
+                                     const Block& cosine) const;
   void add_match(double inner, double guide_azimuth);
   [[nodiscard]] double in_turn_of_grid(double angle) const;
   [[nodiscard]] std::int32_t nearest_outer(double angle) const;
   [[nodiscard]] double half_window(double sum_limit) const;
   void find_candidates(double half_width);
-  void add_window(double angle, std::int32_t nearest, double half_width);
+  void add_window(double inner, double angle, std::int32_t nearest, double half_width);
   void sort_by_outer();
   void visit_all(const Visit& visit) const;
 
   ScanAxes axes_;
+  Allowed allowed_;
   std::size_t guide_ = 0;        ///< the axis whose target leans farthest from z
   double target_length_ = 0.0;   ///< of the projection of its target
   double target_azimuth_ = 0.0;  ///< radians
@@ -119,10 +128,10 @@ class GridWalker {
 
   ScanPass pass_{};
   double steps_per_radian_ = 0.0;
-  std::array<double, 16> block_sines_{};    ///< of the steps from the middle of a block
-  std::array<double, 16> block_cosines_{};  ///< to its members
-  std::vector<double> outer_;               ///< values of the outer angle
-  std::vector<double> inner_;               ///< values of the inner angle
+  Block block_sines_{};        ///< of the steps from the middle of a block
+  Block block_cosines_{};      ///< to its members
+  std::vector<double> outer_;  ///< values of the outer angle
+  std::vector<double> inner_;  ///< values of the inner angle
   std::vector<InnerMatch> matches_;
   std::vector<Turn> turns_;  ///< inner angles of the candidates
   std::vector<Candidate> unsorted_;

@@ -2,14 +2,8 @@
 
 #include <cstddef>
 
-#include "common/constants.hpp"
-
 namespace dravo {
 namespace {
-
-constexpr double kShortDistance = widened(1.9F);
-/// Well above the square of the threshold: whatever lies beyond it is no contact in any rounding.
-constexpr double kSurelyFarSquared = 4.0;
 
 constexpr auto kCheckTheSystem = " CHECK THE SUPRAMOLECULAR SYSTEM  ";
 
@@ -24,24 +18,6 @@ void write_pair(RecordStream& out, const ShortContact& contact, std::span<const 
 }
 
 }  // namespace
-
-std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
-                                              const MoleculeSplit& split) {
-  std::vector<ShortContact> contacts;
-  const auto [first1, last1] = split.molecule1();
-  const auto [first2, last2] = split.molecule2();
-  for (std::int32_t i = first1; i < last1; ++i) {
-    const Vec3 p = final_coo_and_m.position(i);
-    for (std::int32_t k = first2; k < last2; ++k) {
-      const Vec3 difference = p - final_coo_and_m.position(k);
-      const double squared = dot(difference, difference);
-      if (squared > kSurelyFarSquared) continue;
-      const double distance = half_power(squared);
-      if (distance <= kShortDistance) contacts.push_back({i, k, distance});
-    }
-  }
-  return contacts;
-}
 
 void write_short_contacts(RecordStream& screen, RecordStream& log,
                           std::span<const ShortContact> contacts, std::span<const Label> isymbol) {

@@ -245,8 +245,7 @@ struct Capacity : testing::Test {
     return full;
   }
   void SetUp() override {
-    for (auto* storage : {&tables().input_storage, &tables().working_storage})
-      for (auto& column : *storage) column.fill(0.0);
+    for (auto* storage : {&tables().input_storage, &tables().working_storage}) storage->fill(0.0);
     tables().labels.fill({'-', '-'});
   }
   InputGeometry read(const std::string& text) {
