@@ -207,7 +207,9 @@ void GridWalker::visit(double sum_limit, const Visit& visit) {
 
 void GridWalker::find_candidates(double half_width) {
   unsorted_.clear();
+  unsorted_.reserve(2 * matches_.size());
   turns_.clear();
+  turns_.reserve(matches_.size());
   const double one_turn_below_end = outer_.back() + half_width - kTwoPi;
   for (const InnerMatch& match : matches_) {
     const std::size_t before = unsorted_.size();

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -143,6 +145,96 @@ TEST(ShortContactReport, IsEmptyWithoutContact) {
   const auto [screen, log] = report_of({}, {});
   EXPECT_EQ(screen, "");
   EXPECT_EQ(log, "");
+}
+
+/// Every pair of atoms of the two molecules, one by one.
+std::vector<std::pair<std::int32_t, std::int32_t>> pairs_one_by_one(const AtomTable& atoms,
+                                                                    const MoleculeSplit& split) {
+  std::vector<std::pair<std::int32_t, std::int32_t>> pairs;
+  for (std::int32_t i = split.molecule1().begin; i < split.molecule1().end; ++i)
+    for (std::int32_t k = split.molecule2().begin; k < split.molecule2().end; ++k)
+      if (modulus(atoms.position(i) - atoms.position(k)) <= 1.899999976158142)
+        pairs.emplace_back(i, k);
+  return pairs;
+}
+
+void expect_the_pairs_one_by_one(const AtomTable& atoms, const MoleculeSplit& split) {
+  std::vector<std::pair<std::int32_t, std::int32_t>> found;
+  for (const ShortContact& contact : find_short_contacts(atoms, split)) {
+    found.emplace_back(contact.atom1, contact.atom2);
+    EXPECT_EQ(contact.distance,
+              modulus(atoms.position(contact.atom1) - atoms.position(contact.atom2)));
+  }
+  EXPECT_EQ(found, pairs_one_by_one(atoms, split));
+}
+
+/// A table of `count` atoms at random in a cube around a centre.
+struct Cloud {
+  Cloud(std::int32_t count, double edge, const Vec3& centre, std::uint64_t seed)
+      : storage(5 * static_cast<std::size_t>(count)), atoms(storage, count) {
+    std::mt19937_64 random(seed);
+    std::uniform_real_distribution<double> along(-0.5 * edge, 0.5 * edge);
+    for (std::int32_t i = 0; i < count; ++i)
+      atoms.set_position(i, centre + Vec3{along(random), along(random), along(random)});
+  }
+
+  std::vector<double> storage;
+  AtomTable atoms;
+};
+
+TEST(ShortContactSearch, FindsThePairsOfARandomCloudInTheirOrder) {
+  for (const std::int32_t n1 : {0, 1, 300, 999, 1000}) {
+    Cloud cloud(1000, 20.0, {}, 17);
+    SCOPED_TRACE(n1);
+    expect_the_pairs_one_by_one(cloud.atoms, {1000, n1});
+  }
+}
+
+TEST(ShortContactSearch, DoesNotDependOnWhereTheCloudIs) {
+  // Far from the origin the coordinates are coarse; at 1e16 they are even numbers.
+  for (const double far : {-1.0e3, 1.0e6, -1.0e12, 2.0e12, 1.0e16, -1.0e300}) {
+    Cloud cloud(400, 12.0, {far, -far, 0.5 * far}, 18);
+    SCOPED_TRACE(far);
+    expect_the_pairs_one_by_one(cloud.atoms, {400, 200});
+  }
+}
+
+TEST(ShortContactSearch, FindsPairsAcrossTheFacesEdgesAndCornersOfCells) {
+  // Pairs a little closer than the threshold in each of the 26 directions, around points that are
+  // corners of cells for every cell edge that divides 12.
+  for (const double corner : {-24.0, -12.0, 0.0, 12.0}) {
+    std::vector<Vec3> positions;
+    for (int x = -1; x <= 1; ++x)
+      for (int y = -1; y <= 1; ++y)
+        for (int z = -1; z <= 1; ++z) {
+          const Vec3 direction{static_cast<double>(x), static_cast<double>(y),
+                               static_cast<double>(z)};
+          const double length = std::max(1.0, modulus(direction));
+          positions.push_back(Vec3{corner, corner, corner} + (0.949 / length) * direction);
+        }
+    const auto count = static_cast<std::int32_t>(2 * positions.size());
+    std::vector<double> storage(5 * static_cast<std::size_t>(count));
+    AtomTable atoms(storage, count);
+    for (std::int32_t i = 0; i < count; ++i)
+      atoms.set_position(i, positions[static_cast<std::size_t>(i) % positions.size()]);
+    expect_the_pairs_one_by_one(atoms, {count, count / 2});
+  }
+}
+
+TEST(ShortContactSearch, LeavesOutAtomsAtNoPoint) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  Cloud cloud(60, 4.0, {}, 19);
+  cloud.atoms.set_position(3, {kNaN, 0.0, 0.0});
+  cloud.atoms.set_position(4, {0.0, kInfinity, 0.0});
+  cloud.atoms.set_position(40, {0.0, 0.0, -kInfinity});
+  cloud.atoms.set_position(41, {0.0, kInfinity, 0.0});
+  expect_the_pairs_one_by_one(cloud.atoms, {60, 30});
+}
+
+TEST(ShortContactSearch, FindsEveryPairOfAtomsOnOnePoint) {
+  Cloud cloud(80, 0.0, {1.0, 2.0, 3.0}, 20);
+  EXPECT_EQ(find_short_contacts(cloud.atoms, {80, 30}).size(), 30U * 50U);
 }
 
 }  // namespace
