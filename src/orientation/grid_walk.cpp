@@ -12,6 +12,9 @@ namespace {
 constexpr double kComponentMargin = 1e-11;
 constexpr double kAngleMargin = 1e-11;  // radians
 
+/// Windows stay small against a radian up to here. The first pass has 0.005.
+constexpr double kLargestTolerance = 0.02;
+
 constexpr std::size_t kMiddle = kGridBlock / 2;
 
 bool is_unit(const Vec3& v) { return std::abs(dot(v, v) - 1.0) < 1e-6; }
@@ -50,15 +53,20 @@ GridWalker::GridWalker(const ScanAxes& axes, Allowed allowed)
     target_azimuth_ = std::atan2(target.y, target.x);
   }
   // Of three perpendicular axes one leans from z by 54 degrees or more.
-  applies_ = target_length_ > 0.5 && std::all_of(axes.moving.begin(), axes.moving.end(), is_unit) &&
-             std::all_of(axes.target.begin(), axes.target.end(), is_unit);
+  axes_suit_ = target_length_ > 0.5 &&
+               std::all_of(axes.moving.begin(), axes.moving.end(), is_unit) &&
+               std::all_of(axes.target.begin(), axes.target.end(), is_unit);
+}
+
+bool GridWalker::leaves_points_out() const {
+  return axes_suit_ && pass_.tolerance <= kLargestTolerance;
 }
 
 void GridWalker::begin(const ScanPass& pass) {
   pass_ = pass;
   steps_per_radian_ = 1.0 / pass.step;
   matches_.clear();
-  if (!applies_) return;
+  if (!leaves_points_out()) return;
 
   fill_values(outer_, pass.outer_start, pass);
   fill_values(inner_, pass.inner_start, pass);
@@ -186,10 +194,11 @@ double GridWalker::half_window(double sum_limit) const {
 }
 
 void GridWalker::visit(double sum_limit, const Visit& visit) {
-  if (!applies_) {
+  if (!leaves_points_out()) {
     visit_all(visit);
     return;
   }
+  if (matches_.empty()) return;
   find_candidates(half_window(sum_limit));
   sort_by_outer();
 
@@ -210,14 +219,12 @@ void GridWalker::find_candidates(double half_width) {
   unsorted_.reserve(2 * matches_.size());
   turns_.clear();
   turns_.reserve(matches_.size());
-  const double one_turn_below_end = outer_.back() + half_width - kTwoPi;
+  const double last = outer_.back() + half_width;
   for (const InnerMatch& match : matches_) {
     const std::size_t before = unsorted_.size();
     if (match.miss <= half_width) add_window(match.inner, match.outer, match.nearest, half_width);
-    if (match.outer <= one_turn_below_end) {
-      const double next_turn = match.outer + kTwoPi;
-      add_window(match.inner, next_turn, nearest_outer(next_turn), half_width);
-    }
+    for (double angle = match.outer + kTwoPi; angle <= last; angle += kTwoPi)
+      add_window(match.inner, angle, nearest_outer(angle), half_width);
     if (unsorted_.size() > before) turns_.push_back(Turn::of(match.inner));
   }
 }
@@ -248,7 +255,7 @@ void GridWalker::sort_by_outer() {
   }
 }
 
-/// For axes that are no unit vectors, about which nothing is certain.
+/// Where nothing is certain.
 void GridWalker::visit_all(const Visit& visit) const {
   GridPoint point{};
   double outer = pass_.outer_start;

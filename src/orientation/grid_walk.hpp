@@ -106,6 +106,8 @@ class GridWalker {
     std::int32_t turn;   ///< index into turns_
   };
 
+  /// Whether the reasoning holds for the axes and the pass; otherwise every point is visited.
+  [[nodiscard]] bool leaves_points_out() const;
   void find_matches(std::size_t begin, std::size_t end);
   [[nodiscard]] Block largest_difference_along_z(const Block& sine, const Block& cosine) const;
   [[nodiscard]] Block guide_azimuths(const Turn& middle, const Block& sine,
@@ -124,7 +126,7 @@ class GridWalker {
   std::size_t guide_ = 0;        ///< the axis whose target leans farthest from z
   double target_length_ = 0.0;   ///< of the projection of its target
   double target_azimuth_ = 0.0;  ///< radians
-  bool applies_ = false;         ///< whether the axes allow any point to be left out
+  bool axes_suit_ = false;       ///< unit axes, of which one leans away from z
 
   ScanPass pass_{};
   double steps_per_radian_ = 0.0;
