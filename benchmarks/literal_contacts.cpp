@@ -1,0 +1,24 @@
+/// A contact check that leaves nothing out: every atom of molecule 1 meets every atom of
+/// molecule 2.
+#include "common/constants.hpp"
+#include "output/short_contacts.hpp"
+
+namespace dravo {
+
+std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
+                                              const MoleculeSplit& split) {
+  constexpr double kShortDistance = widened(1.9F);
+  std::vector<ShortContact> contacts;
+  const auto [first1, last1] = split.molecule1();
+  const auto [first2, last2] = split.molecule2();
+  for (std::int32_t i = first1; i < last1; ++i) {
+    const Vec3 p = final_coo_and_m.position(i);
+    for (std::int32_t k = first2; k < last2; ++k) {
+      const double distance = modulus(p - final_coo_and_m.position(k));
+      if (distance <= kShortDistance) contacts.push_back({i, k, distance});
+    }
+  }
+  return contacts;
+}
+
+}  // namespace dravo
