@@ -165,7 +165,9 @@ double GridWalker::in_turn_of_grid(double angle) const {
 /// Index of the outer value next to an angle.
 std::int32_t GridWalker::nearest_outer(double angle) const {
   const double steps = (angle - pass_.outer_start) * steps_per_radian_;
-  return static_cast<std::int32_t>(std::clamp(steps, 0.0, pass_.points - 1.0) + 0.5);
+  const double within = std::clamp(steps, 0.0, pass_.points - 1.0);
+  const auto below = static_cast<std::int32_t>(within);
+  return within - below < 0.5 ? below : below + 1;
 }
 
 std::optional<GridPoint> GridWalker::likely_best() const {
@@ -223,16 +225,19 @@ void GridWalker::find_candidates(double half_width) {
   for (const InnerMatch& match : matches_) {
     const std::size_t before = unsorted_.size();
     if (match.miss <= half_width) add_window(match.inner, match.outer, match.nearest, half_width);
-    for (double angle = match.outer + kTwoPi; angle <= last; angle += kTwoPi)
+    double angle = match.outer + kTwoPi;
+    while (angle <= last) {
       add_window(match.inner, angle, nearest_outer(angle), half_width);
+      angle += kTwoPi;
+    }
     if (unsorted_.size() > before) turns_.push_back(Turn::of(match.inner));
   }
 }
 
 /// The outer values within half a window of an angle, for the inner turn that comes next.
 void GridWalker::add_window(double inner, double angle, std::int32_t nearest, double half_width) {
-  // Half a step for the rounding of the index, and one step more than needed.
-  const auto reach = static_cast<std::int32_t>(half_width * steps_per_radian_ + 0.5) + 1;
+  // The nearest value is at most half a step away; one step more than needed.
+  const auto reach = static_cast<std::int32_t>(half_width * steps_per_radian_) + 2;
   const std::int32_t begin = std::max(nearest - reach, 0);
   const std::int32_t end = std::min(nearest + reach, pass_.points - 1);
   const auto turn = static_cast<std::int32_t>(turns_.size());
