@@ -84,8 +84,10 @@ AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
   for (int number = 1; number <= kScanPasses; ++number) {
     Ranking ranking;
     walker.begin(pass);
-    walker.visit(sum_to_beat(walker, rule, pass), [&](const GridPoint& point) {
-      const auto match = rule.judge(point, pass.tolerance);
+    const double to_beat = sum_to_beat(walker, rule, pass);
+    walker.visit(to_beat, [&](const GridPoint& point) {
+      const auto match =
+          rule.judge(point, pass.tolerance, std::min(to_beat, ranking.parametro_diferencas()));
       if (match && ranking.offer(point, rule.middle(), *match, best)) ++improvements;
     });
     if (improvements == 0) no_candidate_yet();

@@ -1,15 +1,10 @@
 #include "orientation/euler_search.hpp"
 
-#include <limits>
-
 namespace dravo {
 namespace {
 
 constexpr auto kDoubleRule = " ======================================= ";
 constexpr auto kLongDoubleRule = " ================================================== ";
-/// Every accepted point is logged, however far it is from the best one.
-constexpr double kNoSumLimit = std::numeric_limits<double>::infinity();
-
 constexpr auto kDashes = "-----------------------------------";
 
 /// Outer angle gamma, inner angle alpha.
@@ -117,6 +112,7 @@ std::optional<EulerAngles> search_euler_angles(const PairOfFrames& frames,
     Ranking ranking;
     int accepted = 0;
     walker.begin(pass);
+    // Every accepted point is logged, however far it is from the best one.
     walker.visit(kNoSumLimit, [&](const GridPoint& point) {
       const auto match = rule.judge(point, pass.tolerance);
       if (!match) return;

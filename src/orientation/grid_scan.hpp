@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 #include "common/rounding.hpp"
@@ -30,6 +31,8 @@ struct AxesMatch {
   std::array<AxisDeviation, 3> deviations;  ///< z, x, y
   double soma_diferencas;                   ///< sum of the three deviations, degrees
 };
+
+inline constexpr double kNoSumLimit = std::numeric_limits<double>::infinity();
 
 /// The score of a point that is accepted: ten for each of nine components.
 inline constexpr std::int32_t kFullScore = 90;
@@ -63,16 +66,18 @@ class AxesMatchRule {
     return [this](double outer, double inner) { return !is_excluded(outer, inner); };
   }
 
-  /// Empty when the point is refused.
-  [[nodiscard]] std::optional<AxesMatch> judge(const GridPoint& point, double tolerance) const {
+  /// Empty when the point is refused, or when its sum of deviations is certain to be above
+  /// `sum_limit` degrees.
+  [[nodiscard]] std::optional<AxesMatch> judge(const GridPoint& point, double tolerance,
+                                               double sum_limit = kNoSumLimit) const {
     const auto& [outer, inner] = point;
     if (is_excluded(outer.radians, inner.radians)) return std::nullopt;
     const Matrix3 rotation = Convention::rotation(outer, axes_.middle, inner);
-    std::array<Vec3, 3> turned;
-    for (std::size_t k = 0; k < 3; ++k) {
-      turned[k] = rotation * axes_.moving[k];
+    const AxisTriple turned{rotation * axes_.moving[0], rotation * axes_.moving[1],
+                            rotation * axes_.moving[2]};
+    if (sum_limit < kNoSumLimit && sum_is_above(sum_limit, turned)) return std::nullopt;
+    for (std::size_t k = 0; k < 3; ++k)
       if (!within(turned[k] - axes_.target[k], tolerance)) return std::nullopt;
-    }
 
     AxesMatch match{kFullScore, {}, 0.0};
     for (std::size_t k = 0; k < 3; ++k) match.deviations[k] = deviation(axes_.target[k], turned[k]);
@@ -84,6 +89,24 @@ class AxesMatchRule {
  private:
   static bool within(const Vec3& d, double tolerance) {
     return all_below({std::abs(d.x), std::abs(d.y), std::abs(d.z)}, tolerance);
+  }
+
+  /// Whether the sum of deviations is certain to be above a limit in degrees. Powers and arcs,
+  /// which the sum itself takes, cost more than all the rest of a point.
+  [[nodiscard]] bool sum_is_above(double limit, const AxisTriple& turned) const {
+    constexpr double margin = 1e-14;  // relative; ten times the rounding errors
+    const double least_radians = limit * kRadiansPerDegree * (1.0 + margin);
+    double radians = 0.0;
+    for (const std::size_t k : {1, 2, 0}) {  // z last: it often does not deviate at all
+      const Vec3 normal = cross(axes_.target[k], turned[k]);
+      const double t = std::sqrt(dot(normal, normal)) / dot(axes_.target[k], turned[k]);
+      if (!(t >= 0.0)) return false;
+      // The series of the arc tangent, cut behind a minus: never above the angle.
+      const double t2 = t * t;
+      radians += t * (1.0 - t2 * (1.0 / 3.0 - t2 * (1.0 / 5.0 - t2 / 7.0)));
+      if (radians > least_radians) return true;
+    }
+    return false;
   }
 
   static AxisDeviation deviation(const Vec3& target, const Vec3& turned) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace dravo {
@@ -45,17 +46,56 @@ Projection projected(const Vec3& v, const Turn& middle, double sine, double cosi
 GridWalker::GridWalker(const ScanAxes& axes, Allowed allowed)
     : axes_(axes), allowed_(std::move(allowed)) {
   for (std::size_t k = 0; k < 3; ++k) {
-    const Vec3& target = axes.target[k];
-    const double length = std::sqrt(target.x * target.x + target.y * target.y);
-    if (!(length > target_length_)) continue;
+    const double length = target_length(k);
+    if (!(length > guide_length_)) continue;
     guide_ = k;
-    target_length_ = length;
-    target_azimuth_ = std::atan2(target.y, target.x);
+    guide_length_ = length;
   }
+  target_azimuth_ = azimuth_of_target(guide_);
   // Of three perpendicular axes one leans from z by 54 degrees or more.
-  axes_suit_ = target_length_ > 0.5 &&
+  axes_suit_ = guide_length_ > 0.5 &&
                std::all_of(axes.moving.begin(), axes.moving.end(), is_unit) &&
                std::all_of(axes.target.begin(), axes.target.end(), is_unit);
+  find_least_sum();
+}
+
+double GridWalker::target_length(std::size_t axis) const {
+  const Vec3& target = axes_.target[axis];
+  return std::sqrt(target.x * target.x + target.y * target.y);
+}
+
+double GridWalker::azimuth_of_target(std::size_t axis) const {
+  return std::atan2(axes_.target[axis].y, axes_.target[axis].x);
+}
+
+/// Whether the inner and the outer rotation have one axis, to within the margins.
+bool GridWalker::is_upright() const {
+  return std::abs(axes_.middle.sine) < 0.1 * std::min(kComponentMargin, kAngleMargin);
+}
+
+/// Azimuth of an axis after the middle rotation.
+double GridWalker::azimuth_at_start(std::size_t axis) const {
+  const Projection start = projected(axes_.moving[axis], axes_.middle, 0.0, 1.0);
+  return std::atan2(start.y, start.x);
+}
+
+/// How the sum of axis deviations grows with the azimuth that the guide axis is off.
+///
+/// An axis that is off by a small azimuth is off from its target by that angle times the length of
+/// the target's projection or more: so far is the target from the upright plane of the axis. This
+/// holds for the guide axis; and when all turns have one axis, the others are off by the same
+/// azimuth, but for what they are off when the guide axis is not.
+void GridWalker::find_least_sum() {
+  sum_per_radian_ = guide_length_;
+  sum_offset_ = 0.0;
+  if (!is_upright()) return;
+  const double guide_turn = azimuth_at_start(guide_) - target_azimuth_;
+  for (std::size_t k = 0; k < 3; ++k) {
+    if (k == guide_) continue;
+    const double turn = azimuth_at_start(k) - azimuth_of_target(k);
+    sum_per_radian_ += target_length(k);
+    sum_offset_ += target_length(k) * std::abs(std::remainder(turn - guide_turn, kTwoPi));
+  }
 }
 
 bool GridWalker::leaves_points_out() const {
@@ -65,12 +105,17 @@ bool GridWalker::leaves_points_out() const {
 void GridWalker::begin(const ScanPass& pass) {
   pass_ = pass;
   steps_per_radian_ = 1.0 / pass.step;
+  widest_ = half_window(std::numeric_limits<double>::infinity());
   matches_.clear();
+  matches_.reserve(static_cast<std::size_t>(pass.points));
   if (!leaves_points_out()) return;
 
   fill_values(outer_, pass.outer_start, pass);
   fill_values(inner_, pass.inner_start, pass);
-  matches_.reserve(inner_.size());
+  if (is_upright()) {
+    find_upright_matches();
+    return;
+  }
   for (std::size_t k = 0; k < kGridBlock; ++k) {
     const Turn turn = Turn::of((static_cast<double>(k) - static_cast<double>(kMiddle)) * pass.step);
     block_sines_[k] = turn.sine;
@@ -78,6 +123,17 @@ void GridWalker::begin(const ScanPass& pass) {
   }
   for (std::size_t begin = 0; begin < inner_.size(); begin += kGridBlock)
     find_matches(begin, std::min(begin + kGridBlock, inner_.size()));
+}
+
+/// Where the inner angle leaves the z components as they are, and only adds to the azimuth.
+void GridWalker::find_upright_matches() {
+  for (std::size_t k = 0; k < 3; ++k) {
+    const double z = axes_.middle.cosine * axes_.moving[k].z;
+    if (!passes(z - axes_.target[k].z)) return;
+  }
+  const double azimuth = azimuth_at_start(guide_);
+  const double sense = axes_.middle.cosine > 0.0 ? -1.0 : 1.0;
+  for (std::size_t j = 0; j < inner_.size(); ++j) add_match(j, azimuth + sense * inner_[j]);
 }
 
 /// Looks at the inner values [begin, end) of one block. The loops over a block have no branches, so
@@ -92,13 +148,24 @@ void GridWalker::find_matches(std::size_t begin, std::size_t end) {
     cosine[k] = middle.cosine * block_cosines_[k] - middle.sine * block_sines_[k];
   }
   const Block difference = largest_difference_along_z(sine, cosine);
-  const double limit = pass_.tolerance + kComponentMargin;
-  if (!std::any_of(difference.begin(), difference.end(), [=](double d) { return d < limit; }))
+  if (std::none_of(difference.begin(), difference.end(), [&](double d) { return passes(d); }))
     return;
 
   const Block azimuth = guide_azimuths(middle, sine, cosine);
   for (std::size_t j = begin; j < end; ++j)
-    if (difference[j - begin] < limit && inner_[j] >= 0.0) add_match(inner_[j], azimuth[j - begin]);
+    if (passes(difference[j - begin])) add_match(j, azimuth[j - begin]);
+}
+
+bool GridWalker::passes(double difference) const {
+  return std::abs(difference) < pass_.tolerance + kComponentMargin;
+}
+
+/// `guide_azimuth` is that of the guide axis after the middle and inner rotations.
+void GridWalker::add_match(std::size_t inner, double guide_azimuth) {
+  if (inner_[inner] < 0.0) return;
+  const double outer = in_turn_of_grid(guide_azimuth - target_azimuth_);
+  const InnerMatch match{outer, nearest_outer(outer), static_cast<std::int32_t>(inner)};
+  if (miss(match) <= widest_ || reaches_next_turn(outer, widest_)) matches_.push_back(match);
 }
 
 /// Largest of the three differences that the outer angle does not change.
@@ -147,13 +214,6 @@ GridWalker::Block GridWalker::guide_azimuths(const Turn& middle, const Block& si
   return azimuth;
 }
 
-void GridWalker::add_match(double inner, double guide_azimuth) {
-  const double outer = in_turn_of_grid(guide_azimuth - target_azimuth_);
-  const std::int32_t nearest = nearest_outer(outer);
-  const double miss = std::abs(outer_[static_cast<std::size_t>(nearest)] - outer);
-  matches_.push_back({inner, outer, miss, nearest});
-}
-
 /// The same angle in the turn that starts 0.1, more than any window, below the grid.
 double GridWalker::in_turn_of_grid(double angle) const {
   const double lowest = pass_.outer_start - 0.1;
@@ -170,28 +230,40 @@ std::int32_t GridWalker::nearest_outer(double angle) const {
   return within - below < 0.5 ? below : below + 1;
 }
 
+double GridWalker::outer_value(const InnerMatch& match) const {
+  return outer_[static_cast<std::size_t>(match.nearest)];
+}
+double GridWalker::inner_value(const InnerMatch& match) const {
+  return inner_[static_cast<std::size_t>(match.inner)];
+}
+double GridWalker::miss(const InnerMatch& match) const {
+  return std::abs(outer_value(match) - match.outer);
+}
+
+bool GridWalker::reaches_next_turn(double angle, double half_width) const {
+  return angle + kTwoPi <= outer_.back() + half_width;
+}
+
 std::optional<GridPoint> GridWalker::likely_best() const {
   double least = pass_.step;
   const InnerMatch* best = nullptr;
   for (const InnerMatch& match : matches_) {
-    if (match.miss >= least) continue;
-    if (!allowed_(outer_[static_cast<std::size_t>(match.nearest)], match.inner)) continue;
-    least = match.miss;
+    if (miss(match) >= least || !allowed_(outer_value(match), inner_value(match))) continue;
+    least = miss(match);
     best = &match;
   }
   if (best == nullptr) return std::nullopt;
-  return GridPoint{Turn::of(outer_[static_cast<std::size_t>(best->nearest)]),
-                   Turn::of(best->inner)};
+  return GridPoint{Turn::of(outer_value(*best)), Turn::of(inner_value(*best))};
 }
 
 /// Largest difference of the outer angle from the one that belongs to the inner angle.
 ///
 /// The turned axis and its target have projections of about the same length, closer to each other
-/// than sqrt 2 tolerances; 1.5 leaves room for the arc. And an axis whose azimuth is off by a small
-/// angle is itself off by at least that angle times the length of its projection.
+/// than sqrt 2 tolerances; 1.5 leaves room for the arc.
 double GridWalker::half_window(double sum_limit) const {
-  const double by_components = 1.5 * pass_.tolerance / target_length_;
-  const double by_sum = sum_limit * kRadiansPerDegree / (0.99 * target_length_);
+  const double by_components = 1.5 * pass_.tolerance / guide_length_;
+  const double limit = sum_limit * kRadiansPerDegree / 0.99;  // sines are less than their angles
+  const double by_sum = (limit + sum_offset_) / sum_per_radian_;
   return std::min(by_components, by_sum) + kAngleMargin;
 }
 
@@ -211,7 +283,7 @@ void GridWalker::visit(double sum_limit, const Visit& visit) {
       row = candidate.outer;
       point.outer = Turn::of(outer_[static_cast<std::size_t>(row)]);
     }
-    point.inner = turns_[static_cast<std::size_t>(candidate.turn)];
+    point.inner = Turn::of(inner_[static_cast<std::size_t>(candidate.inner)]);
     visit(point);
   }
 }
@@ -219,33 +291,27 @@ void GridWalker::visit(double sum_limit, const Visit& visit) {
 void GridWalker::find_candidates(double half_width) {
   unsorted_.clear();
   unsorted_.reserve(2 * matches_.size());
-  turns_.clear();
-  turns_.reserve(matches_.size());
-  const double last = outer_.back() + half_width;
-  for (const InnerMatch& match : matches_) {
-    const std::size_t before = unsorted_.size();
-    if (match.miss <= half_width) add_window(match.inner, match.outer, match.nearest, half_width);
-    double angle = match.outer + kTwoPi;
-    while (angle <= last) {
-      add_window(match.inner, angle, nearest_outer(angle), half_width);
-      angle += kTwoPi;
+  for (InnerMatch match : matches_) {
+    add_window(match, half_width);
+    while (reaches_next_turn(match.outer, half_width)) {
+      match.outer += kTwoPi;
+      match.nearest = nearest_outer(match.outer);
+      add_window(match, half_width);
     }
-    if (unsorted_.size() > before) turns_.push_back(Turn::of(match.inner));
   }
 }
 
-/// The outer values within half a window of an angle, for the inner turn that comes next.
-void GridWalker::add_window(double inner, double angle, std::int32_t nearest, double half_width) {
-  // The nearest value is at most half a step away; one step more than needed.
-  const auto reach = static_cast<std::int32_t>(half_width * steps_per_radian_) + 2;
-  const std::int32_t begin = std::max(nearest - reach, 0);
-  const std::int32_t end = std::min(nearest + reach, pass_.points - 1);
-  const auto turn = static_cast<std::int32_t>(turns_.size());
-  for (std::int32_t i = begin; i <= end; ++i) {
-    const double outer = outer_[static_cast<std::size_t>(i)];
-    if (std::abs(outer - angle) <= half_width && allowed_(outer, inner))
-      unsorted_.push_back({i, turn});
-  }
+/// The outer values within half a window of the angle.
+void GridWalker::add_window(const InnerMatch& match, double half_width) {
+  const auto is_within = [&](std::int32_t i) {
+    return std::abs(outer_[static_cast<std::size_t>(i)] - match.outer) <= half_width;
+  };
+  if (!is_within(match.nearest)) return;
+  std::int32_t begin = match.nearest;
+  while (begin > 0 && is_within(begin - 1)) --begin;
+  for (std::int32_t i = begin; i < pass_.points && is_within(i); ++i)
+    if (allowed_(outer_[static_cast<std::size_t>(i)], inner_value(match)))
+      unsorted_.push_back({i, match.inner});
 }
 
 /// Stable counting sort: within an outer value the inner values stay ascending.

@@ -72,7 +72,8 @@ inline constexpr std::size_t kGridBlock = 16;
 /// The inner angle alone decides the three z components. For the few inner angles that pass, or for
 /// all of them when the middle angle is near 0 or pi, the outer angle must lie in a short window
 /// around the one that lays the projection of an axis on that of its target. So the work grows with
-/// the points per angle, not with their square.
+/// the points per angle, not with their square. Where the middle angle is 0 or pi to within the
+/// margin, all three axes are off by the same azimuth, and the windows are narrower still.
 class GridWalker {
  public:
   using Visit = std::function<void(const GridPoint& point)>;
@@ -96,46 +97,58 @@ class GridWalker {
 
   /// An inner angle that passes the test of the z components.
   struct InnerMatch {
-    double inner;          ///< radians
     double outer;          ///< the outer angle that belongs to it, in the turn of the grid
-    double miss;           ///< distance of the outer value next to that angle from it
-    std::int32_t nearest;  ///< index of that value
+    std::int32_t nearest;  ///< index of the outer value next to that angle
+    std::int32_t inner;    ///< index of the inner value
   };
   struct Candidate {
     std::int32_t outer;  ///< index of the outer value
-    std::int32_t turn;   ///< index into turns_
+    std::int32_t inner;  ///< index of the inner value
   };
 
+  [[nodiscard]] double target_length(std::size_t axis) const;      ///< of its projection along z
+  [[nodiscard]] double azimuth_of_target(std::size_t axis) const;  ///< radians
+  [[nodiscard]] bool is_upright() const;
+  [[nodiscard]] double azimuth_at_start(std::size_t axis) const;  ///< radians
+  void find_least_sum();
   /// Whether the reasoning holds for the axes and the pass; otherwise every point is visited.
   [[nodiscard]] bool leaves_points_out() const;
+  void find_upright_matches();
   void find_matches(std::size_t begin, std::size_t end);
+  [[nodiscard]] bool passes(double difference) const;
+  void add_match(std::size_t inner, double guide_azimuth);
   [[nodiscard]] Block largest_difference_along_z(const Block& sine, const Block& cosine) const;
   [[nodiscard]] Block guide_azimuths(const Turn& middle, const Block& sine,
                                      const Block& cosine) const;
-  void add_match(double inner, double guide_azimuth);
   [[nodiscard]] double in_turn_of_grid(double angle) const;
   [[nodiscard]] std::int32_t nearest_outer(double angle) const;
+  [[nodiscard]] double outer_value(const InnerMatch& match) const;  ///< next to the angle
+  [[nodiscard]] double inner_value(const InnerMatch& match) const;
+  [[nodiscard]] double miss(const InnerMatch& match) const;  ///< of that outer value
+  [[nodiscard]] bool reaches_next_turn(double angle, double half_width) const;
   [[nodiscard]] double half_window(double sum_limit) const;
   void find_candidates(double half_width);
-  void add_window(double inner, double angle, std::int32_t nearest, double half_width);
+  void add_window(const InnerMatch& match, double half_width);
   void sort_by_outer();
   void visit_all(const Visit& visit) const;
 
   ScanAxes axes_;
   Allowed allowed_;
   std::size_t guide_ = 0;        ///< the axis whose target leans farthest from z
-  double target_length_ = 0.0;   ///< of the projection of its target
+  double guide_length_ = 0.0;    ///< of the projection of its target
   double target_azimuth_ = 0.0;  ///< radians
+  double sum_per_radian_ = 0.0;  ///< least sum of deviations per radian that the guide axis is off
+  double sum_offset_ = 0.0;      ///< what the sum may be smaller, radians
   bool axes_suit_ = false;       ///< unit axes, of which one leans away from z
 
   ScanPass pass_{};
   double steps_per_radian_ = 0.0;
+  double widest_ = 0.0;        ///< half window that holds every accepted point
   Block block_sines_{};        ///< of the steps from the middle of a block
   Block block_cosines_{};      ///< to its members
   std::vector<double> outer_;  ///< values of the outer angle
   std::vector<double> inner_;  ///< values of the inner angle
   std::vector<InnerMatch> matches_;
-  std::vector<Turn> turns_;  ///< inner angles of the candidates
   std::vector<Candidate> unsorted_;
   std::vector<Candidate> candidates_;
   std::vector<std::int32_t> places_;

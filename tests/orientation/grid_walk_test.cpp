@@ -370,5 +370,50 @@ TEST(GridWalk, MissesNothingWhereOneAxisMakesTheWholeSum) {
   EXPECT_GT(accepted, 500U);
 }
 
+Vec3 turned_about_z(const Vec3& v, double radians) {
+  const double s = std::sin(radians), c = std::cos(radians);
+  return {c * v.x - s * v.y, s * v.x + c * v.y, v.z};
+}
+
+/// Where all turns have one axis, the window of a sum limit counts on the axes being off together.
+/// Here each is off by an azimuth of its own.
+TEST(GridWalk, MissesNothingWhereUprightAxesAreOffByDifferentAzimuths) {
+  Random random(13);
+  std::size_t accepted = 0;
+  for (int i = 0; i < 2000 && !HasFailure(); ++i) {
+    AxisTriple target;
+    for (Vec3& axis : target) axis = random_direction(random, uniform(random, 0.0, 1.0));
+    target[random() % 3] = random_direction(random, uniform(random, 0.51, 1.0));
+    const double small = std::array{0.0, 0.0, 1e-14, 1e-11}.at(random() % 4);
+    const Angles angles{uniform(random, 0.1, 3.0),
+                        std::abs(small - (random() % 2 == 0 ? kPi : 0.0)),
+                        uniform(random, 0.1, 3.0)};
+    const SearchRule exact = rule_towards(target, angles);
+    const double step = std::array{0.02, 0.005, 5e-4, 5e-6}.at(random() % 4);
+    const double skew = uniform(random, 0.0, 0.8) * step;
+    AxisTriple moving = exact.axes().moving;
+    for (Vec3& axis : moving) axis = turned_about_z(axis, uniform(random, -skew, skew));
+    const double outer = angles.outer - uniform(random, 9.0, 10.0) * step;
+    accepted += expect_same_pass(SearchRule{moving, target, angles.middle},
+                                 {outer, angles.inner - 10.0 * step, step, step, 20});
+  }
+  EXPECT_GT(accepted, 20000U);
+}
+
+TEST(AxesMatchRule, RefusesPointsOfSumsAboveTheLimit) {
+  Random random(14);
+  for (int i = 0; i < 1000; ++i) {
+    const KnownFit fit = random_fit(random);
+    const auto near = [&](double angle) { return Turn::of(angle + uniform(random, 0.0, 1e-3)); };
+    const GridPoint point{near(fit.angles.outer), near(fit.angles.inner)};
+    const auto match = fit.rule.judge(point, 0.005);
+    if (!match) continue;  // upright, and past a full turn
+    const double sum = match->soma_diferencas;
+    EXPECT_FALSE(fit.rule.judge(point, 0.005, sum * (1.0 - 1e-9)));
+    EXPECT_TRUE(fit.rule.judge(point, 0.005, sum));
+    EXPECT_TRUE(fit.rule.judge(point, 0.005, kInfinity));
+  }
+}
+
 }  // namespace
 }  // namespace dravo::test

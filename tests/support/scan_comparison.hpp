@@ -127,7 +127,7 @@ Walk walk(GridWalker& walker, const AxesMatchRule<Convention>& rule, const ScanP
     outer = o;
     inner = i;
     ++seen.visits;
-    if (const auto match = rule.judge(point, pass.tolerance))
+    if (const auto match = rule.judge(point, pass.tolerance, sum_limit))
       seen.accepted.push_back({point, *match});
   });
   return seen;
