@@ -38,8 +38,10 @@ void read_input(benchmark::State& state) {
   for ([[maybe_unused]] auto _ : state) {
     RecordStream screen;
     RecordReader reader(kInputFileName, text);
+    AtomTable icoo_and_m(first);
+    AtomTable newcoo_and_m(second);
     const InputGeometry geometry =
-        dravo::read_input(reader, AtomTable(first), AtomTable(second), labels, screen);
+        dravo::read_input(reader, icoo_and_m, newcoo_and_m, labels, screen);
     if (geometry.split.N != atoms) return state.SkipWithError("atoms are missing");
     benchmark::ClobberMemory();
   }

@@ -47,6 +47,11 @@ class AtomTable {
 
   [[nodiscard]] std::int32_t rows() const { return rows_; }
 
+  /// Leaves the table `rows` rows, at most those it has. What it held is lost.
+  void shorten(std::int32_t rows) {
+    *this = AtomTable({column_[0], kColumns * static_cast<std::size_t>(rows)}, rows);
+  }
+
   [[nodiscard]] Vec3 position(std::int32_t i) const {
     return {column_[0][i], column_[1][i], column_[2][i]};
   }

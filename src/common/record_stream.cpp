@@ -4,7 +4,7 @@
 
 namespace dravo {
 namespace {
-constexpr std::size_t kFlushSize = 1U << 15U;
+constexpr std::size_t kFlushSize = 1U << 14U;
 constexpr std::size_t kLongestRecord = 1024;  // usually; a longer one only moves the buffer
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "driver/input_reader.hpp"
 
+#include <algorithm>
+
 #include "common/errors.hpp"
 
 namespace dravo {
@@ -20,6 +22,7 @@ void read_atoms(RecordReader& input, std::int32_t N, AtomTable icoo_and_m,
     if (i >= icoo_and_m.rows()) continue;
     isymbol[static_cast<std::size_t>(i)] = label;
     icoo_and_m.set_position(i, {x, y, z});
+    icoo_and_m.set_element(i, 0.0, 0.0);
   }
 }
 
@@ -56,17 +59,20 @@ UserParameters read_parameters(RecordReader& input) {
 
 }  // namespace
 
-InputGeometry read_input(RecordReader& input, AtomTable icoo_and_m, AtomTable newcoo_and_m,
+InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
                          std::span<Label> isymbol, RecordStream& screen) {
   MoleculeSplit split{};
   split.N = read_integer_line(input, "the total number of atoms (an integer)");
+  const std::int32_t capacity = icoo_and_m.rows();
+  icoo_and_m.shorten(std::clamp(split.N, 0, capacity));
+  newcoo_and_m.shorten(icoo_and_m.rows());
   read_atoms(input, split.N, icoo_and_m, isymbol);
   input.skip_line({"the line before the number of atoms of molecule 1"});
   split.n1 = read_integer_line(input, "the number of atoms of molecule 1 (an integer)");
 
   if (split.n1 < kFewestAtomsOfMolecule1) stop_for_too_few_atoms(screen, " ERROR \t");
   if (split.N < kFewestAtoms) stop_for_too_few_atoms(screen, " ERROR ");
-  if (split.N > icoo_and_m.rows()) {
+  if (split.N > capacity) {
     screen.record(" max number of atoms -150000 -exceeded ");
     throw RunStop{};
   }

@@ -30,11 +30,11 @@ struct InputGeometry {
 ///     alpha, beta, gamma       degrees, one per line
 ///     (ignored)
 ///
-/// Fills the positions of `icoo_and_m` and the labels, then copies the rows to `newcoo_and_m`.
-/// Atoms past the capacity of the table are read but not stored. Count and range errors are
-/// reported on `screen` and end the run with RunStop; an unreadable or missing line throws
-/// IoFailure.
-InputGeometry read_input(RecordReader& input, AtomTable icoo_and_m, AtomTable newcoo_and_m,
+/// Fills the positions of `icoo_and_m` and the labels, then copies the rows to `newcoo_and_m`. Both
+/// tables are shortened to the announced rows. Atoms past their capacity are read but not stored.
+/// Count and range errors are reported on `screen` and end the run with RunStop; an unreadable or
+/// missing line throws IoFailure.
+InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
                          std::span<Label> isymbol, RecordStream& screen);
 
 }  // namespace dravo

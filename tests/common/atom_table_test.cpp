@@ -36,6 +36,17 @@ TEST(AtomTables, ColumnsOfFewRowsFollowEachOtherWithoutGaps) {
   EXPECT_EQ(table.atomic_number(1), 101.0);
 }
 
+TEST(AtomTables, ShortenedTablesStartWhereTheirStorageStarts) {
+  const auto storage = numbered_storage();
+  AtomTable table(*storage);
+  table.shorten(2);
+  EXPECT_EQ(table.rows(), 2);
+  EXPECT_EQ(table.position(1), (Vec3{1.0, 3.0, 5.0}));
+  EXPECT_EQ(table.atomic_number(1), 101.0);
+  table.shorten(0);
+  EXPECT_EQ(table.rows(), 0);
+}
+
 TEST(AtomTables, SettingAPositionTouchesNothingElse) {
   const auto storage = numbered_storage();
   AtomTable(*storage).set_position(3, {-1.0, -2.0, -3.0});
