@@ -97,7 +97,7 @@ class AxesMatchRule {
     constexpr double margin = 1e-14;  // relative; ten times the rounding errors
     const double least_radians = limit * kRadiansPerDegree * (1.0 + margin);
     double radians = 0.0;
-    for (const std::size_t k : {1, 2, 0}) {  // z last: it often does not deviate at all
+    for (const std::size_t k : {1U, 2U, 0U}) {  // z last: it often does not deviate at all
       const Vec3 normal = cross(axes_.target[k], turned[k]);
       const double t = std::sqrt(dot(normal, normal)) / dot(axes_.target[k], turned[k]);
       if (!(t >= 0.0)) return false;
