@@ -38,3 +38,5 @@ require_packages() {
 
 # shellcheck disable=SC2034  # read by the scripts that source this file
 build_packages=(cmake g++ liblapack-dev ninja-build)
+# shellcheck disable=SC2034
+test_packages=(clang gfortran libgtest-dev librapidcheck-dev locales)

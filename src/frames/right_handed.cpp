@@ -29,7 +29,8 @@ constexpr bool negative = false;
 constexpr bool positive = true;
 
 // Molecule, decided axes, A, B, C, sign of (A x B) . C, texts. The texts are part of the format:
-// some name another axis than the one computed, and their blanks differ from case to case.
+// some name another axis than the one computed, and their blanks differ from case to case. The cases
+// stand in the order in which they are looked at: by the number of decided axes, 0, 3, 2, 1.
 // clang-format off
 constexpr std::array<RightHandedCase, 16> kCases{{
     {1, NNN, z, y, x, negative,
@@ -179,8 +180,6 @@ void write_block(RecordStream& log, const HandednessCheck& check) {
 }
 
 }  // namespace
-
-const std::array<RightHandedCase, 16>& right_handed_cases() { return kCases; }
 
 std::optional<HandednessCheck> make_right_handed(int molecule, MoleculeFrame& frame,
                                                  const AxisFlags& flags) {

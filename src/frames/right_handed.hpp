@@ -32,9 +32,6 @@ struct RightHandedCase {
   const char* after_label;
 };
 
-/// All sixteen, in the order in which they are looked at: by the number of decided axes 0, 3, 2, 1.
-const std::array<RightHandedCase, 16>& right_handed_cases();
-
 /// What one case measured and did.
 struct HandednessCheck {
   const RightHandedCase* applied;

@@ -166,16 +166,6 @@ INSTANTIATE_TEST_SUITE_P(Samples, Assembly, ::testing::ValuesIn(kCompleteRuns));
 
 class EverySample : public ::testing::TestWithParam<const char*> {};
 
-TEST_P(EverySample, GivesTheSameBytesWithoutOptimisation) {
-  const std::string input = file_text(sample_path(GetParam()));
-  const Outcome optimised = run_on(input);
-  const Outcome plain = run_on(input, DRAVO_UNOPTIMISED_PROGRAM);
-  EXPECT_EQ(plain.status, 0);
-  EXPECT_EQ(optimised.screen, plain.screen);
-  EXPECT_EQ(names_of(optimised), names_of(plain));
-  EXPECT_TRUE(optimised.files == plain.files);
-}
-
 TEST_P(EverySample, ASecondRunInTheSameFolderReplacesTheFirst) {
   const TemporaryFolder folder;
   folder.write("QN-input-GEOMETRY.xyz", file_text(sample_path(GetParam())));

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "common/errors.hpp"
 #include "driver/element_table.hpp"
 #include "support/atoms.hpp"
 #include "support/sample_input.hpp"
@@ -76,6 +77,22 @@ TEST(AlignedPair, AnglesCarryMolecule2AxesOntoThoseOfMolecule1) {
     const Vec3 z = analysis.frames[0].axis(axis_of_molecule1::z);
     EXPECT_LE(modulus(turned - z), 1e-4) << dimer;
   }
+}
+
+/// No rotation carries a right-handed frame onto a left-handed one.
+TEST(LeftHandedFrame, StopsTheEulerSearchWithItsTextFourTimes) {
+  Analysis analysis;
+  analysis.run("formamide-dimer");
+  PairOfFrames frames = analysis.frames;
+  Vec3& tip = frames[0].tips[axis_of_molecule1::x];
+  tip = reflected(tip, frames[0].cm);
+  RecordStream screen;
+  RecordStream log;
+  EXPECT_THROW(find_euler_angles(frames, screen, log), RunStop);
+  std::string expected;
+  for (int i = 0; i < 4; ++i) expected += "  ERROR - EULER ANGLES NOT FOUND \n";
+  EXPECT_EQ(screen.text(), expected);
+  EXPECT_TRUE(log.text().ends_with("\n" + expected));
 }
 
 TEST(AlignedPair, IsTheSameWhenTwoThreadsAnalyseTwoPairs) {
