@@ -36,7 +36,7 @@ inline ScanPass first_scan_pass() {
 /// The pass after pass number `done`: ten times finer, from ten old steps below the best point. The
 /// range shrinks faster than the step. It ends 21 old steps above the best point in pass 2, 6 in
 /// pass 3 and 0.4 in pass 4; later ranges end below the best point, so an angle in general position
-/// is settled by pass 4.
+/// is settled by pass 4, or earlier when a finer pass accepts nothing.
 inline ScanPass refined_scan_pass(const ScanPass& pass, int done, double best_outer,
                                   double best_inner) {
   constexpr double unit = widened(0.001F);
