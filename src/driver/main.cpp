@@ -15,10 +15,12 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kInputOutputFailure = 2;
 
-/// Whoever reads the screen may go away, or may never have been there: both must end as a failed
-/// write, not by a signal, and not with screen output in a file that took the free descriptor.
+/// Whoever reads the screen may go away, or may never have been there, and a file may reach the
+/// size that the user is allowed: each must end as a failed write, not by a signal, and not with
+/// screen output in a file that took the free descriptor.
 void secure_standard_streams() {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     if (::fcntl(stream, F_GETFD) == -1) ::open("/dev/null", O_RDONLY);
 }

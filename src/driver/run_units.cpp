@@ -1,9 +1,21 @@
 #include "driver/run_units.hpp"
 
-#include "common/errors.hpp"
 #include "driver/banners.hpp"
 
 namespace dravo {
+
+void ScreenSink::write(std::string_view bytes) {
+  if (failure_) return;
+  try {
+    sink_->write(bytes);
+  } catch (const IoFailure& failure) {
+    failure_ = failure;
+  }
+}
+
+void ScreenSink::close() {
+  if (failure_) throw IoFailure(*failure_);
+}
 
 void RunUnits::open_log() {
   if (log_file_) return;
@@ -28,6 +40,7 @@ void RunUnits::finish() {
   log_.flush();
   if (log_file_) log_file_->close();
   screen_.flush();
+  screen_sink_.close();
 }
 
 }  // namespace dravo

@@ -2,8 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
+#include "common/errors.hpp"
 #include "common/output_folder.hpp"
 #include "common/record_stream.hpp"
 
@@ -14,12 +17,27 @@ inline constexpr auto kLogFileName = "QN-LOG-PARAM.txt";
 /// Text at the head of every message on standard error.
 inline constexpr auto kMessagePrefix = "qn-dravo: ";
 
+/// Takes the screen output. A screen that is lost costs no file: the failure is kept to the end.
+class ScreenSink final : public ByteSink {
+ public:
+  explicit ScreenSink(ByteSink& sink) : sink_(&sink) {}
+
+  void write(std::string_view bytes) override;
+
+  /// Throws the first failure.
+  void close() override;
+
+ private:
+  ByteSink* sink_;
+  std::optional<IoFailure> failure_;
+};
+
 class RunUnits {
  public:
   /// `screen` takes standard output, `warnings` what does not belong to it. Both and `folder` must
   /// outlive the units.
   RunUnits(ByteSink& screen, ByteSink& warnings, OutputFolder& folder)
-      : screen_(&screen), warnings_(&warnings), folder_(&folder) {}
+      : screen_sink_(screen), screen_(&screen_sink_), warnings_(&warnings), folder_(&folder) {}
 
   RecordStream& screen() { return screen_; }
   RecordStream& log() { return log_; }
@@ -33,10 +51,12 @@ class RunUnits {
   /// One line beside the results. The run goes on even where nobody can read it.
   void warn(const std::string& message);
 
-  /// Brings every record to its file, the log first. Throws IoFailure.
+  /// Brings every record to its file, the log first. Throws IoFailure, also for a screen that was
+  /// lost earlier.
   void finish();
 
  private:
+  ScreenSink screen_sink_;
   RecordStream screen_;
   RecordStream log_;
   std::unique_ptr<ByteSink> log_file_;

@@ -2,16 +2,19 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "common/errors.hpp"
 
@@ -221,6 +224,58 @@ TEST_F(WorkingDirectoryTest, DescriptorSinkLeavesTheDescriptorOpen) {
   ::close(pipe[0]);
   ASSERT_EQ(count, 10);
   EXPECT_EQ(std::string(bytes.data(), 10), " one\n two\n");
+}
+
+std::atomic<int> interruptions{0};
+
+/// SIGUSR1 interrupts a write that waits, as long as this object lives.
+class InterruptingSignal {
+ public:
+  InterruptingSignal() {
+    struct sigaction action {};  // no SA_RESTART: the system must not begin the write again
+    action.sa_handler = [](int) { ++interruptions; };
+    ::sigaction(SIGUSR1, &action, &before_);
+    interruptions = 0;
+  }
+  InterruptingSignal(const InterruptingSignal&) = delete;
+  InterruptingSignal& operator=(const InterruptingSignal&) = delete;
+  ~InterruptingSignal() { ::sigaction(SIGUSR1, &before_, nullptr); }
+
+ private:
+  struct sigaction before_ {};
+};
+
+// Once the first byte has come, the writer fills the pipe and waits: the first signal ends its
+// write with a part of the bytes, and one that meets a full pipe ends it with none.
+std::string read_while_interrupting(int descriptor, pthread_t writer) {
+  std::string received(1, '\0');
+  if (::read(descriptor, received.data(), 1) != 1) return "nothing came";
+  for (int sent = 1; sent <= 200; ++sent) {
+    ::pthread_kill(writer, SIGUSR1);
+    while (interruptions < sent) std::this_thread::yield();
+  }
+  std::array<char, 1000> bytes{};
+  for (ssize_t count = 0; (count = ::read(descriptor, bytes.data(), bytes.size())) > 0;)
+    received.append(bytes.data(), static_cast<std::size_t>(count));
+  return received;
+}
+
+TEST_F(WorkingDirectoryTest, DescriptorSinkGoesOnAfterAShortOrInterruptedWrite) {
+  const InterruptingSignal signal;
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(::pipe(pipe.data()), 0);
+  std::string bytes;
+  for (int number = 0; bytes.size() < 1'000'000; ++number) bytes += std::to_string(number) + '\n';
+  std::string received;
+  std::thread reader(
+      [&, writer = ::pthread_self()] { received = read_while_interrupting(pipe[0], writer); });
+  EXPECT_EQ(failure_of([&] { sink_to_descriptor(pipe[1], "standard output")->write(bytes); }),
+            "no failure");
+  ::close(pipe[1]);
+  reader.join();
+  ::close(pipe[0]);
+  EXPECT_EQ(interruptions, 200);
+  EXPECT_TRUE(received == bytes);
 }
 
 }  // namespace

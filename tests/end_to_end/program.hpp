@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -60,7 +61,7 @@ struct Outcome {
   std::map<std::string, std::string> files;
 };
 
-/// Where standard output goes.
+/// Where standard output or standard error goes.
 enum class Screen { kept, full, closed, broken_pipe };
 
 /// For the child process between fork and exec.
@@ -70,20 +71,21 @@ inline void redirect(int target, const char* path, int flags) {
   ::close(descriptor);
 }
 
-inline void redirect_screen(Screen screen, const char* path) {
-  switch (screen) {
+/// For the child process too; `path` is the file of a kept stream.
+inline void redirect_stream(int stream, Screen where, const char* path) {
+  switch (where) {
     case Screen::kept:
-      redirect(STDOUT_FILENO, path, O_WRONLY);
+      redirect(stream, path, O_WRONLY);
       break;
     case Screen::full:
-      redirect(STDOUT_FILENO, "/dev/full", O_WRONLY);
+      redirect(stream, "/dev/full", O_WRONLY);
       break;
     case Screen::closed:
-      ::close(STDOUT_FILENO);
+      ::close(stream);
       break;
     case Screen::broken_pipe: {
       std::array<int, 2> ends{};
-      if (::pipe(ends.data()) != 0 || ::dup2(ends[1], STDOUT_FILENO) < 0) ::_exit(126);
+      if (::pipe(ends.data()) != 0 || ::dup2(ends[1], stream) < 0) ::_exit(126);
       ::close(ends[0]);
       ::close(ends[1]);
       break;
@@ -91,9 +93,10 @@ inline void redirect_screen(Screen screen, const char* path) {
   }
 }
 
-/// Runs `program` in `folder` with nothing on standard input.
+/// Runs `program` in `folder` with nothing on standard input. `prepare` is the last thing that the
+/// child process does before it becomes the program.
 inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO_PROGRAM,
-                      Screen where = Screen::kept) {
+                      Screen where = Screen::kept, const std::function<void()>& prepare = {}) {
   const TemporaryFolder streams;
   streams.write("stdout", "");
   streams.write("stderr", "");
@@ -104,8 +107,9 @@ inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO
   if (child == 0) {
     redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
     redirect(STDERR_FILENO, messages.c_str(), O_WRONLY);
-    redirect_screen(where, screen.c_str());
+    redirect_stream(STDOUT_FILENO, where, screen.c_str());
     if (::chdir(folder.path().c_str()) != 0) ::_exit(126);
+    if (prepare) prepare();
     ::execl(program, program, static_cast<char*>(nullptr));
     ::_exit(127);
   }

@@ -222,33 +222,5 @@ TEST(MissingInput, IsAFailureThatCreatesNoFile) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
-TEST(BlockedOutput, NamesTheFileAndLeavesTheLogReadable) {
-  const TemporaryFolder folder;
-  folder.write("QN-input-GEOMETRY.xyz", file_text(sample_path("formamide-dimer")));
-  std::filesystem::create_directory(folder.path() / "input-GEOMETRY.xyz");
-  const Outcome outcome = run_in(folder);
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.messages,
-            "qn-dravo: input-GEOMETRY.xyz: cannot put in place: Is a directory\n");
-  ASSERT_EQ(outcome.files.size(), 1U) << "no pair poses as a result";
-  EXPECT_NE(outcome.files.at("QN-LOG-PARAM.txt").find("CHANGING POSITION ACCORDING TO USER"),
-            std::string::npos);
-}
-
-TEST(LostScreen, IsAFailureThatLeavesTheLogWhole) {
-  const TemporaryFolder folder;
-  folder.write("QN-input-GEOMETRY.xyz", file_text(sample_path("formamide-dimer")));
-  const std::string whole_log = run_in(folder).files.at("QN-LOG-PARAM.txt");
-  for (const auto& [screen, reason] : {std::pair{Screen::full, "No space left on device"},
-                                       std::pair{Screen::closed, "Bad file descriptor"},
-                                       std::pair{Screen::broken_pipe, "Broken pipe"}}) {
-    const Outcome outcome = run_in(folder, DRAVO_PROGRAM, screen);
-    EXPECT_EQ(outcome.status, 2) << reason;
-    EXPECT_EQ(outcome.messages,
-              std::string("qn-dravo: standard output: cannot write: ") + reason + "\n");
-    EXPECT_TRUE(outcome.files.at("QN-LOG-PARAM.txt") == whole_log) << reason;
-  }
-}
-
 }  // namespace
 }  // namespace dravo::test
