@@ -5,16 +5,17 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <limits>
-#include <optional>
 #include <system_error>
-
-#include "common/errors.hpp"
 
 namespace dravo {
 namespace {
+
+constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kBlanksAndLineEnds = " \t\r\n";
 
 constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 constexpr bool is_separator(char c) { return is_blank(c) || c == ',' || c == '\n'; }
@@ -141,18 +142,101 @@ bool is_plain_label(std::string_view text) {
   return digits.empty() || !text.starts_with('*');
 }
 
-/// For a message: control characters replaced, so that a caret below stays in its column.
-std::string printable(std::string_view text) {
-  std::string result(text);
-  std::replace_if(result.begin(), result.end(), is_blank, ' ');
-  std::replace_if(
-      result.begin(), result.end(), [](char c) { return static_cast<unsigned char>(c) < 32; }, '?');
-  return result;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+struct Character {
+  std::size_t bytes;
+  char32_t code;
+};
+
+constexpr char32_t kNoCharacter = 0x7FFFFFFF;
+
+/// The UTF-8 character that the text, not empty, begins with; otherwise one byte and
+/// `kNoCharacter`.
+Character first_character(std::string_view text) {
+  struct Form {
+    std::uint32_t mask;
+    std::uint32_t lead;
+    std::uint32_t lowest;  ///< smaller ones have a shorter form
+  };
+  constexpr std::array<Form, 4> kForms{
+      {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}}};
+  const auto byte = [&](std::size_t k) -> std::uint32_t {
+    return static_cast<unsigned char>(text[k]);
+  };
+  for (std::size_t size = 1; size <= std::min(kForms.size(), text.size()); ++size) {
+    const Form& form = kForms[size - 1];
+    if ((byte(0) & form.mask) != form.lead) continue;
+    std::uint32_t code = byte(0) & ~form.mask;
+    bool valid = true;
+    for (std::size_t k = 1; k < size; ++k) {
+      valid = valid && (byte(k) & 0xC0U) == 0x80U;
+      code = (code << 6U) | (byte(k) & 0x3FU);
+    }
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    if (valid && code >= form.lowest && code <= 0x10FFFF && !surrogate) return {size, code};
+  }
+  return {1, kNoCharacter};
 }
 
-std::string shortened(std::string_view text, std::size_t most) {
-  if (text.size() <= most) return printable(text);
-  return printable(text.substr(0, most)) + "...";
+/// Not so are characters that a terminal obeys, or that take no column of their own, so that what
+/// follows would not stand above its caret. (Letters of double width are left alone.)
+bool is_shown(char32_t code) {
+  struct Range {
+    char32_t first;
+    char32_t last;
+  };
+  constexpr std::array<Range, 7> kNotShown{{{0x00, 0x1F},      // control characters
+                                            {0x7F, 0x9F},      // more of them
+                                            {0x200B, 0x200F},  // no width, direction of writing
+                                            {0x2028, 0x202E},  // line ends, direction of writing
+                                            {0x2060, 0x206F},  // no width, direction of writing
+                                            {0xFEFF, 0xFEFF},  // byte-order mark
+                                            {kNoCharacter, kNoCharacter}}};
+  return std::none_of(kNotShown.begin(), kNotShown.end(), [&](const Range& range) {
+    return code >= range.first && code <= range.last;
+  });
+}
+
+/// Text of a message: every character of the input takes one column of it.
+struct ColumnText {
+  std::string text;
+  std::size_t columns = 0;
+  bool whole = true;  ///< nothing was cut off
+};
+
+ColumnText printable(std::string_view text, std::size_t most_columns) {
+  ColumnText shown;
+  while (!text.empty() && shown.columns < most_columns) {
+    const Character next = first_character(text);
+    if (is_blank(text[0])) {
+      shown.text += ' ';
+    } else if (is_shown(next.code)) {
+      shown.text += text.substr(0, next.bytes);
+    } else {
+      shown.text += '?';
+    }
+    ++shown.columns;
+    text.remove_prefix(next.bytes);
+  }
+  shown.whole = text.empty();
+  return shown;
+}
+
+/// The last characters of a text, at most `most` of them.
+std::string_view last_characters(std::string_view text, std::size_t most) {
+  // Of a character that is cut here, up to three bytes are left; they count and go as surplus.
+  const std::size_t enough = 4 * most + 3;
+  if (text.size() > enough) text.remove_prefix(text.size() - enough);
+  for (std::size_t surplus = printable(text, text.size()).columns; surplus > most; --surplus)
+    text.remove_prefix(first_character(text).bytes);
+  return text;
+}
+
+std::string quoted(std::string_view text) {
+  constexpr std::size_t kLongest = 40;
+  const ColumnText shown = printable(text, kLongest);
+  return "\"" + shown.text + (shown.whole ? "" : "...") + "\"";
 }
 
 std::string words(const Expected& expected) {
@@ -176,16 +260,34 @@ void RecordReader::next_statement() {
 void RecordReader::skip_line(const Expected& expected) {
   next_statement();
   if (position_ == text_.size()) refuse_end_of_file(expected);
+  blank_line_end_.reset();
+}
+
+/// For `note`: at the end of a line that leaves an item to be looked for further on.
+void RecordReader::leave_line(std::size_t end, bool item_on_line) {
+  std::optional<std::size_t>& first = item_on_line ? short_line_end_ : blank_line_end_;
+  if (!first) first = end;
 }
 
 void RecordReader::go_to_next_item(const Expected& expected) {
   bool comma_seen = at_first_item_;  // a comma before the first item stands for a missing item
-  for (; position_ < text_.size() && is_separator(text_[position_]); ++position_) {
-    if (text_[position_] != ',') continue;
-    if (comma_seen) refuse({position_, position_ + 1}, expected);
-    comma_seen = true;
+  bool item_on_line = !at_first_item_;
+  std::size_t next = position_;
+  for (; next < text_.size() && is_separator(text_[next]); ++next) {
+    if (is_blank(text_[next])) continue;
+    if (text_[next] == '\n') {
+      leave_line(next, item_on_line);
+      item_on_line = false;
+    } else {
+      if (comma_seen) refuse({next, next + 1}, expected);
+      comma_seen = true;
+    }
   }
-  if (position_ == text_.size()) refuse_end_of_file(expected);
+  position_ = next;
+  if (next == text_.size()) {
+    leave_line(next, item_on_line);
+    refuse_end_of_file(expected);
+  }
   at_first_item_ = false;
 }
 
@@ -220,48 +322,88 @@ RecordReader::Token RecordReader::quoted_item(const Expected& expected) {
   while (closing < line_end && text_[closing] != quote) ++closing;
   position_ = std::min(closing + 1, line_end);
   const bool ends_item = position_ == text_.size() || is_separator(text_[position_]);
-  if (closing == line_end || !ends_item) refuse({opening, line_end}, expected);
+  if (closing == line_end || !ends_item) {
+    const std::size_t last = text_.find_last_not_of(kBlanks, line_end - 1);
+    refuse({opening, last + 1}, expected);
+  }
   return {opening + 1, closing};
 }
 
 Label RecordReader::label(const Expected& expected) {
   go_to_next_item(expected);
-  const bool quoted = text_[position_] == '\'' || text_[position_] == '"';
-  const Token token = quoted ? quoted_item(expected) : item(expected);
+  blank_line_end_.reset();  // a label shows where its record begins: nothing has moved
+  const bool in_quotes = text_[position_] == '\'' || text_[position_] == '"';
+  const Token token = in_quotes ? quoted_item(expected) : item(expected);
   const std::string_view text = view(token);
-  if (text.empty() || (!quoted && !is_plain_label(text))) refuse(token, expected);
+  if (text.empty() || (!in_quotes && !is_plain_label(text))) refuse(token, expected);
   Label label{' ', ' '};
   std::copy_n(text.begin(), std::min(text.size(), label.size()), label.begin());
   return label;
 }
 
+bool RecordReader::line_is_used_up() const {
+  return text_.find_first_not_of(kBlanks, position_) >= end_of_line(position_);
+}
+
+std::int64_t RecordReader::line_number(std::size_t position) const {
+  const std::string_view before = text_.substr(0, position);
+  return std::count(before.begin(), before.end(), '\n') + 1;
+}
+
+std::optional<NumberedLine> RecordReader::line_with_text(std::int64_t count) const {
+  std::int64_t number = 1;
+  for (std::size_t start = 0; start < text_.size(); ++number) {
+    const std::string_view line = view({start, end_of_line(start)});
+    if (!std::all_of(line.begin(), line.end(), is_blank) && --count == 0)
+      return NumberedLine{number, line};
+    start += line.size() + 1;
+  }
+  return std::nullopt;
+}
+
+std::string RecordReader::note_on(std::size_t line_end, const char* fault) const {
+  const std::size_t next = text_.find_first_not_of(kBlanksAndLineEnds, line_end);
+  return "line " + std::to_string(line_number(line_end)) + fault + ", so reading went on " +
+         (next == std::string_view::npos ? "to the end of the file"
+                                         : "in line " + std::to_string(line_number(next)));
+}
+
+std::string RecordReader::note() const {
+  if (text_.starts_with(kByteOrderMark))
+    return "the file begins with a UTF-8 byte-order mark; save it without one";
+  if (short_line_end_) return note_on(*short_line_end_, " has too few items");
+  const auto is_last = [&](std::size_t line_end) {
+    return text_.find_first_not_of(kBlanksAndLineEnds, line_end) == std::string_view::npos;
+  };
+  // Any file may end with blank lines: they explain nothing.
+  if (blank_line_end_ && !is_last(*blank_line_end_)) return note_on(*blank_line_end_, " is blank");
+  return "";
+}
+
 void RecordReader::refuse(Token token, const Expected& expected) const {
-  constexpr std::size_t kLongestQuote = 40;
   constexpr std::size_t kShownBefore = 60;
   constexpr std::size_t kShownLine = 100;
 
-  const std::string_view text_before = text_.substr(0, token.begin);
-  const auto line_number = std::count(text_before.begin(), text_before.end(), '\n') + 1;
-  const std::size_t previous_end = text_before.rfind('\n');
-  std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
-  if (token.begin - start > kShownBefore) start = token.begin - kShownBefore;
+  const std::size_t previous_end = text_.substr(0, token.begin).rfind('\n');
+  const std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
+  const std::string_view before = last_characters(view({start, token.begin}), kShownBefore);
+  const std::size_t caret_column = printable(before, kShownBefore).columns;
+  const std::size_t carets = printable(view(token), kShownLine - kShownBefore).columns;
   std::string line =
-      printable(text_.substr(start, end_of_line(start) - start).substr(0, kShownLine));
+      printable(view({token.begin - before.size(), end_of_line(token.begin)}), kShownLine).text;
   line.erase(line.find_last_not_of(' ') + 1);
 
-  const std::size_t columns =
-      std::clamp<std::size_t>(token.end - token.begin, 1, kShownLine - kShownBefore);
-  throw IoFailure(name_ + ":" + std::to_string(line_number) + ": expected " + words(expected) +
-                  ", found \"" + shortened(view(token), kLongestQuote) + "\"\n" + line + "\n" +
-                  std::string(token.begin - start, ' ') + std::string(columns, '^'));
+  throw UnreadableRecord(name_ + ":" + std::to_string(line_number(token.begin)) + ": expected " +
+                         words(expected) + ", found " + quoted(view(token)) + "\n" + line + "\n" +
+                         std::string(caret_column, ' ') +
+                         std::string(std::max<std::size_t>(carets, 1), '^'));
 }
 
 void RecordReader::refuse_end_of_file(const Expected& expected) const {
   const bool line_open = !text_.empty() && text_.back() != '\n';
-  const auto line_number =
-      std::count(text_.begin(), text_.end(), '\n') + 1 + static_cast<std::ptrdiff_t>(line_open);
-  throw IoFailure(name_ + ":" + std::to_string(line_number) + ": expected " + words(expected) +
-                  ", found the end of the file");
+  const std::int64_t missing_line = line_number(text_.size()) + (line_open ? 1 : 0);
+  throw UnreadableRecord(name_ + ":" + std::to_string(missing_line) + ": expected " +
+                         words(expected) + ", found the end of the file");
 }
 
 std::string read_file(const std::string& name) {

@@ -1,6 +1,9 @@
 #include "driver/input_reader.hpp"
 
 #include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "common/errors.hpp"
 
@@ -36,6 +39,49 @@ double read_real_line(RecordReader& input, std::string_view expected) {
   return input.real({expected});
 }
 
+enum class LineKind { no_atom, atom, atom_with_remark };
+
+LineKind kind_of(const NumberedLine& line) {
+  RecordReader reader("", line.text);
+  try {
+    reader.next_statement();
+    (void)reader.label({});
+    for (int k = 0; k < 3; ++k) (void)reader.real({});
+  } catch (const UnreadableRecord&) {
+    return LineKind::no_atom;
+  }
+  return reader.line_is_used_up() ? LineKind::atom : LineKind::atom_with_remark;
+}
+
+/// Other xyz files have a comment line after the count; here it moves the atoms one line down, the
+/// last of them to the line that is read over. (Blank lines are not counted, as reading passes over
+/// them.) By that a comment differs from a mistyped atom. One that happens to read as an atom,
+/// "H 1 2 3 optimised", differs from the atom below by its remark.
+std::optional<NumberedLine> comment_after_count(const RecordReader& input, std::int32_t N) {
+  constexpr std::int64_t kAfterCount = 2;
+  if (N < 1) return std::nullopt;
+  const auto suspect = input.line_with_text(kAfterCount);
+  const auto below = input.line_with_text(kAfterCount + 1);
+  const auto read_over = input.line_with_text(kAfterCount + N);
+  if (!suspect || !below || !read_over) return std::nullopt;
+  const LineKind kind = kind_of(*suspect);
+  const LineKind kind_below = kind_of(*below);
+  if (kind_below == LineKind::no_atom || kind_of(*read_over) == LineKind::no_atom)
+    return std::nullopt;
+  const bool comment = kind == LineKind::no_atom ||
+                       (kind == LineKind::atom_with_remark && kind_below == LineKind::atom);
+  return comment ? suspect : std::nullopt;
+}
+
+/// The line of a message that leads from the place of a failure to its likely reason, if any.
+std::string note_line(const RecordReader& input, std::int32_t N) {
+  std::string note = input.note();
+  if (const auto comment = comment_after_count(input, N))
+    note = "line " + std::to_string(comment->number) +
+           " looks like a comment line; this format has none after the number of atoms";
+  return note.empty() ? note : "\nnote: " + note;
+}
+
 [[noreturn]] void stop_for_too_few_atoms(RecordStream& screen, const char* error) {
   screen.record(" This version allow the study of entities ");
   screen.record(" with more than 2 atoms ");
@@ -57,11 +103,8 @@ UserParameters read_parameters(RecordReader& input) {
   return degrees;
 }
 
-}  // namespace
-
-InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol, RecordStream& screen) {
-  MoleculeSplit split{};
+InputGeometry read_lines(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
+                         std::span<Label> isymbol, RecordStream& screen, MoleculeSplit& split) {
   split.N = read_integer_line(input, "the total number of atoms (an integer)");
   const std::int32_t capacity = icoo_and_m.rows();
   icoo_and_m.shorten(std::clamp(split.N, 0, capacity));
@@ -81,6 +124,18 @@ InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& 
 
   const UserParameters degrees = read_parameters(input);
   return {split, prepare_parameters(degrees, screen)};
+}
+
+}  // namespace
+
+InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
+                         std::span<Label> isymbol, RecordStream& screen) {
+  MoleculeSplit split{};
+  try {
+    return read_lines(input, icoo_and_m, newcoo_and_m, isymbol, screen, split);
+  } catch (const UnreadableRecord& failure) {
+    throw IoFailure(failure.what() + note_line(input, split.N));
+  }
 }
 
 }  // namespace dravo

@@ -33,7 +33,8 @@ struct InputGeometry {
 /// Fills the positions of `icoo_and_m` and the labels, then copies the rows to `newcoo_and_m`. Both
 /// tables are shortened to the announced rows. Atoms past their capacity are read but not stored.
 /// Count and range errors are reported on `screen` and end the run with RunStop; an unreadable or
-/// missing line throws IoFailure.
+/// missing line throws IoFailure, whose text may end with a line "note: ..." about the likely
+/// reason, when that lies elsewhere in the file.
 InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
                          std::span<Label> isymbol, RecordStream& screen);
 

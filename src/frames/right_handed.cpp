@@ -29,8 +29,8 @@ constexpr bool negative = false;
 constexpr bool positive = true;
 
 // Molecule, decided axes, A, B, C, sign of (A x B) . C, texts. The texts are part of the format:
-// some name another axis than the one computed, and their blanks differ from case to case. The cases
-// stand in the order in which they are looked at: by the number of decided axes, 0, 3, 2, 1.
+// some name another axis than the one computed, and their blanks differ from case to case. The
+// cases stand in the order in which they are looked at: by the number of decided axes, 0, 3, 2, 1.
 // clang-format off
 constexpr std::array<RightHandedCase, 16> kCases{{
     {1, NNN, z, y, x, negative,

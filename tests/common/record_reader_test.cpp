@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -14,6 +16,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/errors.hpp"
@@ -166,10 +169,21 @@ TEST(ReadReals, RefuseWhatIsTooLarge) {
 }
 
 TEST(ReadReals, RefuseEverythingElse) {
-  for (const auto& item :
-       items("1.2.3 0x10 abc 1.0abc 9o 1e 1e+ 1d 1+ 1e5.0 1ee5 1--5 1+-5 1f3 1_8 1;2 1\xC2\xB7"
-             "5 e5 .e5 . + - -. --1 +-1 infinit infinity1 nan( nanx 3*0.0 2* / 1.0/ '1.0'"))
+  for (const auto& item : items(
+           "1.2.3 0x10 abc 1.0abc 9o 1e 1e+ 1d 1+ 1e5.0 1ee5 1--5 1+-5 1f3 1_8 1;2 e5 .e5 . + - -. "
+           "--1 +-1 infinit infinity1 nan( nanx 3*0.0 2* / 1.0/ '1.0'"))
     EXPECT_EQ(failure_of([&] { real_in(item); }), refusal("a number", item));
+}
+
+TEST(ReadReals, RefuseARaisedPoint) {
+  EXPECT_EQ(failure_of([] {
+              real_in(
+                  "1\xC2\xB7"
+                  "5");
+            }),
+            "QN.xyz:1: expected a number, found \"1\xC2\xB7"
+            "5\"\n1\xC2\xB7"
+            "5\n^^^");
 }
 
 TEST(ReadReals, DecimalCommaMakesTwoItems) {
@@ -341,6 +355,171 @@ TEST(Messages, ShortenLongItemsAndLines) {
   EXPECT_EQ(failure_of([&] { reader.real({"x"}); }),
             "QN.xyz:1: expected x, found \"" + repeated('x', 40) + "...\"\n" + repeated('a', 59) +
                 " " + repeated('x', 40) + "\n" + repeated(' ', 60) + repeated('^', 40));
+}
+
+/// Message about the x that stands between two texts on one line, the first of which is a label.
+std::string refusal_of_x(const std::string& before, const std::string& after) {
+  const std::string text = before + " x" + after;
+  RecordReader reader = reader_of(text);
+  (void)reader.label({"label"});
+  return failure_of([&] { reader.real({"a number"}); });
+}
+
+TEST(Messages, ShowAndCountCharactersInsteadOfBytes) {
+  const struct {
+    const char* written;
+    const char* shown;
+    std::size_t columns;
+  } rows[] = {
+      {"\x7E", "\x7E", 1},
+      {"\x7F", "?", 1},
+      {"\x01", "?", 1},
+      {"\xC2\x80", "?", 1},  // U+0080 to U+009F are control characters
+      {"\xC2\x9F", "?", 1},
+      {"\xC2\xA0", "\xC2\xA0", 1},
+      {"\xC3\x85", "\xC3\x85", 1},  // Angstrom's letter
+      {"\xDF\xBF", "\xDF\xBF", 1},
+      {"\xE0\xA0\x80", "\xE0\xA0\x80", 1},
+      {"\xED\x9F\xBF", "\xED\x9F\xBF", 1},
+      {"\xEF\xBF\xBD", "\xEF\xBF\xBD", 1},
+      {"\xF0\x90\x80\x80", "\xF0\x90\x80\x80", 1},
+      {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF", 1},
+      {"\xE2\x80\x8A", "\xE2\x80\x8A", 1},  // a thin blank, then blanks of no width
+      {"\xE2\x80\x8B", "?", 1},
+      {"\xE2\x80\xAE", "?", 1},  // writing from right to left
+      {"\xE2\x81\xA6", "?", 1},
+      {"\xEF\xBB\xBF", "?", 1},  // byte-order mark
+      {"\x80", "?", 1},          // no first byte
+      {"\xFF", "?", 1},          // in no character
+      {"\xC0\x80", "??", 2},     // longer than needed
+      {"\xC1\xBF", "??", 2},
+      {"\xE0\x9F\xBF", "???", 3},
+      {"\xF0\x8F\xBF\xBF", "????", 4},
+      {"\xED\xA0\x80", "???", 3},       // half of a pair
+      {"\xF4\x90\x80\x80", "????", 4},  // beyond the last character
+      {"\xC3", "?", 1},                 // cut short
+      {"\xE2\x82", "??", 2},
+      {"\xF0\x9D\x9B", "???", 3},
+      {"\xC3z", "?z", 2},
+  };
+  for (const auto& row : rows) {
+    const std::string shown = std::string("A") + row.shown + " x" + row.shown;
+    EXPECT_EQ(refusal_of_x(std::string("A") + row.written, row.written),
+              std::string("QN.xyz:1: expected a number, found \"x") + row.shown + "\"\n" + shown +
+                  "\n" + std::string(2 + row.columns, ' ') + std::string(1 + row.columns, '^'));
+  }
+}
+
+std::string times(std::size_t count, const std::string& text) {
+  std::string result;
+  for (std::size_t k = 0; k < count; ++k) result += text;
+  return result;
+}
+
+// 60 columns before the place, 100 in all, 40 of an item; whatever the length of a character.
+TEST(Messages, AreCutBetweenCharacters) {
+  const std::string letters[] = {"a", "\xC3\x85", "\xE2\x82\xAC", "\xF0\x9D\x9B\xBC"};
+  for (const std::string& letter : letters)
+    for (const std::size_t before : {58U, 59U, 60U, 61U, 100U, 1000U})
+      for (const std::size_t after : {38U, 39U, 40U, 41U, 1000U}) {
+        SCOPED_TRACE(letter + " " + std::to_string(before) + " " + std::to_string(after));
+        const std::size_t shown_before = std::min<std::size_t>(before, 59);
+        const std::size_t item = 1 + after;
+        const std::string found =
+            "x" + times(std::min<std::size_t>(after, 39), letter) + (item > 40 ? "..." : "");
+        const std::size_t shown_after = std::min(after, 100 - shown_before - 2);
+        EXPECT_EQ(refusal_of_x(times(before, letter), times(after, letter)),
+                  "QN.xyz:1: expected a number, found \"" + found + "\"\n" +
+                      times(shown_before, letter) + " x" + times(shown_after, letter) + "\n" +
+                      std::string(shown_before + 1, ' ') +
+                      std::string(std::min<std::size_t>(item, 40), '^'));
+      }
+}
+
+TEST(Messages, ShowAnUnclosedQuoteWithoutTheBlanksBehindIt) {
+  for (const char* const end : {"", " ", "\r\n", " \t \r\nC"})
+    EXPECT_EQ(failure_of([&] { label_in(std::string("'C 1") + end); }), refusal("a label", "'C 1"));
+}
+
+/// The note after a label, two numbers and a number of the next record, as far as they can be read.
+std::string note_after_reading(std::string_view text) {
+  RecordReader reader("QN.xyz", text);
+  try {
+    reader.next_statement();
+    (void)reader.label({"label"});
+    (void)reader.real({"x"});
+    (void)reader.real({"y"});
+    reader.next_statement();
+    (void)reader.real({"r"});
+  } catch (const UnreadableRecord&) {
+    return reader.note();
+  }
+  return "(read) " + reader.note();
+}
+
+TEST(Notes, LeadToTheReasonOfAFailure) {
+  const struct {
+    const char* text;
+    const char* note;
+  } rows[] = {
+      {"C 1 2\nx", ""},
+      {"C 1 x", ""},
+      {"C 1 2 3\n\n", ""},
+      {"C 1\nC 2", "line 1 has too few items, so reading went on in line 2"},
+      {"C 1\n2\nx", "line 1 has too few items, so reading went on in line 2"},
+      {"C\n1\nx", "line 1 has too few items, so reading went on in line 2"},
+      {"C 1 ,\r\n\r\n \n,2", "line 1 has too few items, so reading went on in line 4"},
+      {"\n\nC 1\nx", "line 3 has too few items, so reading went on in line 4"},
+      {"C 1", "line 1 has too few items, so reading went on to the end of the file"},
+      {"C 1\n\n ", "line 1 has too few items, so reading went on to the end of the file"},
+      {"C 1 2\n \t\r\nx", "line 2 is blank, so reading went on in line 3"},
+      {"C 1 2\n\n\nx", "line 2 is blank, so reading went on in line 4"},
+      {"C 1\n2\n\nx", "line 1 has too few items, so reading went on in line 2"},
+      {"\nC 1 x", ""},  // a label shows where its record begins
+      {"\n \n", ""},    // any file may end with blank lines
+      {"\xEF\xBB\xBF"
+       "C 1\nx",
+       "the file begins with a UTF-8 byte-order mark; save it without one"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(note_after_reading(row.text), row.note) << row.text;
+}
+
+TEST(Notes, ForgetBlankLinesAboveASkippedLine) {
+  RecordReader reader = reader_of("\n1\nskipped\nx");
+  EXPECT_EQ(reader.integer({"n"}), 1);
+  reader.skip_line({"a line"});
+  reader.next_statement();
+  EXPECT_EQ(failure_of([&] { reader.real({"r"}); }), "QN.xyz:4: expected r, found \"x\"\nx\n^");
+  EXPECT_EQ(reader.note(), "");
+}
+
+TEST(LinesWithText, AreCountedWithoutBlankLines) {
+  const RecordReader reader("QN.xyz", "\n12\r\n \t\r\nC 1\n\n,\nend");
+  const struct {
+    std::int64_t count;
+    std::int64_t number;
+    std::string_view text;
+  } rows[] = {{1, 2, "12\r"}, {2, 4, "C 1"}, {3, 6, ","}, {4, 7, "end"}};
+  for (const auto& row : rows) {
+    const auto line = reader.line_with_text(row.count);
+    ASSERT_TRUE(line) << row.count;
+    EXPECT_EQ(line->number, row.number);
+    EXPECT_EQ(line->text, row.text);
+  }
+  for (const std::int64_t count : {std::int64_t{0}, std::int64_t{5}, std::int64_t{2147483649}})
+    EXPECT_FALSE(reader.line_with_text(count)) << count;
+  EXPECT_FALSE(RecordReader("QN.xyz", "").line_with_text(1));
+}
+
+TEST(RestOfALine, IsUsedUpWhenOnlyBlanksAreLeft) {
+  const std::pair<const char*, bool> rows[] = {{"C", true},    {"C \t\r\n1", true},
+                                               {"C\n", true},  {"C 1\n", false},
+                                               {"C ,", false}, {"C  1", false}};
+  for (const auto& [text, used_up] : rows) {
+    RecordReader reader = reader_of(text);
+    (void)reader.label({"label"});
+    EXPECT_EQ(reader.line_is_used_up(), used_up) << text;
+  }
 }
 
 TEST(ReadFile, GivesTheBytesAsTheyStand) {

@@ -327,6 +327,65 @@ TEST(MissingLines, AreNamedWithTheirNumber) {
   }
 }
 
+/// The last line of a message when it is a note.
+std::string note_of(const std::string& message) {
+  EXPECT_NE(message, "(accepted)");
+  const std::size_t note = message.find("\nnote: ");
+  return note == std::string::npos ? "" : message.substr(note + 1);
+}
+
+const std::string kCommentNote =
+    "note: line 2 looks like a comment line; this format has none after the number of atoms";
+
+TEST(CommentLine, AfterTheCountIsNoted) {
+  for (const char* const comment : {"water dimer", "water", "-152.1", "H 1 2 3 optimised", "/", ",",
+                                    "'", "E = -152.1 hartree", "\xC3\x85"})
+    EXPECT_EQ(note_of(refused(water_pair_with(0, std::string("6\n") + comment))), kCommentNote)
+        << comment;
+}
+
+TEST(CommentLine, IsNotedWhateverFailsBelowIt) {
+  std::vector<std::string> lines = water_pair();
+  lines[0] = "6\nH 1 2 3 optimised";
+  for (const auto& [line, contents] :
+       {std::pair{kAtom3, "H 0 0 -o"}, std::pair{kPhi, "4S"}, std::pair{kN1, "three"}}) {
+    std::vector<std::string> changed = lines;
+    changed[line] = contents;
+    EXPECT_EQ(note_of(refused(joined(changed))), kCommentNote) << contents;
+  }
+}
+
+TEST(CommentLine, IsNotSuspectedInAMistypedAtomOrABlankLine) {
+  const struct {
+    std::size_t line;
+    const char* contents;
+    const char* note;
+  } rows[] = {
+      {1, "O o 0 0", ""},
+      {1, "O", "note: line 2 has too few items, so reading went on in line 3"},
+      {1, "O 0 0", "note: line 2 has too few items, so reading went on in line 3"},
+      {1, "'O 0 0 0", ""},
+      {0, "5", ""},  // one atom more: line 7 is read over
+      {0, "2147483647", ""},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(note_of(refused(water_pair_with(row.line, row.contents))), row.note) << row.contents;
+
+  // Reading passes over a blank line.
+  std::vector<std::string> lines = water_pair();
+  lines[0] = "6\n";
+  lines[1] = "O o 0 0";
+  EXPECT_EQ(note_of(refused(joined(lines))), "");
+}
+
+TEST(CommentLine, IsNotSuspectedWithoutAtoms) {
+  for (const char* const N : {"0", "-1", "-2147483648"})
+    EXPECT_EQ(refused(std::string(N) + "\nO 0 0 0 ignored\nO 0 0 0\nO 0 0 0\n"),
+              "QN-input-GEOMETRY.xyz:3: expected the number of atoms of molecule 1 (an integer), "
+              "found \"O\"\nO 0 0 0\n^")
+        << N;
+}
+
 TEST(UnreadableItems, AreShownInTheirLine) {
   const struct {
     std::size_t line;
@@ -346,7 +405,8 @@ TEST(UnreadableItems, AreShownInTheirLine) {
       // A coordinate short: it is looked for on the next line.
       {6, "1 3.0 -0.75",
        "8: expected the z coordinate in Angstrom (a number) of atom 6, found \"atoms\"\n"
-       "atoms of molecule 1\n^^^^^"},
+       "atoms of molecule 1\n^^^^^\n"
+       "note: line 7 has too few items, so reading went on in line 8"},
       {kN1, "three",
        "9: expected the number of atoms of molecule 1 (an integer), found \"three\"\nthree\n^^^^^"},
       {kR, "1.2.3",

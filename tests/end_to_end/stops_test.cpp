@@ -187,7 +187,8 @@ const std::vector<Failure> kFailures{
        return text.substr(0, 3) + "formamide dimer\n" + text.substr(3);
      },
      "qn-dravo: QN-input-GEOMETRY.xyz:2: expected the x coordinate in Angstrom (a number) of atom "
-     "1, found \"dimer\"\nformamide dimer\n          ^^^^^\n"},
+     "1, found \"dimer\"\nformamide dimer\n          ^^^^^\n"
+     "note: line 2 looks like a comment line; this format has none after the number of atoms\n"},
     {"closing line missing",
      [](const SampleInput& pair) {
        const std::string text = pair.text();
