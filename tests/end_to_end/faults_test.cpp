@@ -208,7 +208,7 @@ void set_limit(decltype(RLIMIT_FSIZE) resource, rlim_t value) {
 }
 
 Outcome run_with_files_up_to(std::size_t bytes, const TemporaryFolder& folder) {
-  return run_in(folder, DRAVO_PROGRAM, Screen::kept, [=] { set_limit(RLIMIT_FSIZE, bytes); });
+  return run_in(folder, tested_program(), Screen::kept, [=] { set_limit(RLIMIT_FSIZE, bytes); });
 }
 
 // The log comes first and is the longest file. What of it no limit holds back is not lost: it ends
@@ -290,7 +290,7 @@ TEST(FileSizeLimit, OfAScreenThatIsAppendedToAFileLeavesTheResultsWhole) {
   const TemporaryFolder elsewhere;
   elsewhere.write("screen", std::string(kLimit, 'x'));
   const std::string screen = (elsewhere.path() / "screen").string();
-  const Outcome outcome = run_in(scene.folder, DRAVO_PROGRAM, Screen::kept, [&] {
+  const Outcome outcome = run_in(scene.folder, tested_program(), Screen::kept, [&] {
     redirect(STDOUT_FILENO, screen.c_str(), O_WRONLY | O_APPEND);
     set_limit(RLIMIT_FSIZE, kLimit);
   });
@@ -300,26 +300,18 @@ TEST(FileSizeLimit, OfAScreenThatIsAppendedToAFileLeavesTheResultsWhole) {
   EXPECT_EQ(fs::file_size(screen), kLimit);
 }
 
-class DescriptorLimit : public ::testing::Test {
- protected:
-  /// A caller's own files, which a child inherits, would count as well.
-  static void limit_to(rlim_t descriptors) {
-    ::close_range(STDERR_FILENO + 1, ~0U, 0);
-    set_limit(RLIMIT_NOFILE, descriptors);
-  }
-
-  void SetUp() override {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizers need descriptors for their own checks";
-#endif
-  }
-};
+/// A caller's own files, which a child inherits, would count as well.
+void limit_descriptors(rlim_t count) {
+  ::close_range(STDERR_FILENO + 1, ~0U, 0);
+  set_limit(RLIMIT_NOFILE, count);
+}
 
 // Four descriptors: the three standard streams and one more, which the log keeps.
-TEST_F(DescriptorLimit, BesideTheOpenLogNamesTheFirstGeometry) {
+TEST(DescriptorLimit, BesideTheOpenLogNamesTheFirstGeometry) {
   const Scene scene(kPlain);
   scene.put_earlier_results();
-  const Outcome outcome = run_in(scene.folder, DRAVO_PROGRAM, Screen::kept, [] { limit_to(4); });
+  const Outcome outcome =
+      run_in(scene.folder, tested_program(), Screen::kept, [] { limit_descriptors(4); });
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.messages,
             failure("input-GEOMETRY.xyz.part", "open for writing: Too many open files"));
@@ -330,12 +322,12 @@ TEST_F(DescriptorLimit, BesideTheOpenLogNamesTheFirstGeometry) {
 
 // The loader, which comes before the program, needs one descriptor too: that of standard input,
 // which the program takes before it opens its first file.
-TEST_F(DescriptorLimit, BesideTheStandardStreamsNamesTheInput) {
+TEST(DescriptorLimit, BesideTheStandardStreamsNamesTheInput) {
   const Scene scene(kPlain);
   scene.put_earlier_results();
-  const Outcome outcome = run_in(scene.folder, DRAVO_PROGRAM, Screen::kept, [] {
+  const Outcome outcome = run_in(scene.folder, tested_program(), Screen::kept, [] {
     ::close(STDIN_FILENO);
-    limit_to(3);
+    limit_descriptors(3);
   });
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.messages, failure(kInput, "read: Too many open files"));
@@ -346,12 +338,12 @@ TEST_F(DescriptorLimit, BesideTheStandardStreamsNamesTheInput) {
 /// nobody may not find it by its path.
 Outcome run_without_privileges(const TemporaryFolder& folder) {
   constexpr unsigned kNobody = 65534;
-  const int program = ::open(DRAVO_PROGRAM, O_RDONLY | O_CLOEXEC);
-  const Outcome outcome = run_in(folder, DRAVO_PROGRAM, Screen::kept, [=] {
+  const int program = ::open(tested_program(), O_RDONLY | O_CLOEXEC);
+  const Outcome outcome = run_in(folder, tested_program(), Screen::kept, [=] {
     if (::geteuid() != 0) return;
     if (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)
       ::_exit(126);
-    std::string name = DRAVO_PROGRAM;
+    std::string name(tested_program());
     std::array<char*, 2> arguments{name.data(), nullptr};
     ::fexecve(program, arguments.data(), ::environ);
     ::_exit(127);
@@ -442,7 +434,7 @@ constexpr std::array kStreams{
     Stream{Screen::closed, "Bad file descriptor"}, Stream{Screen::broken_pipe, "Broken pipe"}};
 
 Outcome run_with_streams(const TemporaryFolder& folder, Screen screen, Screen messages) {
-  return run_in(folder, DRAVO_PROGRAM, screen, [=] {
+  return run_in(folder, tested_program(), screen, [=] {
     if (messages != Screen::kept) redirect_stream(STDERR_FILENO, messages, "");
   });
 }
@@ -491,7 +483,7 @@ TEST(LostStreams, OfALongScreenCostNoFileAndTakeNone) {
     if (screen.where == Screen::kept) continue;
     const TemporaryFolder folder;
     folder.write(kInput, pair.text());
-    const Outcome outcome = run_in(folder, DRAVO_PROGRAM, screen.where);
+    const Outcome outcome = run_in(folder, tested_program(), screen.where);
     EXPECT_EQ(outcome.status, 2) << screen.reason;
     EXPECT_EQ(outcome.messages, failure("standard output", std::string("write: ") + screen.reason));
     EXPECT_TRUE(outcome.files == complete.files) << screen.reason;
@@ -528,7 +520,7 @@ TEST(LostStreams, OfAClosedStandardErrorPutNoMessageIntoTheLog) {
 
 TEST(LostStreams, AllThreeClosedLeaveEveryFileWhole) {
   const Scene scene(kPlain);
-  const Outcome outcome = run_in(scene.folder, DRAVO_PROGRAM, Screen::closed, [] {
+  const Outcome outcome = run_in(scene.folder, tested_program(), Screen::closed, [] {
     ::close(STDIN_FILENO);
     ::close(STDERR_FILENO);
   });
@@ -554,7 +546,7 @@ TEST(PrescribedStop, WhoseLogAndScreenAreLostNamesTheLog) {
   const TemporaryFolder folder;
   folder.write(kInput, sample("water-dimer").text());
   fs::create_symlink("/dev/full", folder.path() / kLog);
-  const Outcome outcome = run_in(folder, DRAVO_PROGRAM, Screen::closed);
+  const Outcome outcome = run_in(folder, tested_program(), Screen::closed);
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.messages, failure(kLog, "write: No space left on device"));
 }
@@ -563,7 +555,7 @@ TEST(PrescribedStop, WhoseScreenIsLostIsAFailureWithAWholeLog) {
   const TemporaryFolder folder;
   folder.write(kInput, sample("water-dimer").text());
   const Files complete = run_in(folder).files;
-  const Outcome outcome = run_in(folder, DRAVO_PROGRAM, Screen::full);
+  const Outcome outcome = run_in(folder, tested_program(), Screen::full);
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.messages, failure("standard output", "write: No space left on device"));
   EXPECT_TRUE(outcome.files == complete);
@@ -631,7 +623,7 @@ pid_t start_in(const TemporaryFolder& folder, const std::function<void()>& prepa
     redirect(stream, "/dev/null", O_RDWR);
   if (::chdir(folder.path().c_str()) != 0) ::_exit(126);
   if (prepare) prepare();
-  ::execl(DRAVO_PROGRAM, DRAVO_PROGRAM, static_cast<char*>(nullptr));
+  ::execl(tested_program(), tested_program(), static_cast<char*>(nullptr));
   ::_exit(127);
 }
 

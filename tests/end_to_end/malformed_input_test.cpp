@@ -482,11 +482,11 @@ TEST(InputFile, MayNotBeALinkInACircle) {
 /// itself may lie where only the administrator can open it.
 Outcome run_unprivileged_in(const TemporaryFolder& folder) {
   constexpr unsigned kNobody = 65534;
-  const int program = ::open(DRAVO_PROGRAM, O_RDONLY | O_CLOEXEC);
-  Outcome outcome = run_in(folder, DRAVO_PROGRAM, Screen::kept, [&] {
+  const int program = ::open(tested_program(), O_RDONLY | O_CLOEXEC);
+  Outcome outcome = run_in(folder, tested_program(), Screen::kept, [&] {
     if (::geteuid() != 0) return;
     if (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0) ::_exit(126);
-    std::string name(DRAVO_PROGRAM);
+    std::string name(tested_program());
     std::array<char*, 2> arguments{name.data(), nullptr};
     ::fexecve(program, arguments.data(), environ);
     ::_exit(127);

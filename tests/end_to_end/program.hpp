@@ -18,6 +18,12 @@
 
 namespace dravo::test {
 
+/// The program under test. DRAVO_PROGRAM in the environment names another build of it.
+inline const char* tested_program() {
+  const char* other = std::getenv("DRAVO_PROGRAM");
+  return other != nullptr ? other : DRAVO_DEFAULT_PROGRAM;
+}
+
 /// A new empty folder that goes with its owner.
 class TemporaryFolder {
  public:
@@ -95,7 +101,7 @@ inline void redirect_stream(int stream, Screen where, const char* path) {
 
 /// Runs `program` in `folder` with nothing on standard input. `prepare` is the last thing that the
 /// child process does before it becomes the program.
-inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO_PROGRAM,
+inline Outcome run_in(const TemporaryFolder& folder, const char* program = tested_program(),
                       Screen where = Screen::kept, const std::function<void()>& prepare = {}) {
   const TemporaryFolder streams;
   streams.write("stdout", "");
@@ -120,7 +126,7 @@ inline Outcome run_in(const TemporaryFolder& folder, const char* program = DRAVO
 }
 
 /// Runs the program on the text of an input file.
-inline Outcome run_on(const std::string& input, const char* program = DRAVO_PROGRAM) {
+inline Outcome run_on(const std::string& input, const char* program = tested_program()) {
   const TemporaryFolder folder;
   folder.write("QN-input-GEOMETRY.xyz", input);
   return run_in(folder, program);
