@@ -232,6 +232,13 @@ TEST(UnknownLabels, KeepTheirLeadingBlank) {
   EXPECT_EQ(describe_unknown_labels(rows, labels), "\" C\" (atom 1), \"CO\" (atom 2)");
 }
 
+TEST(UnknownLabels, ShowTheCharactersFromBlankToTildeAndNoOther) {
+  const std::array<Label, 4> labels{label("\x1F!"), label(" !"), label("!~"), label("!\x7F")};
+  const std::vector<std::int32_t> rows{0, 1, 2, 3};
+  EXPECT_EQ(describe_unknown_labels(rows, labels),
+            "\"?!\" (atom 1), \" !\" (atom 2), \"!~\" (atom 3), \"!?\" (atom 4)");
+}
+
 TEST(UnknownLabels, NoneGiveNoText) {
   const std::array<Label, 1> labels{label("H")};
   EXPECT_EQ(describe_unknown_labels({}, labels), "");

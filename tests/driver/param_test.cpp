@@ -36,6 +36,10 @@ struct ParamCall {
   AtomTable& table() { return table_; }
 
   void run(const SampleInput& pair, const UserParameters& user, char mode) {
+    run(pair, user, mode, out.units);
+  }
+
+  void run(const SampleInput& pair, const UserParameters& user, char mode, RunUnits& units) {
     parameters = user;
     const auto N = static_cast<std::int32_t>(pair.atoms.size());
     const auto n1 = static_cast<std::int32_t>(pair.n1);
@@ -49,8 +53,8 @@ struct ParamCall {
     WorkText work_text{};
     param(work_text, N, n1, labels, table_, r, alpha, beta, gamma, mode, theta, phi,
           parameters.theta, parameters.phi, parameters.alpha, parameters.beta, parameters.gamma,
-          parameters.r, out.units);
-    out.units.finish();
+          parameters.r, units);
+    units.finish();
   }
 
   /// The assembled pair, under whichever of its two names.
@@ -269,6 +273,32 @@ TEST(Param, WarnsOnceAboutUnknownLabels) {
             "qn-dravo: warning: unknown element labels count as mass 0: \"D\" (atoms 4, 10)\n");
   EXPECT_EQ(build.out.screen.find("warning"), std::string::npos);
   EXPECT_EQ(build.pair().atomic_numbers[3], 0);
+}
+
+/// Takes no log.
+class FolderWithoutLog final : public OutputFolder {
+ public:
+  std::unique_ptr<ByteSink> open(const std::string& name) override { throw IoFailure(name); }
+  void replace(const std::string& name, std::string_view) override {
+    ADD_FAILURE() << name << " was written";
+  }
+};
+
+TEST(Param, WarnsAboutUnknownLabelsBeforeItOpensTheLog) {
+  SampleInput pair = sample("formamide-dimer");
+  pair.atoms[3].label = "D";
+  std::string screen;
+  std::string warnings;
+  test::TextSink screen_sink(screen);
+  test::TextSink warning_sink(warnings);
+  FolderWithoutLog folder;
+  RunUnits units(screen_sink, warning_sink, folder);
+  ParamCall build;
+  EXPECT_THROW(
+      build.run(pair, in_radians({9.0, 84.0, 11.0, 214.0, 152.0, 306.0}), kBuildMode, units),
+      IoFailure);
+  EXPECT_EQ(warnings,
+            "qn-dravo: warning: unknown element labels count as mass 0: \"D\" (atom 4)\n");
 }
 
 TEST(Param, DistanceThatFitsNoFileNameCreatesNoFile) {

@@ -354,5 +354,18 @@ TEST(EulerSearchLog, EndOfAPassShowsTheBestPointAndTheNextStart) {
             "  ================================================== \n");
 }
 
+TEST(EulerSearchLog, DegreesOfTheBestPointAndOfTheNextStartMayDifferInTheLastDigit) {
+  RecordStream log;
+  const BestPoint best{4.2, 4.2, 4.2, {0.0, 0.0, 0.0}, 0.0};
+  search_log(log).pass_done(1, best, {4.2, 4.2, 0.125, 0.0625, 105}, 4.2);
+  for (const char* record : {" alpha fit ALIGNMENT   240.64227395494578     \n",
+                             " beta  fit ALIGNMENT   240.64227395494578     \n",
+                             " gamma fit ALIGNMENT   240.64227395494578     \n",
+                             "  alpha initical DEG   240.64227395494575     \n",
+                             "  beta initial DEG   240.64227395494575     \n",
+                             "  gamma inicail DEG   240.64227395494575     \n"})
+    EXPECT_NE(log.text().find(record), std::string::npos) << record;
+}
+
 }  // namespace
 }  // namespace dravo

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
+#include <cstddef>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,8 +27,9 @@ struct Analysis {
   RecordStream screen;
   RecordStream log;
 
-  void run(const std::string& dimer) {
-    const test::SampleInput pair = test::sample(dimer);
+  void run(const std::string& dimer) { run(test::sample(dimer)); }
+
+  void run(const test::SampleInput& pair) {
     for (const auto& atom : pair.atoms) newcoo_and_m.add({atom.label, atom.position});
     AnalysisTables tables{newcoo_and_m.table(), originalcoo_and_m.table(), auxiliar.table(),
                           inicial.table()};
@@ -105,6 +108,64 @@ TEST(AlignedPair, IsTheSameWhenTwoThreadsAnalyseTwoPairs) {
   for (std::thread& thread : threads) thread.join();
   for (std::size_t k = 0; k < 2; ++k)
     EXPECT_TRUE(together[k].log.text() == one_by_one[k].log.text()) << kDimers[k];
+}
+
+/// Two moments are equal, and the oxygen lies in the plane of their axes. These may have any
+/// directions in it, so rounding turns them from one cycle to the next.
+std::vector<test::SampleInput::Atom> molecule_with_free_axes() {
+  const double carbon = static_cast<double>(element_table()[5].mass);
+  const double oxygen = static_cast<double>(element_table()[7].mass);
+  constexpr double kOxygen = 1.2;
+  const double x = oxygen * kOxygen / (2.0 * carbon);
+  const double y = std::sqrt(oxygen * kOxygen * kOxygen / (2.0 * carbon) + x * x);
+  return {{"O", {kOxygen, 0.0, 0.0}},
+          {"C", {-x, y, 0.0}},
+          {"C", {-x, -y, 0.0}},
+          {"C", {0.0, 0.0, 2.5}},
+          {"C", {0.0, 0.0, -2.5}}};
+}
+
+/// Flags of the six axes, molecule 1 first, one row for each table of a log.
+std::vector<std::array<int, 6>> flag_tables(const std::string& log) {
+  std::vector<std::array<int, 6>> tables;
+  std::size_t from = 0;
+  while (true) {
+    std::array<int, 6> flags{};
+    for (std::size_t k = 0; k < flags.size(); ++k) {
+      const std::string label = "eigenvector " + std::to_string(k + 1) + " flags:  ";
+      const std::size_t at = log.find(label, from);
+      if (at == std::string::npos) return tables;
+      from = at + label.size();
+      flags[k] = std::stoi(log.substr(from, 12));
+    }
+    tables.push_back(flags);
+  }
+}
+
+TEST(AlignedPair, AxisThatWasToldFromItsOppositeOnceStaysSo) {
+  constexpr std::size_t kTablesOfACycle = 2;
+  bool any_later_cycle = false;
+  for (int pose = 0; pose < 24; ++pose) {
+    test::SampleInput pair = test::sample("formamide-dimer");
+    pair.atoms.erase(pair.atoms.begin(), pair.atoms.begin() + static_cast<std::ptrdiff_t>(pair.n1));
+    const Matrix3 turn = euler_matrix(0.3 + 0.7 * pose, 0.2 + 0.1 * pose, 1.1 * pose);
+    std::vector<test::SampleInput::Atom> molecule1 = molecule_with_free_axes();
+    for (auto& atom : molecule1) atom.position = turn * atom.position + Vec3{5.0, 6.0, 7.0};
+    pair.atoms.insert(pair.atoms.begin(), molecule1.begin(), molecule1.end());
+    pair.n1 = molecule1.size();
+    Analysis analysis;
+    try {
+      analysis.run(pair);
+    } catch (const RunStop&) {
+      // Fewer than two axes of molecule 1 have a direction, or the search finds no rotation.
+    }
+    const auto tables = flag_tables(analysis.log.text());
+    for (std::size_t table = 1; table < tables.size(); ++table)
+      for (std::size_t k = 0; k < 6; ++k)
+        EXPECT_GE(tables[table][k], tables[table - 1][k]) << "pose " << pose << ", axis " << k + 1;
+    any_later_cycle = any_later_cycle || tables.size() > kTablesOfACycle;
+  }
+  EXPECT_TRUE(any_later_cycle);
 }
 
 }  // namespace

@@ -149,6 +149,17 @@ TEST(PlaceByUser, TurnsMolecule1AboutItsCentreAndMovesItThere) {
   expect_near(placement.molecule1.tips[2], {1.0, 5.0, 0.0}, 1e-14);
 }
 
+TEST(PlaceByUser, MeasuresTheDistanceFromWhereTheAtomsOfMolecule2Stand) {
+  // Two hydrogens around (0, 0, 0.5), molecule 1 put 3 above the origin, so 2.5 above them.
+  SmallTable parallel({{"C", {1.0, 1.0, 1.0}}, {"H", {1.0, 0.0, 0.5}}, {"H", {-1.0, 0.0, 0.5}}});
+  SmallTable placed;
+  const MoleculeFrame molecule1{{1.0, 1.0, 1.0}, {}};
+  const Placement placement =
+      place_by_user(parallel.table(), {3, 1}, molecule1, {}, {3.0, 0.0, 0.0}, placed.table());
+  EXPECT_EQ(placed.table().position(0), (Vec3{0.0, 0.0, 3.0}));
+  EXPECT_EQ(placement.applied.r, 2.5);
+}
+
 TEST(PlaceByUser, KeepsMassesAndAtomicNumbers) {
   SmallTable parallel = two_molecules();
   SmallTable placed;
