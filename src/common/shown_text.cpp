@@ -85,7 +85,7 @@ ColumnText printable(std::string_view text, std::size_t most_columns) {
 
 std::string_view last_characters(std::string_view text, std::size_t most) {
   // Of a character that is cut here, up to three bytes are left; they count and go as surplus.
-  const std::size_t enough = 4 * most + 3;
+  const std::size_t enough = 4 * most;  // bytes
   if (text.size() > enough) text.remove_prefix(text.size() - enough);
   for (std::size_t surplus = printable(text, text.size()).columns; surplus > most; --surplus)
     text.remove_prefix(first_character(text).bytes);
