@@ -107,9 +107,9 @@ void GridWalker::begin(const ScanPass& pass) {
   steps_per_radian_ = 1.0 / pass.step;
   widest_ = half_window(std::numeric_limits<double>::infinity());
   matches_.clear();
-  matches_.reserve(static_cast<std::size_t>(pass.points));
   if (!leaves_points_out()) return;
 
+  matches_.reserve(static_cast<std::size_t>(pass.points));
   fill_values(outer_, pass.outer_start, pass);
   fill_values(inner_, pass.inner_start, pass);
   if (is_upright()) {

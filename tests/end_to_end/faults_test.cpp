@@ -300,6 +300,16 @@ TEST(FileSizeLimit, OfAScreenThatIsAppendedToAFileLeavesTheResultsWhole) {
   EXPECT_EQ(fs::file_size(screen), kLimit);
 }
 
+/// The log, which is open, goes on to the first file that cannot be opened beside it.
+void expect_first_geometry_refused(const Outcome& outcome, const Scene& scene,
+                                   const std::string& reason) {
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages, failure("input-GEOMETRY.xyz.part", "open for writing: " + reason));
+  Files expected = scene.earlier;
+  expected[kLog] = log_before(1, scene.whole(0));
+  EXPECT_TRUE(outcome.files == expected);
+}
+
 /// A caller's own files, which a child inherits, would count as well.
 void limit_descriptors(rlim_t count) {
   ::close_range(STDERR_FILENO + 1, ~0U, 0);
@@ -312,12 +322,7 @@ TEST(DescriptorLimit, BesideTheOpenLogNamesTheFirstGeometry) {
   scene.put_earlier_results();
   const Outcome outcome =
       run_in(scene.folder, tested_program(), Screen::kept, [] { limit_descriptors(4); });
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.messages,
-            failure("input-GEOMETRY.xyz.part", "open for writing: Too many open files"));
-  Files expected = scene.earlier;
-  expected[kLog] = log_before(1, scene.whole(0));
-  EXPECT_TRUE(outcome.files == expected);
+  expect_first_geometry_refused(outcome, scene, "Too many open files");
 }
 
 // The loader, which comes before the program, needs one descriptor too: that of standard input,
@@ -389,12 +394,7 @@ TEST_F(Permissions, OfAFolderThatTakesNoNewFileBesideItsLogLeaveTheLogUpToTheGeo
   allow(kLog, 0666);
   allow("", 0555);
   const Outcome outcome = run_and_reopen();
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.messages,
-            failure("input-GEOMETRY.xyz.part", "open for writing: Permission denied"));
-  Files expected = scene.earlier;
-  expected[kLog] = log_before(1, scene.whole(0));
-  EXPECT_TRUE(outcome.files == expected);
+  expect_first_geometry_refused(outcome, scene, "Permission denied");
 }
 
 TEST_F(Permissions, OfAReadOnlyLogKeepEveryEarlierResult) {
