@@ -6,10 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
-#include <limits>
 #include <system_error>
 
+#include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 
 namespace dravo {
@@ -20,121 +19,6 @@ constexpr std::string_view kBlanksAndLineEnds = " \t\r\n";
 
 constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 constexpr bool is_separator(char c) { return is_blank(c) || c == ',' || c == '\n'; }
-constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
-constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-
-constexpr bool starts_with_sign(std::string_view text) {
-  return !text.empty() && (text[0] == '+' || text[0] == '-');
-}
-
-std::string_view take_digits(std::string_view& rest) {
-  const auto* const end = std::find_if_not(rest.begin(), rest.end(), is_digit);
-  const auto count = static_cast<std::size_t>(end - rest.begin());
-  const std::string_view digits = rest.substr(0, count);
-  rest.remove_prefix(count);
-  return digits;
-}
-
-std::optional<std::int32_t> parse_integer(std::string_view text) {
-  if (text.starts_with('+')) {
-    text.remove_prefix(1);
-    if (starts_with_sign(text)) return std::nullopt;
-  }
-  std::int32_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
-
-/// `nan`, `nan(...)`, `inf`, `infinity` without their sign, in lower case.
-std::optional<double> parse_non_finite(std::string_view text) {
-  if (text == "inf" || text == "infinity") return std::numeric_limits<double>::infinity();
-  if (text == "nan" || (text.starts_with("nan(") && text.ends_with(')')))
-    return std::numeric_limits<double>::quiet_NaN();
-  return std::nullopt;
-}
-
-/// The decimal exponent of a number, its letter optional when it has a sign. Empty when there is
-/// none. Returns false when `rest` is no exponent.
-bool take_exponent(std::string_view rest, std::string& exponent) {
-  if (rest.empty()) return true;
-  const char letter = lower(rest[0]);
-  const bool has_letter = letter == 'e' || letter == 'd' || letter == 'q';
-  if (has_letter) rest.remove_prefix(1);
-  const bool has_sign = starts_with_sign(rest);
-  if (!has_letter && !has_sign) return false;
-  exponent = "e";
-  if (has_sign) {
-    if (rest[0] == '-') exponent += '-';
-    rest.remove_prefix(1);
-  }
-  const std::string_view digits = take_digits(rest);
-  exponent += digits;
-  return !digits.empty() && rest.empty();
-}
-
-/// Tells the two ends of the range of a double apart, for a number that lies outside it. `exponent`
-/// is empty or of the form e12, e-12.
-bool is_below_one(std::string_view before_point, std::string_view after_point,
-                  std::string_view exponent) {
-  const auto leading_zeros = [](std::string_view digits) {
-    return std::min(digits.find_first_not_of('0'), digits.size());
-  };
-  std::int64_t shift = 0;
-  if (!exponent.empty()) {
-    constexpr std::int64_t kBeyondAnyFile = 1'000'000'000'000'000'000;  // keeps the sum in range
-    const char* const end = exponent.data() + exponent.size();
-    if (std::from_chars(exponent.data() + 1, end, shift).ec != std::errc{})
-      return exponent.starts_with("e-");
-    shift = std::clamp(shift, -kBeyondAnyFile, kBeyondAnyFile);
-  }
-  const std::size_t zeros = leading_zeros(before_point);
-  const auto digits_before_point = zeros < before_point.size()
-                                       ? static_cast<std::int64_t>(before_point.size() - zeros)
-                                       : -static_cast<std::int64_t>(leading_zeros(after_point));
-  return digits_before_point + shift < 0;
-}
-
-/// Unsigned decimal number as a Fortran program reads it.
-std::optional<double> parse_decimal(std::string_view text) {
-  std::string_view rest = text;
-  const std::string_view before_point = take_digits(rest);
-  std::string_view after_point;
-  if (rest.starts_with('.')) {
-    rest.remove_prefix(1);
-    after_point = take_digits(rest);
-  }
-  if (before_point.empty() && after_point.empty()) return std::nullopt;
-
-  std::string exponent;
-  if (!take_exponent(rest, exponent)) return std::nullopt;
-
-  std::string number(before_point);
-  number.append(".").append(after_point).append(exponent);
-  double value = 0.0;
-  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-  if (error == std::errc::result_out_of_range) {
-    if (is_below_one(before_point, after_point, exponent)) return 0.0;
-    return std::nullopt;
-  }
-  if (error != std::errc{}) return std::nullopt;
-  return value;
-}
-
-std::optional<double> parse_real(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  if (starts_with_sign(text)) text.remove_prefix(1);
-  std::optional<double> value;
-  if (!text.empty() && (is_digit(text[0]) || text[0] == '.')) {
-    value = parse_decimal(text);
-  } else {
-    std::string small(text);
-    std::transform(small.begin(), small.end(), small.begin(), lower);
-    value = parse_non_finite(small);
-  }
-  if (value && negative) value = -*value;
-  return value;
-}
 
 /// Repeat counts (`3*C`) and a slash mean something else than a label in free format.
 bool is_plain_label(std::string_view text) {
@@ -144,12 +28,6 @@ bool is_plain_label(std::string_view text) {
 }
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-std::string quoted(std::string_view text) {
-  constexpr std::size_t kLongest = 40;
-  const ColumnText shown = printable(text, kLongest);
-  return "\"" + shown.text + (shown.whole ? "" : "...") + "\"";
-}
 
 std::string words(const Expected& expected) {
   std::string text(expected.what);
@@ -257,11 +135,6 @@ bool RecordReader::line_is_used_up() const {
   return text_.find_first_not_of(kBlanks, position_) >= end_of_line(position_);
 }
 
-std::int64_t RecordReader::line_number(std::size_t position) const {
-  const std::string_view before = text_.substr(0, position);
-  return std::count(before.begin(), before.end(), '\n') + 1;
-}
-
 std::optional<NumberedLine> RecordReader::line_with_text(std::int64_t count) const {
   std::int64_t number = 1;
   for (std::size_t start = 0; start < text_.size(); ++number) {
@@ -275,9 +148,9 @@ std::optional<NumberedLine> RecordReader::line_with_text(std::int64_t count) con
 
 std::string RecordReader::note_on(std::size_t line_end, const char* fault) const {
   const std::size_t next = text_.find_first_not_of(kBlanksAndLineEnds, line_end);
-  return "line " + std::to_string(line_number(line_end)) + fault + ", so reading went on " +
+  return "line " + std::to_string(line_number(text_, line_end)) + fault + ", so reading went on " +
          (next == std::string_view::npos ? "to the end of the file"
-                                         : "in line " + std::to_string(line_number(next)));
+                                         : "in line " + std::to_string(line_number(text_, next)));
 }
 
 std::string RecordReader::note() const {
@@ -293,27 +166,14 @@ std::string RecordReader::note() const {
 }
 
 void RecordReader::refuse(Token token, const Expected& expected) const {
-  constexpr std::size_t kShownBefore = 60;
-  constexpr std::size_t kShownLine = 100;
-
-  const std::size_t previous_end = text_.substr(0, token.begin).rfind('\n');
-  const std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
-  const std::string_view before = last_characters(view({start, token.begin}), kShownBefore);
-  const std::size_t caret_column = printable(before, kShownBefore).columns;
-  const std::size_t carets = printable(view(token), kShownLine - kShownBefore).columns;
-  std::string line =
-      printable(view({token.begin - before.size(), end_of_line(token.begin)}), kShownLine).text;
-  line.erase(line.find_last_not_of(' ') + 1);
-
-  throw UnreadableRecord(name_ + ":" + std::to_string(line_number(token.begin)) + ": expected " +
-                         words(expected) + ", found " + quoted(view(token)) + "\n" + line + "\n" +
-                         std::string(caret_column, ' ') +
-                         std::string(std::max<std::size_t>(carets, 1), '^'));
+  throw UnreadableRecord(message_at({name_, text_}, token.begin, token.end,
+                                    "expected " + words(expected) + ", found " +
+                                        quoted(view(token))));
 }
 
 void RecordReader::refuse_end_of_file(const Expected& expected) const {
   const bool line_open = !text_.empty() && text_.back() != '\n';
-  const std::int64_t missing_line = line_number(text_.size()) + (line_open ? 1 : 0);
+  const std::int64_t missing_line = line_number(text_, text_.size()) + (line_open ? 1 : 0);
   throw UnreadableRecord(name_ + ":" + std::to_string(missing_line) + ": expected " +
                          words(expected) + ", found the end of the file");
 }

@@ -49,11 +49,10 @@ class RecordReader {
   /// Passes over one whole line, whatever it holds; it must exist.
   void skip_line(const Expected& expected);
 
-  /// Optional sign and digits, in 32 bits.
+  /// What `parse_integer` takes.
   std::int32_t integer(const Expected& expected);
 
-  /// `3`, `3.`, `.5`, `+2.0`, `1e3`, `1.0D+01`, `1d1`, `1.0+5`, `NaN`, `Infinity`, in any case. A
-  /// value too large for a double is refused; one too small for it is zero.
+  /// What `parse_real` takes.
   double real(const Expected& expected);
 
   /// The characters up to the next separator, or a text in quotes; the first two are kept, a
@@ -83,7 +82,6 @@ class RecordReader {
   [[nodiscard]] std::string_view view(Token token) const {
     return text_.substr(token.begin, token.end - token.begin);
   }
-  [[nodiscard]] std::int64_t line_number(std::size_t position) const;
   void go_to_next_item(const Expected& expected);
   void leave_line(std::size_t end, bool item_on_line);
   Token item(const Expected& expected);

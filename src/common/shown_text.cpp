@@ -92,4 +92,39 @@ std::string_view last_characters(std::string_view text, std::size_t most) {
   return text;
 }
 
+std::string quoted(std::string_view text) {
+  constexpr std::size_t kLongest = 40;
+  const ColumnText shown = printable(text, kLongest);
+  return "\"" + shown.text + (shown.whole ? "" : "...") + "\"";
+}
+
+std::int64_t line_number(std::string_view text, std::size_t position) {
+  const std::string_view before = text.substr(0, position);
+  return std::count(before.begin(), before.end(), '\n') + 1;
+}
+
+std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
+                       std::string_view what_is_wrong) {
+  constexpr std::size_t kShownBefore = 60;
+  constexpr std::size_t kShownLine = 100;
+
+  const std::string_view text = source.text;
+  const std::size_t line_end = std::min(text.find('\n', begin), text.size());
+  const std::size_t previous_end = text.substr(0, begin).rfind('\n');
+  const std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
+  const std::string_view before = last_characters(text.substr(start, begin - start), kShownBefore);
+  const std::size_t caret_column = printable(before, kShownBefore).columns;
+  const std::size_t carets =
+      printable(text.substr(begin, end - begin), kShownLine - kShownBefore).columns;
+  const std::size_t shown_from = begin - before.size();
+  std::string line = printable(text.substr(shown_from, line_end - shown_from), kShownLine).text;
+  line.erase(line.find_last_not_of(' ') + 1);
+
+  std::string message(source.name);
+  message.append(":").append(std::to_string(line_number(text, begin))).append(": ");
+  message.append(what_is_wrong).append("\n").append(line).append("\n");
+  message.append(caret_column, ' ').append(std::max<std::size_t>(carets, 1), '^');
+  return message;
+}
+
 }  // namespace dravo

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -18,7 +19,24 @@ struct ColumnText {
 /// invalid bytes, and characters that a terminal obeys or gives no column, become question marks.
 ColumnText printable(std::string_view text, std::size_t most_columns);
 
+/// The text in quotes, cut after forty characters.
+std::string quoted(std::string_view text);
+
 /// The last characters of a text, at most `most` of them, cut where a character begins.
 std::string_view last_characters(std::string_view text, std::size_t most);
+
+/// A text by the name that messages give it.
+struct NamedText {
+  std::string_view name;  ///< of the file
+  std::string_view text;  ///< the whole of it
+};
+
+/// Number of the line, from 1, that holds the character at `position`.
+std::int64_t line_number(std::string_view text, std::size_t position);
+
+/// Three lines without an end of line behind the last: "name:line: " and what is wrong; the line
+/// itself; carets under the characters from `begin` to before `end`, at least one.
+std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
+                       std::string_view what_is_wrong);
 
 }  // namespace dravo

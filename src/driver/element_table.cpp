@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <optional>
 
 #include "common/constants.hpp"
 
@@ -40,35 +39,21 @@ constexpr std::array<Element, kHighestAtomicNumber> kElements{{
 
 constexpr Label padded(std::string_view text) { return {text[0], text.size() > 1 ? text[1] : ' '}; }
 
-std::optional<int> atomic_number_of_symbol(const Label& label) {
-  for (int z = 1; z <= kHighestAtomicNumber; ++z)
-    if (padded(kElements[static_cast<std::size_t>(z - 1)].symbol) == label) return z;
-  return std::nullopt;
-}
-
 std::optional<int> atomic_number_of_digits(const Label& label) {
   for (int z = 1; z <= kHighestAtomicNumber; ++z)
     if (padded(std::to_string(z)) == label) return z;
   return std::nullopt;
 }
 
-/// "3-5, 9" for atoms 3, 4, 5 and 9.
-std::string ranges_of(std::span<const std::int32_t> atoms) {
-  std::string text;
-  for (std::size_t first = 0; first < atoms.size();) {
-    std::size_t last = first;
-    while (last + 1 < atoms.size() && atoms[last + 1] == atoms[last] + 1) ++last;
-    if (!text.empty()) text += ", ";
-    text += std::to_string(atoms[first]);
-    if (last > first) text.append("-").append(std::to_string(atoms[last]));
-    first = last + 1;
-  }
-  return text;
-}
-
 }  // namespace
 
 std::span<const Element> element_table() { return kElements; }
+
+std::optional<int> atomic_number_of_symbol(const Label& label) {
+  for (int z = 1; z <= kHighestAtomicNumber; ++z)
+    if (padded(kElements[static_cast<std::size_t>(z - 1)].symbol) == label) return z;
+  return std::nullopt;
+}
 
 std::vector<std::int32_t> resolve_elements(std::int32_t N, std::span<Label> isymbol,
                                            AtomTable newcoo_and_m) {
@@ -86,6 +71,19 @@ std::vector<std::int32_t> resolve_elements(std::int32_t N, std::span<Label> isym
     newcoo_and_m.set_element(i, *z, static_cast<double>(element.mass));
   }
   return unknown;
+}
+
+std::string ranges_of(std::span<const std::int32_t> atoms) {
+  std::string text;
+  for (std::size_t first = 0; first < atoms.size();) {
+    std::size_t last = first;
+    while (last + 1 < atoms.size() && atoms[last + 1] == atoms[last] + 1) ++last;
+    if (!text.empty()) text += ", ";
+    text += std::to_string(atoms[first]);
+    if (last > first) text.append("-").append(std::to_string(atoms[last]));
+    first = last + 1;
+  }
+  return text;
 }
 
 std::string describe_unknown_labels(std::span<const std::int32_t> rows,

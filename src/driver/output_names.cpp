@@ -65,8 +65,10 @@ std::string position_fields(const UserParameters& user) {
 
 }  // namespace
 
+bool fits_names(double r) { return !(r > kLongestDistance); }
+
 OutputNames build_output_names(const UserParameters& user, RecordStream& screen) {
-  if (user.r > kLongestDistance) {
+  if (!fits_names(user.r)) {
     screen.record(" distance between molecules greater than ");
     screen.record(" 9999.9 Angstrons ");
     screen.record(" name file error ");

@@ -15,6 +15,9 @@ struct OutputNames {
   std::string short_contact_drawing;
 };
 
+/// Whether a distance in Angstrom fits the names: at most 9999.9 in single precision.
+bool fits_names(double r);
+
 /// For example "[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz": distance, theta, phi, then the Euler
 /// angles in whole degrees. `NAD` stands for an angle that has no meaning.
 ///

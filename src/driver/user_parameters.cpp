@@ -60,20 +60,16 @@ bool fails(const RangeCheck& check, double value) {
   return check.limit == Limit::below_zero ? value < 0.0 : nearest_integer(value) > check.highest;
 }
 
-void check_ranges(const UserParameters& degrees, RecordStream& screen) {
-  for (const RangeCheck& check : kRangeChecks) {
-    const double value = degrees.*check.parameter;
-    if (!fails(check, value)) continue;
-    screen.record(check.message);
-    screen.record(check.allowed);
-    if (check.parameter == &UserParameters::r) {
-      screen.record(" User value :", value);
-    } else {
-      screen.record(" User value :", nearest_integer(value));
-    }
-    screen.record(" program stopped");
-    throw RunStop{};
+[[noreturn]] void stop_out_of_range(const RangeFault& fault, double value, RecordStream& screen) {
+  screen.record(fault.message);
+  screen.record(fault.allowed);
+  if (fault.parameter == &UserParameters::r) {
+    screen.record(" User value :", value);
+  } else {
+    screen.record(" User value :", nearest_integer(value));
   }
+  screen.record(" program stopped");
+  throw RunStop{};
 }
 
 struct Nudge {
@@ -103,18 +99,37 @@ void nudge_singular_values(UserParameters& degrees) {
   }
 }
 
-}  // namespace
-
-UserParameters prepare_parameters(const UserParameters& degrees, RecordStream& screen) {
+UserParameters in_radians(const UserParameters& degrees) {
   UserParameters user = degrees;
-  apply_beta_zero_rule(user);
-  check_ranges(user, screen);
-  nudge_singular_values(user);
   for (const Parameter angle :
        {&UserParameters::theta, &UserParameters::phi, &UserParameters::alpha, &UserParameters::beta,
         &UserParameters::gamma})
     user.*angle = user.*angle * kRadiansPerDegree;
   return user;
+}
+
+}  // namespace
+
+std::optional<RangeFault> find_range_fault(const UserParameters& degrees) {
+  for (const RangeCheck& check : kRangeChecks)
+    if (fails(check, degrees.*check.parameter))
+      return RangeFault{check.parameter, check.message, check.allowed};
+  return std::nullopt;
+}
+
+UserParameters nudged_parameters(const UserParameters& degrees) {
+  UserParameters user = degrees;
+  apply_beta_zero_rule(user);
+  nudge_singular_values(user);
+  return user;
+}
+
+UserParameters prepare_parameters(const UserParameters& degrees, RecordStream& screen) {
+  UserParameters checked = degrees;
+  apply_beta_zero_rule(checked);
+  if (const auto fault = find_range_fault(checked))
+    stop_out_of_range(*fault, checked.*(fault->parameter), screen);
+  return in_radians(nudged_parameters(checked));
 }
 
 }  // namespace dravo

@@ -1,6 +1,8 @@
 /// The six association parameters as a user states them.
 #pragma once
 
+#include <optional>
+
 #include "common/record_stream.hpp"
 
 namespace dravo {
@@ -14,6 +16,20 @@ struct UserParameters {
   double beta = 0.0;
   double gamma = 0.0;
 };
+
+/// A parameter outside its range, in the words of the message.
+struct RangeFault {
+  double UserParameters::*parameter;
+  const char* message;
+  const char* allowed;
+};
+
+/// The first check that fails on values in degrees; empty when none does.
+std::optional<RangeFault> find_range_fault(const UserParameters& degrees);
+
+/// The values that are used for values in range: the beta-zero rule, then the singular values moved
+/// off. Both sides in degrees.
+UserParameters nudged_parameters(const UserParameters& degrees);
 
 /// From the degrees of the input file to what the stages take: the beta-zero rule, the range
 /// checks, the nudging of singular values, the conversion to radians, in this order.
