@@ -1,0 +1,46 @@
+#include "cli/pair_options.hpp"
+
+#include <iostream>
+
+#include "common/number_text.hpp"
+
+namespace dravo {
+
+void add_split_options(CLI::App& command, const SharedRequest& request) {
+  const auto read_split = [request](const std::string& text) {
+    if (text == "auto") {
+      request->split = SplitByBonds{};
+      return;
+    }
+    const auto n1 = parse_integer(text);
+    if (!n1 || *n1 < 1)
+      throw CLI::ValidationError("--split", "expected the number of atoms of molecule 1 or auto, "
+                                            "found \"" + text + "\"");
+    request->split = *n1;
+  };
+  command
+      .add_option_function<std::string>(
+          "--split", read_split,
+          "atoms of molecule 1, or auto: the molecules are what is bonded (covalent radii)")
+      ->type_name("N1|auto");
+  command.add_option("--frame", request->frame, "which frame of a file with several, from 1")
+      ->type_name("K")
+      ->check(CLI::PositiveNumber);
+}
+
+SharedRequest add_pair_options(CLI::App& command) {
+  auto request = std::make_shared<PairRequest>();
+  command
+      .add_option("pair", request->file,
+                  "xyz file of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz")
+      ->required()
+      ->type_name("FILE");
+  add_split_options(command, request);
+  return request;
+}
+
+void tell(const std::vector<std::string>& messages) {
+  for (const std::string& message : messages) std::cerr << "dravo: " << message << '\n';
+}
+
+}  // namespace dravo
