@@ -14,8 +14,10 @@ void add_split_options(CLI::App& command, const SharedRequest& request) {
     }
     const auto n1 = parse_integer(text);
     if (!n1 || *n1 < 1)
-      throw CLI::ValidationError("--split", "expected the number of atoms of molecule 1 or auto, "
-                                            "found \"" + text + "\"");
+      throw CLI::ValidationError("--split",
+                                 "expected the number of atoms of molecule 1 or auto, "
+                                 "found \"" +
+                                     text + "\"");
     request->split = *n1;
   };
   command

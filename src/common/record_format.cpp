@@ -43,6 +43,60 @@ class FieldText {
   char* end_ = text_.data();
 };
 
+/// Powers of ten up to the nine decimals that `write_small_fixed` knows.
+constexpr std::array<std::uint64_t, 10> kPowersOfTen{
+    1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+
+/// Decimal digits of `value`, the last one before `end`, at least `least` of them. Returns the
+/// first.
+char* write_digits_before(char* end, std::uint64_t value, int least) {
+  char* begin = end;
+  do {
+    *--begin = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0 || end - begin < least);
+  return begin;
+}
+
+/// The fixed notation of a value below 2^31 with up to nine decimals, as `std::to_chars` writes it:
+/// the binary value is scaled exactly, and a tie goes to the even digit. Returns the first
+/// character of the text that ends at `end`.
+char* write_small_fixed(char* end, double value, int decimals) {
+  __extension__ using Scaled = unsigned __int128;  // 53 + 30 bits
+  constexpr int kFractionBits = 52;
+  constexpr int kExponentBias = 1023;
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const std::uint64_t fraction = bits & ((std::uint64_t{1} << kFractionBits) - 1);
+  const auto biased = static_cast<int>((bits >> kFractionBits) & 0x7FFU);
+  // A subnormal number is far too small to show a digit, and so is read like its neighbours.
+  const Scaled mantissa = fraction | std::uint64_t{1} << kFractionBits;
+  const int shift = kFractionBits + kExponentBias - biased;  // value = mantissa / 2^shift
+
+  std::uint64_t scaled = 0;
+  constexpr int kAllBits = 84;  // of the product; half a unit needs one more
+  if (shift <= kAllBits && value != 0.0) {
+    const Scaled product = mantissa * kPowersOfTen[static_cast<std::size_t>(decimals)];
+    const Scaled unit = Scaled{1} << static_cast<unsigned>(shift);
+    const Scaled rest = product & (unit - 1);
+    scaled = static_cast<std::uint64_t>(product >> static_cast<unsigned>(shift));
+    const Scaled half = unit >> 1U;
+    if (rest > half || (rest == half && scaled % 2 == 1)) ++scaled;
+  }
+
+  const std::uint64_t power = kPowersOfTen[static_cast<std::size_t>(decimals)];
+  char* begin = end;
+  if (decimals > 0) {
+    begin = write_digits_before(begin, scaled % power, decimals);
+    *--begin = '.';
+  }
+  begin = write_digits_before(begin, scaled / power, 1);
+  if (std::signbit(value)) *--begin = '-';
+  return begin;
+}
+
+/// Below this, `write_small_fixed` needs no more than 31 bits before the point.
+constexpr double kSmallFixed = 2147483648.0;
+
 /// Fixed form: 17 digits with the point moved to its place, and the five blanks that keep columns
 /// of both forms apart.
 void add_fixed_form(FieldText& text, std::string_view digits, int exponent) {
@@ -122,24 +176,39 @@ void append_integer_field(std::string& record, std::int32_t value, int width) {
   append_right_aligned(record, {buffer.data(), end}, width);
 }
 
+void append_fixed(std::string& record, double value, int decimals) {
+  std::array<char, kLongestFixed> buffer;
+  if (std::abs(value) < kSmallFixed && decimals < static_cast<int>(kPowersOfTen.size())) {
+    char* const end = buffer.data() + 32;
+    record.append(write_small_fixed(end, value, decimals), end);
+    return;
+  }
+  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::fixed, decimals);
+  record.append(buffer.data(), end);
+}
+
 void append_fixed_field(std::string& record, double value, int width, int decimals) {
   if (!std::isfinite(value)) {
     append_right_aligned(record, name_of_non_finite(value), width);
     return;
   }
-  std::array<char, kLongestFixed> buffer;
-  char* begin = buffer.data();
-  auto [end, error] =
-      std::to_chars(begin, begin + buffer.size(), value, std::chars_format::fixed, decimals);
-  if (decimals == 0) *end++ = '.';
-  if (end - begin == width + 1) {  // one column too many: the zero before the point gives way
-    char* first_digit = begin + (*begin == '-' ? 1 : 0);
-    if (first_digit[0] == '0' && first_digit[1] == '.' && decimals > 0) {
-      std::copy(first_digit + 1, end, first_digit);
-      --end;
-    }
+  const std::size_t start = record.size();
+  append_fixed(record, value, decimals);
+  if (decimals == 0) record += '.';
+  const auto columns = static_cast<std::size_t>(width);
+  if (record.size() - start ==
+      columns + 1) {  // too many by one: the zero before the point gives way
+    const std::size_t first_digit = start + (record[start] == '-' ? 1 : 0);
+    if (decimals > 0 && record.compare(first_digit, 2, "0.") == 0) record.erase(first_digit, 1);
   }
-  append_right_aligned(record, {begin, end}, width);
+  const std::size_t written = record.size() - start;
+  if (written > columns) {
+    record.resize(start);
+    record.append(columns, '*');
+  } else {
+    record.insert(start, columns - written, ' ');
+  }
 }
 
 void append_text_field(std::string& record, std::string_view text, int width) {
