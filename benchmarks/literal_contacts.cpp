@@ -1,13 +1,11 @@
 /// A contact check that leaves nothing out: every atom of molecule 1 meets every atom of
 /// molecule 2.
-#include "common/constants.hpp"
 #include "output/short_contacts.hpp"
 
 namespace dravo {
 
 std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
                                               const MoleculeSplit& split) {
-  constexpr double kShortDistance = widened(1.9F);
   std::vector<ShortContact> contacts;
   const auto [first1, last1] = split.molecule1();
   const auto [first2, last2] = split.molecule2();

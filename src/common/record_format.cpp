@@ -97,6 +97,21 @@ char* write_small_fixed(char* end, double value, int decimals) {
 /// Below this, `write_small_fixed` needs no more than 31 bits before the point.
 constexpr double kSmallFixed = 2147483648.0;
 
+using FixedBuffer = std::array<char, kLongestFixed>;
+
+/// The fixed notation of a value, within the buffer.
+std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals) {
+  if (std::abs(value) < kSmallFixed && decimals < static_cast<int>(kPowersOfTen.size())) {
+    constexpr std::size_t kRoom = 32;  // a sign, 10 digits, the point, 9 decimals
+    char* const end = buffer.data() + kRoom;
+    const char* const begin = write_small_fixed(end, value, decimals);
+    return {begin, static_cast<std::size_t>(end - begin)};
+  }
+  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::fixed, decimals);
+  return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
+}
+
 /// Fixed form: 17 digits with the point moved to its place, and the five blanks that keep columns
 /// of both forms apart.
 void add_fixed_form(FieldText& text, std::string_view digits, int exponent) {
@@ -177,15 +192,8 @@ void append_integer_field(std::string& record, std::int32_t value, int width) {
 }
 
 void append_fixed(std::string& record, double value, int decimals) {
-  std::array<char, kLongestFixed> buffer;
-  if (std::abs(value) < kSmallFixed && decimals < static_cast<int>(kPowersOfTen.size())) {
-    char* const end = buffer.data() + 32;
-    record.append(write_small_fixed(end, value, decimals), end);
-    return;
-  }
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                          std::chars_format::fixed, decimals);
-  record.append(buffer.data(), end);
+  FixedBuffer buffer;
+  record += fixed_notation(buffer, value, decimals);
 }
 
 void append_fixed_field(std::string& record, double value, int width, int decimals) {
@@ -193,22 +201,17 @@ void append_fixed_field(std::string& record, double value, int width, int decima
     append_right_aligned(record, name_of_non_finite(value), width);
     return;
   }
-  const std::size_t start = record.size();
-  append_fixed(record, value, decimals);
-  if (decimals == 0) record += '.';
-  const auto columns = static_cast<std::size_t>(width);
-  if (record.size() - start ==
-      columns + 1) {  // too many by one: the zero before the point gives way
-    const std::size_t first_digit = start + (record[start] == '-' ? 1 : 0);
-    if (decimals > 0 && record.compare(first_digit, 2, "0.") == 0) record.erase(first_digit, 1);
+  FixedBuffer buffer;
+  std::string_view text = fixed_notation(buffer, value, decimals);
+  std::string shorter;
+  if (decimals == 0) text = shorter.append(text).append(".");
+  if (text.size() == static_cast<std::size_t>(width) + 1) {
+    // One column too many: the zero before the point gives way.
+    const std::size_t first_digit = text[0] == '-' ? 1 : 0;
+    if (decimals > 0 && text.substr(first_digit, 2) == "0.")
+      text = shorter.append(text.substr(0, first_digit)).append(text.substr(first_digit + 1));
   }
-  const std::size_t written = record.size() - start;
-  if (written > columns) {
-    record.resize(start);
-    record.append(columns, '*');
-  } else {
-    record.insert(start, columns - written, ' ');
-  }
+  append_right_aligned(record, text, width);
 }
 
 void append_text_field(std::string& record, std::string_view text, int width) {

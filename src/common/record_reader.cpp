@@ -166,9 +166,9 @@ std::string RecordReader::note() const {
 }
 
 void RecordReader::refuse(Token token, const Expected& expected) const {
-  throw UnreadableRecord(message_at({name_, text_}, token.begin, token.end,
-                                    "expected " + words(expected) + ", found " +
-                                        quoted(view(token))));
+  throw UnreadableRecord(
+      message_at({name_, text_}, token.begin, token.end,
+                 "expected " + words(expected) + ", found " + quoted(view(token))));
 }
 
 void RecordReader::refuse_end_of_file(const Expected& expected) const {

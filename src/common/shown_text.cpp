@@ -103,12 +103,10 @@ std::int64_t line_number(std::string_view text, std::size_t position) {
   return std::count(before.begin(), before.end(), '\n') + 1;
 }
 
-std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
-                       std::string_view what_is_wrong) {
+std::string shown_place(std::string_view text, std::size_t begin, std::size_t end) {
   constexpr std::size_t kShownBefore = 60;
   constexpr std::size_t kShownLine = 100;
 
-  const std::string_view text = source.text;
   const std::size_t line_end = std::min(text.find('\n', begin), text.size());
   const std::size_t previous_end = text.substr(0, begin).rfind('\n');
   const std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
@@ -117,13 +115,17 @@ std::string message_at(const NamedText& source, std::size_t begin, std::size_t e
   const std::size_t carets =
       printable(text.substr(begin, end - begin), kShownLine - kShownBefore).columns;
   const std::size_t shown_from = begin - before.size();
-  std::string line = printable(text.substr(shown_from, line_end - shown_from), kShownLine).text;
-  line.erase(line.find_last_not_of(' ') + 1);
+  std::string shown = printable(text.substr(shown_from, line_end - shown_from), kShownLine).text;
+  shown.erase(shown.find_last_not_of(' ') + 1);
+  shown.append("\n").append(caret_column, ' ').append(std::max<std::size_t>(carets, 1), '^');
+  return shown;
+}
 
+std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
+                       std::string_view what_is_wrong) {
   std::string message(source.name);
-  message.append(":").append(std::to_string(line_number(text, begin))).append(": ");
-  message.append(what_is_wrong).append("\n").append(line).append("\n");
-  message.append(caret_column, ' ').append(std::max<std::size_t>(carets, 1), '^');
+  message.append(":").append(std::to_string(line_number(source.text, begin))).append(": ");
+  message.append(what_is_wrong).append("\n").append(shown_place(source.text, begin, end));
   return message;
 }
 

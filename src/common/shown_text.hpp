@@ -34,8 +34,11 @@ struct NamedText {
 /// Number of the line, from 1, that holds the character at `position`.
 std::int64_t line_number(std::string_view text, std::size_t position);
 
-/// Three lines without an end of line behind the last: "name:line: " and what is wrong; the line
-/// itself; carets under the characters from `begin` to before `end`, at least one.
+/// Two lines without an end of line behind the second: the line of the text that holds the
+/// character at `begin`; carets under the characters from there to before `end`, at least one.
+std::string shown_place(std::string_view text, std::size_t begin, std::size_t end);
+
+/// "name:line: ", what is wrong, and the place below it.
 std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
                        std::string_view what_is_wrong);
 

@@ -123,7 +123,7 @@ InputGeometry read_lines(RecordReader& input, AtomTable& icoo_and_m, AtomTable& 
   newcoo_and_m.copy_rows(icoo_and_m, split.N);
 
   const UserParameters degrees = read_parameters(input);
-  return {split, prepare_parameters(degrees, screen)};
+  return {split, prepare_parameters(degrees, screen), degrees};
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ inline constexpr auto kInputFileName = "QN-input-GEOMETRY.xyz";
 
 struct InputGeometry {
   MoleculeSplit split;
-  UserParameters user;  ///< angles in radians, singular values nudged
+  UserParameters user;    ///< angles in radians, singular values nudged
+  UserParameters stated;  ///< as the file has them, angles in degrees
 };
 
 /// Reads the file line by line:

@@ -5,9 +5,9 @@
 
 #include "driver/element_table.hpp"
 #include "driver/output_names.hpp"
+#include "driver/pair_files.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
-#include "output/bild_writer.hpp"
 #include "output/placement.hpp"
 #include "output/short_contacts.hpp"
 #include "output/xyz_writer.hpp"
@@ -58,23 +58,17 @@ void write_input_geometry(const MoleculeSplit& split, const WorkTables& tables, 
   RecordStream file;
   write_geometry(file, split.N, tables.coo_and_m_transl, tables.originalcoo_and_m);
   write_geometry_trailer(file, split.n1);
-  units.write_file("input-GEOMETRY.xyz", file);
+  units.write_file("input-GEOMETRY.xyz", file.text());
 }
 
-/// Short contacts choose the names of the pair of files.
 void check_and_write(const OutputNames& names, const MoleculeSplit& split,
                      std::span<const Label> isymbol, const AtomTable& final_coo_and_m,
                      const Placement& placement, RunUnits& units) {
   const auto contacts = find_short_contacts(final_coo_and_m, split);
   write_short_contacts(units.screen(), units.log(), contacts, isymbol);
-
-  RecordStream geometry;
-  RecordStream drawing;
-  write_geometry(geometry, split.N, final_coo_and_m, final_coo_and_m);
-  write_bild(drawing, placement.drawn_centre, placement.molecule1);
-  const bool found = !contacts.empty();
-  units.write_file(found ? names.short_contact_geometry : names.geometry, geometry);
-  units.write_file(found ? names.short_contact_drawing : names.drawing, drawing);
+  const PairFiles files = pair_files(names, !contacts.empty(), split, final_coo_and_m, placement);
+  units.write_file(files.geometry_name, files.geometry.text());
+  units.write_file(files.drawing_name, files.drawing.text());
 }
 
 void write_log_trailer(RecordStream& log) {

@@ -24,8 +24,8 @@ void RunUnits::open_log() {
   write_log_banner(log_);
 }
 
-void RunUnits::write_file(const std::string& name, const RecordStream& file) {
-  folder_->replace(name, file.text());
+void RunUnits::write_file(const std::string& name, std::string_view contents) {
+  folder_->replace(name, contents);
 }
 
 void RunUnits::warn(const std::string& message) {

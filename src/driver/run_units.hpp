@@ -45,8 +45,8 @@ class RunUnits {
   /// Opens the log and writes its banner; opening the open log again has no effect.
   void open_log();
 
-  /// The records of `file` become a file of the output folder, all at once.
-  void write_file(const std::string& name, const RecordStream& file);
+  /// A file of the output folder, all at once.
+  void write_file(const std::string& name, std::string_view contents);
 
   /// One line beside the results. The run goes on even where nobody can read it.
   void warn(const std::string& message);

@@ -9,9 +9,6 @@
 namespace dravo {
 namespace {
 
-/// Degrees.
-constexpr double diferenca_detectavel = 10.0;
-
 struct AngleLabels {
   const char* along;
   const char* reversed;
@@ -52,6 +49,12 @@ void write_angles(RecordStream& log, const MoleculeLabels& labels,
 }
 
 }  // namespace
+
+ReferenceVector reference_of(const MassCentre& centre) {
+  const ElementCentre* const higher_z = centre.higher_z();
+  if (higher_z == nullptr || !higher_z->usable()) return std::nullopt;
+  return higher_z->centroid - centre.cm;
+}
 
 double angle_between(const Vec3& a, const Vec3& b) {
   return std::acos(clamped_to_unit(dot(a, b) / (modulus(a) * modulus(b))));

@@ -7,12 +7,15 @@
 
 #include "common/frame.hpp"
 #include "common/record_stream.hpp"
+#include "inertia/centre_of_mass.hpp"
 
 namespace dravo {
 
 /// From the centre of mass of a molecule to its higher-Z-CM (Angstrom); empty when the higher-Z-CM
 /// lies too close to the centre of mass to serve as a reference.
 using ReferenceVector = std::optional<Vec3>;
+
+ReferenceVector reference_of(const MassCentre& centre);
 
 /// Angle between the reference vector and an axis, and between it and the reversed axis, in
 /// degrees.
@@ -31,9 +34,13 @@ double angle_between(const Vec3& a, const Vec3& b);
 MoleculeReferenceAngles reference_angles(const MoleculeFrame& frame,
                                          const ReferenceVector& reference);
 
-/// An axis whose two angles differ by more than 10 degrees becomes distinguishable; its direction
-/// flag is -1.0 when the reversed axis is the one nearer to the reference. Direction flags start
-/// at 1.0 in every call; a distinguishable flag is never lowered.
+/// By more than so many degrees the two angles of an axis differ when its directions can be told
+/// apart.
+inline constexpr double diferenca_detectavel = 10.0;
+
+/// An axis whose two angles differ by more than `diferenca_detectavel` becomes distinguishable; its
+/// direction flag is -1.0 when the reversed axis is the one nearer to the reference. Direction
+/// flags start at 1.0 in every call; a distinguishable flag is never lowered.
 void decide_directions(const MoleculeReferenceAngles& angles, AxisFlags& flags);
 
 /// `after_second_alignment` marks the table of the second cycle as adjusted.

@@ -47,12 +47,6 @@ PairInertia analyse_inertia(const MoleculeSplit& split, const AtomTable& atoms, 
   return pair;
 }
 
-ReferenceVector reference_of(const MassCentre& centre) {
-  const ElementCentre* const higher_z = centre.higher_z();
-  if (higher_z == nullptr || !higher_z->usable()) return std::nullopt;
-  return higher_z->centroid - centre.cm;
-}
-
 void settle_directions(const PairInertia& inertia, PairOfFrames& frames, PairOfFlags& flags,
                        int cycle, RecordStream& screen, RecordStream& log) {
   PairOfReferenceAngles angles;

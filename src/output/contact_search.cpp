@@ -5,13 +5,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/constants.hpp"
 #include "output/short_contacts.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double kShortDistance = widened(1.9F);
 /// Edge of a cell, Angstrom. Atoms of cells that do not touch are farther apart than any contact.
 constexpr double kCellEdge = 2.0;
 

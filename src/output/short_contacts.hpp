@@ -6,9 +6,13 @@
 #include <vector>
 
 #include "common/atom_table.hpp"
+#include "common/constants.hpp"
 #include "common/record_stream.hpp"
 
 namespace dravo {
+
+/// The longest distance of a short contact, Angstrom.
+inline constexpr double kShortDistance = widened(1.9F);
 
 struct ShortContact {
   std::int32_t atom1;  ///< row of an atom of molecule 1
@@ -16,8 +20,7 @@ struct ShortContact {
   double distance;     ///< Angstrom
 };
 
-/// Every intermolecular pair at 1.9 Angstrom (single precision) or less, the threshold included,
-/// ordered by the atoms of molecule 1, then of molecule 2.
+/// Every intermolecular pair at `kShortDistance` or less, ordered by the atoms of molecule 1, then of molecule 2.
 std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
                                               const MoleculeSplit& split);
 
