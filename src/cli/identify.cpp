@@ -1,7 +1,165 @@
+#include <array>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include "cli/commands.hpp"
+#include "cli/pair_options.hpp"
+#include "common/record_format.hpp"
+#include "pairs/identification.hpp"
 
 namespace dravo {
+namespace {
 
-void add_identify(CLI::App& program) { program.add_subcommand("identify", ""); }
+using Json = nlohmann::ordered_json;
+
+constexpr auto kExample =
+    "The frames and parameters of a pair as it stands, from an xyz file of both molecules:\n"
+    "  dravo identify dimer.xyz --split 6\n"
+    "The first lines of the answer can end a QN-input-GEOMETRY.xyz as they stand.\n"
+    "Exit status 1 when the pair has no parameters: a molecule is symmetric.";
+
+/// The orders of moments.
+constexpr std::array<std::string_view, 3> kMoments{"I_A", "I_B", "I_C"};
+
+// --- text -------------------------------------------------------------------------------------
+
+std::string decimals(double value, int count) {
+  std::string text;
+  append_fixed(text, value, count);
+  return text;
+}
+
+std::string right(std::string_view text, std::size_t width) {
+  return std::string(width > text.size() ? width - text.size() : 0, ' ').append(text);
+}
+
+std::string left(std::string_view text, std::size_t width) {
+  return std::string(text).append(width > text.size() ? width - text.size() : 0, ' ');
+}
+
+std::string vector_text(const Vec3& v, int count) {
+  return decimals(v.x, count) + " " + decimals(v.y, count) + " " + decimals(v.z, count);
+}
+
+/// As the end of an input file. Eight decimals: far more than the searches find, and no tail of
+/// digits that mean nothing.
+std::string parameter_block(const UserParameters& p) {
+  const auto line = [](double value, const char* name) {
+    return right(decimals(value, 8), 14) + "  " + name + '\n';
+  };
+  return "position\n" + line(p.r, "r, Angstrom") + line(p.theta, "theta, degrees") +
+         line(p.phi, "phi") + "rotation\n" + line(p.alpha, "alpha, degrees") +
+         line(p.beta, "beta") + line(p.gamma, "gamma") + "end\n";
+}
+
+/// A moment in g cm^2: four decimals and an exponent.
+std::string exponent_text(double value) {
+  int exponent = 0;
+  for (; value != 0.0 && value < 1.0 && exponent > -300; --exponent) value *= 10.0;
+  return decimals(value, 4) + "e" + std::to_string(exponent);
+}
+
+std::string axis_row(const IdentifiedAxis& axis, std::string_view moment) {
+  return "  " + left(std::string(1, axis.letter).append("  ").append(moment), 8) +
+         right(decimals(axis.moment_amu, 5), 14) + right(exponent_text(axis.moment), 14) +
+         right(decimals(axis.constant, 5), 14) + right(decimals(axis.angles.along, 2), 10) +
+         right(decimals(axis.angles.reversed, 2), 10) + "  " + std::string(name_of(axis.fixed_by)) +
+         '\n';
+}
+
+std::string molecule_text(std::size_t index, const IdentifiedMolecule& m) {
+  std::string text = "\nmolecule " + std::to_string(index + 1) + ": " + std::to_string(m.atoms) +
+                     " atoms, " + std::string(name_of(m.rotor)) + "\n  centre of mass  " +
+                     vector_text(m.cm, 6) + " Angstrom\n  reference       " +
+                     std::string(m.reference.symbol) + ", " + std::to_string(m.reference.atoms) +
+                     (m.reference.atoms == 1 ? " atom" : " atoms") + ", centre " +
+                     decimals(m.reference.distance, 4) + " Angstrom from the centre of mass\n";
+  text +=
+      "  axis            moment        moment      constant  reference  reversed  fixed by\n"
+      "             amu Angstrom^2     g cm^2           GHz    degrees   degrees\n";
+  for (std::size_t k = 0; k < 3; ++k) text += axis_row(m.axes[k], kMoments[k]);
+  return text;
+}
+
+std::string text_of(const Identification& found) {
+  std::string text = parameter_block(found.parameters);
+  for (const std::string& remark : remarks_on(found)) text += "note: " + remark + '\n';
+  for (std::size_t m = 0; m < 2; ++m) text += molecule_text(m, found.molecules[m]);
+  return text;
+}
+
+// --- JSON -------------------------------------------------------------------------------------
+
+Json json_of(const Vec3& v) { return {v.x, v.y, v.z}; }
+
+Json json_of(const IdentifiedAxis& axis, std::string_view moment) {
+  return {{"axis", std::string(1, axis.letter)},
+          {"moment", moment},
+          {"moment_amu_angstrom2", axis.moment_amu},
+          {"moment_g_cm2", axis.moment},
+          {"rotational_constant_ghz", axis.constant},
+          {"reference_angle", axis.angles.along},
+          {"reversed_reference_angle", axis.angles.reversed},
+          {"fixed_by", name_of(axis.fixed_by)},
+          {"direction", json_of(axis.direction)}};
+}
+
+Json json_of(const IdentifiedMolecule& m) {
+  Json axes = Json::array();
+  for (std::size_t k = 0; k < 3; ++k) axes.push_back(json_of(m.axes[k], kMoments[k]));
+  return {{"atoms", m.atoms},
+          {"rotor", name_of(m.rotor)},
+          {"centre_of_mass", json_of(m.cm)},
+          {"reference",
+           {{"element", m.reference.symbol},
+            {"atoms", m.reference.atoms},
+            {"distance", m.reference.distance}}},
+          {"axes", std::move(axes)}};
+}
+
+/// Lengths in Angstrom and angles in degrees, unless the name of a value tells its unit.
+Json json_of(const Identification& found) {
+  const UserParameters& p = found.parameters;
+  Json nudged = Json::object();
+  for (const auto& [name, given, used] : nudged_in_a_build(p)) nudged[std::string(name)] = used;
+  return {{"parameters",
+           {{"r", p.r},
+            {"theta", p.theta},
+            {"phi", p.phi},
+            {"alpha", p.alpha},
+            {"beta", p.beta},
+            {"gamma", p.gamma}}},
+          {"remarks", remarks_on(found)},
+          {"nudged_in_a_build", std::move(nudged)},
+          {"molecules", {json_of(found.molecules[0]), json_of(found.molecules[1])}}};
+}
+
+void show(const PairRequest& request, bool as_json) {
+  const PairFile file = read_pair(request);
+  tell(file.remarks);
+  try {
+    const Identification found = identify(file.pair);
+    std::cout << (as_json ? json_of(found).dump(2) + '\n' : text_of(found));
+  } catch (const Unidentifiable& refusal) {
+    if (as_json) std::cout << Json{{"refused", refusal.reasons()}}.dump(2) << '\n';
+    throw;
+  }
+}
+
+}  // namespace
+
+void add_identify(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand(
+      "identify", "Tell the six parameters of a pair as it stands, and the frames behind them");
+  command.footer(kExample);
+  const SharedRequest request = add_pair_options(command);
+  const auto as_json = std::make_shared<bool>(false);
+  command.add_flag("--json", *as_json, "one JSON object instead of text");
+  command.callback([request, as_json] { show(*request, *as_json); });
+}
 
 }  // namespace dravo

@@ -1,7 +1,217 @@
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
 #include "cli/commands.hpp"
+#include "cli/pair_options.hpp"
+#include "common/errors.hpp"
+#include "common/number_text.hpp"
+#include "common/output_folder.hpp"
+#include "common/shown_text.hpp"
+#include "driver/input_reader.hpp"
+#include "pairs/input_text.hpp"
+#include "pairs/pair_file.hpp"
+#include "pairs/parameters.hpp"
 
 namespace dravo {
+namespace {
 
-void add_prepare(CLI::App& program) { program.add_subcommand("prepare", ""); }
+using Member = double UserParameters::*;
+
+/// What `--help` says of the values, in the order of `kParameterNames`.
+struct ValueHelp {
+  const char* unit;
+  const char* text;
+};
+
+constexpr std::array<ValueHelp, kParameterNames.size()> kValueHelp{{
+    {"ANGSTROM", "distance of the centres of mass, 0 to 9999.9; needed unless FILE states it"},
+    {"DEGREES", "polar angle of molecule 1's place, 0 to 180"},
+    {"DEGREES", "azimuth of molecule 1's place, 0 to 360"},
+    {"DEGREES", "first Euler angle of molecule 1, 0 to 360"},
+    {"DEGREES", "second Euler angle, 0 to 180"},
+    {"DEGREES", "third Euler angle, 0 to 360"},
+}};
+
+/// As the user gave them, in the order of `kParameterNames`; empty where the file or 0 stands in.
+using GivenValues = std::array<std::optional<double>, kParameterNames.size()>;
+
+struct Preparation {
+  SharedRequest request = std::make_shared<PairRequest>();
+  GivenValues given;
+  std::string output = kInputFileName;
+  bool overwrite = false;
+};
+
+constexpr auto kExample =
+    "The angles that are not given are those of FILE when it is a QN-input-GEOMETRY.xyz, else 0.\n"
+    "Example:\n"
+    "  dravo prepare formamide.xyz water.xyz --r 4 --theta 90 --phi 45 --beta 30\n"
+    "  qn-dravo";
+
+template <class Real>
+std::string number_text(Real value) {
+  std::array<char, 64> text{};
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), value);
+  return {text.data(), written.ptr};
+}
+
+// --- the six values ---------------------------------------------------------------------------
+
+UserParameters stated_values(const Preparation& wanted,
+                             const std::optional<UserParameters>& of_file) {
+  if (!wanted.given[0] && !of_file)
+    throw IoFailure("--r is required: " + wanted.request->file + " states no distance");
+  UserParameters degrees = of_file.value_or(UserParameters{});
+  for (std::size_t k = 0; k < kParameterNames.size(); ++k)
+    degrees.*kParameterNames[k].value = wanted.given[k].value_or(degrees.*kParameterNames[k].value);
+  return degrees;
+}
+
+/// "--theta 190" or, when it was not given there, "pair.xyz: theta 190".
+std::string place_of(Member parameter, const UserParameters& degrees, const Preparation& wanted) {
+  std::size_t k = 0;
+  while (kParameterNames[k].value != parameter) ++k;
+  const std::string source = wanted.given[k] ? "--" : wanted.request->file + ": ";
+  return source + kParameterNames[k].name + " " + number_text(degrees.*parameter);
+}
+
+void require_usable(const UserParameters& degrees, const Preparation& wanted) {
+  for (const ParameterName& parameter : kParameterNames)
+    if (!std::isfinite(degrees.*parameter.value))
+      throw IoFailure(place_of(parameter.value, degrees, wanted) + ": expected a finite number");
+  if (const auto complaint = complaint_about(degrees))
+    throw IoFailure(place_of(complaint->parameter.value, degrees, wanted) + ": " +
+                    complaint->sentence);
+}
+
+/// A value that an angle is moved off because another one has no meaning there.
+struct Singularity {
+  Member angle;
+  double at;  ///< degrees
+  const char* reason;
+};
+
+constexpr std::array<Singularity, 3> kSingularities{{
+    {&UserParameters::theta, 0.0, "phi has no meaning at theta 0"},
+    {&UserParameters::theta, 180.0, "phi has no meaning at theta 180"},
+    {&UserParameters::beta, 180.0, "alpha and gamma are not separate angles at beta 180"},
+}};
+
+/// Whether beta alone decides what gamma becomes: then even a gamma far from 0 does not stay.
+bool beta_fixes_gamma(UserParameters degrees) {
+  constexpr double kElsewhere = 90.0;
+  degrees.gamma = kElsewhere;
+  return nudged_parameters(degrees).gamma != kElsewhere;
+}
+
+std::string reason_of_nudge(Member angle, const UserParameters& degrees) {
+  if (angle == &UserParameters::gamma && beta_fixes_gamma(degrees))
+    return "beta rounds to 0, where only alpha + gamma counts";
+  for (const Singularity& singularity : kSingularities)
+    if (singularity.angle == angle && std::abs(degrees.*angle - singularity.at) < 1.0)
+      return singularity.reason;
+  return "angles are kept off 0";
+}
+
+/// One line per value that a run will replace. The replacements are single-precision numbers and
+/// are shown as such: 0.049, not 0.04899999871850014.
+std::vector<std::string> nudging_remarks(const UserParameters& degrees) {
+  const UserParameters used = nudged_parameters(degrees);
+  std::vector<std::string> remarks;
+  for (const auto& [name, angle] : kParameterNames) {
+    const double given = degrees.*angle;
+    const std::string shown = number_text(static_cast<float>(used.*angle));
+    if (used.*angle == given || shown == number_text(given)) continue;
+    remarks.push_back(std::string(name) + " " + number_text(given) + " will be used as " + shown +
+                      ": " + reason_of_nudge(angle, degrees));
+  }
+  return remarks;
+}
+
+// --- the file ---------------------------------------------------------------------------------
+
+/// An earlier file goes only when the user says so; a folder or a device never goes.
+void require_replaceable(const std::string& name, bool overwrite) {
+  std::error_code ignored;  // whatever it is, writing meets it too
+  const auto status = std::filesystem::symlink_status(name, ignored);
+  if (!std::filesystem::exists(status)) return;
+  if (!std::filesystem::is_regular_file(status) && !std::filesystem::is_symlink(status))
+    throw IoFailure(name + ": cannot replace it: not a regular file");
+  if (!overwrite) throw IoFailure(name + ": exists already; --overwrite replaces it");
+}
+
+std::string written_line(const std::string& name, const MoleculeSplit& split) {
+  return "wrote " + name + ": molecule 1 has " + std::to_string(split.n1) +
+         " atoms, molecule 2 has " + std::to_string(split.N - split.n1);
+}
+
+void prepare(const Preparation& wanted) {
+  const PairFile file = read_pair(*wanted.request);
+  const UserParameters degrees = stated_values(wanted, file.parameters);
+  require_usable(degrees, wanted);
+  require_replaceable(wanted.output, wanted.overwrite);
+  const std::string text = input_text(file.pair, degrees);
+  require_same_when_read(wanted.output, text, file.pair, degrees);
+  tell(file.remarks);
+  tell(nudging_remarks(degrees));
+  WorkingDirectory().replace(wanted.output, text);
+  tell({written_line(wanted.output, file.pair.split)});
+}
+
+// --- options ----------------------------------------------------------------------------------
+
+void add_value(CLI::App& command, const char* name, const ValueHelp& help,
+               std::optional<double>& given) {
+  const std::string option = std::string("--") + name;
+  const auto read_value = [option, &given](const std::string& text) {
+    given = parse_real(text);
+    if (!given || !std::isfinite(*given))
+      throw CLI::ValidationError(option, "expected a finite number, found " + dravo::quoted(text));
+  };
+  command.add_option_function<std::string>(option, read_value, help.text)->type_name(help.unit);
+}
+
+void add_unit(CLI::App& command, const SharedRequest& request) {
+  const auto read_unit = [request](const std::string& text) {
+    request->unit = text == "bohr" ? LengthUnit::bohr : LengthUnit::angstrom;
+  };
+  command.add_option_function<std::string>("--unit", read_unit, "unit of the coordinates in FILE")
+      ->type_name("UNIT")
+      ->check(CLI::IsMember({"angstrom", "bohr"}))
+      ->default_str("angstrom");
+}
+
+}  // namespace
+
+void add_prepare(CLI::App& program) {
+  CLI::App& command =
+      *program.add_subcommand("prepare", "Write the input file of qn-dravo from xyz files");
+  const auto wanted = std::make_shared<Preparation>();
+  command
+      .add_option("file", wanted->request->file,
+                  "xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz")
+      ->required()
+      ->type_name("FILE");
+  command.add_option("file2", wanted->request->second_file, "xyz file of molecule 2")
+      ->type_name("FILE2");
+  for (std::size_t k = 0; k < kParameterNames.size(); ++k)
+    add_value(command, kParameterNames[k].name, kValueHelp[k], wanted->given[k]);
+  add_split_options(command, wanted->request);
+  add_unit(command, wanted->request);
+  command.add_option("-o,--output", wanted->output, "file to write")
+      ->type_name("FILE")
+      ->capture_default_str();
+  command.add_flag("--overwrite", wanted->overwrite, "replace a file that exists");
+  command.footer(kExample);
+  command.callback([wanted] { prepare(*wanted); });
+}
 
 }  // namespace dravo

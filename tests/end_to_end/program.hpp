@@ -7,14 +7,14 @@
 
 #include <array>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "support/sample_input.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace dravo::test {
 
@@ -23,42 +23,6 @@ inline const char* tested_program() {
   const char* other = std::getenv("DRAVO_PROGRAM");
   return other != nullptr ? other : DRAVO_DEFAULT_PROGRAM;
 }
-
-/// A new empty folder that goes with its owner.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "qn-dravo-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-    path_ = name;
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(path_ / name, std::ios::binary) << text;
-  }
-
-  /// Every file of the folder but the input.
-  [[nodiscard]] std::map<std::string, std::string> outputs() const {
-    std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-      const std::string name = entry.path().filename().string();
-      if (name != "QN-input-GEOMETRY.xyz" && entry.is_regular_file())
-        files[name] = file_text(entry.path().string());
-    }
-    return files;
-  }
-
- private:
-  std::filesystem::path path_;
-};
 
 struct Outcome {
   int status = -1;  ///< exit status, -1 when a signal ended the program
@@ -99,10 +63,13 @@ inline void redirect_stream(int stream, Screen where, const char* path) {
   }
 }
 
-/// Runs `program` in `folder` with nothing on standard input. `prepare` is the last thing that the
-/// child process does before it becomes the program.
-inline Outcome run_in(const TemporaryFolder& folder, const char* program = tested_program(),
+/// Runs a program in `folder` with nothing on standard input; `words` are its path and arguments.
+/// `prepare` is the last thing that the child process does before it becomes the program.
+inline Outcome run_in(const TemporaryFolder& folder, std::vector<std::string> words,
                       Screen where = Screen::kept, const std::function<void()>& prepare = {}) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
   const TemporaryFolder streams;
   streams.write("stdout", "");
   streams.write("stderr", "");
@@ -116,13 +83,18 @@ inline Outcome run_in(const TemporaryFolder& folder, const char* program = teste
     redirect_stream(STDOUT_FILENO, where, screen.c_str());
     if (::chdir(folder.path().c_str()) != 0) ::_exit(126);
     if (prepare) prepare();
-    ::execl(program, program, static_cast<char*>(nullptr));
+    ::execv(arguments[0], arguments.data());
     ::_exit(127);
   }
   int status = 0;
   ::waitpid(child, &status, 0);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, file_text(screen), file_text(messages),
           folder.outputs()};
+}
+
+inline Outcome run_in(const TemporaryFolder& folder, const char* program = tested_program(),
+                      Screen where = Screen::kept, const std::function<void()>& prepare = {}) {
+  return run_in(folder, std::vector<std::string>{program}, where, prepare);
 }
 
 /// Runs the program on the text of an input file.

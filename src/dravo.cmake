@@ -13,9 +13,11 @@ set(DRAVO_TOOLS_SOURCES
   pairs/element_label.cpp
   pairs/fragments.cpp
   pairs/identification.cpp
+  pairs/input_text.cpp
   pairs/pair_file.cpp
+  pairs/parameters.cpp
   pairs/xyz_file.cpp)
-list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 
 # dravo_tools_library(name stages): everything but main, on a build of the stages.
 function(dravo_tools_library name stages)
@@ -25,8 +27,8 @@ function(dravo_tools_library name stages)
 endfunction()
 
 dravo_tools_library(dravo_tools dravo)
-add_executable(dravo-cli cli/main.cpp)
+add_executable(dravo-cli src/cli/main.cpp)
 set_target_properties(dravo-cli PROPERTIES
-  OUTPUT_NAME dravo RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  OUTPUT_NAME dravo)
 target_link_libraries(dravo-cli PRIVATE dravo_tools)
 install(TARGETS dravo-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

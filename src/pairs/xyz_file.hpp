@@ -1,0 +1,32 @@
+/// Standard and extended xyz.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "common/atom_table.hpp"
+#include "common/shown_text.hpp"
+
+namespace dravo {
+
+/// One frame of an xyz text.
+struct XyzFrame {
+  std::vector<Label> labels;    ///< element symbols
+  std::vector<Vec3> positions;  ///< in the file's unit of length, finite
+  std::int32_t frames = 0;      ///< that the text holds
+  /// Atoms of molecule 1, as the trailer of `input-GEOMETRY.xyz` tells.
+  std::optional<std::int32_t> n1;
+};
+
+/// Reads frame `wanted`, from 1, line by line:
+///
+///     N                        number of atoms, 1 to kMaxAtoms
+///     (comment)                may state the columns: Properties=species:S:1:pos:R:3
+///     label x y z              N lines; without Properties in this order; further columns ignored
+///
+/// Of the other frames only the number of atoms is read. Throws IoFailure, with file, line and
+/// place, for whatever does not read so, and where there is no such frame.
+XyzFrame read_xyz(const NamedText& source, std::int32_t wanted);
+
+}  // namespace dravo
