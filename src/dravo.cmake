@@ -16,7 +16,21 @@ set(DRAVO_TOOLS_SOURCES
   pairs/input_text.cpp
   pairs/pair_file.cpp
   pairs/parameters.cpp
-  pairs/xyz_file.cpp)
+  pairs/xyz_file.cpp
+  scan/axis.cpp
+  scan/chunk_maker.cpp
+  scan/merge.cpp
+  scan/ordered_chunks.cpp
+  scan/pair_placer.cpp
+  scan/plan.cpp
+  scan/plan_keys.cpp
+  scan/pose_writer.cpp
+  scan/progress.cpp
+  scan/random_pose.cpp
+  scan/scan.cpp
+  scan/scan_files.cpp
+  scan/scan_record.cpp
+  scan/zipped_list.cpp)
 list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 
 # dravo_tools_library(name stages): everything but main, on a build of the stages.

@@ -1,9 +1,49 @@
+#include "scan/merge.hpp"
+
+#include <iostream>
+#include <memory>
+#include <string>
+
 #include "cli/commands.hpp"
+#include "cli/pair_options.hpp"
 
 namespace dravo {
+namespace {
+
+constexpr auto kFooter =
+    "Example: four machines made a part each\n"
+    "  dravo scan QN-input-GEOMETRY.xyz --plan plan.toml --output dimer --shard 1/4   (to 4/4)\n"
+    "  dravo merge dimer\n"
+    "writes dimer.xyz, dimer.csv and dimer.json.";
+
+struct MergeOptions {
+  std::string name;
+  bool overwrite = false;
+  bool quiet = false;
+  bool json = false;
+};
+
+void run_merge(const MergeOptions& options) {
+  const ScanTotals totals = merge_shards(options.name, options.overwrite).totals;
+  if (options.json)
+    std::cout << json_text_of(totals) << '\n';
+  else if (!options.quiet)
+    tell({sentence_about(totals)});
+}
+
+}  // namespace
 
 void add_merge(CLI::App& program) {
-  program.add_subcommand("merge", "Join the parts of a scan that several machines made");
+  CLI::App& command = *program.add_subcommand("merge", "Joins the parts of a scan");
+  command.footer(kFooter);
+  auto options = std::make_shared<MergeOptions>();
+  command.add_option("name", options->name, "what --output was for the parts")
+      ->required()
+      ->type_name("NAME");
+  command.add_flag("--overwrite", options->overwrite, "replace earlier results");
+  command.add_flag("--quiet", options->quiet, "no remarks");
+  command.add_flag("--json", options->json, "totals as JSON on standard output");
+  command.callback([options] { run_merge(*options); });
 }
 
 }  // namespace dravo

@@ -1,7 +1,149 @@
+#include "scan/scan.hpp"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+
 #include "cli/commands.hpp"
+#include "cli/pair_options.hpp"
+#include "common/errors.hpp"
+#include "common/number_text.hpp"
 
 namespace dravo {
+namespace {
 
-void add_scan(CLI::App& program) { program.add_subcommand("scan", "Place a pair many times"); }
+/// The keys of a plan that are options too.
+struct PlanOption {
+  const char* key;
+  const char* type;
+  const char* help;
+};
+
+constexpr std::array<PlanOption, 10> kPlanOptions{{
+    {"r", "VALUES", "distance of the centres of mass in Angstrom, or \"contact + VALUES\""},
+    {"theta", "VALUES", "polar angle of molecule 1's place in degrees, 0 to 180"},
+    {"phi", "VALUES", "azimuth of molecule 1's place, 0 to 360"},
+    {"alpha", "VALUES", "first Euler angle of molecule 1, 0 to 360"},
+    {"beta", "VALUES", "second Euler angle, 0 to 180"},
+    {"gamma", "VALUES", "third Euler angle, 0 to 360"},
+    {"zip", "CSV", "poses from a table with columns r to gamma, instead of a grid"},
+    {"random", "N", "N random directions and orientations for each r, instead of a grid"},
+    {"seed", "S", "of the random numbers, 0 if not given"},
+    {"contacts", "keep|drop|only", "what becomes of poses with short contacts (keep)"},
+}};
+
+constexpr auto kFooter =
+    "VALUES is a number, a list such as 0,45,90, or start:stop:step.\n"
+    "Example: shortest distances around formamide, 0 to 2 Angstrom away from contact\n"
+    "  dravo scan QN-input-GEOMETRY.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 \\\n"
+    "    --phi 0:350:10 --alpha 0 --beta 90 --gamma 0 --output formamide\n"
+    "writes formamide.xyz, formamide.csv and formamide.json.";
+
+struct ScanOptions {
+  SharedRequest pair;
+  std::string plan_file;
+  std::map<std::string, std::string> keys;
+  bool files = false;
+  bool resume = false;
+  bool overwrite = false;
+  bool quiet = false;
+  bool json = false;
+  std::string shard;
+  ScanRequest request;
+};
+
+Shard parse_shard(const std::string& text) {
+  const std::size_t slash = text.find('/');
+  const auto number = parse_integer(text.substr(0, slash));
+  const auto of = parse_integer(slash == std::string::npos ? "" : text.substr(slash + 1));
+  if (!number || !of || *number < 1 || *number > *of)
+    throw IoFailure("--shard: expected I/N with I from 1 to N, found \"" + text + "\"");
+  return {*number, *of};
+}
+
+ScanPlan plan_of(const ScanOptions& options) {
+  PlanKeys keys;
+  if (!options.plan_file.empty()) keys = read_plan_keys(options.plan_file);
+  for (const auto& [key, value] : options.keys) set_plan_key(keys, key, value);
+  if (options.files) set_plan_key(keys, "files", "true");
+  return ScanPlan(keys);
+}
+
+int all_threads() { return std::max(static_cast<int>(std::thread::hardware_concurrency()), 1); }
+
+/// Counts are the result of a scan that writes nothing; otherwise they are news.
+void report(const ScanTotals& totals, const ScanOptions& options) {
+  if (options.json) {
+    std::cout << json_text_of(totals) << '\n';
+  } else if (options.request.count_only) {
+    std::cout << sentence_about(totals) << '\n';
+  } else if (!options.quiet) {
+    tell({sentence_about(totals), "written: " + options.request.shard.name(options.request.name) +
+                                      (options.files ? ".csv" : ".xyz and .csv")});
+  }
+}
+
+void run_scan(ScanOptions& options) {
+  ScanRequest& request = options.request;
+  if (options.resume) request.earlier = Earlier::resume;
+  if (options.overwrite) request.earlier = Earlier::overwrite;
+  if (!options.shard.empty()) request.shard = parse_shard(options.shard);
+  request.progress = kind_of_progress(options.quiet);
+  const ScanPlan plan = plan_of(options);
+  const PairFile pair = read_pair(*options.pair);
+  if (!options.quiet) tell(pair.remarks);
+  report(scan(pair.pair, plan, request), options);
+}
+
+void add_plan_options(CLI::App& command, const std::shared_ptr<ScanOptions>& options) {
+  command
+      .add_option("--plan", options->plan_file, "TOML file with these keys; options replace them")
+      ->type_name("FILE");
+  for (const PlanOption& option : kPlanOptions)
+    command
+        .add_option_function<std::string>(
+            std::string("--") + option.key,
+            [options, key = option.key](const std::string& value) { options->keys[key] = value; },
+            option.help)
+        ->type_name(option.type);
+  command.add_flag("--files", options->files,
+                   "the files of qn-dravo for each pose, in folders by index, instead of one xyz");
+}
+
+void add_run_options(CLI::App& command, const std::shared_ptr<ScanOptions>& options) {
+  ScanRequest& request = options->request;
+  command.add_option("-o,--output", request.name, "name of the results without ending (scan)")
+      ->type_name("NAME");
+  auto* count = command.add_flag("--count", request.count_only, "write nothing, count");
+  auto* resume = command.add_flag("--resume", options->resume, "go on with an unfinished scan");
+  auto* overwrite =
+      command.add_flag("--overwrite", options->overwrite, "replace the results of an earlier scan");
+  resume->excludes(overwrite);
+  count->excludes(resume)->excludes(overwrite);
+  command.add_option("--shard", options->shard, "the I-th of N parts, for `dravo merge`")
+      ->type_name("I/N");
+  command.add_option("--threads", request.threads, "(all that the machine has)")
+      ->check(CLI::Range(1, 1024))
+      ->type_name("T");
+  command.add_flag("--quiet", options->quiet, "no progress and no remarks");
+  command.add_flag("--json", options->json, "totals as JSON on standard output");
+}
+
+}  // namespace
+
+void add_scan(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand("scan", "Places a pair many times");
+  command.footer(kFooter);
+  auto options = std::make_shared<ScanOptions>();
+  options->request.threads = all_threads();
+  options->pair = add_pair_options(command);
+  add_plan_options(command, options);
+  add_run_options(command, options);
+  command.callback([options] { run_scan(*options); });
+}
 
 }  // namespace dravo

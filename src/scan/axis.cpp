@@ -1,0 +1,92 @@
+#include "scan/axis.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "common/number_text.hpp"
+#include "common/shown_text.hpp"
+
+namespace dravo {
+namespace {
+
+/// Past this nobody waits for the end of a scan, and sums of such numbers stay far within 64 bits.
+constexpr double kMostValues = 1e15;
+
+/// Ten to the power of the decimals of a number in plain decimal notation with at most nine of
+/// them; 0 for any other.
+double decimal_unit_of(std::string_view number) {
+  constexpr int kMostDecimals = 9;
+  if (number.find_first_not_of("+-.0123456789") != std::string_view::npos) return 0.0;
+  const std::size_t point = number.find('.');
+  const std::size_t decimals = point == std::string_view::npos ? 0 : number.size() - point - 1;
+  return decimals <= kMostDecimals ? std::pow(10.0, static_cast<double>(decimals)) : 0.0;
+}
+
+}  // namespace
+
+std::string_view trimmed(std::string_view text) {
+  const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+  const std::size_t end = text.find_last_not_of(" \t") + 1;
+  return text.substr(begin, std::max(end, begin) - begin);
+}
+
+std::vector<std::string_view> parts_between(std::string_view text, char separator) {
+  std::vector<std::string_view> parts;
+  while (true) {
+    const std::size_t end = text.find(separator);
+    parts.push_back(trimmed(text.substr(0, end)));
+    if (end == std::string_view::npos) return parts;
+    text.remove_prefix(end + 1);
+  }
+}
+
+double number_in(const PlanWord& word, std::string_view text) {
+  const auto value = parse_real(text);
+  if (!value || !std::isfinite(*value))
+    word.refuse(text, "expected a number or start:stop:step, found " + quoted(text));
+  return *value;
+}
+
+double Axis::Segment::at(std::int64_t i) const {
+  const double value = start + static_cast<double>(i) * step;
+  return decimal_unit > 0.0 ? std::round(value * decimal_unit) / decimal_unit : value;
+}
+
+Axis::Axis(const std::vector<PlanWord>& words) {
+  for (const PlanWord& word : words)
+    for (const std::string_view part : parts_between(word.text, ',')) add(word, part);
+}
+
+void Axis::add(const PlanWord& word, std::string_view text) {
+  const std::vector<std::string_view> parts = parts_between(text, ':');
+  if (parts.size() == 1) {
+    segments_.push_back({number_in(word, text), 0.0, 0.0, 1, size_, word});
+    ++size_;
+    return;
+  }
+  if (parts.size() != 3) word.refuse(text, "expected start:stop:step, found " + quoted(text));
+  const double start = number_in(word, parts[0]);
+  const double stop = number_in(word, parts[1]);
+  const double step = number_in(word, parts[2]);
+  constexpr double kReached = 1e-9;  // of a step: rounding must not lose the stop
+  const double steps = std::floor((stop - start) / step + kReached);
+  if (step == 0.0 || steps < 0.0)
+    word.refuse(text, "the steps of " + quoted(text) + " do not lead from start to stop");
+  if (!(steps < kMostValues)) word.refuse(text, quoted(text) + " has too many values");
+  const double unit_of_start = decimal_unit_of(parts[0]), unit_of_step = decimal_unit_of(parts[2]);
+  const bool decimal = unit_of_start > 0.0 && unit_of_step > 0.0;
+  const auto count = static_cast<std::int64_t>(steps) + 1;
+  segments_.push_back(
+      {start, step, decimal ? std::max(unit_of_start, unit_of_step) : 0.0, count, size_, word});
+  size_ += count;
+}
+
+double Axis::at(std::int64_t i) const {
+  const auto after = std::upper_bound(
+      segments_.begin(), segments_.end(), i,
+      [](std::int64_t index, const Segment& segment) { return index < segment.first; });
+  const Segment& segment = *(after - 1);
+  return segment.at(i - segment.first);
+}
+
+}  // namespace dravo

@@ -1,0 +1,56 @@
+/// The values that one parameter takes in a scan.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "scan/plan_keys.hpp"
+
+namespace dravo {
+
+/// Numbers and ranges `start:stop:step` one behind the other. Ranges take no memory for their
+/// values.
+class Axis {
+ public:
+  Axis() = default;
+
+  /// Reads the words of a plan, each a number, a range, or several of them with commas between. The
+  /// stop belongs to a range when a step ends on it. Throws IoFailure.
+  explicit Axis(const std::vector<PlanWord>& words);
+
+  [[nodiscard]] std::int64_t size() const { return size_; }
+
+  /// Value `i`, from 0. A range of short decimal numbers has the doubles nearest to its decimal
+  /// values: 0:1:0.1 contains 0.3 and not 0.30000000000000004.
+  [[nodiscard]] double at(std::int64_t i) const;
+
+  /// A number or range with the word it came from. Values lie between its first and its last.
+  struct Segment {
+    double start;
+    double step;
+    double decimal_unit;  ///< values times this are whole numbers; 0 when not known to be
+    std::int64_t count;
+    std::int64_t first;  ///< index of its first value on the axis
+    PlanWord word;
+
+    [[nodiscard]] double at(std::int64_t i) const;
+  };
+  [[nodiscard]] const std::vector<Segment>& segments() const { return segments_; }
+
+ private:
+  void add(const PlanWord& word, std::string_view text);
+
+  std::vector<Segment> segments_;
+  std::int64_t size_ = 0;
+};
+
+/// The finite number that stands in a part of a word; throws IoFailure for anything else.
+double number_in(const PlanWord& word, std::string_view text);
+
+/// Without the blanks around it.
+std::string_view trimmed(std::string_view text);
+
+/// The parts of a text between separators, blanks taken off; one part for a text without any.
+std::vector<std::string_view> parts_between(std::string_view text, char separator);
+
+}  // namespace dravo

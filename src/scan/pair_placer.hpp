@@ -1,0 +1,68 @@
+/// A pair that is analysed once and placed many times.
+#pragma once
+
+#include <vector>
+
+#include "common/atom_table.hpp"
+#include "common/frame.hpp"
+#include "driver/user_parameters.hpp"
+#include "output/contact_surveyor.hpp"
+#include "output/placement.hpp"
+#include "pairs/pair.hpp"
+
+namespace dravo {
+
+/// An atom table with storage of its own.
+class OwnedTable {
+ public:
+  explicit OwnedTable(std::int32_t rows)
+      : storage_(kColumns * static_cast<std::size_t>(rows)), table_(storage_, rows) {}
+  OwnedTable(const OwnedTable&) = delete;
+  OwnedTable& operator=(const OwnedTable&) = delete;
+  OwnedTable(OwnedTable&&) = default;
+  OwnedTable& operator=(OwnedTable&&) = default;
+  ~OwnedTable() = default;
+
+  [[nodiscard]] const AtomTable& table() const { return table_; }
+  [[nodiscard]] AtomTable& table() { return table_; }
+
+ private:
+  std::vector<double> storage_;
+  AtomTable table_;
+};
+
+/// The pair before the user's parameters come in.
+struct AnalysedPair {
+  OwnedTable parallel;  ///< aligned, molecule 1 in molecule 2's frame
+  PairOfFrames frames;
+};
+
+/// What is constant may be used by several threads, each with a table of its own for the atoms.
+class PairPlacer {
+ public:
+  /// Throws Refusal for a pair that cannot be placed, a symmetric molecule for example.
+  explicit PairPlacer(const Pair& pair);
+
+  [[nodiscard]] const MoleculeSplit& split() const { return split_; }
+  [[nodiscard]] const std::vector<Label>& labels() const { return labels_; }
+
+  /// The pair by parameters as `prepare_parameters` leaves them, as `qn-dravo` places it.
+  Placement place(const UserParameters& radians, AtomTable& placed) const;
+
+  [[nodiscard]] ContactSurvey survey(const AtomTable& placed) const {
+    return surveyor_.survey(placed, split_.molecule1());
+  }
+
+  /// The r at which the pair, in this direction and orientation, first has a short contact on its
+  /// way from afar; zero when it has none on the way. The r of `radians` is not looked at.
+  [[nodiscard]] double touching_distance(const UserParameters& radians) const;
+
+ private:
+  MoleculeSplit split_;
+  std::vector<Label> labels_;
+  AnalysedPair analysed_;
+  std::vector<Vec3> offsets_;  ///< molecule 1's analysed atoms, from its centre of mass
+  ContactSurveyor surveyor_;
+};
+
+}  // namespace dravo

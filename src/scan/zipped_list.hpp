@@ -1,0 +1,48 @@
+/// Poses given one by one in a CSV file, six numbers each.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "driver/user_parameters.hpp"
+
+namespace dravo {
+
+/// The rows stay in the file, so a long list takes little memory. May be used by several threads.
+class ZippedList {
+ public:
+  /// Checks every row. The first line may name the columns, in any order and with others between
+  /// them; without names there are six, r to gamma. Blank lines are passed over. Throws IoFailure.
+  explicit ZippedList(const std::string& file);
+
+  [[nodiscard]] std::int64_t size() const { return size_; }
+
+  /// Differs for files with different rows.
+  [[nodiscard]] std::uint64_t fingerprint() const { return fingerprint_; }
+
+  /// Rows `first` and following, Angstrom and degrees; as many as `rows` has. Throws IoFailure when
+  /// the file has changed.
+  void read(std::int64_t first, std::span<UserParameters> rows) const;
+
+ private:
+  [[nodiscard]] std::ifstream open() const;
+  [[nodiscard]] bool take_names(std::string_view line);
+  [[nodiscard]] UserParameters parsed(std::string_view line, std::int64_t number) const;
+  void check(const UserParameters& row, std::string_view line, std::int64_t number) const;
+  [[noreturn]] void refuse(std::string_view line, std::int64_t number, std::string_view part,
+                           const std::string& what_is_wrong) const;
+
+  std::string file_;
+  std::array<std::size_t, 6> columns_{0, 1, 2, 3, 4, 5};  ///< where r to gamma stand in a row
+  std::int64_t size_ = 0;
+  std::uint64_t fingerprint_ = 0;
+  std::vector<std::streamoff> block_starts_;  ///< where blocks of rows begin in the file
+};
+
+}  // namespace dravo
