@@ -15,7 +15,9 @@ set(DRAVO_TOOLS_SOURCES
   pairs/identification.cpp
   pairs/input_text.cpp
   pairs/pair_file.cpp
+  pairs/pair_table.cpp
   pairs/parameters.cpp
+  pairs/principal_frames.cpp
   pairs/xyz_file.cpp
   scan/axis.cpp
   scan/chunk_maker.cpp

@@ -27,12 +27,6 @@ constexpr std::array<std::string_view, 3> kMoments{"I_A", "I_B", "I_C"};
 
 // --- text -------------------------------------------------------------------------------------
 
-std::string decimals(double value, int count) {
-  std::string text;
-  append_fixed(text, value, count);
-  return text;
-}
-
 std::string right(std::string_view text, std::size_t width) {
   return std::string(width > text.size() ? width - text.size() : 0, ' ').append(text);
 }
@@ -42,14 +36,14 @@ std::string left(std::string_view text, std::size_t width) {
 }
 
 std::string vector_text(const Vec3& v, int count) {
-  return decimals(v.x, count) + " " + decimals(v.y, count) + " " + decimals(v.z, count);
+  return fixed_text(v.x, count) + " " + fixed_text(v.y, count) + " " + fixed_text(v.z, count);
 }
 
 /// As the end of an input file. Eight decimals: far more than the searches find, and no tail of
 /// digits that mean nothing.
 std::string parameter_block(const UserParameters& p) {
   const auto line = [](double value, const char* name) {
-    return right(decimals(value, 8), 14) + "  " + name + '\n';
+    return right(fixed_text(value, 8), 14) + "  " + name + '\n';
   };
   return "position\n" + line(p.r, "r, Angstrom") + line(p.theta, "theta, degrees") +
          line(p.phi, "phi") + "rotation\n" + line(p.alpha, "alpha, degrees") +
@@ -60,15 +54,15 @@ std::string parameter_block(const UserParameters& p) {
 std::string exponent_text(double value) {
   int exponent = 0;
   for (; value != 0.0 && value < 1.0 && exponent > -300; --exponent) value *= 10.0;
-  return decimals(value, 4) + "e" + std::to_string(exponent);
+  return fixed_text(value, 4) + "e" + std::to_string(exponent);
 }
 
 std::string axis_row(const IdentifiedAxis& axis, std::string_view moment) {
   return "  " + left(std::string(1, axis.letter).append("  ").append(moment), 8) +
-         right(decimals(axis.moment_amu, 5), 14) + right(exponent_text(axis.moment), 14) +
-         right(decimals(axis.constant, 5), 14) + right(decimals(axis.angles.along, 2), 10) +
-         right(decimals(axis.angles.reversed, 2), 10) + "  " + std::string(name_of(axis.fixed_by)) +
-         '\n';
+         right(fixed_text(axis.moment_amu, 5), 14) + right(exponent_text(axis.moment), 14) +
+         right(fixed_text(axis.constant, 5), 14) + right(fixed_text(axis.angles.along, 2), 10) +
+         right(fixed_text(axis.angles.reversed, 2), 10) + "  " +
+         std::string(name_of(axis.fixed_by)) + '\n';
 }
 
 std::string molecule_text(std::size_t index, const IdentifiedMolecule& m) {
@@ -77,7 +71,7 @@ std::string molecule_text(std::size_t index, const IdentifiedMolecule& m) {
                      vector_text(m.cm, 6) + " Angstrom\n  reference       " +
                      std::string(m.reference.symbol) + ", " + std::to_string(m.reference.atoms) +
                      (m.reference.atoms == 1 ? " atom" : " atoms") + ", centre " +
-                     decimals(m.reference.distance, 4) + " Angstrom from the centre of mass\n";
+                     fixed_text(m.reference.distance, 4) + " Angstrom from the centre of mass\n";
   text +=
       "  axis            moment        moment      constant  reference  reversed  fixed by\n"
       "             amu Angstrom^2     g cm^2           GHz    degrees   degrees\n";

@@ -34,7 +34,7 @@ void run_merge(const MergeOptions& options) {
 }  // namespace
 
 void add_merge(CLI::App& program) {
-  CLI::App& command = *program.add_subcommand("merge", "Joins the parts of a scan");
+  CLI::App& command = *program.add_subcommand("merge", "Join the parts of a scan");
   command.footer(kFooter);
   auto options = std::make_shared<MergeOptions>();
   command.add_option("name", options->name, "what --output was for the parts")

@@ -136,7 +136,7 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanOptions>& opti
 }  // namespace
 
 void add_scan(CLI::App& program) {
-  CLI::App& command = *program.add_subcommand("scan", "Places a pair many times");
+  CLI::App& command = *program.add_subcommand("scan", "Place a pair many times");
   command.footer(kFooter);
   auto options = std::make_shared<ScanOptions>();
   options->request.threads = all_threads();

@@ -196,6 +196,12 @@ void append_fixed(std::string& record, double value, int decimals) {
   record += fixed_notation(buffer, value, decimals);
 }
 
+std::string fixed_text(double value, int decimals) {
+  std::string text;
+  append_fixed(text, value, decimals);
+  return text;
+}
+
 void append_fixed_field(std::string& record, double value, int width, int decimals) {
   if (!std::isfinite(value)) {
     append_right_aligned(record, name_of_non_finite(value), width);

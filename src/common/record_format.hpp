@@ -43,6 +43,7 @@ void append_integer_field(std::string& record, std::int32_t value, int width);
 /// Correctly rounded from the binary value, without padding: "-12.50" for two decimals. `nan` and
 /// `inf` for values that are not finite.
 void append_fixed(std::string& record, double value, int decimals);
+std::string fixed_text(double value, int decimals);
 
 /// Fw.d: correctly rounded from the binary value, right-aligned; the zero before the point is
 /// dropped when only that makes it fit; asterisks when nothing does. `NaN` and `Infinity` likewise.

@@ -10,9 +10,6 @@
 namespace dravo {
 namespace {
 
-constexpr std::int32_t kFewestAtoms = 6;
-constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
-
 void read_atoms(RecordReader& input, std::int32_t N, AtomTable icoo_and_m,
                 std::span<Label> isymbol) {
   for (std::int32_t i = 0; i < N; ++i) {

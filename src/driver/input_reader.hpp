@@ -13,6 +13,10 @@ namespace dravo {
 
 inline constexpr auto kInputFileName = "QN-input-GEOMETRY.xyz";
 
+/// Of both molecules together, and of molecule 1.
+inline constexpr std::int32_t kFewestAtoms = 6;
+inline constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
+
 struct InputGeometry {
   MoleculeSplit split;
   UserParameters user;    ///< angles in radians, singular values nudged

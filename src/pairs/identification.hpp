@@ -1,82 +1,21 @@
-/// The six association parameters of a pair as it stands, and the frames that they refer to.
+/// The six association parameters of a pair as it stands.
 #pragma once
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "driver/user_parameters.hpp"
-#include "frames/axis_directions.hpp"
 #include "pairs/pair.hpp"
-#include "pairs/refusal.hpp"
+#include "pairs/principal_frames.hpp"
 
 namespace dravo {
-
-enum class RotorType { linear, spherical, prolate, oblate, asymmetric };
-
-/// Moments that differ by less than this part of the larger one count as equal, and so small a part
-/// of it as zero.
-inline constexpr double kEqualMoments = 1e-3;
-
-/// Of moments in ascending order, in any unit.
-RotorType rotor_type(const std::array<double, 3>& moments);
-
-/// What gave an axis its direction.
-enum class FixedBy {
-  reference_angle,
-  right_handedness,
-  /// All three axes have a direction, and the frame is right-handed with or without this one's.
-  right_handedness_over_reference,
-};
-
-std::string_view name_of(RotorType type);
-std::string_view name_of(FixedBy reason);
-
-struct IdentifiedAxis {
-  char letter;
-  double moment;           ///< g cm^2
-  double moment_amu;       ///< amu Angstrom^2
-  double constant;         ///< GHz, infinite for a moment of zero
-  Vec3 direction;          ///< of the molecule as given, unit vector
-  ReferenceAngles angles;  ///< of that direction and its opposite
-  FixedBy fixed_by;
-};
-
-/// The heaviest element of a molecule.
-struct ReferenceElement {
-  std::string_view symbol;
-  std::int32_t atoms;
-  double distance;  ///< of their centre from the centre of mass, Angstrom
-};
-
-struct IdentifiedMolecule {
-  std::int32_t atoms;
-  RotorType rotor;
-  Vec3 cm;  ///< as given, Angstrom
-  ReferenceElement reference;
-  std::array<IdentifiedAxis, 3> axes;  ///< I_A, I_B, I_C
-};
 
 struct Identification {
   UserParameters parameters;  ///< degrees: theta and beta 0 to 180, the others from 0 to below 360
   double deviation;           ///< by which the searches missed the axes, degrees
   std::array<IdentifiedMolecule, 2> molecules;
-};
-
-/// A pair that has no parameters.
-class Unidentifiable : public Refusal {
- public:
-  /// `reasons` are sentences without full stop; the text shows each on a line of its own, and
-  /// `advice` behind them.
-  Unidentifiable(std::vector<std::string> reasons, const std::string& advice);
-
-  [[nodiscard]] const std::vector<std::string>& reasons() const { return reasons_; }
-
- private:
-  std::vector<std::string> reasons_;
 };
 
 /// Throws Unidentifiable for a molecule with fewer than two distinguishable axes, and when no

@@ -22,8 +22,6 @@
 namespace dravo {
 namespace {
 
-constexpr std::int32_t kFewestAtoms = 6;
-constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
 constexpr double kAngstromPerBohr = 0.529177210903;  // CODATA 2018
 
 /// What one file holds.

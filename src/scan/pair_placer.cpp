@@ -1,14 +1,12 @@
 #include "scan/pair_placer.hpp"
 
-#include <string>
 #include <utility>
 
 #include "common/errors.hpp"
-#include "driver/element_table.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "pairs/discard.hpp"
-#include "pairs/refusal.hpp"
+#include "pairs/principal_frames.hpp"
 
 namespace dravo {
 namespace {
@@ -16,13 +14,9 @@ namespace {
 /// The steps of a run up to the place where the user's parameters come in.
 AnalysedPair analyse(const Pair& pair) {
   const MoleculeSplit& split = pair.split;
-  OwnedTable newcoo_and_m(split.N), originalcoo_and_m(split.N), auxiliar(split.N),
+  OwnedTable newcoo_and_m = table_of(pair);
+  OwnedTable originalcoo_and_m(split.N), auxiliar(split.N),
       inicial_posicao_correta_coo_and_m(split.N);
-  for (std::int32_t i = 0; i < split.N; ++i)
-    newcoo_and_m.table().set_position(i, pair.positions[static_cast<std::size_t>(i)]);
-  std::vector<Label> labels = pair.labels;
-  resolve_elements(split.N, labels, newcoo_and_m.table());
-
   DiscardingSink nobody;
   RecordStream screen(&nobody), log(&nobody);
   AnalysisTables tables{newcoo_and_m.table(), originalcoo_and_m.table(), auxiliar.table(),
@@ -34,10 +28,11 @@ AnalysedPair analyse(const Pair& pair) {
 }
 
 AnalysedPair analyse_or_refuse(const Pair& pair) {
+  (void)identify_molecules(pair);  // knows why a molecule has no frame
   try {
     return analyse(pair);
   } catch (const RunStop&) {
-    throw Refusal("the pair cannot be placed");
+    throw no_rotation_found();
   }
 }
 

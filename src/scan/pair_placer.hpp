@@ -8,28 +8,9 @@
 #include "driver/user_parameters.hpp"
 #include "output/contact_surveyor.hpp"
 #include "output/placement.hpp"
-#include "pairs/pair.hpp"
+#include "pairs/pair_table.hpp"
 
 namespace dravo {
-
-/// An atom table with storage of its own.
-class OwnedTable {
- public:
-  explicit OwnedTable(std::int32_t rows)
-      : storage_(kColumns * static_cast<std::size_t>(rows)), table_(storage_, rows) {}
-  OwnedTable(const OwnedTable&) = delete;
-  OwnedTable& operator=(const OwnedTable&) = delete;
-  OwnedTable(OwnedTable&&) = default;
-  OwnedTable& operator=(OwnedTable&&) = default;
-  ~OwnedTable() = default;
-
-  [[nodiscard]] const AtomTable& table() const { return table_; }
-  [[nodiscard]] AtomTable& table() { return table_; }
-
- private:
-  std::vector<double> storage_;
-  AtomTable table_;
-};
 
 /// The pair before the user's parameters come in.
 struct AnalysedPair {
@@ -40,7 +21,7 @@ struct AnalysedPair {
 /// What is constant may be used by several threads, each with a table of its own for the atoms.
 class PairPlacer {
  public:
-  /// Throws Refusal for a pair that cannot be placed, a symmetric molecule for example.
+  /// Throws Unidentifiable for a pair that cannot be placed, a symmetric molecule for example.
   explicit PairPlacer(const Pair& pair);
 
   [[nodiscard]] const MoleculeSplit& split() const { return split_; }

@@ -78,11 +78,10 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
 }
 
 std::string sentence_about(const ScanTotals& totals) {
-  std::string shortest;
-  append_fixed(shortest, totals.shortest, 4);
   return std::to_string(totals.poses) + " poses, " + std::to_string(totals.with_contacts) +
          " with short contacts, " + std::to_string(totals.written) + " wanted; shortest distance " +
-         shortest + " Angstrom in pose " + std::to_string(totals.shortest_index);
+         fixed_text(totals.shortest, 4) + " Angstrom in pose " +
+         std::to_string(totals.shortest_index);
 }
 
 std::string json_text_of(const ScanTotals& totals) { return json_of(totals).dump(); }
