@@ -31,7 +31,12 @@ std::string progress_line(std::int64_t poses, std::int64_t done, std::int64_t ma
 }
 
 Progress::Progress(Kind kind, std::int64_t poses, std::int64_t done)
-    : kind_(kind), poses_(poses), done_before_(done) {}
+    : kind_(kind), poses_(poses), done_before_(done) {
+  if (kind_ != Kind::none && done > 0)
+    std::cerr << "dravo: " + std::to_string(done) + " of " + std::to_string(poses) +
+                     " poses were made earlier\n"
+              << std::flush;
+}
 
 Progress::~Progress() {
   if (columns_ > 0) std::cerr << '\r' << std::string(columns_, ' ') << '\r' << std::flush;

@@ -12,7 +12,7 @@ class Progress {
  public:
   enum class Kind { none, terminal, lines };
 
-  /// For `poses` in all, `done` of them made earlier.
+  /// For `poses` in all, `done` of them made by an earlier run, which is told.
   Progress(Kind kind, std::int64_t poses, std::int64_t done);
 
   /// Takes the line of a terminal away.

@@ -42,11 +42,11 @@ ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& reque
     files.emplace(request.shard.name(request.name),
                   ScanRecord{origin_of(pair, plan), plan.poses(), request.shard, {}, 0, 0},
                   writer.table_heading(), request.earlier);
-  if (files && files->finished()) return files->totals();
-
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(pair, plan, request, totals.poses);
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
+  if (files && files->finished()) return totals;
+
   make_chunks(
       job, [&] { return ChunkMaker(placer, plan, output); },
       [&](const Chunk& chunk) {

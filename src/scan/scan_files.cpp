@@ -20,6 +20,10 @@ namespace {
 constexpr auto kProgressEnding = ".progress";
 constexpr std::string_view kPart = ".part";
 
+/// What a kill may cost at most, besides the chunks in work; records are small beside it.
+constexpr std::int64_t kMostUnrecordedBytes = 1 << 20;
+constexpr auto kMostUnrecordedTime = std::chrono::milliseconds(200);
+
 [[noreturn]] void fail(const std::string& name, const char* action) {
   const int reason = errno;
   throw IoFailure(name + ": cannot " + action + ": " + std::generic_category().message(reason));
@@ -158,7 +162,7 @@ void ScanFiles::begin(const std::string& table_heading) {
   progress_->cut(0);
   results_->cut(record_);
   results_->append_table(table_heading, record_);
-  progress_->append(text_of(record_) + "\n");
+  record();
 }
 
 /// From the last record whose bytes have all arrived. False when there is none.
@@ -180,7 +184,15 @@ void ScanFiles::append(const Chunk& chunk) {
   results_->append_frames(chunk.frames, record_);
   results_->append_table(chunk.table, record_);
   record_.totals.add(chunk.totals);
+  unrecorded_bytes_ += static_cast<std::int64_t>(chunk.frames.size() + chunk.table.size());
+  const auto now = std::chrono::steady_clock::now();
+  if (unrecorded_bytes_ >= kMostUnrecordedBytes || now - recorded_ >= kMostUnrecordedTime) record();
+}
+
+void ScanFiles::record() {
   progress_->append(text_of(record_) + "\n");
+  unrecorded_bytes_ = 0;
+  recorded_ = std::chrono::steady_clock::now();
 }
 
 void ScanFiles::finish() {

@@ -6,6 +6,7 @@
 ///     their record
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -102,9 +103,12 @@ class ScanFiles {
   void refuse_files_in_the_way(Earlier earlier) const;
   void begin(const std::string& table_heading);
   bool take_up(const ScanRecord& plan);
+  void record();
 
   std::string name_;
   ScanRecord record_;
+  std::int64_t unrecorded_bytes_ = 0;
+  std::chrono::steady_clock::time_point recorded_;
   std::unique_ptr<GrowingFile> progress_;
   std::unique_ptr<ResultFiles> results_;
 };
