@@ -1,6 +1,7 @@
 #include "scan/scan.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
 
 #include "common/errors.hpp"
@@ -24,6 +25,15 @@ ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
   return {ScanOutput::Kind::frames, ""};
 }
 
+/// Files of other poses would stand among the new ones. The parts of a scan share the folder.
+void require_new_folder(const ScanOutput& output, const ScanRequest& request) {
+  const bool begins = request.earlier != Earlier::resume && request.shard.of == 1;
+  if (output.kind == ScanOutput::Kind::files && begins &&
+      std::filesystem::exists(output.pose_folder))
+    throw IoFailure(output.pose_folder +
+                    ": exists already; remove it or choose another name with --output");
+}
+
 ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
   return {request.shard.first(plan.poses()) + done, request.shard.end(plan.poses()),
@@ -35,6 +45,7 @@ ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& reque
 ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
   const PairPlacer placer(pair);
   const ScanOutput output = output_of(plan, request);
+  require_new_folder(output, request);
   const PoseWriter writer(placer.labels(), plan.above_contact());
 
   std::optional<ScanFiles> files;

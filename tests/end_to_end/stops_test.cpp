@@ -123,7 +123,7 @@ struct SymmetricPair {
 
 void PrintTo(const SymmetricPair& pair, std::ostream* out) { *out << pair.name; }
 
-// Water's oxygen lies on its twofold axis, so only that axis has a direction; formamide has two.
+// Water's oxygen lies too close to the centre of mass to give a direction; formamide has two.
 const std::vector<SymmetricPair> kSymmetricPairs{
     {"both", "water-dimer", "water-dimer", kMolecule1 + kMolecule2OnScreen + kStopOnScreen,
      kMolecule1 + kMolecule2InLog + kStopInLog},
