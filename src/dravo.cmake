@@ -21,6 +21,7 @@ set(DRAVO_TOOLS_SOURCES
   pairs/xyz_file.cpp
   scan/axis.cpp
   scan/chunk_maker.cpp
+  scan/growing_file.cpp
   scan/merge.cpp
   scan/ordered_chunks.cpp
   scan/pair_placer.cpp
@@ -28,7 +29,9 @@ set(DRAVO_TOOLS_SOURCES
   scan/plan_keys.cpp
   scan/pose_writer.cpp
   scan/progress.cpp
+  scan/progress_file.cpp
   scan/random_pose.cpp
+  scan/result_files.cpp
   scan/scan.cpp
   scan/scan_files.cpp
   scan/scan_record.cpp

@@ -17,7 +17,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr auto kExample =
-    "The frames and parameters of a pair as it stands, from an xyz file of both molecules:\n"
+    "Example: frames and parameters of a pair as it stands, from an xyz file of both molecules\n"
     "  dravo identify dimer.xyz --split 6\n"
     "The first lines of the answer can end a QN-input-GEOMETRY.xyz as they stand.\n"
     "Exit status 1 when the pair has no parameters: a molecule is symmetric.";

@@ -1,12 +1,12 @@
-#include <unistd.h>
-
-#include <csignal>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
 
 #include "cli/commands.hpp"
 #include "common/errors.hpp"
+#include "common/shown_text.hpp"
+#include "common/standard_streams.hpp"
 #include "common/version.hpp"
 #include "pairs/refusal.hpp"
 
@@ -17,21 +17,15 @@ constexpr int kCannotBeDone = 1;
 constexpr int kBadUsageOrInput = 2;
 
 constexpr auto kExample =
-    "A scan of a dimer, from two xyz files:\n"
-    "  dravo prepare formamide.xyz water.xyz --r 4\n"
-    "  dravo scan QN-input-GEOMETRY.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 --phi 0\n"
+    "Example: a scan of a dimer, from two xyz files\n"
+    "  dravo prepare formamide.xyz ethanol.xyz --r 4\n"
+    "  dravo scan QN-input-GEOMETRY.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 \\\n"
+    "    --phi 0 --alpha 0 --beta 90 --gamma 0\n"
     "`dravo COMMAND --help` tells more.";
 
 int failed(int status, const std::string& message) {
   std::cerr << "dravo: " << message << '\n';
   return status;
-}
-
-/// Help and version are what was asked for; any other end of the parsing is bad usage.
-int usage_ended(const CLI::App& program, const CLI::ParseError& end) {
-  if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
-    return program.exit(end, std::cout, std::cerr);
-  return failed(kBadUsageOrInput, std::string(end.what()) + "\nRun with --help for more.");
 }
 
 /// Results are worth nothing when nobody got them.
@@ -41,12 +35,16 @@ int results_delivered() {
   return failed(kBadUsageOrInput, "standard output: cannot write");
 }
 
-}  // namespace
+/// Help and version are what was asked for; any other end of the parsing is bad usage.
+int usage_ended(const CLI::App& program, const CLI::ParseError& end) {
+  if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+    program.exit(end, std::cout, std::cerr);
+    return results_delivered();
+  }
+  return failed(kBadUsageOrInput, std::string(end.what()) + "\nRun with --help for more.");
+}
 
-int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
-  CLI::App program("Prepares, identifies and scans pairs of molecules", "dravo");
+void describe(CLI::App& program) {
   program.footer(kExample);
   program.set_version_flag("--version", "dravo " DRAVO_VERSION);
   program.require_subcommand(1);
@@ -56,15 +54,40 @@ int main(int argc, char** argv) {
   dravo::add_merge(program);
   for (CLI::App* command : program.get_subcommands({}))
     command->set_version_flag("--version", "dravo " DRAVO_VERSION);
+}
 
+/// The library would only say that a command is missing.
+void require_known_command(const CLI::App& program, const std::string& word) {
+  const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
+  const auto is_word = [&](const CLI::App* command) { return command->get_name() == word; };
+  if (word.starts_with('-') || std::any_of(commands.begin(), commands.end(), is_word)) return;
+  throw dravo::IoFailure(dravo::quoted(word) +
+                         ": no such command; there are prepare, identify, scan and merge");
+}
+
+int run(int argc, char** argv) {
+  CLI::App program("Prepares, identifies and scans pairs of molecules", "dravo");
+  describe(program);
   try {
+    if (argc > 1) require_known_command(program, argv[1]);
     program.parse(argc, argv);
     return results_delivered();
   } catch (const CLI::ParseError& end) {
     return usage_ended(program, end);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  dravo::secure_standard_streams();
+  try {
+    return run(argc, argv);
   } catch (const dravo::Refusal& refusal) {
     return failed(kCannotBeDone, refusal.what());
-  } catch (const std::exception& failure) {
+  } catch (const dravo::IoFailure& failure) {
     return failed(kBadUsageOrInput, failure.what());
+  } catch (const std::exception& failure) {
+    return failed(kBadUsageOrInput, std::string("cannot go on: ") + failure.what());
   }
 }

@@ -1,6 +1,8 @@
 #include "cli/pair_options.hpp"
 
+#include <cstdint>
 #include <iostream>
+#include <limits>
 
 #include "common/number_text.hpp"
 
@@ -27,7 +29,7 @@ void add_split_options(CLI::App& command, const SharedRequest& request) {
       ->type_name("N1|auto");
   command.add_option("--frame", request->frame, "which frame of a file with several, from 1")
       ->type_name("K")
-      ->check(CLI::PositiveNumber);
+      ->check(CLI::Range(1, std::numeric_limits<std::int32_t>::max()));
 }
 
 SharedRequest add_pair_options(CLI::App& command) {

@@ -19,6 +19,7 @@
 #include "pairs/input_text.hpp"
 #include "pairs/pair_file.hpp"
 #include "pairs/parameters.hpp"
+#include "pairs/principal_frames.hpp"
 
 namespace dravo {
 namespace {
@@ -53,7 +54,7 @@ struct Preparation {
 constexpr auto kExample =
     "The angles that are not given are those of FILE when it is a QN-input-GEOMETRY.xyz, else 0.\n"
     "Example:\n"
-    "  dravo prepare formamide.xyz water.xyz --r 4 --theta 90 --phi 45 --beta 30\n"
+    "  dravo prepare formamide.xyz ethanol.xyz --r 4 --theta 90 --phi 45 --beta 30\n"
     "  qn-dravo";
 
 template <class Real>
@@ -153,6 +154,16 @@ std::string written_line(const std::string& name, const MoleculeSplit& split) {
          " atoms, molecule 2 has " + std::to_string(split.N - split.n1);
 }
 
+/// Better now than when the run stops.
+void tell_of_refusal(const Pair& pair) {
+  try {
+    (void)identify_molecules(pair);
+  } catch (const Unidentifiable& refusal) {
+    tell({"qn-dravo will not place this pair:"});
+    tell(refusal.reasons());
+  }
+}
+
 void prepare(const Preparation& wanted) {
   const PairFile file = read_pair(*wanted.request);
   const UserParameters degrees = stated_values(wanted, file.parameters);
@@ -164,6 +175,7 @@ void prepare(const Preparation& wanted) {
   tell(nudging_remarks(degrees));
   WorkingDirectory().replace(wanted.output, text);
   tell({written_line(wanted.output, file.pair.split)});
+  tell_of_refusal(file.pair);
 }
 
 // --- options ----------------------------------------------------------------------------------
@@ -172,8 +184,8 @@ void add_value(CLI::App& command, const char* name, const ValueHelp& help,
                std::optional<double>& given) {
   const std::string option = std::string("--") + name;
   const auto read_value = [option, &given](const std::string& text) {
-    given = parse_real(text);
-    if (!given || !std::isfinite(*given))
+    given = parse_plain_real(text);
+    if (!given)
       throw CLI::ValidationError(option, "expected a finite number, found " + dravo::quoted(text));
   };
   command.add_option_function<std::string>(option, read_value, help.text)->type_name(help.unit);

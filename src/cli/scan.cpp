@@ -12,6 +12,7 @@
 #include "cli/pair_options.hpp"
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
+#include "common/shown_text.hpp"
 
 namespace dravo {
 namespace {
@@ -61,7 +62,7 @@ Shard parse_shard(const std::string& text) {
   const auto number = parse_integer(text.substr(0, slash));
   const auto of = parse_integer(slash == std::string::npos ? "" : text.substr(slash + 1));
   if (!number || !of || *number < 1 || *number > *of)
-    throw IoFailure("--shard: expected I/N with I from 1 to N, found \"" + text + "\"");
+    throw IoFailure("--shard: expected I/N with I from 1 to N, found " + dravo::quoted(text));
   return {*number, *of};
 }
 
@@ -76,14 +77,14 @@ ScanPlan plan_of(const ScanOptions& options) {
 int all_threads() { return std::max(static_cast<int>(std::thread::hardware_concurrency()), 1); }
 
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
-void report(const ScanTotals& totals, const ScanOptions& options) {
+void report(const ScanTotals& totals, const ScanOptions& options, bool files) {
   if (options.json) {
     std::cout << json_text_of(totals) << '\n';
   } else if (options.request.count_only) {
     std::cout << sentence_about(totals) << '\n';
   } else if (!options.quiet) {
-    tell({sentence_about(totals), "written: " + options.request.shard.name(options.request.name) +
-                                      (options.files ? ".csv" : ".xyz and .csv")});
+    tell({sentence_about(totals),
+          "written: " + result_name(options.request) + (files ? ".csv" : ".xyz and .csv")});
   }
 }
 
@@ -91,12 +92,13 @@ void run_scan(ScanOptions& options) {
   ScanRequest& request = options.request;
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
-  if (!options.shard.empty()) request.shard = parse_shard(options.shard);
+  if (!options.shard.empty()) request.part = parse_shard(options.shard);
   request.progress = kind_of_progress(options.quiet);
   const ScanPlan plan = plan_of(options);
   const PairFile pair = read_pair(*options.pair);
+  request.inputs = {options.pair->file, options.plan_file, plan.zip_file()};
   if (!options.quiet) tell(pair.remarks);
-  report(scan(pair.pair, plan, request), options);
+  report(scan(pair.pair, plan, request), options, plan.files());
 }
 
 void add_plan_options(CLI::App& command, const std::shared_ptr<ScanOptions>& options) {
@@ -126,7 +128,9 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanOptions>& opti
   count->excludes(resume)->excludes(overwrite);
   command.add_option("--shard", options->shard, "the I-th of N parts, for `dravo merge`")
       ->type_name("I/N");
-  command.add_option("--threads", request.threads, "(all that the machine has)")
+  command
+      .add_option("--threads", request.threads,
+                  "threads that place poses (as many as the machine has cores)")
       ->check(CLI::Range(1, 1024))
       ->type_name("T");
   command.add_flag("--quiet", options->quiet, "no progress and no remarks");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace dravo {
 
@@ -14,5 +15,8 @@ class IoFailure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+/// "NAME: cannot ACTION: " and the system's reason, from errno. Throws IoFailure.
+[[noreturn]] void throw_system_failure(const std::string& name, const char* action);
 
 }  // namespace dravo

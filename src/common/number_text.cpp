@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -125,6 +126,14 @@ std::optional<double> parse_real(std::string_view text) {
   }
   if (value && negative) value = -*value;
   return value;
+}
+
+std::optional<double> parse_plain_real(std::string_view text) {
+  const std::size_t sign = text.find_first_of("+-", 1);
+  if (sign != std::string_view::npos && (is_digit(text[sign - 1]) || text[sign - 1] == '.'))
+    return std::nullopt;
+  const auto value = parse_real(text);
+  return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
 }  // namespace dravo

@@ -14,6 +14,10 @@ std::optional<std::int32_t> parse_integer(std::string_view text);
 /// for any other text and for a value too large for a double. One too small for it is zero.
 std::optional<double> parse_real(std::string_view text);
 
+/// As `parse_real`, but finite, and with the letter of its exponent: people who write 0-360 do not
+/// mean 0 times ten to the power of -360.
+std::optional<double> parse_plain_real(std::string_view text);
+
 /// The unsigned decimal digits that the text begins with; they are taken off it.
 std::string_view take_digits(std::string_view& rest);
 

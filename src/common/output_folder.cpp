@@ -6,18 +6,12 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
-#include <system_error>
 #include <utility>
 
 #include "common/errors.hpp"
 
 namespace dravo {
 namespace {
-
-[[noreturn]] void fail(const std::string& name, const char* action) {
-  const int reason = errno;
-  throw IoFailure(name + ": cannot " + action + ": " + std::generic_category().message(reason));
-}
 
 class DescriptorSink : public ByteSink {
  public:
@@ -29,7 +23,7 @@ class DescriptorSink : public ByteSink {
       const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
       if (written < 0) {
         if (errno == EINTR) continue;
-        fail(name_, "write");
+        throw_system_failure(name_, "write");
       }
       bytes.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -45,7 +39,7 @@ class FileSink final : public DescriptorSink {
   /// `name` is the file that a reader of a later message knows.
   FileSink(const std::string& path, const std::string& name)
       : DescriptorSink(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666), name) {
-    if (descriptor_ < 0) fail(path, "open for writing");
+    if (descriptor_ < 0) throw_system_failure(path, "open for writing");
   }
   FileSink(const FileSink&) = delete;
   FileSink& operator=(const FileSink&) = delete;
@@ -54,7 +48,8 @@ class FileSink final : public DescriptorSink {
   }
 
   void close() override {
-    if (descriptor_ >= 0 && ::close(std::exchange(descriptor_, -1)) != 0) fail(name_, "write");
+    if (descriptor_ >= 0 && ::close(std::exchange(descriptor_, -1)) != 0)
+      throw_system_failure(name_, "write");
   }
 };
 
@@ -70,7 +65,8 @@ void WorkingDirectory::replace(const std::string& name, std::string_view content
   try {
     file.write(contents);
     file.close();
-    if (std::rename(unfinished.c_str(), name.c_str()) != 0) fail(name, "put in place");
+    if (std::rename(unfinished.c_str(), name.c_str()) != 0)
+      throw_system_failure(name, "put in place");
   } catch (const IoFailure&) {
     ::unlink(unfinished.c_str());
     throw;

@@ -202,6 +202,24 @@ std::string fixed_text(double value, int decimals) {
   return text;
 }
 
+void append_shortest(std::string& record, double value) {
+  std::array<char, 32> digits;
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  record.append(digits.data(), end);
+}
+
+void append_shortest(std::string& record, std::int64_t value) {
+  std::array<char, 32> digits;
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  record.append(digits.data(), end);
+}
+
+std::string shortest_text(double value) {
+  std::string text;
+  append_shortest(text, value);
+  return text;
+}
+
 void append_fixed_field(std::string& record, double value, int width, int decimals) {
   if (!std::isfinite(value)) {
     append_right_aligned(record, name_of_non_finite(value), width);

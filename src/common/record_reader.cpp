@@ -27,8 +27,6 @@ bool is_plain_label(std::string_view text) {
   return digits.empty() || !text.starts_with('*');
 }
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
 std::string words(const Expected& expected) {
   std::string text(expected.what);
   if (expected.atom > 0) text += " of atom " + std::to_string(expected.atom);
@@ -154,8 +152,7 @@ std::string RecordReader::note_on(std::size_t line_end, const char* fault) const
 }
 
 std::string RecordReader::note() const {
-  if (text_.starts_with(kByteOrderMark))
-    return "the file begins with a UTF-8 byte-order mark; save it without one";
+  if (text_.starts_with(kByteOrderMark)) return kByteOrderMarkFault;
   if (short_line_end_) return note_on(*short_line_end_, " has too few items");
   const auto is_last = [&](std::size_t line_end) {
     return text_.find_first_not_of(kBlanksAndLineEnds, line_end) == std::string_view::npos;

@@ -8,6 +8,11 @@
 
 namespace dravo {
 
+/// What some editors put before a text, and what to say of it where it is not wanted.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+inline constexpr auto kByteOrderMarkFault =
+    "the file begins with a UTF-8 byte-order mark; save it without one";
+
 /// Text of a message: every character of the input takes one column of it.
 struct ColumnText {
   std::string text;

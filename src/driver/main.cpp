@@ -1,12 +1,11 @@
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <exception>
 #include <string>
 
 #include "common/errors.hpp"
 #include "common/output_folder.hpp"
+#include "common/standard_streams.hpp"
 #include "driver/input_reader.hpp"
 #include "driver/run.hpp"
 
@@ -14,16 +13,6 @@ namespace {
 
 constexpr int kDone = 0;
 constexpr int kInputOutputFailure = 2;
-
-/// Whoever reads the screen may go away, or may never have been there, and a file may reach the
-/// size that the user is allowed: each must end as a failed write, not by a signal, and not with
-/// screen output in a file that took the free descriptor.
-void secure_standard_streams() {
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-    if (::fcntl(stream, F_GETFD) == -1) ::open("/dev/null", O_RDONLY);
-}
 
 void run_in_working_directory(dravo::RunUnits& units) {
   try {
@@ -46,7 +35,7 @@ void finish_after_failure(dravo::RunUnits& units) {
 }  // namespace
 
 int main() {
-  secure_standard_streams();
+  dravo::secure_standard_streams();
   const auto screen = dravo::sink_to_descriptor(STDOUT_FILENO, "standard output");
   const auto messages = dravo::sink_to_descriptor(STDERR_FILENO, "standard error");
   dravo::WorkingDirectory folder;

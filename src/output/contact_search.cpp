@@ -125,7 +125,7 @@ std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
     const auto first = static_cast<std::ptrdiff_t>(contacts.size());
     molecule2.visit_around(cell_of(p), [&](std::int32_t k) {
       const double distance = modulus(p - final_coo_and_m.position(k));
-      if (distance <= kShortDistance) contacts.push_back({i, k, distance});
+      if (is_short_contact(distance)) contacts.push_back({i, k, distance});
     });
     std::sort(contacts.begin() + first, contacts.end(),
               [](const ShortContact& a, const ShortContact& b) { return a.atom2 < b.atom2; });

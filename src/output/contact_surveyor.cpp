@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include "output/short_contacts.hpp"
 
@@ -20,7 +21,7 @@ constexpr double kSurelyNotShort = kShortDistance * kShortDistance * (1.0 + kMar
 
 bool is_short(double squared_distance) {
   if (squared_distance < kSurelyShort) return true;
-  return squared_distance <= kSurelyNotShort && half_power(squared_distance) <= kShortDistance;
+  return squared_distance <= kSurelyNotShort && is_short_contact(half_power(squared_distance));
 }
 
 double square(double x) { return x * x; }
@@ -37,15 +38,22 @@ double last_crossing(const Vec3& offset, const Vec3& direction, double reach) {
 
 ContactSurveyor::ContactSurveyor(std::span<const Vec3> molecule2)
     : atoms_(molecule2.begin(), molecule2.end()) {
-  divide(0, atoms_.size());
+  std::vector<std::pair<std::size_t, std::size_t>> stretches{{0, atoms_.size()}};
+  while (!stretches.empty()) {
+    const auto [begin, end] = stretches.back();
+    stretches.pop_back();
+    if (end - begin <= kAtomsOfGroup) {
+      if (begin < end) add_group(begin, end);
+      continue;
+    }
+    const std::size_t middle = halve(begin, end);
+    stretches.emplace_back(begin, middle);
+    stretches.emplace_back(middle, end);
+  }
 }
 
-/// Halves along the longest edge of the box until the groups are small.
-void ContactSurveyor::divide(std::size_t begin, std::size_t end) {
-  if (end - begin <= kAtomsOfGroup) {
-    if (begin < end) add_group(begin, end);
-    return;
-  }
+/// Sorts the atoms to both sides of the middle of the longest edge of their box.
+std::size_t ContactSurveyor::halve(std::size_t begin, std::size_t end) {
   const auto first = atoms_.begin() + static_cast<std::ptrdiff_t>(begin);
   const auto last = atoms_.begin() + static_cast<std::ptrdiff_t>(end);
   double Vec3::*longest = &Vec3::x;
@@ -59,11 +67,10 @@ void ContactSurveyor::divide(std::size_t begin, std::size_t end) {
       longest = axis;
     }
   }
-  const std::size_t middle = begin + (end - begin) / 2;
-  std::nth_element(first, atoms_.begin() + static_cast<std::ptrdiff_t>(middle), last,
+  const auto middle = first + (last - first) / 2;
+  std::nth_element(first, middle, last,
                    [&](const Vec3& a, const Vec3& b) { return a.*longest < b.*longest; });
-  divide(begin, middle);
-  divide(middle, end);
+  return static_cast<std::size_t>(middle - atoms_.begin());
 }
 
 void ContactSurveyor::add_group(std::size_t begin, std::size_t end) {

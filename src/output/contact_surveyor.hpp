@@ -37,7 +37,7 @@ class ContactSurveyor {
     double radius;
   };
 
-  void divide(std::size_t begin, std::size_t end);
+  std::size_t halve(std::size_t begin, std::size_t end);
   void add_group(std::size_t begin, std::size_t end);
 
   std::vector<Vec3> atoms_;

@@ -14,13 +14,16 @@ namespace dravo {
 /// The longest distance of a short contact, Angstrom.
 inline constexpr double kShortDistance = widened(1.9F);
 
+inline bool is_short_contact(double distance) { return distance <= kShortDistance; }
+
 struct ShortContact {
   std::int32_t atom1;  ///< row of an atom of molecule 1
   std::int32_t atom2;  ///< row of an atom of molecule 2
   double distance;     ///< Angstrom
 };
 
-/// Every intermolecular pair at `kShortDistance` or less, ordered by the atoms of molecule 1, then of molecule 2.
+/// Every intermolecular pair at `kShortDistance` or less, ordered by the atoms of molecule 1, then
+/// of molecule 2.
 std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
                                               const MoleculeSplit& split);
 

@@ -178,11 +178,11 @@ void remark_on_position(const UserParameters& p, std::vector<std::string>& remar
 }  // namespace
 
 Identification identify(const Pair& pair) {
-  auto molecules = identify_molecules(pair);
+  const auto molecules = identify_molecules(pair);
   const OwnedTable given = table_of(pair);
   const auto found = find_parameters(given.table(), pair.split);
   if (!found) throw no_rotation_found();
-  return {found->parameters, found->deviation, std::move(molecules)};
+  return {found->parameters, found->deviation, molecules};
 }
 
 std::vector<NudgedParameter> nudged_in_a_build(const UserParameters& degrees) {

@@ -1,17 +1,12 @@
 #include "pairs/parameters.hpp"
 
 #include <algorithm>
-#include <string_view>
 
+#include "common/text.hpp"
 #include "driver/output_names.hpp"
 
 namespace dravo {
 namespace {
-
-std::string_view without_blanks_around(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-  return text.substr(0, text.find_last_not_of(' ') + 1);
-}
 
 ParameterName name_of(double UserParameters::*value) {
   return *std::find_if(kParameterNames.begin(), kParameterNames.end(),
@@ -22,9 +17,9 @@ ParameterName name_of(double UserParameters::*value) {
 
 std::optional<ParameterComplaint> complaint_about(const UserParameters& degrees) {
   if (const auto fault = find_range_fault(degrees)) {
-    std::string sentence(without_blanks_around(fault->message));
+    std::string sentence(trimmed(fault->message));
     sentence.append(sentence.ends_with('.') || sentence.ends_with('!') ? " " : ". ");
-    sentence.append(without_blanks_around(fault->allowed));
+    sentence.append(trimmed(fault->allowed));
     return ParameterComplaint{name_of(fault->parameter), sentence};
   }
   if (!fits_names(degrees.r))

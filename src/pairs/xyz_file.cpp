@@ -294,10 +294,7 @@ void XyzReader::refuse_end(const std::string& expected) const {
 }
 
 XyzFrame XyzReader::read(std::int32_t wanted) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (text_.starts_with(kByteOrderMark))
-    refuse({0, kByteOrderMark.size()},
-           "the file begins with a UTF-8 byte-order mark; save it without one");
+  if (text_.starts_with(kByteOrderMark)) refuse({0, kByteOrderMark.size()}, kByteOrderMarkFault);
   XyzFrame frame;
   do {
     ++frame.frames;

@@ -4,7 +4,9 @@
 #include <cmath>
 
 #include "common/number_text.hpp"
+#include "common/record_format.hpp"
 #include "common/shown_text.hpp"
+#include "common/text.hpp"
 
 namespace dravo {
 namespace {
@@ -24,26 +26,9 @@ double decimal_unit_of(std::string_view number) {
 
 }  // namespace
 
-std::string_view trimmed(std::string_view text) {
-  const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-  const std::size_t end = text.find_last_not_of(" \t") + 1;
-  return text.substr(begin, std::max(end, begin) - begin);
-}
-
-std::vector<std::string_view> parts_between(std::string_view text, char separator) {
-  std::vector<std::string_view> parts;
-  while (true) {
-    const std::size_t end = text.find(separator);
-    parts.push_back(trimmed(text.substr(0, end)));
-    if (end == std::string_view::npos) return parts;
-    text.remove_prefix(end + 1);
-  }
-}
-
 double number_in(const PlanWord& word, std::string_view text) {
-  const auto value = parse_real(text);
-  if (!value || !std::isfinite(*value))
-    word.refuse(text, "expected a number or start:stop:step, found " + quoted(text));
+  const auto value = parse_plain_real(text);
+  if (!value) word.refuse(text, "expected a number or start:stop:step, found " + quoted(text));
   return *value;
 }
 
@@ -72,7 +57,8 @@ void Axis::add(const PlanWord& word, std::string_view text) {
   const double steps = std::floor((stop - start) / step + kReached);
   if (step == 0.0 || steps < 0.0)
     word.refuse(text, "the steps of " + quoted(text) + " do not lead from start to stop");
-  if (!(steps < kMostValues)) word.refuse(text, quoted(text) + " has too many values");
+  if (!(steps + static_cast<double>(size_) < kMostValues))
+    word.refuse(text, quoted(text) + " has too many values");
   const double unit_of_start = decimal_unit_of(parts[0]), unit_of_step = decimal_unit_of(parts[2]);
   const bool decimal = unit_of_start > 0.0 && unit_of_step > 0.0;
   const auto count = static_cast<std::int64_t>(steps) + 1;
@@ -87,6 +73,21 @@ double Axis::at(std::int64_t i) const {
       [](std::int64_t index, const Segment& segment) { return index < segment.first; });
   const Segment& segment = *(after - 1);
   return segment.at(i - segment.first);
+}
+
+std::string Axis::description() const {
+  std::string text;
+  for (const Segment& segment : segments_) {
+    if (!text.empty()) text += ", ";
+    append_shortest(text, segment.start);
+    if (segment.count == 1) continue;
+    text += ':';
+    append_shortest(text, segment.at(segment.count - 1));
+    text += ':';
+    append_shortest(text, segment.step);
+    if (segment.decimal_unit == 0.0) text += " unrounded";
+  }
+  return text;
 }
 
 }  // namespace dravo

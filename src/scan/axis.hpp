@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "scan/plan_keys.hpp"
@@ -37,6 +39,9 @@ class Axis {
   };
   [[nodiscard]] const std::vector<Segment>& segments() const { return segments_; }
 
+  /// The same for axes of the same values, however they were written.
+  [[nodiscard]] std::string description() const;
+
  private:
   void add(const PlanWord& word, std::string_view text);
 
@@ -46,11 +51,5 @@ class Axis {
 
 /// The finite number that stands in a part of a word; throws IoFailure for anything else.
 double number_in(const PlanWord& word, std::string_view text);
-
-/// Without the blanks around it.
-std::string_view trimmed(std::string_view text);
-
-/// The parts of a text between separators, blanks taken off; one part for a text without any.
-std::vector<std::string_view> parts_between(std::string_view text, char separator);
 
 }  // namespace dravo

@@ -9,8 +9,6 @@
 #include "common/output_folder.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
-#include "pairs/parameters.hpp"
-#include "pairs/refusal.hpp"
 
 namespace dravo {
 namespace {
@@ -26,6 +24,14 @@ UserParameters applied_parameters(const Placement& placement, const UserParamete
   applied.beta = radians.beta * kDegreesPerRadian;
   applied.gamma = radians.gamma * kDegreesPerRadian;
   return applied;
+}
+
+/// The touching distance rounded up to a millionth of an Angstrom, so that rounding does not decide
+/// whether a pose that touches has a short contact: it has none. The sum without a tail of digits.
+double distance_beyond(double touching, double distance) {
+  constexpr double kMillion = 1e6;
+  constexpr double kBillion = 1e9;
+  return std::round((std::ceil(touching * kMillion) / kMillion + distance) * kBillion) / kBillion;
 }
 
 bool is_wanted(ContactRule rule, bool has_contacts) {
@@ -66,9 +72,7 @@ void ChunkMaker::make_pose(std::int64_t index, const UserParameters& asked, Chun
   ScannedPose pose{index, asked.r, asked, {}, {}};
   UserParameters radians = prepare_parameters(asked, screen_);
   if (plan_->above_contact()) {
-    pose.asked.r = placer_->touching_distance(radians) + pose.above_contact;
-    if (const auto complaint = complaint_about(pose.asked))
-      throw Refusal("pose " + std::to_string(index) + ": " + complaint->sentence);
+    pose.asked.r = distance_beyond(placer_->touching_distance(radians), pose.above_contact);
     radians.r = pose.asked.r;
   }
   const Placement placement = placer_->place(radians, placed_.table());
@@ -101,6 +105,7 @@ void ChunkMaker::write_files(const ScannedPose& pose, const UserParameters& radi
   number.insert(0, digits.size() - number.size(), '0');
   const std::string folder = output_->pose_folder + "/" + number;
   std::error_code failure;
+  std::filesystem::remove_all(folder, failure);  // what a run before a kill left, or other poses
   std::filesystem::create_directories(folder, failure);
   if (failure) throw IoFailure(folder + ": cannot make the folder: " + failure.message());
   WorkingDirectory files_of_pose;

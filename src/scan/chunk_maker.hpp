@@ -43,8 +43,7 @@ class ChunkMaker {
  public:
   ChunkMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output);
 
-  /// Poses `first` to before `end`, from 0, into `chunk`, whose memory is used again. Throws
-  /// Refusal for a pose that `qn-dravo` would refuse.
+  /// Poses `first` to before `end`, from 0, into `chunk`, whose memory is used again.
   void make(std::int64_t first, std::int64_t end, Chunk& chunk);
 
  private:

@@ -10,7 +10,8 @@
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/record_reader.hpp"
-#include "scan/scan_files.hpp"
+#include "scan/progress_file.hpp"
+#include "scan/result_files.hpp"
 
 namespace dravo {
 namespace {
@@ -21,6 +22,7 @@ namespace fs = std::filesystem;
 std::optional<Shard> shard_of(std::string_view file, std::string_view name,
                               std::string_view ending) {
   constexpr std::string_view kOf = "-of-";
+  const std::string_view whole = file;
   if (!file.starts_with(name) || !file.ends_with(ending)) return std::nullopt;
   file.remove_suffix(ending.size());
   file.remove_prefix(name.size());
@@ -28,8 +30,10 @@ std::optional<Shard> shard_of(std::string_view file, std::string_view name,
   if (!file.starts_with('-') || of == std::string_view::npos) return std::nullopt;
   const auto number = parse_integer(file.substr(1, of - 1));
   const auto parts = parse_integer(file.substr(of + kOf.size()));
-  if (!number || !parts || *number < 1 || *parts < 1) return std::nullopt;
-  return Shard{*number, *parts};
+  if (!number || !parts || *number < 1 || *number > *parts) return std::nullopt;
+  const Shard shard{*number, *parts};
+  const bool spelt_so = shard.name(std::string(name)).append(ending) == whole;  // not 01 for 1
+  return spelt_so ? std::optional(shard) : std::nullopt;
 }
 
 /// Parts that have a file with this ending, in order.
@@ -49,52 +53,46 @@ std::vector<Shard> shards_with(const std::string& name, std::string_view ending)
   return shards;
 }
 
-std::string list(const std::vector<std::string>& names) {
-  constexpr std::size_t kMost = 10;
+/// The parts that lack their record, the first ten of them.
+std::string missing_parts(const std::string& name, const std::vector<Shard>& shards) {
+  constexpr std::int64_t kMostNamed = 10;
+  const std::int64_t of = shards.front().of;
+  const std::int64_t missing = of - static_cast<std::int64_t>(shards.size());
   std::string text;
-  for (std::size_t k = 0; k < std::min(names.size(), kMost); ++k)
-    text.append(text.empty() ? "" : ", ").append(names[k]);
-  return names.size() > kMost ? text + " and " + std::to_string(names.size() - kMost) + " more"
-                              : text;
+  std::int64_t named = 0;
+  auto next = shards.begin();
+  for (std::int64_t number = 1; named < std::min(missing, kMostNamed); ++number) {
+    if (next != shards.end() && next->number == number) {
+      ++next;
+      continue;
+    }
+    text.append(text.empty() ? "" : ", ").append(Shard{number, of}.name(name));
+    ++named;
+  }
+  return missing > named ? text + " and " + std::to_string(missing - named) + " more" : text;
 }
 
 void require_all(const std::string& name, const std::vector<Shard>& shards) {
   if (shards.empty()) throw IoFailure(name + ": found no finished part " + name + "-I-of-N.json");
-  const std::int64_t of = shards.front().of;
-  if (shards.back().of != of)
+  if (shards.front().of != shards.back().of)
     throw IoFailure(name + ": parts of different divisions: " + shards.front().name(name) +
                     " and " + shards.back().name(name));
-  std::vector<std::string> missing;
-  auto next = shards.begin();
-  for (std::int64_t number = 1; number <= of; ++number) {
-    if (next != shards.end() && next->number == number)
-      ++next;
-    else
-      missing.push_back(Shard{number, of}.name(name));
-  }
-  if (!missing.empty()) throw IoFailure(name + ": missing or unfinished parts: " + list(missing));
+  const std::string missing = missing_parts(name, shards);
+  if (!missing.empty()) throw IoFailure(name + ": missing or unfinished parts: " + missing);
 }
 
-/// The record of a part, once its results are seen to be those that it tells of.
-ScanRecord checked_record(const std::string& name, const Shard& shard, const ScanRecord* first) {
-  const std::string part = shard.name(name);
-  const std::string file = part + kRecordEnding;
-  const ScanRecord record = parse_record(file, read_file(file));
-  ScanRecord expected = first == nullptr ? record : *first;
-  expected.shard = shard;
-  const std::string differs = difference(expected, record);
-  if (!differs.empty()) throw IoFailure(file + ": is of another scan: " + differs);
-  const auto require_size = [](const std::string& result, std::int64_t bytes) {
-    std::error_code failure;
-    const auto size = fs::file_size(result, failure);
-    if (failure) throw IoFailure(result + ": cannot read: " + failure.message());
-    if (size != static_cast<std::uintmax_t>(bytes))
-      throw IoFailure(result + ": expected " + std::to_string(bytes) + " bytes, found " +
-                      std::to_string(size));
-  };
-  if (record.with_frames()) require_size(part + kFramesEnding, record.frame_bytes);
-  require_size(part + kTableEnding, record.table_bytes);
-  return record;
+/// The records of all parts, once their results are seen to be those that they tell of.
+std::vector<ScanRecord> checked_records(const std::string& name, const std::vector<Shard>& shards) {
+  std::vector<ScanRecord> records;
+  records.reserve(shards.size());
+  for (const Shard& shard : shards) {
+    const std::string part = shard.name(name);
+    records.push_back(finished_record(part));
+    ScanRecord expected = records.front();
+    expected.shard = shard;
+    require_same_origin(part + kRecordEnding, expected, records.back());
+  }
+  return records;
 }
 
 /// Hands on the bytes of a file from `begin` on.
@@ -124,9 +122,10 @@ std::int64_t heading_bytes(const std::string& table) {
 ScanRecord merge_shards(const std::string& name, bool overwrite) {
   const std::vector<Shard> shards = shards_with(name, kRecordEnding);
   require_all(name, shards);
-  std::vector<ScanRecord> records;
-  for (const Shard& shard : shards)
-    records.push_back(checked_record(name, shard, records.empty() ? nullptr : &records.front()));
+  const std::vector<ScanRecord> records = checked_records(name, shards);
+  const ProgressFile held(name);
+  if (!held.empty())
+    throw IoFailure(held.name() + ": is of an unfinished scan of that name; finish or remove it");
   if (overwrite)
     remove_earlier_results(name);
   else

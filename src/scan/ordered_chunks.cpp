@@ -6,6 +6,7 @@
 #include <exception>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -36,8 +37,7 @@ class OrderedChunks {
   void deliver(std::int64_t number, Chunk&& chunk) {
     std::unique_lock lock(mutex_);
     slot(number) = std::move(chunk);
-    if (taking_) return;
-    taking_ = true;
+    // The slot of a chunk that somebody takes is empty, and nobody else comes past it.
     while (slot(next_to_take_) && !failure_) {
       Chunk next = std::move(*slot(next_to_take_));
       slot(next_to_take_).reset();
@@ -48,7 +48,6 @@ class OrderedChunks {
       spare_.push_back(std::move(next));
       changed_.notify_all();
     }
-    taking_ = false;
   }
 
   void fail(std::exception_ptr failure) {
@@ -73,7 +72,6 @@ class OrderedChunks {
   std::condition_variable changed_;
   std::int64_t next_to_make_ = 0;
   std::int64_t next_to_take_ = 0;
-  bool taking_ = false;
   std::vector<Chunk> spare_;
   std::exception_ptr failure_;
 };
@@ -100,8 +98,12 @@ void make_chunks(const ChunkJob& job, const std::function<ChunkMaker()>& new_mak
   OrderedChunks chunks((job.end - job.first + job.size - 1) / job.size, job.threads, take);
   {
     std::vector<std::jthread> others;
-    for (int k = 1; k < job.threads; ++k)
-      others.emplace_back([&] { work(job, new_maker, chunks); });
+    try {
+      for (int k = 1; k < job.threads; ++k)
+        others.emplace_back([&] { work(job, new_maker, chunks); });
+    } catch (const std::system_error&) {
+      // The system gives no more threads: those that run do the work.
+    }
     work(job, new_maker, chunks);
   }
   chunks.rethrow();

@@ -1,10 +1,12 @@
 #include "scan/pair_placer.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "common/errors.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
+#include "output/short_contacts.hpp"
 #include "pairs/discard.hpp"
 #include "pairs/principal_frames.hpp"
 
@@ -63,6 +65,16 @@ double PairPlacer::touching_distance(const UserParameters& radians) const {
   turned.reserve(offsets_.size());
   for (const Vec3& offset : offsets_) turned.push_back(turn * offset);
   return surveyor_.touching_distance(turned, cartesian({1.0, radians.theta, radians.phi}));
+}
+
+double PairPlacer::longest_touching_distance() const {
+  const auto farthest = [](const std::vector<Vec3>& points) {
+    double distance = 0.0;
+    for (const Vec3& point : points) distance = std::max(distance, modulus(point));
+    return distance;
+  };
+  const auto molecule2 = positions(analysed_.parallel.table(), split_.molecule2(), {});
+  return farthest(offsets_) + farthest(molecule2) + kShortDistance;
 }
 
 }  // namespace dravo

@@ -38,6 +38,9 @@ class PairPlacer {
   /// way from afar; zero when it has none on the way. The r of `radians` is not looked at.
   [[nodiscard]] double touching_distance(const UserParameters& radians) const;
 
+  /// No touching distance is longer.
+  [[nodiscard]] double longest_touching_distance() const;
+
  private:
   MoleculeSplit split_;
   std::vector<Label> labels_;

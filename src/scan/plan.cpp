@@ -8,6 +8,7 @@
 
 #include "common/errors.hpp"
 #include "common/shown_text.hpp"
+#include "common/text.hpp"
 #include "pairs/parameters.hpp"
 #include "scan/fingerprint.hpp"
 #include "scan/random_pose.hpp"
@@ -28,7 +29,6 @@ void refuse_unknown_keys(const PlanKeys& keys) {
   for (const auto& [key, words] : keys) {
     const bool known = is_parameter(key) ||
                        std::find(kOtherKeys.begin(), kOtherKeys.end(), key) != kOtherKeys.end();
-    if (words.empty()) throw IoFailure(key + ": expected a value, found an empty list");
     if (!known) words[0].refuse("a plan has no key " + quoted(key));
   }
 }
@@ -84,17 +84,13 @@ void check_range(const Axis& axis, const ParameterName& parameter) {
     }
 }
 
-/// As typed, or its fingerprint where it is long.
-std::string description_of(const std::vector<PlanWord>& words) {
+/// The text, or its fingerprint where it is long.
+std::string shortened(const std::string& text) {
   constexpr std::size_t kLongest = 200;
-  std::string text;
-  Fingerprint fingerprint;
-  for (const PlanWord& word : words) {
-    text.append(text.empty() ? "" : ", ").append(trimmed(word.text));
-    fingerprint.add(word.text);
-  }
   if (text.size() <= kLongest) return text;
-  return std::to_string(words.size()) + " values, " + std::to_string(fingerprint.value());
+  Fingerprint fingerprint;
+  fingerprint.add(text);
+  return std::to_string(text.size()) + " characters, " + std::to_string(fingerprint.value());
 }
 
 constexpr std::string_view kContact = "contact";
@@ -105,7 +101,7 @@ ScanPlan::ScanPlan(const PlanKeys& keys) {
   refuse_unknown_keys(keys);
   read_sampling(keys);
   read_axes(keys);
-  count_poses(keys);
+  count_poses();
   if (const PlanWord* rule = single(keys, "contacts")) contacts_ = choice(*rule, kContactRules);
   if (const PlanWord* files = single(keys, "files")) files_ = choice(*files, kTruth);
   description_["contacts"] = kContactRules[static_cast<std::size_t>(contacts_)].first;
@@ -120,7 +116,8 @@ void ScanPlan::read_sampling(const PlanKeys& keys) {
   if (seed != nullptr && random == nullptr) seed->refuse("a seed is for random poses alone");
   if (zip != nullptr) {
     sampling_ = Sampling::zipped;
-    zipped_ = std::make_shared<const ZippedList>(zip->path());
+    zip_file_ = zip->path();
+    zipped_ = std::make_shared<const ZippedList>(zip_file_);
     description_["zip"] =
         std::to_string(zipped_->size()) + " rows, " + std::to_string(zipped_->fingerprint());
   }
@@ -147,9 +144,10 @@ void ScanPlan::read_axes(const PlanKeys& keys) {
     if (words == nullptr && needed)
       missing.append(missing.empty() ? "" : ", ").append(parameter.name);
     if (words == nullptr || !needed) continue;
-    description_[parameter.name] = description_of(*words);
     axes_[k] = Axis(k == 0 ? without_contact(*words) : *words);
     check_range(axes_[k], parameter);
+    const std::string from = k == 0 && above_contact_ ? "contact + " : "";
+    description_[parameter.name] = shortened(from + axes_[k].description());
   }
   if (!missing.empty())
     throw IoFailure("the plan lacks " + missing +
@@ -172,14 +170,13 @@ std::vector<PlanWord> ScanPlan::without_contact(std::vector<PlanWord> words) {
   return words;
 }
 
-void ScanPlan::count_poses(const PlanKeys& keys) {
+void ScanPlan::count_poses() {
   poses_ = sampling_ == Sampling::zipped ? zipped_->size() : 1;
   if (sampling_ == Sampling::random) poses_ = directions_;
   for (const Axis& axis : axes_) {
     const std::int64_t values = std::max<std::int64_t>(axis.size(), 1);
     if (poses_ > kMostPoses / values)
-      keys.begin()->second[0].refuse("the plan has more than " + std::to_string(kMostPoses) +
-                                     " poses");
+      throw IoFailure("the plan has more than " + std::to_string(kMostPoses) + " poses");
     poses_ *= values;
   }
 }
@@ -224,6 +221,13 @@ void ScanPlan::fill_random(std::int64_t first, std::span<UserParameters> poses) 
     filled.r = axes_[0].at(index / directions_);
     ++index;
   }
+}
+
+double ScanPlan::longest_r() const {
+  double longest = 0.0;
+  for (const Axis::Segment& segment : axes_[0].segments())
+    longest = std::max({longest, segment.at(0), segment.at(segment.count - 1)});
+  return longest;
 }
 
 }  // namespace dravo

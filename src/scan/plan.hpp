@@ -36,6 +36,12 @@ class ScanPlan {
   /// r counts from the first contact of the direction and orientation.
   [[nodiscard]] bool above_contact() const { return above_contact_; }
 
+  /// The largest r of a grid or of random poses, from wherever it counts.
+  [[nodiscard]] double longest_r() const;
+
+  /// The file of a zipped list; empty for other plans.
+  [[nodiscard]] const std::string& zip_file() const { return zip_file_; }
+
   [[nodiscard]] ContactRule contacts() const { return contacts_; }
 
   /// Whether each pose gets files of its own, as `qn-dravo` writes them.
@@ -55,7 +61,7 @@ class ScanPlan {
   void read_sampling(const PlanKeys& keys);
   void read_axes(const PlanKeys& keys);
   [[nodiscard]] std::vector<PlanWord> without_contact(std::vector<PlanWord> words);
-  void count_poses(const PlanKeys& keys);
+  void count_poses();
   void fill_grid(std::int64_t first, std::span<UserParameters> poses) const;
   void fill_random(std::int64_t first, std::span<UserParameters> poses) const;
 
@@ -63,6 +69,7 @@ class ScanPlan {
   std::array<Axis, 6> axes_;  ///< r to gamma
   bool above_contact_ = false;
   std::shared_ptr<const ZippedList> zipped_;
+  std::string zip_file_;
   std::int64_t directions_ = 0;
   std::uint64_t seed_ = 0;
   ContactRule contacts_ = ContactRule::keep;

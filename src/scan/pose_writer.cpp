@@ -1,8 +1,6 @@
 #include "scan/pose_writer.hpp"
 
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <string_view>
 
@@ -14,14 +12,6 @@ namespace {
 /// Decimals of lengths and of angles in degrees.
 constexpr int kLength = 8;
 constexpr int kAngle = 6;
-
-/// The shortest text that reads back as the same number.
-template <class Number>
-void append_shortest(std::string& text, Number value) {
-  std::array<char, 32> digits;
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-  text.append(digits.data(), end);
-}
 
 struct Column {
   std::string_view name;
@@ -88,7 +78,7 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
 
 void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
                               const AtomTable& placed) const {
-  append_shortest(frames, labels_.size());
+  append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
   frames += "\nProperties=species:S:1:pos:R:3";
   for (const Column& column : kPoseColumns) {
     if (column.only_above_contact && !above_contact_) continue;

@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "common/errors.hpp"
+#include "common/record_format.hpp"
+#include "common/shown_text.hpp"
+#include "driver/output_names.hpp"
 #include "scan/ordered_chunks.hpp"
 #include "scan/pair_placer.hpp"
 
@@ -25,34 +29,63 @@ ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
   return {ScanOutput::Kind::frames, ""};
 }
 
+bool exists(const std::string& name) {
+  std::error_code ignored;  // whatever it is, writing meets it too
+  return std::filesystem::exists(name, ignored);
+}
+
 /// Files of other poses would stand among the new ones. The parts of a scan share the folder.
-void require_new_folder(const ScanOutput& output, const ScanRequest& request) {
-  const bool begins = request.earlier != Earlier::resume && request.shard.of == 1;
-  if (output.kind == ScanOutput::Kind::files && begins &&
-      std::filesystem::exists(output.pose_folder))
-    throw IoFailure(output.pose_folder +
-                    ": exists already; remove it or choose another name with --output");
+void refuse_earlier_folder(const ScanRequest& request) {
+  const bool begins = request.earlier == Earlier::refuse ||
+                      (request.earlier == Earlier::resume && !has_earlier_scan(request.name));
+  if (begins && !request.part && exists(request.name))
+    throw IoFailure(request.name + ": exists already; remove it, or choose another --output");
+}
+
+/// r counts from the contact, so only the molecules tell how far it reaches.
+void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
+  const double longest = placer.longest_touching_distance() + plan.longest_r();
+  if (plan.above_contact() && !fits_names(longest))
+    throw IoFailure("r may become " + fixed_text(longest, 1) +
+                    " Angstrom, too long for the names of files. Allowed: r<9999.9");
+}
+
+void require_file_name(const std::string& name) {
+  if (std::filesystem::path(name).filename().empty())
+    throw IoFailure("--output: expected the name of a file without ending, found " +
+                    dravo::quoted(name));
 }
 
 ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
-  return {request.shard.first(plan.poses()) + done, request.shard.end(plan.poses()),
-          poses_of_chunk(pair), request.threads};
+  const Shard shard = request.part.value_or(Shard{});
+  return {shard.first(plan.poses()) + done, shard.end(plan.poses()), poses_of_chunk(pair),
+          request.threads};
+}
+
+ScanRecord record_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
+  return {origin_of(pair, plan), plan.poses(), request.part.value_or(Shard{}), {}, 0, 0};
 }
 
 }  // namespace
 
+std::string result_name(const ScanRequest& request) {
+  return request.part ? request.part->name(request.name) : request.name;
+}
+
 ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
   const PairPlacer placer(pair);
+  require_short_enough(placer, plan);
   const ScanOutput output = output_of(plan, request);
-  require_new_folder(output, request);
-  const PoseWriter writer(placer.labels(), plan.above_contact());
-
   std::optional<ScanFiles> files;
-  if (!request.count_only)
-    files.emplace(request.shard.name(request.name),
-                  ScanRecord{origin_of(pair, plan), plan.poses(), request.shard, {}, 0, 0},
-                  writer.table_heading(), request.earlier);
+  if (output.kind != ScanOutput::Kind::counted) {
+    require_file_name(request.name);
+    refuse_inputs_as_results(result_name(request), request.inputs);
+    if (output.kind == ScanOutput::Kind::files) refuse_earlier_folder(request);
+    const PoseWriter writer(placer.labels(), plan.above_contact());
+    files.emplace(result_name(request), record_of(pair, plan, request), writer.table_heading(),
+                  request.earlier);
+  }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(pair, plan, request, totals.poses);
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);

@@ -1,7 +1,9 @@
 /// A scan, or a part of it, from plan to files.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "pairs/pair.hpp"
 #include "scan/plan.hpp"
@@ -15,10 +17,14 @@ struct ScanRequest {
   std::string name = "scan";  ///< of the results, without ending
   bool count_only = false;    ///< nothing is written
   Earlier earlier = Earlier::refuse;
-  Shard shard;
+  std::optional<Shard> part;        ///< the whole scan without it
+  std::vector<std::string> inputs;  ///< files that results must not replace
   int threads = 1;
   Progress::Kind progress = Progress::Kind::none;
 };
+
+/// Of the results, without ending.
+std::string result_name(const ScanRequest& request);
 
 /// Throws Refusal for a pair that cannot be placed, IoFailure when the results cannot be written.
 ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request);

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "common/errors.hpp"
 #include "common/record_format.hpp"
@@ -21,6 +22,14 @@ Json json_of(const ScanTotals& totals) {
           {"shortest_index", totals.shortest_index}};
 }
 
+/// A count of a record.
+std::int64_t whole(const Json& json, const char* key, std::int64_t lowest = 0) {
+  const Json& value = json.at(key);
+  const auto count = value.is_number_integer() ? value.get<std::int64_t>() : lowest - 1;
+  if (count < lowest) throw std::out_of_range(key);
+  return count;
+}
+
 /// JSON has no infinity, which stands for "no pose yet".
 double distance_in(const Json& json) {
   return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
@@ -36,7 +45,7 @@ std::int64_t Shard::first(std::int64_t poses) const {
 std::int64_t Shard::end(std::int64_t poses) const { return Shard{number + 1, of}.first(poses); }
 
 std::string Shard::name(const std::string& scan) const {
-  return of == 1 ? scan : scan + "-" + std::to_string(number) + "-of-" + std::to_string(of);
+  return scan + "-" + std::to_string(number) + "-of-" + std::to_string(of);
 }
 
 bool ScanRecord::with_frames() const {
@@ -77,7 +86,14 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
   return text;
 }
 
+void require_same_origin(const std::string& name, const ScanRecord& earlier,
+                         const ScanRecord& now) {
+  const std::string differs = difference(earlier, now);
+  if (!differs.empty()) throw IoFailure(name + ": is of another scan: " + differs);
+}
+
 std::string sentence_about(const ScanTotals& totals) {
+  if (totals.poses == 0) return "no poses";
   return std::to_string(totals.poses) + " poses, " + std::to_string(totals.with_contacts) +
          " with short contacts, " + std::to_string(totals.written) + " wanted; shortest distance " +
          fixed_text(totals.shortest, 4) + " Angstrom in pose " +
@@ -99,19 +115,17 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
     const Json json = Json::parse(text);
     ScanRecord record;
     json.at("origin").get_to(record.origin);
-    json.at("poses").get_to(record.poses);
-    json.at("shard").get_to(record.shard.number);
-    json.at("shards").get_to(record.shard.of);
+    record.poses = whole(json, "poses");
+    record.shard = {whole(json, "shard", 1), whole(json, "shards", 1)};
     const Json& totals = json.at("totals");
-    totals.at("done").get_to(record.totals.poses);
-    totals.at("written").get_to(record.totals.written);
-    totals.at("with_contacts").get_to(record.totals.with_contacts);
-    record.totals.shortest = distance_in(totals.at("shortest"));
-    totals.at("shortest_index").get_to(record.totals.shortest_index);
-    json.at("frame_bytes").get_to(record.frame_bytes);
-    json.at("table_bytes").get_to(record.table_bytes);
+    record.totals = {whole(totals, "done"), whole(totals, "written"),
+                     whole(totals, "with_contacts"), distance_in(totals.at("shortest")),
+                     whole(totals, "shortest_index")};
+    record.frame_bytes = whole(json, "frame_bytes");
+    record.table_bytes = whole(json, "table_bytes");
+    if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
     return record;
-  } catch (const Json::exception&) {
+  } catch (const std::exception&) {
     throw IoFailure(name + ": expected the record of a scan by dravo, found something else");
   }
 }

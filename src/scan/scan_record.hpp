@@ -19,7 +19,7 @@ struct Shard {
 
   [[nodiscard]] std::int64_t first(std::int64_t poses) const;
   [[nodiscard]] std::int64_t end(std::int64_t poses) const;
-  /// NAME for a scan in one part, NAME-I-of-N for a part.
+  /// NAME-I-of-N.
   [[nodiscard]] std::string name(const std::string& scan) const;
 };
 
@@ -39,8 +39,9 @@ struct ScanRecord {
 /// Pair and plan as `ScanRecord::origin` has them.
 std::map<std::string, std::string> origin_of(const Pair& pair, const ScanPlan& plan);
 
-/// Sentences about every key that differs; empty for the same scan.
-std::string difference(const ScanRecord& earlier, const ScanRecord& now);
+/// Throws IoFailure with every key that differs, unless both are records of the same scan; `name`
+/// is the file of the earlier one.
+void require_same_origin(const std::string& name, const ScanRecord& earlier, const ScanRecord& now);
 
 /// One sentence for people.
 std::string sentence_about(const ScanTotals& totals);

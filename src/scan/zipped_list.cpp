@@ -1,26 +1,33 @@
 #include "scan/zipped_list.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
+#include <utility>
 
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
+#include "common/text.hpp"
 #include "pairs/parameters.hpp"
-#include "scan/axis.hpp"
 #include "scan/fingerprint.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr std::int64_t kRowsOfBlock = 1024;
+constexpr std::int64_t kRowsOfBlock = 256;
+
+void add(const UserParameters& row, Fingerprint& fingerprint) {
+  for (const ParameterName& parameter : kParameterNames) fingerprint.add(row.*parameter.value);
+}
 
 /// The next line that holds more than blanks; false at the end of the file. `number` counts lines.
 bool next_row(std::ifstream& in, std::string& line, std::int64_t& number) {
   while (std::getline(in, line)) {
     ++number;
     if (line.ends_with('\r')) line.pop_back();
+    if (line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
     if (!trimmed(line).empty()) return true;
   }
   return false;
@@ -30,22 +37,26 @@ bool next_row(std::ifstream& in, std::string& line, std::int64_t& number) {
 
 std::ifstream ZippedList::open() const {
   std::ifstream in(file_, std::ios::binary);
-  if (!in) throw IoFailure(file_ + ": cannot read");
+  if (!in) throw_system_failure(file_, "read");
+  std::error_code ignored;  // it could be opened
+  if (!std::filesystem::is_regular_file(file_, ignored))
+    throw IoFailure(file_ + ": expected a file, which can be read more than once");
   return in;
 }
 
-ZippedList::ZippedList(const std::string& file) : file_(file) {
+ZippedList::ZippedList(std::string file) : file_(std::move(file)) {
   std::ifstream in = open();
   std::string line;
   std::int64_t number = 0;
-  Fingerprint rows;
   std::streamoff start = 0;
+  Fingerprint rows;
   for (bool first = true; next_row(in, line, number); first = false) {
-    if (!first || !take_names(line)) {
+    if (!first || !take_names(line, number)) {
       const UserParameters row = parsed(line, number);
       check(row, line, number);
-      for (const ParameterName& parameter : kParameterNames) rows.add(row.*parameter.value);
-      if (size_ % kRowsOfBlock == 0) block_starts_.push_back(start);
+      if (size_ % kRowsOfBlock == 0) blocks_.push_back({start, Fingerprint{}});
+      add(row, blocks_.back().rows);
+      add(row, rows);
       ++size_;
     }
     if (size_ % kRowsOfBlock == 0) start = in.tellg();
@@ -54,13 +65,19 @@ ZippedList::ZippedList(const std::string& file) : file_(file) {
   fingerprint_ = rows.value();
 }
 
-bool ZippedList::take_names(std::string_view line) {
+bool ZippedList::take_names(std::string_view line, std::int64_t number) {
   const std::vector<std::string_view> names = parts_between(line, ',');
-  if (parse_real(names[0])) return false;
+  if (parse_plain_real(names[0])) {
+    if (names.size() != columns_.size())
+      refuse(line, number, line,
+             "expected six numbers, or a first line that names the columns, found " +
+                 std::to_string(names.size()) + " columns");
+    return false;
+  }
   for (std::size_t k = 0; k < kParameterNames.size(); ++k) {
     const auto found = std::find(names.begin(), names.end(), kParameterNames[k].name);
     if (found == names.end())
-      refuse(line, 1, names[0],
+      refuse(line, number, names[0],
              std::string("expected numbers, or the names of columns with ") +
                  kParameterNames[k].name + " among them");
     columns_[k] = static_cast<std::size_t>(found - names.begin());
@@ -76,9 +93,8 @@ UserParameters ZippedList::parsed(std::string_view line, std::int64_t number) co
     if (columns_[k] >= parts.size())
       refuse(line, number, line.substr(line.size()), expected + ", found the end of the line");
     const std::string_view part = parts[columns_[k]];
-    const auto value = parse_real(part);
-    if (!value || !std::isfinite(*value))
-      refuse(line, number, part, expected + " (a number), found " + quoted(part));
+    const auto value = parse_plain_real(part);
+    if (!value) refuse(line, number, part, expected + " (a number), found " + quoted(part));
     row.*kParameterNames[k].value = *value;
   }
   return row;
@@ -103,16 +119,37 @@ void ZippedList::refuse(std::string_view line, std::int64_t number, std::string_
 }
 
 void ZippedList::read(std::int64_t first, std::span<UserParameters> rows) const {
-  const std::int64_t block = first / kRowsOfBlock;
+  const std::int64_t end = first + static_cast<std::int64_t>(rows.size());
+  for (std::int64_t block = first / kRowsOfBlock; block * kRowsOfBlock < end; ++block) {
+    const std::vector<UserParameters> all = read_block(block);
+    const std::int64_t begin_of_block = block * kRowsOfBlock;
+    const std::int64_t from = std::max(first, begin_of_block);
+    const std::int64_t to = std::min(end, begin_of_block + kRowsOfBlock);
+    std::copy(all.begin() + (from - begin_of_block), all.begin() + (to - begin_of_block),
+              rows.begin() + (from - first));
+  }
+}
+
+std::vector<UserParameters> ZippedList::read_block(std::int64_t block) const {
+  const Block& known = blocks_[static_cast<std::size_t>(block)];
   std::ifstream in = open();
-  in.seekg(block_starts_[static_cast<std::size_t>(block)]);
+  in.seekg(known.start);
+  const std::int64_t count = std::min(kRowsOfBlock, size_ - block * kRowsOfBlock);
+  std::vector<UserParameters> rows;
+  Fingerprint fingerprint;
   std::string line;
   std::int64_t number = 0;
-  for (std::int64_t row = block * kRowsOfBlock;
-       row < first + static_cast<std::int64_t>(rows.size()); ++row) {
-    if (!next_row(in, line, number)) throw IoFailure(file_ + ": has changed since it was checked");
-    if (row >= first) rows[static_cast<std::size_t>(row - first)] = parsed(line, number);
+  try {
+    while (static_cast<std::int64_t>(rows.size()) < count && next_row(in, line, number)) {
+      rows.push_back(parsed(line, number));
+      add(rows.back(), fingerprint);
+    }
+  } catch (const IoFailure&) {
+    rows.clear();  // what was read once cannot be read now
   }
+  if (static_cast<std::int64_t>(rows.size()) != count || fingerprint.value() != known.rows.value())
+    throw IoFailure(file_ + ": has changed since it was checked");
+  return rows;
 }
 
 }  // namespace dravo

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "driver/user_parameters.hpp"
+#include "scan/fingerprint.hpp"
 
 namespace dravo {
 
@@ -18,8 +19,8 @@ namespace dravo {
 class ZippedList {
  public:
   /// Checks every row. The first line may name the columns, in any order and with others between
-  /// them; without names there are six, r to gamma. Blank lines are passed over. Throws IoFailure.
-  explicit ZippedList(const std::string& file);
+  /// them; without names each has six, r to gamma. Blank lines are passed over. Throws IoFailure.
+  explicit ZippedList(std::string file);
 
   [[nodiscard]] std::int64_t size() const { return size_; }
 
@@ -31,8 +32,15 @@ class ZippedList {
   void read(std::int64_t first, std::span<UserParameters> rows) const;
 
  private:
+  /// Rows that are read together, and again.
+  struct Block {
+    std::streamoff start;  ///< in the file
+    Fingerprint rows;
+  };
+
   [[nodiscard]] std::ifstream open() const;
-  [[nodiscard]] bool take_names(std::string_view line);
+  [[nodiscard]] std::vector<UserParameters> read_block(std::int64_t block) const;
+  [[nodiscard]] bool take_names(std::string_view line, std::int64_t number);
   [[nodiscard]] UserParameters parsed(std::string_view line, std::int64_t number) const;
   void check(const UserParameters& row, std::string_view line, std::int64_t number) const;
   [[noreturn]] void refuse(std::string_view line, std::int64_t number, std::string_view part,
@@ -42,7 +50,7 @@ class ZippedList {
   std::array<std::size_t, 6> columns_{0, 1, 2, 3, 4, 5};  ///< where r to gamma stand in a row
   std::int64_t size_ = 0;
   std::uint64_t fingerprint_ = 0;
-  std::vector<std::streamoff> block_starts_;  ///< where blocks of rows begin in the file
+  std::vector<Block> blocks_;
 };
 
 }  // namespace dravo
