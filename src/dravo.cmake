@@ -5,11 +5,6 @@ find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
 
 set(DRAVO_TOOLS_SOURCES
-  cli/identify.cpp
-  cli/merge.cpp
-  cli/pair_options.cpp
-  cli/prepare.cpp
-  cli/scan.cpp
   pairs/element_label.cpp
   pairs/fragments.cpp
   pairs/identification.cpp
@@ -38,16 +33,27 @@ set(DRAVO_TOOLS_SOURCES
   scan/zipped_list.cpp)
 list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 
-# dravo_tools_library(name stages): everything but main, on a build of the stages.
+# dravo_tools_library(name stages): pairs and scans, on a build of the stages.
 function(dravo_tools_library name stages)
   add_library(${name} STATIC ${DRAVO_TOOLS_SOURCES})
-  target_link_libraries(${name} PUBLIC ${stages} CLI11::CLI11 nlohmann_json::nlohmann_json
-    Threads::Threads tomlplusplus::tomlplusplus)
+  target_link_libraries(${name} PUBLIC ${stages} nlohmann_json::nlohmann_json Threads::Threads
+    tomlplusplus::tomlplusplus)
 endfunction()
 
 dravo_tools_library(dravo_tools dravo)
-add_executable(dravo-cli src/cli/main.cpp)
-set_target_properties(dravo-cli PROPERTIES
-  OUTPUT_NAME dravo)
-target_link_libraries(dravo-cli PRIVATE dravo_tools)
+
+# Reading options need not be fast, only compiled fast.
+add_library(dravo_cli OBJECT
+  src/cli/identify.cpp
+  src/cli/main.cpp
+  src/cli/merge.cpp
+  src/cli/pair_options.cpp
+  src/cli/prepare.cpp
+  src/cli/scan.cpp)
+target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 nlohmann_json::nlohmann_json)
+target_compile_options(dravo_cli PRIVATE -O1)
+
+add_executable(dravo-cli)
+set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)
+target_link_libraries(dravo-cli PRIVATE dravo_cli dravo_tools)
 install(TARGETS dravo-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

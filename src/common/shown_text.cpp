@@ -113,7 +113,8 @@ std::string shown_place(std::string_view text, std::size_t begin, std::size_t en
   const std::string_view before = last_characters(text.substr(start, begin - start), kShownBefore);
   const std::size_t caret_column = printable(before, kShownBefore).columns;
   const std::size_t carets =
-      printable(text.substr(begin, end - begin), kShownLine - kShownBefore).columns;
+      printable(text.substr(begin, std::min(end, line_end) - begin), kShownLine - kShownBefore)
+          .columns;
   const std::size_t shown_from = begin - before.size();
   std::string shown = printable(text.substr(shown_from, line_end - shown_from), kShownLine).text;
   shown.erase(shown.find_last_not_of(' ') + 1);

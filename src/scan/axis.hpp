@@ -39,7 +39,7 @@ class Axis {
   };
   [[nodiscard]] const std::vector<Segment>& segments() const { return segments_; }
 
-  /// The same for axes of the same values, however they were written.
+  /// The same for the same numbers and ranges, in whatever notation.
   [[nodiscard]] std::string description() const;
 
  private:

@@ -106,7 +106,7 @@ void ChunkMaker::write_files(const ScannedPose& pose, const UserParameters& radi
   const std::string folder = output_->pose_folder + "/" + number;
   std::error_code failure;
   std::filesystem::remove_all(folder, failure);  // what a run before a kill left, or other poses
-  std::filesystem::create_directories(folder, failure);
+  if (!failure) std::filesystem::create_directories(folder, failure);
   if (failure) throw IoFailure(folder + ": cannot make the folder: " + failure.message());
   WorkingDirectory files_of_pose;
   files_of_pose.replace(folder + "/" + files.geometry_name, files.geometry.text());

@@ -95,18 +95,20 @@ void refuse_earlier_results(const std::string& name) {
 }
 
 void remove_earlier_results(const std::string& name) {
-  for (const char* ending : kEndings) ::unlink((name + ending).c_str());
+  // The record first: it must not tell of results that are gone.
+  for (const char* ending : {kRecordEnding, kFramesEnding, kTableEnding})
+    ::unlink((name + ending).c_str());
 }
 
 void refuse_inputs_as_results(const std::string& name, const std::vector<std::string>& inputs) {
+  constexpr std::array<const char*, 7> kWritten{".xyz",  ".xyz.part",  ".csv",     ".csv.part",
+                                                ".json", ".json.part", ".progress"};
   for (const std::string& input : inputs)
-    for (const char* ending : kEndings)
-      for (const std::string_view part : {std::string_view(), kPart}) {
-        const std::string result = std::string(name + ending).append(part);
-        std::error_code ignored;  // what does not exist is not the same
-        if (std::filesystem::equivalent(input, result, ignored))
-          throw IoFailure(input + ": would be replaced by the results; choose another --output");
-      }
+    for (const char* ending : kWritten) {
+      std::error_code ignored;  // what does not exist is not the same
+      if (std::filesystem::equivalent(input, name + ending, ignored))
+        throw IoFailure(input + ": would be replaced by the results; choose another --output");
+    }
 }
 
 }  // namespace dravo

@@ -36,8 +36,7 @@ bool exists(const std::string& name) {
 
 /// Files of other poses would stand among the new ones. The parts of a scan share the folder.
 void refuse_earlier_folder(const ScanRequest& request) {
-  const bool begins = request.earlier == Earlier::refuse ||
-                      (request.earlier == Earlier::resume && !has_earlier_scan(request.name));
+  const bool begins = request.earlier != Earlier::overwrite && !has_earlier_scan(request.name);
   if (begins && !request.part && exists(request.name))
     throw IoFailure(request.name + ": exists already; remove it, or choose another --output");
 }
@@ -48,6 +47,18 @@ void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
   if (plan.above_contact() && !fits_names(longest))
     throw IoFailure("r may become " + fixed_text(longest, 1) +
                     " Angstrom, too long for the names of files. Allowed: r<9999.9");
+}
+
+/// The folders of poses are emptied before they are filled.
+void refuse_inputs_in_folder(const ScanRequest& request) {
+  std::error_code ignored;  // what cannot be found has been refused before
+  const auto folder = std::filesystem::weakly_canonical(request.name, ignored);
+  for (const std::string& input : request.inputs) {
+    const auto inside =
+        std::filesystem::weakly_canonical(input, ignored).lexically_relative(folder);
+    if (!input.empty() && !inside.empty() && *inside.begin() != "..")
+      throw IoFailure(input + ": is in the folder of the results; choose another --output");
+  }
 }
 
 void require_file_name(const std::string& name) {
@@ -81,7 +92,10 @@ ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& reque
   if (output.kind != ScanOutput::Kind::counted) {
     require_file_name(request.name);
     refuse_inputs_as_results(result_name(request), request.inputs);
-    if (output.kind == ScanOutput::Kind::files) refuse_earlier_folder(request);
+    if (output.kind == ScanOutput::Kind::files) {
+      refuse_earlier_folder(request);
+      refuse_inputs_in_folder(request);
+    }
     const PoseWriter writer(placer.labels(), plan.above_contact());
     files.emplace(result_name(request), record_of(pair, plan, request), writer.table_heading(),
                   request.earlier);

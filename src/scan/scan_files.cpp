@@ -30,8 +30,13 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const std::string
     return;
   }
   clear_the_way(earlier);
+  std::vector<ScanRecord> records;
+  if (!progress_->empty()) {
+    records = progress_->records();
+    require_same_origin(progress_->name(), records.front(), plan);
+  }
   results_ = std::make_unique<ResultFiles>(name_, plan.with_frames());
-  if (progress_->empty() || !take_up(plan)) begin(table_heading);
+  if (!take_up(records)) begin(table_heading);
 }
 
 /// The files of an unfinished scan are not in the way of one that goes on with it.
@@ -57,9 +62,7 @@ void ScanFiles::begin(const std::string& table_heading) {
 }
 
 /// From the last record whose bytes have all arrived. False when there is none.
-bool ScanFiles::take_up(const ScanRecord& plan) {
-  const std::vector<ScanRecord> records = progress_->records();
-  require_same_origin(progress_->name(), records.front(), plan);
+bool ScanFiles::take_up(const std::vector<ScanRecord>& records) {
   const auto whole = std::find_if(records.begin(), records.end(),
                                   [&](const ScanRecord& record) { return results_->have(record); });
   if (whole == records.end()) return false;

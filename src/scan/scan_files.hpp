@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "scan/chunk_maker.hpp"
 #include "scan/progress_file.hpp"
@@ -42,7 +43,7 @@ class ScanFiles {
  private:
   void clear_the_way(Earlier earlier);
   void begin(const std::string& table_heading);
-  bool take_up(const ScanRecord& plan);
+  bool take_up(const std::vector<ScanRecord>& records);
   void record_progress();
 
   std::string name_;

@@ -67,13 +67,7 @@ ZippedList::ZippedList(std::string file) : file_(std::move(file)) {
 
 bool ZippedList::take_names(std::string_view line, std::int64_t number) {
   const std::vector<std::string_view> names = parts_between(line, ',');
-  if (parse_plain_real(names[0])) {
-    if (names.size() != columns_.size())
-      refuse(line, number, line,
-             "expected six numbers, or a first line that names the columns, found " +
-                 std::to_string(names.size()) + " columns");
-    return false;
-  }
+  if (parse_plain_real(names[0])) return false;
   for (std::size_t k = 0; k < kParameterNames.size(); ++k) {
     const auto found = std::find(names.begin(), names.end(), kParameterNames[k].name);
     if (found == names.end())
@@ -82,11 +76,16 @@ bool ZippedList::take_names(std::string_view line, std::int64_t number) {
                  kParameterNames[k].name + " among them");
     columns_[k] = static_cast<std::size_t>(found - names.begin());
   }
+  named_ = true;
   return true;
 }
 
 UserParameters ZippedList::parsed(std::string_view line, std::int64_t number) const {
   const std::vector<std::string_view> parts = parts_between(line, ',');
+  if (!named_ && parts.size() != columns_.size())
+    refuse(line, number, line,
+           "expected six numbers, or a first line that names the columns, found " +
+               std::to_string(parts.size()) + " columns");
   UserParameters row;
   for (std::size_t k = 0; k < kParameterNames.size(); ++k) {
     const std::string expected = std::string("expected ") + kParameterNames[k].name;

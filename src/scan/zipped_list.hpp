@@ -48,6 +48,7 @@ class ZippedList {
 
   std::string file_;
   std::array<std::size_t, 6> columns_{0, 1, 2, 3, 4, 5};  ///< where r to gamma stand in a row
+  bool named_ = false;                                    ///< by the first line
   std::int64_t size_ = 0;
   std::uint64_t fingerprint_ = 0;
   std::vector<Block> blocks_;

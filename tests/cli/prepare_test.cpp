@@ -509,6 +509,15 @@ const std::vector<Refused> kBadUsage{
     {"r is the next option",
      {"pair.xyz", "--r", "--phi", "3"},
      "--r: expected a finite number, found \"--phi\"\n" + kUsage},
+    {"r is a range",
+     {"pair.xyz", "--r", "3-4"},
+     "--r: expected a finite number, found \"3-4\"\n" + kUsage},
+    {"no letter of an exponent",
+     {"pair.xyz", "--r", "4", "--theta", "0-180"},
+     "--theta: expected a finite number, found \"0-180\"\n" + kUsage},
+    {"no frame before the first",
+     {"pair.xyz", "--r", "4", "--frame", "0"},
+     "--frame: Value 0 not in range 1 to 2147483647\n" + kUsage},
     {"r is not a number",
      {"pair.xyz", "--r", "nan"},
      "--r: expected a finite number, found \"nan\"\n" + kUsage},
@@ -659,6 +668,49 @@ TEST(UnwritableFolder, IsOneMessageAndStatusTwo) {
             "dravo: /proc/new.xyz.part: cannot open for writing: No such file or directory\n");
 }
 
+// --- a pair that cannot be placed --------------------------------------------------------------
+
+std::string o_near_centre(int molecule) {
+  return "dravo: molecule " + std::to_string(molecule) +
+         " has no unique frame: the centre of its heaviest element, O \\(1 atom\\), lies "
+         "0\\.[0-9]+ Angstrom from the centre of mass, and more than 0\\.1 are needed to give the "
+         "axes a direction\n";
+}
+
+/// It is written all the same: another program may want it, or the user may change it.
+TEST(SymmetricMolecule, IsToldBeforeTheRunStops) {
+  const TemporaryFolder folder;
+  folder.write("water.xyz", xyz(atoms_of("water-dimer", 1, 3)));
+  folder.write("formamide.xyz", xyz(atoms_of("formamide-dimer", 1, 6)));
+  struct Pair {
+    Words files;
+    std::string reasons;
+    std::string atoms;
+  };
+  for (const auto& [files, reasons, atoms] : {Pair{{"water.xyz", "water.xyz"},
+                                                   o_near_centre(1) + o_near_centre(2),
+                                                   "molecule 1 has 3 atoms, molecule 2 has 3"},
+                                              Pair{{"water.xyz", "formamide.xyz"},
+                                                   o_near_centre(1),
+                                                   "molecule 1 has 3 atoms, molecule 2 has 6"},
+                                              Pair{{"formamide.xyz", "water.xyz"},
+                                                   o_near_centre(2),
+                                                   "molecule 1 has 6 atoms, molecule 2 has 3"}}) {
+    const Outcome outcome =
+        run_command(folder, Words{"prepare", "--overwrite", "--r", "6.5"} + files + kPlainAngles);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.screen, "");
+    EXPECT_TRUE(std::regex_match(
+        outcome.messages, std::regex("dravo: wrote QN-input-GEOMETRY\\.xyz: " + atoms +
+                                     "\ndravo: qn-dravo will not place this pair:\n" + reasons)))
+        << outcome.messages;
+    EXPECT_TRUE(has_input(folder));
+    const Outcome run = run_in(folder);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.screen.find("is symmetric concerning"), std::string::npos) << run.screen;
+  }
+}
+
 // --- help -------------------------------------------------------------------------------------
 
 TEST(Help, HasAnExampleAndGoesToTheScreen) {
@@ -668,7 +720,7 @@ TEST(Help, HasAnExampleAndGoesToTheScreen) {
   EXPECT_EQ(outcome.messages, "");
   for (const char* part :
        {"--theta DEGREES", "--split N1|auto", "--unit UNIT:{angstrom,bohr}", "--overwrite",
-        "\n  dravo prepare formamide.xyz water.xyz --r 4 --theta 90 --phi 45 --beta 30\n"})
+        "\n  dravo prepare formamide.xyz ethanol.xyz --r 4 --theta 90 --phi 45 --beta 30\n"})
     EXPECT_NE(outcome.screen.find(part), std::string::npos) << part;
 }
 

@@ -1,0 +1,72 @@
+"""Reads the results of a scan with ASE and with Python's csv, and compares the two.
+
+    ase_read_back.py DRAVO PAIR
+
+runs DRAVO on PAIR in a temporary folder. Exit status 77 when ASE is not installed.
+"""
+import csv
+import math
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+try:
+    import ase.io
+except ImportError:
+    print("python3-ase is not installed")
+    sys.exit(77)
+
+PLANS = {
+    "grid": ["--r", "0,2.5,4.5,9999", "--theta", "0:180:60", "--phi", "0,100", "--alpha", "0,214.25",
+             "--beta", "0,90", "--gamma", "306"],
+    "contact": ["--r", "contact + 0:1:0.5", "--random", "40"],
+    "only": ["--r", "2:4:1", "--random", "50", "--contacts", "only"],
+}
+
+
+def frames_of(text):
+    """Symbols and coordinates as the lines hold them: columns 1-2, 4-18, 20-34, 36-50."""
+    lines = text.splitlines()
+    at = 0
+    while at < len(lines):
+        atoms = lines[at + 2:at + 2 + int(lines[at])]
+        assert all(len(line) == 50 for line in atoms), atoms
+        yield ([line[0:2].strip() for line in atoms],
+               [[float(line[3:18]), float(line[19:34]), float(line[35:50])] for line in atoms])
+        at += 2 + len(atoms)
+
+
+def same(value, text):
+    number = float(text)
+    return value == number or (math.isnan(value) and math.isnan(number))
+
+
+def check(name, folder):
+    with open(folder / f"{name}.csv", newline="") as table:
+        rows = list(csv.DictReader(table))
+    texts = list(frames_of((folder / f"{name}.xyz").read_text()))
+    frames = ase.io.read(folder / f"{name}.xyz", index=":")
+    assert len(rows) > 20, f"{name}: only {len(rows)} rows"
+    assert len(frames) == len(rows) == len(texts), (name, len(frames), len(rows), len(texts))
+    for frame, row, (symbols, positions) in zip(frames, rows, texts):
+        where = f"{name}, pose {row['index']}"
+        assert frame.get_chemical_symbols() == symbols, where
+        assert frame.get_positions().tolist() == positions, where
+        assert not frame.pbc.any(), where
+        assert list(frame.info) == list(row), f"{where}: {list(frame.info)}"
+        for key, text in row.items():
+            assert same(frame.info[key], text), f"{where}: {key} {frame.info[key]} {text}"
+    return len(frames)
+
+
+def main(dravo, pair):
+    with tempfile.TemporaryDirectory() as name:
+        for plan, options in PLANS.items():
+            subprocess.run([dravo, "scan", pair, *options, "--quiet", "--output", plan], cwd=name,
+                           check=True)
+            print(f"{plan}: {check(plan, Path(name))} frames read back")
+
+
+if __name__ == "__main__":
+    main(*(str(Path(word).resolve()) for word in sys.argv[1:]))

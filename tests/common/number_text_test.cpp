@@ -1,0 +1,61 @@
+#include "common/number_text.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace dravo::test {
+namespace {
+
+struct Reading {
+  std::string_view text;
+  double value;
+};
+
+TEST(PlainReal, IsANumberOfAFortranProgram) {
+  constexpr std::array<Reading, 16> kNumbers{{{"3", 3.0},
+                                              {"3.", 3.0},
+                                              {".5", 0.5},
+                                              {"+2.0", 2.0},
+                                              {"-2.5", -2.5},
+                                              {"1e3", 1000.0},
+                                              {"1.5E-3", 1.5e-3},
+                                              {"1.0D+01", 10.0},
+                                              {"1d-1", 0.1},
+                                              {"2q2", 200.0},
+                                              {"-.5e+1", -5.0},
+                                              {"1e-400", 0.0},
+                                              {"0.1", 0.1},
+                                              {"+1e+2", 100.0},
+                                              {"-1d-2", -0.01},
+                                              {"007", 7.0}}};
+  for (const auto& [text, value] : kNumbers)
+    EXPECT_EQ(parse_plain_real(text), std::optional(value)) << text;
+}
+
+// 0-360 reads as 0 times ten to the power of -360 in a Fortran program.
+TEST(PlainReal, HasTheLetterOfItsExponent) {
+  for (const std::string_view text :
+       {"0-360", "1.5-3", "1.0+5", "3.-1", ".5-1", "-1-5", "+1+5", "1e3-4", "1e-3-4", "0-"})
+    EXPECT_EQ(parse_plain_real(text), std::nullopt) << text;
+  EXPECT_EQ(parse_real("1.0+5"), std::optional(1.0e5)) << "as it always was in input files";
+  EXPECT_EQ(parse_real("1.5-3"), std::optional(1.5e-3));
+}
+
+TEST(PlainReal, IsFinite) {
+  for (const std::string_view text : {"nan", "NaN", "-nan", "nan(1)", "inf", "-Infinity", "1e999"})
+    EXPECT_EQ(parse_plain_real(text), std::nullopt) << text;
+  for (const std::string_view text : {"nan", "inf", "-Infinity"})
+    EXPECT_NE(parse_real(text), std::nullopt) << text;
+}
+
+TEST(PlainReal, IsNothingElse) {
+  for (const std::string_view text : {"", "-", "+", ".", "e5", "-e5", "1e", "1e+", "--1", "+-1",
+                                      "1,5", "1 2", "1x", "0x10", "-."})
+    EXPECT_EQ(parse_plain_real(text), std::nullopt) << '"' << text << '"';
+}
+
+}  // namespace
+}  // namespace dravo::test

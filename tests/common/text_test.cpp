@@ -1,0 +1,54 @@
+#include "common/text.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string_view>
+#include <vector>
+
+namespace dravo::test {
+namespace {
+
+struct Trimming {
+  std::string_view text;
+  std::string_view trimmed;
+};
+
+TEST(Trimmed, TextHasNoBlanksTabsAndCarriageReturnsAroundIt) {
+  constexpr std::array<Trimming, 7> kTexts{{{"", ""},
+                                            {"a", "a"},
+                                            {" \t\r", ""},
+                                            {"  a b\t", "a b"},
+                                            {"a\r", "a"},
+                                            {"\ta", "a"},
+                                            {"a\n ", "a\n"}}};
+  for (const auto& [text, trimmed] : kTexts) EXPECT_EQ(dravo::trimmed(text), trimmed) << text;
+}
+
+/// Messages point into the text, so a part must lie in it even where it is empty.
+TEST(Trimmed, TextLiesInTheWholeOne) {
+  for (const std::string_view text : {"   ", " a ", ""}) {
+    const std::string_view part = trimmed(text);
+    EXPECT_GE(part.data(), text.data());
+    EXPECT_LE(part.data() + part.size(), text.data() + text.size());
+  }
+}
+
+struct Division {
+  std::string_view text;
+  std::vector<std::string_view> parts;
+};
+
+TEST(PartsBetween, SeparatorsAreTrimmedAndMayBeEmpty) {
+  const std::vector<Division> texts{{"", {""}},
+                                    {"a", {"a"}},
+                                    {" a , b\t", {"a", "b"}},
+                                    {",", {"", ""}},
+                                    {"a,,b,", {"a", "", "b", ""}},
+                                    {"a:b,c d", {"a:b", "c d"}}};
+  for (const auto& [text, parts] : texts) EXPECT_EQ(parts_between(text, ','), parts) << text;
+  EXPECT_EQ(parts_between("0: 1:2", ':'), (std::vector<std::string_view>{"0", "1", "2"}));
+}
+
+}  // namespace
+}  // namespace dravo::test

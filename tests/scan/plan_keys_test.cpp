@@ -1,0 +1,212 @@
+#include "scan/plan_keys.hpp"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "scan/plans.hpp"
+#include "support/temporary_folder.hpp"
+
+namespace dravo::test {
+namespace {
+
+/// A plan of its own folder.
+struct PlanFile {
+  explicit PlanFile(const std::string& text) { folder.write("plan.toml", text); }
+
+  [[nodiscard]] std::string path() const { return (folder.path() / "plan.toml").string(); }
+  [[nodiscard]] PlanKeys keys() const { return read_plan_keys(path()); }
+
+  TemporaryFolder folder;
+};
+
+using Words = std::vector<std::string>;
+
+Words texts_of(const std::vector<PlanWord>& words) {
+  Words texts;
+  for (const PlanWord& word : words) texts.push_back(word.text);
+  return texts;
+}
+
+struct Reading {
+  const char* toml;
+  const char* key;
+  Words texts;
+};
+
+void PrintTo(const Reading& reading, std::ostream* out) { *out << reading.toml; }
+
+class PlanKeysOf : public ::testing::TestWithParam<Reading> {};
+
+TEST_P(PlanKeysOf, HaveTheirWordsAsTyped) {
+  const auto& [toml, key, texts] = GetParam();
+  const PlanKeys keys = PlanFile(toml).keys();
+  ASSERT_EQ(keys.size(), 1U);
+  ASSERT_EQ(keys.begin()->first, key);
+  EXPECT_EQ(texts_of(keys.begin()->second), texts);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, PlanKeysOf,
+    ::testing::Values(Reading{"r = 5\n", "r", {"5"}},                            //
+                      Reading{"r=0.30", "r", {"0.30"}},                          //
+                      Reading{"r = +1.50e1  # far\n", "r", {"+1.50e1"}},         //
+                      Reading{"r = \"0:1:0.1\"\n", "r", {"0:1:0.1"}},            //
+                      Reading{"r = '0:1:0.1'", "r", {"0:1:0.1"}},                //
+                      Reading{"r = \" contact + 1 \"", "r", {" contact + 1 "}},  //
+                      Reading{"\"r\" = 5\r\n", "r", {"5"}},                      //
+                      Reading{"files = true\r\n", "files", {"true"}},            //
+                      Reading{"\n\n# first\n   r   =   7   \n", "r", {"7"}},     //
+                      Reading{"r = nan", "r", {"nan"}},                          //
+                      Reading{"r = \"\"", "r", {""}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Lists, PlanKeysOf,
+    ::testing::Values(Reading{"r = [3, 4.50, \"5:6:1\"]", "r", {"3", "4.50", "5:6:1"}},
+                      Reading{"r = [\n  3,  # near\n  40,\n]\n", "r", {"3", "40"}},
+                      Reading{"r = [3]", "r", {"3"}}));
+
+// Whole numbers have notations of their own in TOML; decimal ones keep their digits.
+INSTANTIATE_TEST_SUITE_P(Numbers, PlanKeysOf,
+                         ::testing::Values(Reading{"random = 1_000", "random", {"1000"}},
+                                           Reading{"random = 0x10", "random", {"16"}},
+                                           Reading{"random = 0o17", "random", {"15"}},
+                                           Reading{"random = 0b101", "random", {"5"}},
+                                           Reading{"random = +7", "random", {"7"}},
+                                           Reading{"r = [-1_0, 1_0.2_5]", "r", {"-10", "10.25"}},
+                                           Reading{"r = 2.50", "r", {"2.50"}},  //
+                                           Reading{"r = \"1_0\"", "r", {"1_0"}}));
+
+TEST(PlanKeys, ComeTogether) {
+  const PlanKeys keys = PlanFile("zip = \"poses.csv\"\ncontacts = \"drop\"\n").keys();
+  ASSERT_EQ(keys.size(), 2U);
+  EXPECT_EQ(texts_of(keys.at("zip")), Words{"poses.csv"});
+  EXPECT_EQ(texts_of(keys.at("contacts")), Words{"drop"});
+}
+
+TEST(PlanKeys, AnEmptyFileHasNone) { EXPECT_TRUE(PlanFile("").keys().empty()); }
+
+TEST(PlanKeys, AnOptionReplacesTheKeyOfAFile) {
+  PlanKeys keys = PlanFile("r = [3, 4]\nphi = 1\n").keys();
+  set_plan_key(keys, "r", "9");
+  EXPECT_EQ(texts_of(keys.at("r")), Words{"9"});
+  EXPECT_EQ(texts_of(keys.at("phi")), Words{"1"});
+}
+
+TEST(PlanWord, OfAFileShowsItsLine) {
+  const PlanFile plan("# distances\nr = [ 3, \"4:5\" ]\n");
+  const PlanKeys keys = plan.keys();
+  EXPECT_EQ(message_of([&] { keys.at("r")[0].refuse("too near"); }),
+            plan.path() + ":2: too near\nr = [ 3, \"4:5\" ]\n      ^");
+  EXPECT_EQ(message_of([&] { keys.at("r")[1].refuse("no step"); }),
+            plan.path() + ":2: no step\nr = [ 3, \"4:5\" ]\n          ^^^");
+}
+
+TEST(PlanWord, CanShowAPartOfItself) {
+  PlanKeys keys;
+  set_plan_key(keys, "phi", "10, 400");
+  const PlanWord& word = keys.at("phi")[0];
+  EXPECT_EQ(message_of([&] { word.refuse(std::string_view(word.text).substr(4), "too far"); }),
+            "--phi: too far\n10, 400\n    ^^^");
+}
+
+TEST(PlanWord, OfAnOptionShowsTheValue) {
+  PlanKeys keys;
+  set_plan_key(keys, "r", "abc");
+  EXPECT_EQ(message_of([&] { keys.at("r")[0].refuse("no number"); }), "--r: no number\nabc\n^^^");
+}
+
+struct Path {
+  const char* source;
+  bool is_file;
+  const char* text;
+  const char* path;
+};
+
+TEST(PlanWord, NamesAFileAsSeenFromThePlan) {
+  const std::vector<Path> paths{
+      {"plans/a.toml", true, "poses.csv", "plans/poses.csv"},
+      {"plans/a.toml", true, "../poses.csv", "plans/../poses.csv"},
+      {"/home/plans/a.toml", true, "b/poses.csv", "/home/plans/b/poses.csv"},
+      {"plans/a.toml", true, "/data/poses.csv", "/data/poses.csv"},
+      {"a.toml", true, "poses.csv", "poses.csv"},
+      {"--zip", false, "b/poses.csv", "b/poses.csv"}};
+  for (const Path& p : paths) {
+    const auto source = std::make_shared<const PlanSource>(PlanSource{p.source, p.text, p.is_file});
+    EXPECT_EQ((PlanWord{p.text, source, 0}.path()), p.path) << p.source;
+  }
+}
+
+struct Wrong {
+  const char* toml;
+  const char* place_and_what;  ///< behind the name of the file
+};
+
+void PrintTo(const Wrong& wrong, std::ostream* out) { *out << wrong.toml; }
+
+class PlanKeysRefuse : public ::testing::TestWithParam<Wrong> {};
+
+TEST_P(PlanKeysRefuse, WithItsPlace) {
+  const PlanFile plan(GetParam().toml);
+  EXPECT_EQ(message_of([&] { (void)plan.keys(); }), plan.path() + GetParam().place_and_what);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    DeeperNesting, PlanKeysRefuse,
+    ::testing::Values(
+        Wrong{"r = [1, [2, 3]]\n",
+              ":1: expected a value or a list of values\nr = [1, [2, 3]]\n        ^^^^^^"},
+        Wrong{"phi = 3\nr = {a = 1}\n",
+              ":2: expected a value or a list of values\nr = {a = 1}\n    ^^^^^^^"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    EmptyLists, PlanKeysRefuse,
+    ::testing::Values(Wrong{"r = []\n",
+                            ":1: expected a value, found an empty list\nr = []\n    ^^"},
+                      Wrong{"r = [1, []]\n",
+                            ":1: expected a value or a list of values\nr = [1, []]\n        ^^"}));
+
+// Every character of a line takes one column, however many bytes it has.
+INSTANTIATE_TEST_SUITE_P(
+    Characters, PlanKeysRefuse,
+    ::testing::Values(
+        Wrong{"r = [\"\u00e4\u20ac\", []]\n",
+              ":1: expected a value or a list of values\nr = [\"\u00e4\u20ac\", []]\n"
+              "           ^^"},
+        Wrong{"\"\u00c5ngstr\u00f6m\" = []\n",
+              ":1: expected a value, found an empty list\n\"\u00c5ngstr\u00f6m\" = []\n"
+              "             ^^"},
+        Wrong{"# \u00c5\nphi = [\"\xf0\x9f\x98\x80\", [2]]\n",
+              ":2: expected a value or a list of values\nphi = [\"\xf0\x9f\x98\x80\", [2]]\n"
+              "            ^^^"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    ByteOrderMarks, PlanKeysRefuse,
+    ::testing::Values(
+        Wrong{"\xEF\xBB\xBFr = 5\n",
+              ":1: the file begins with a UTF-8 byte-order mark; save it without one\n"
+              "?r = 5\n^"},
+        Wrong{"\xEF\xBB\xBF",
+              ":1: the file begins with a UTF-8 byte-order mark; save it without one\n?\n^"}));
+
+TEST(PlanKeysRefuse, WhatIsNoToml) {
+  const PlanFile plan("r = 5\nphi = = 3\n");
+  const std::string message = message_of([&] { (void)plan.keys(); });
+  const std::string begin = plan.path() + ":2: not TOML: ";
+  const std::string end = "\nphi = = 3\n      ^";
+  EXPECT_EQ(message.substr(0, begin.size()), begin);
+  EXPECT_TRUE(message.ends_with(end)) << message;
+  EXPECT_GT(message.size(), begin.size() + end.size()) << "says what is wrong";
+}
+
+TEST(PlanKeysRefuse, AFileThatIsNotThere) {
+  const TemporaryFolder folder;
+  const std::string path = (folder.path() / "none.toml").string();
+  EXPECT_EQ(message_of([&] { (void)read_plan_keys(path); }),
+            path + ": cannot read: No such file or directory");
+}
+
+}  // namespace
+}  // namespace dravo::test
