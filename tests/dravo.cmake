@@ -1,5 +1,7 @@
 # Tests of dravo, beside those of qn-dravo.
 
+# Here too fast compilation matters more.
+set_source_files_properties(${DRAVO_TOOLS_SOURCES} PROPERTIES COMPILE_OPTIONS -O0)
 dravo_tools_library(dravo_tools_sanitized dravo_sanitized)
 add_executable(dravo-cli-sanitized)
 target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_tools_sanitized)
@@ -35,14 +37,15 @@ add_executable(cli_tests
   cli/resume_test.cpp
   cli/scan_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_tools)
+target_compile_options(cli_tests PRIVATE ${optimisation})
 add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo)
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"
   DRAVO_DEFAULT_PROGRAM="$<TARGET_FILE:qn-dravo>")
 gtest_discover_tests(cli_tests TEST_PREFIX cli/)
 add_test(NAME sanitized/cli COMMAND cli_tests --gtest_brief=1 --gtest_filter=-KilledAt*)
-set_tests_properties(sanitized/cli PROPERTIES
-  COST 100 ENVIRONMENT DRAVO_TOOL=$<TARGET_FILE:dravo-cli-sanitized>)
+set_tests_properties(sanitized/cli PROPERTIES COST 100 ENVIRONMENT
+  "DRAVO_TOOL=$<TARGET_FILE:dravo-cli-sanitized>;ASAN_OPTIONS=detect_leaks=0")
 
 # The Python of the distribution, which has its ASE; another one may come first on the path.
 find_program(DRAVO_PYTHON NAMES python3 HINTS /usr/bin NO_CMAKE_ENVIRONMENT_PATH)
