@@ -15,8 +15,15 @@ inline const char* tested_dravo() {
   return other != nullptr ? other : DRAVO_CLI;
 }
 
+using Words = std::vector<std::string>;
+
+inline Words operator+(Words words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
 /// As `run_in`.
-inline Outcome run_command(const TemporaryFolder& folder, std::vector<std::string> arguments,
+inline Outcome run_command(const TemporaryFolder& folder, Words arguments,
                            Screen where = Screen::kept, const std::function<void()>& prepare = {}) {
   arguments.insert(arguments.begin(), tested_dravo());
   return run_in(folder, std::move(arguments), where, prepare);

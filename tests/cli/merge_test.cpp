@@ -10,33 +10,18 @@
 #include <string>
 #include <vector>
 
-#include "cli/command.hpp"
+#include "cli/dimer.hpp"
 
 namespace dravo::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-using Words = std::vector<std::string>;
-using Files = std::map<std::string, std::string>;
-
-const std::string kInput = "QN-input-GEOMETRY.xyz";
 // Some poses of each rule; several chunks in one part.
 const Words kPlan{"--r", "3.5", "--random", "1000"};
 
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
-}
-
-class Dimer : public TemporaryFolder {
+class PartedScan : public Dimer {
  public:
-  Dimer() { write(kInput, file_text(sample_path("formamide-dimer"))); }
-
-  void put(const Files& files) const {
-    for (const auto& [name, text] : files) write(name, text);
-  }
-
   [[nodiscard]] Outcome scan(const Words& words) const {
     return run_command(*this, Words{"scan", kInput, "--quiet", "--output", "all"} + words);
   }
@@ -58,29 +43,21 @@ std::string part_name(int part, int of, const std::string& ending = "") {
   return "all-" + std::to_string(part) + "-of-" + std::to_string(of) + ending;
 }
 
-void expect_same(const Files& now, const Files& expected, const std::string& when) {
-  for (const auto& [name, text] : expected) {
-    ASSERT_EQ(now.count(name), 1U) << name << " is missing " << when;
-    EXPECT_TRUE(now.at(name) == text) << name << ' ' << when;
-  }
-  for (const auto& [name, text] : now)
-    EXPECT_EQ(expected.count(name), 1U) << name << " is left " << when;
-}
-
 /// A merge that leaves everything as it was.
-void expect_refusal(const Dimer& folder, const std::string& message, const std::string& title) {
+void expect_refusal(const PartedScan& folder, const std::string& message,
+                    const std::string& title) {
   const Files before = folder.outputs();
   for (const Words& more : {Words{}, Words{"--overwrite"}}) {
     const Outcome outcome = folder.merge(more);
     EXPECT_EQ(outcome.status, 2) << title;
     EXPECT_EQ(outcome.screen, "") << title;
     EXPECT_EQ(outcome.messages, "dravo: " + message + "\n") << title;
-    expect_same(outcome.files, before, title);
+    expect_files(outcome.files, before, title);
   }
 }
 
 Files whole_scan(const Words& words) {
-  const Dimer folder;
+  const PartedScan folder;
   Outcome outcome = folder.scan(words);
   EXPECT_EQ(outcome.status, 0) << outcome.messages;
   return outcome.files;
@@ -93,7 +70,7 @@ TEST(MergedParts, HaveTheBytesOfAScanInOnePart) {
     const Files whole = whole_scan(plan);
     EXPECT_EQ(whole.size(), 3U);
     for (const int of : {1, 3, 8}) {
-      const Dimer folder;
+      const PartedScan folder;
       folder.make_parts(of, plan);
       EXPECT_EQ(folder.outputs().count(part_name(1, of, ".json")), 1U);
       Files expected = folder.outputs();
@@ -103,14 +80,14 @@ TEST(MergedParts, HaveTheBytesOfAScanInOnePart) {
       EXPECT_EQ(outcome.status, 0) << outcome.messages;
       EXPECT_EQ(outcome.screen, "");
       EXPECT_EQ(outcome.messages, "");
-      expect_same(outcome.files, expected, std::to_string(of) + " parts");
+      expect_files(outcome.files, expected, std::to_string(of) + " parts");
     }
   }
 }
 
 TEST(MergedParts, MayBeMoreThanThereArePoses) {
   const Words plan{"--r", "6,7", "--random", "1"};
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(8, plan);
   const Outcome outcome = folder.merge();
   EXPECT_EQ(outcome.status, 0) << outcome.messages;
@@ -128,9 +105,9 @@ TEST(MergedParts, OfPosesWithFoldersOfTheirOwnShareOneFolder) {
             file_text(entry.path().string());
     return files;
   };
-  const Dimer whole;
+  const PartedScan whole;
   ASSERT_EQ(whole.scan(plan).status, 0);
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(3, plan);
   ASSERT_EQ(folder.merge().status, 0);
   for (int part = 1; part <= 3; ++part)
@@ -141,7 +118,7 @@ TEST(MergedParts, OfPosesWithFoldersOfTheirOwnShareOneFolder) {
 }
 
 TEST(MergedParts, AreToldAsAWholeScanIs) {
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(3, kPlan);
   const std::string sentence = folder.scan(kPlan + Words{"--count"}).screen;
   const std::string json = folder.scan(kPlan + Words{"--count", "--json"}).screen;
@@ -154,7 +131,7 @@ TEST(MergedParts, AreToldAsAWholeScanIs) {
 }
 
 TEST(MergedParts, MayStandInAnotherFolder) {
-  const Dimer folder;
+  const PartedScan folder;
   fs::create_directory(folder.path() / "results");
   for (const char* shard : {"1/2", "2/2"})
     ASSERT_EQ(folder.scan(kPlan + Words{"--output", "results/all", "--shard", shard}).status, 2)
@@ -174,16 +151,16 @@ TEST(EarlierResults, AreRefusedByAMergeUnlessOverwritten) {
   const Files whole = whole_scan(kPlan);
   for (const char* ending : {".xyz", ".csv", ".json"}) {
     const std::string name = std::string("all") + ending;
-    const Dimer folder;
+    const PartedScan folder;
     folder.make_parts(2, kPlan);
     folder.write(name, "of somebody");
     Files expected = folder.outputs();
     const Outcome refused = folder.merge();
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.messages, "dravo: " + name + ": exists already; --overwrite replaces it\n");
-    expect_same(refused.files, expected, "after the refusal");
+    expect_files(refused.files, expected, "after the refusal");
     for (const auto& [its_name, text] : whole) expected[its_name] = text;
-    expect_same(folder.merge({"--overwrite"}).files, expected, "over " + name);
+    expect_files(folder.merge({"--overwrite"}).files, expected, "over " + name);
   }
 }
 
@@ -192,7 +169,7 @@ TEST(UnfinishedScanOfTheSameName, IsNotTouchedByAMerge) {
   for (const auto& [name, text] : whole_scan(kPlan))
     if (!name.ends_with(".json")) unfinished[name + ".part"] = text;
   unfinished["all.progress"] = whole_scan(kPlan).at("all.json");
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(2, kPlan);
   folder.put(unfinished);
   expect_refusal(folder, "all.progress: is of an unfinished scan of that name; finish or remove it",
@@ -200,7 +177,7 @@ TEST(UnfinishedScanOfTheSameName, IsNotTouchedByAMerge) {
 }
 
 TEST(ScanInWorkOfTheSameName, IsNotTouchedByAMerge) {
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(2, kPlan);
   folder.write("all.progress", "");
   const std::string progress = (folder.path() / "all.progress").string();
@@ -216,30 +193,30 @@ TEST(ScanInWorkOfTheSameName, IsNotTouchedByAMerge) {
 
 struct Spoilt {
   const char* title;
-  std::function<void(const Dimer&)> spoil;  ///< three whole parts
+  std::function<void(const PartedScan&)> spoil;  ///< three whole parts
   std::string message;
 };
 
-void remove_part(const Dimer& folder, int part) {
+void remove_part(const PartedScan& folder, int part) {
   for (const char* ending : {".xyz", ".csv", ".json"})
     fs::remove(folder.path() / part_name(part, 3, ending));
 }
 
-void change(const Dimer& folder, const std::string& name,
+void change(const PartedScan& folder, const std::string& name,
             const std::function<void(std::string&)>& edit) {
   std::string text = file_text((folder.path() / name).string());
   edit(text);
   folder.write(name, text);
 }
 
-void make_part_of(const Dimer& folder, int part, const Words& plan) {
+void make_part_of(const PartedScan& folder, int part, const Words& plan) {
   remove_part(folder, part);
   const Outcome outcome = folder.scan(plan + Words{"--shard", std::to_string(part) + "/3"});
   EXPECT_EQ(outcome.status, 0) << outcome.messages;
 }
 
 std::string size_of(const std::string& name) {
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(3, kPlan);
   return std::to_string(file_text((folder.path() / name).string()).size());
 }
@@ -252,42 +229,42 @@ TEST(PartsOfNoScan, AreRefusedAndStayAsTheyWere) {
   const std::string bytes_csv = size_of(part_name(3, 3, ".csv"));
   const std::vector<Spoilt> cases{
       {"nothing there",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          for (const int part : {1, 2, 3}) remove_part(folder, part);
        },
        "all: found no finished part all-I-of-N.json"},
-      {"the first missing", [](const Dimer& folder) { remove_part(folder, 1); },
+      {"the first missing", [](const PartedScan& folder) { remove_part(folder, 1); },
        "all: missing or unfinished parts: all-1-of-3"},
-      {"the last missing", [](const Dimer& folder) { remove_part(folder, 3); },
+      {"the last missing", [](const PartedScan& folder) { remove_part(folder, 3); },
        "all: missing or unfinished parts: all-3-of-3"},
       {"two missing",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          remove_part(folder, 1);
          remove_part(folder, 3);
        },
        "all: missing or unfinished parts: all-1-of-3, all-3-of-3"},
       {"one unfinished",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          fs::rename(folder.path() / "all-2-of-3.json", folder.path() / "all-2-of-3.progress");
        },
        "all: missing or unfinished parts: all-2-of-3"},
       {"another division",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          EXPECT_EQ(folder.scan(kPlan + Words{"--shard", "2/4"}).status, 0);
        },
        "all: parts of different divisions: all-1-of-3 and all-2-of-4"},
       {"another plan",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          make_part_of(folder, 2, {"--r", "3.6", "--random", "1000"});
        },
        "all-2-of-3.json: is of another scan: r was 3.5, is 3.6"},
       {"another rule",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          make_part_of(folder, 3, kPlan + Words{"--contacts", "only"});
        },
        "all-3-of-3.json: is of another scan: contacts was keep, is only"},
       {"one part under two names",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          for (const char* ending : {".xyz", ".csv", ".json"})
            fs::copy_file(folder.path() / part_name(1, 3, ending),
                          folder.path() / part_name(2, 3, ending),
@@ -295,7 +272,7 @@ TEST(PartsOfNoScan, AreRefusedAndStayAsTheyWere) {
        },
        "all-2-of-3.json: is of another scan: shard was 2/3, is 1/3"},
       {"the first under another name",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          for (const char* ending : {".xyz", ".csv", ".json"})
            fs::copy_file(folder.path() / part_name(2, 3, ending),
                          folder.path() / part_name(1, 3, ending),
@@ -303,25 +280,26 @@ TEST(PartsOfNoScan, AreRefusedAndStayAsTheyWere) {
        },
        "all-1-of-3.json: is of another scan: shard was 1/3, is 2/3"},
       {"frames longer",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          change(folder, "all-1-of-3.xyz", [](std::string& text) { text += '\n'; });
        },
        "all-1-of-3.xyz: expected " + bytes_xyz + " bytes, found " + one_more(bytes_xyz)},
       {"table shorter",
-       [](const Dimer& folder) {
+       [](const PartedScan& folder) {
          change(folder, "all-3-of-3.csv", [](std::string& text) { text.pop_back(); });
        },
        "all-3-of-3.csv: expected " + bytes_csv + " bytes, found " + one_less(bytes_csv)},
-      {"frames gone", [](const Dimer& folder) { fs::remove(folder.path() / "all-2-of-3.xyz"); },
+      {"frames gone",
+       [](const PartedScan& folder) { fs::remove(folder.path() / "all-2-of-3.xyz"); },
        "all-2-of-3.xyz: cannot read: No such file or directory"},
-      {"table gone", [](const Dimer& folder) { fs::remove(folder.path() / "all-2-of-3.csv"); },
+      {"table gone", [](const PartedScan& folder) { fs::remove(folder.path() / "all-2-of-3.csv"); },
        "all-2-of-3.csv: cannot read: No such file or directory"},
       {"record of something else",
-       [](const Dimer& folder) { folder.write("all-2-of-3.json", "{\"shard\": 2}\n"); },
+       [](const PartedScan& folder) { folder.write("all-2-of-3.json", "{\"shard\": 2}\n"); },
        "all-2-of-3.json: expected the record of a scan by dravo, found something else"},
   };
   for (const Spoilt& spoilt : cases) {
-    const Dimer folder;
+    const PartedScan folder;
     folder.make_parts(3, kPlan);
     spoilt.spoil(folder);
     expect_refusal(folder, spoilt.message, spoilt.title);
@@ -345,7 +323,7 @@ TEST(MissingParts, AreNamedUpToTheTenth) {
                  "all-5-of-2147483647, all-6-of-2147483647, all-7-of-2147483647, "
                  "all-8-of-2147483647, all-9-of-2147483647, all-10-of-2147483647, "
                  "all-11-of-2147483647 and 2147483636 more"}}) {
-    const Dimer folder;
+    const PartedScan folder;
     ASSERT_EQ(folder.scan(kPlan + Words{"--shard", "4/" + std::to_string(of)}).status, 0);
     expect_refusal(folder, std::string("all: missing or unfinished parts: ") + missing,
                    std::to_string(of));
@@ -353,7 +331,7 @@ TEST(MissingParts, AreNamedUpToTheTenth) {
 }
 
 TEST(PartsOfNoScan, AreThoseOfDifferentPairs) {
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(3, kPlan);
   remove_part(folder, 2);
   folder.write(kInput, file_text(sample_path("dimethyl-sulfoxide-ethanol")));
@@ -365,11 +343,11 @@ TEST(PartsOfNoScan, AreThoseOfDifferentPairs) {
       "dravo: all-2-of-3\\.json: is of another scan: pair was 6\\+6 atoms, [0-9]+, is 10\\+9 "
       "atoms, [0-9]+\n");
   EXPECT_TRUE(std::regex_match(outcome.messages, message)) << outcome.messages;
-  expect_same(outcome.files, before, "after a refusal");
+  expect_files(outcome.files, before, "after a refusal");
 }
 
 TEST(OtherNames, AreNotTakenForParts) {
-  const Dimer folder;
+  const PartedScan folder;
   folder.make_parts(2, kPlan);
   for (const char* name :
        {"all-0-of-2.json", "all-01-of-2.json", "all-+1-of-2.json", "all-1-of-02.json",
@@ -383,7 +361,7 @@ TEST(OtherNames, AreNotTakenForParts) {
 }
 
 TEST(BadUsage, OfMergeHasStatus2AndAMessage) {
-  const Dimer folder;
+  const PartedScan folder;
   const std::string usage = "Run with --help for more.\n";
   const Outcome nameless = run_command(folder, {"merge"});
   EXPECT_EQ(nameless.status, 2);

@@ -16,7 +16,6 @@
 namespace dravo::test {
 namespace {
 
-using Words = std::vector<std::string>;
 using Lines = std::vector<std::string>;
 
 const std::string kInput = "QN-input-GEOMETRY.xyz";
@@ -56,11 +55,6 @@ std::string xyz(const Lines& atoms, const std::string& comment = "made by hand")
 /// The atoms of a bundled input as a standard xyz file.
 std::string bundled_as_xyz(const std::string& name) {
   return xyz(atoms_of(name, 1, sample(name).atoms.size()));
-}
-
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
 }
 
 /// The options that state the values of a bundled input, in its own text.

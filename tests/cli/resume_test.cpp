@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/command.hpp"
+#include "cli/dimer.hpp"
 #include "common/version.hpp"
 #include "scan/progress_file.hpp"
 
@@ -23,29 +23,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Words = std::vector<std::string>;
-using Files = std::map<std::string, std::string>;
-
-const std::string kInput = "QN-input-GEOMETRY.xyz";
 // About half of the poses have contacts; a chunk has some two hundred poses.
 const Words kPlan{"--r", "3.5", "--random", "1000", "--contacts", "only", "--quiet"};
 // More than two million bytes, so records of the progress are written on the way.
 const Words kLongPlan{"--r", "3.5", "--random", "6000", "--contacts", "only", "--quiet"};
 constexpr std::size_t kAfterSomeRecords = 2'500'000;
-
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
-}
-
-class Dimer : public TemporaryFolder {
- public:
-  Dimer() { write(kInput, file_text(sample_path("formamide-dimer"))); }
-
-  void put(const Files& files) const {
-    for (const auto& [name, text] : files) write(name, text);
-  }
-};
 
 Outcome run_scan(const TemporaryFolder& folder, const Words& words,
                  const std::function<void()>& prepare = {}) {
@@ -58,15 +40,6 @@ Files undisturbed(const Words& words) {
   EXPECT_EQ(outcome.status, 0) << outcome.messages;
   EXPECT_EQ(outcome.files.size(), 3U) << "xyz, csv, json";
   return outcome.files;
-}
-
-void expect_files(const Files& now, const Files& expected, const std::string& when) {
-  for (const auto& [name, text] : expected) {
-    ASSERT_EQ(now.count(name), 1U) << name << " is missing " << when;
-    EXPECT_TRUE(now.at(name) == text) << name << ' ' << when;
-  }
-  for (const auto& [name, text] : now)
-    EXPECT_EQ(expected.count(name), 1U) << name << " is left " << when;
 }
 
 void expect_success(const Outcome& outcome, const Files& expected, const std::string& when) {

@@ -25,7 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Words = std::vector<std::string>;
 using Lines = std::vector<std::string>;
 using Files = std::map<std::string, std::string>;
 
@@ -37,11 +36,6 @@ constexpr std::array<const char*, 6> kParameters{"r", "theta", "phi", "alpha", "
 
 /// The longest short contact: 1.9 in single precision.
 constexpr double kTouch = static_cast<double>(1.9F);
-
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
-}
 
 Lines parts_of(const std::string& text, char separator) {
   Lines parts;
