@@ -37,7 +37,7 @@ void read_input(benchmark::State& state) {
   std::vector<Label> labels(rows);
   for ([[maybe_unused]] auto _ : state) {
     RecordStream screen;
-    RecordReader reader(kInputFileName, text);
+    FreeFormatReader reader(kInputFileName, text);
     AtomTable icoo_and_m(first);
     AtomTable newcoo_and_m(second);
     const InputGeometry geometry =

@@ -5,31 +5,30 @@ find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
 
 set(DRAVO_TOOLS_SOURCES
-  pairs/element_label.cpp
-  pairs/fragments.cpp
-  pairs/identification.cpp
-  pairs/input_text.cpp
-  pairs/pair_file.cpp
-  pairs/pair_table.cpp
-  pairs/parameters.cpp
-  pairs/principal_frames.cpp
-  pairs/xyz_file.cpp
+  identify/identification.cpp
+  identify/principal_frames.cpp
+  molecules/element_label.cpp
+  molecules/fragments.cpp
+  molecules/input_text.cpp
+  molecules/pair_file.cpp
+  molecules/pair_table.cpp
+  molecules/xyz_file.cpp
+  results/growing_file.cpp
+  results/merge.cpp
+  results/pose_writer.cpp
+  results/progress.cpp
+  results/progress_file.cpp
+  results/result_files.cpp
+  results/scan.cpp
+  results/scan_files.cpp
+  results/scan_record.cpp
   scan/axis.cpp
   scan/chunk_maker.cpp
-  scan/growing_file.cpp
-  scan/merge.cpp
   scan/ordered_chunks.cpp
   scan/pair_placer.cpp
   scan/plan.cpp
   scan/plan_keys.cpp
-  scan/pose_writer.cpp
-  scan/progress.cpp
-  scan/progress_file.cpp
   scan/random_pose.cpp
-  scan/result_files.cpp
-  scan/scan.cpp
-  scan/scan_files.cpp
-  scan/scan_record.cpp
   scan/zipped_list.cpp)
 list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 

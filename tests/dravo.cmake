@@ -6,14 +6,15 @@ dravo_tools_library(dravo_tools_sanitized dravo_sanitized)
 add_executable(dravo-cli-sanitized)
 target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_tools_sanitized)
 
-dravo_test_programs(pairs dravo_tools
+dravo_test_programs(molecules dravo_tools
   element_label_test.cpp
   fragments_test.cpp
-  identification_test.cpp
   input_text_test.cpp
   pair_file_test.cpp
-  parameters_test.cpp
   xyz_file_test.cpp)
+
+dravo_test_programs(identify dravo_tools
+  identification_test.cpp)
 
 dravo_test_programs(scan dravo_tools
   axis_test.cpp
@@ -22,12 +23,14 @@ dravo_test_programs(scan dravo_tools
   pair_placer_test.cpp
   plan_keys_test.cpp
   plan_test.cpp
+  random_pose_test.cpp
+  zipped_list_test.cpp)
+
+dravo_test_programs(results dravo_tools
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
-  random_pose_test.cpp
-  scan_record_test.cpp
-  zipped_list_test.cpp)
+  scan_record_test.cpp)
 
 # The built dravo, as it is and sanitized.
 add_executable(cli_tests

@@ -9,7 +9,7 @@
 #include "cli/commands.hpp"
 #include "cli/pair_options.hpp"
 #include "common/record_format.hpp"
-#include "pairs/identification.hpp"
+#include "identify/identification.hpp"
 
 namespace dravo {
 namespace {
@@ -41,7 +41,7 @@ std::string vector_text(const Vec3& v, int count) {
 
 /// As the end of an input file. Eight decimals: far more than the searches find, and no tail of
 /// digits that mean nothing.
-std::string parameter_block(const UserParameters& p) {
+std::string parameter_block(const PoseDegrees& p) {
   const auto line = [](double value, const char* name) {
     return right(fixed_text(value, 8), 14) + "  " + name + '\n';
   };
@@ -117,7 +117,7 @@ Json json_of(const IdentifiedMolecule& m) {
 
 /// Lengths in Angstrom and angles in degrees, unless the name of a value tells its unit.
 Json json_of(const Identification& found) {
-  const UserParameters& p = found.parameters;
+  const PoseDegrees& p = found.parameters;
   Json nudged = Json::object();
   for (const auto& [name, given, used] : nudged_in_a_build(p)) nudged[std::string(name)] = used;
   return {{"parameters",
@@ -132,14 +132,26 @@ Json json_of(const Identification& found) {
           {"molecules", {json_of(found.molecules[0]), json_of(found.molecules[1])}}};
 }
 
+std::string refused_json(const std::vector<std::string>& reasons) {
+  return Json{{"refused", reasons}}.dump(2) + '\n';
+}
+
+/// Without the advice below it.
+std::string first_line(std::string_view message) {
+  return std::string(message.substr(0, message.find('\n')));
+}
+
 void show(const PairRequest& request, bool as_json) {
   const PairFile file = read_pair(request);
   tell(file.remarks);
   try {
     const Identification found = identify(file.pair);
     std::cout << (as_json ? json_of(found).dump(2) + '\n' : text_of(found));
-  } catch (const Unidentifiable& refusal) {
-    if (as_json) std::cout << Json{{"refused", refusal.reasons()}}.dump(2) << '\n';
+  } catch (const NoUniqueFrame& refusal) {
+    if (as_json) std::cout << refused_json(refusal.reasons());
+    throw;
+  } catch (const NoRotationFound& refusal) {
+    if (as_json) std::cout << refused_json({first_line(refusal.what())});
     throw;
   }
 }

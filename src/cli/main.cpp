@@ -8,7 +8,6 @@
 #include "common/shown_text.hpp"
 #include "common/standard_streams.hpp"
 #include "common/version.hpp"
-#include "pairs/refusal.hpp"
 
 namespace {
 
@@ -61,8 +60,8 @@ void require_known_command(const CLI::App& program, const std::string& word) {
   const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
   const auto is_word = [&](const CLI::App* command) { return command->get_name() == word; };
   if (word.starts_with('-') || std::any_of(commands.begin(), commands.end(), is_word)) return;
-  throw dravo::IoFailure(dravo::quoted(word) +
-                         ": no such command; there are prepare, identify, scan and merge");
+  throw dravo::InvalidInput(dravo::quoted(word) +
+                            ": no such command; there are prepare, identify, scan and merge");
 }
 
 int run(int argc, char** argv) {
@@ -83,9 +82,11 @@ int main(int argc, char** argv) {
   dravo::secure_standard_streams();
   try {
     return run(argc, argv);
-  } catch (const dravo::Refusal& refusal) {
+  } catch (const dravo::NoUniqueFrame& refusal) {
     return failed(kCannotBeDone, refusal.what());
-  } catch (const dravo::IoFailure& failure) {
+  } catch (const dravo::NoRotationFound& refusal) {
+    return failed(kCannotBeDone, refusal.what());
+  } catch (const dravo::Error& failure) {
     return failed(kBadUsageOrInput, failure.what());
   } catch (const std::exception& failure) {
     return failed(kBadUsageOrInput, std::string("cannot go on: ") + failure.what());

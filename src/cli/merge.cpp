@@ -1,4 +1,4 @@
-#include "scan/merge.hpp"
+#include "results/merge.hpp"
 
 #include <iostream>
 #include <memory>

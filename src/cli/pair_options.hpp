@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "pairs/pair_file.hpp"
+#include "molecules/pair_file.hpp"
 
 namespace dravo {
 

@@ -16,23 +16,23 @@
 #include "common/output_folder.hpp"
 #include "common/shown_text.hpp"
 #include "driver/input_reader.hpp"
-#include "pairs/input_text.hpp"
-#include "pairs/pair_file.hpp"
-#include "pairs/parameters.hpp"
-#include "pairs/principal_frames.hpp"
+#include "driver/user_parameters.hpp"
+#include "identify/principal_frames.hpp"
+#include "molecules/input_text.hpp"
+#include "molecules/pair_file.hpp"
 
 namespace dravo {
 namespace {
 
-using Member = double UserParameters::*;
+using Member = double PoseDegrees::*;
 
-/// What `--help` says of the values, in the order of `kParameterNames`.
+/// What `--help` says of the values, in the order of `kPoseParameters`.
 struct ValueHelp {
   const char* unit;
   const char* text;
 };
 
-constexpr std::array<ValueHelp, kParameterNames.size()> kValueHelp{{
+constexpr std::array<ValueHelp, kPoseParameters.size()> kValueHelp{{
     {"ANGSTROM", "distance of the centres of mass, 0 to 9999.9; needed unless FILE states it"},
     {"DEGREES", "polar angle of molecule 1's place, 0 to 180"},
     {"DEGREES", "azimuth of molecule 1's place, 0 to 360"},
@@ -41,8 +41,8 @@ constexpr std::array<ValueHelp, kParameterNames.size()> kValueHelp{{
     {"DEGREES", "third Euler angle, 0 to 360"},
 }};
 
-/// As the user gave them, in the order of `kParameterNames`; empty where the file or 0 stands in.
-using GivenValues = std::array<std::optional<double>, kParameterNames.size()>;
+/// As the user gave them, in the order of `kPoseParameters`; empty where the file or 0 stands in.
+using GivenValues = std::array<std::optional<double>, kPoseParameters.size()>;
 
 struct Preparation {
   SharedRequest request = std::make_shared<PairRequest>();
@@ -66,31 +66,28 @@ std::string number_text(Real value) {
 
 // --- the six values ---------------------------------------------------------------------------
 
-UserParameters stated_values(const Preparation& wanted,
-                             const std::optional<UserParameters>& of_file) {
+PoseDegrees stated_values(const Preparation& wanted, const std::optional<PoseDegrees>& of_file) {
   if (!wanted.given[0] && !of_file)
-    throw IoFailure("--r is required: " + wanted.request->file + " states no distance");
-  UserParameters degrees = of_file.value_or(UserParameters{});
-  for (std::size_t k = 0; k < kParameterNames.size(); ++k)
-    degrees.*kParameterNames[k].value = wanted.given[k].value_or(degrees.*kParameterNames[k].value);
+    throw InvalidInput("--r is required: " + wanted.request->file + " states no distance");
+  PoseDegrees degrees = of_file.value_or(PoseDegrees{});
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
+    degrees.*kPoseParameters[k].value = wanted.given[k].value_or(degrees.*kPoseParameters[k].value);
   return degrees;
 }
 
 /// "--theta 190" or, when it was not given there, "pair.xyz: theta 190".
-std::string place_of(Member parameter, const UserParameters& degrees, const Preparation& wanted) {
-  std::size_t k = 0;
-  while (kParameterNames[k].value != parameter) ++k;
+std::string place_of(std::size_t k, const PoseDegrees& degrees, const Preparation& wanted) {
   const std::string source = wanted.given[k] ? "--" : wanted.request->file + ": ";
-  return source + kParameterNames[k].name + " " + number_text(degrees.*parameter);
+  return source + kPoseParameters[k].name + " " + number_text(degrees.*kPoseParameters[k].value);
 }
 
-void require_usable(const UserParameters& degrees, const Preparation& wanted) {
-  for (const ParameterName& parameter : kParameterNames)
-    if (!std::isfinite(degrees.*parameter.value))
-      throw IoFailure(place_of(parameter.value, degrees, wanted) + ": expected a finite number");
+void require_usable(const PoseDegrees& degrees, const Preparation& wanted) {
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
+    if (!std::isfinite(degrees.*kPoseParameters[k].value))
+      throw InvalidInput(place_of(k, degrees, wanted) + ": expected a finite number");
   if (const auto complaint = complaint_about(degrees))
-    throw IoFailure(place_of(complaint->parameter.value, degrees, wanted) + ": " +
-                    complaint->sentence);
+    throw InvalidInput(place_of(pose_parameter(complaint->name()), degrees, wanted) + ": " +
+                       complaint->what());
 }
 
 /// A value that an angle is moved off because another one has no meaning there.
@@ -101,20 +98,20 @@ struct Singularity {
 };
 
 constexpr std::array<Singularity, 3> kSingularities{{
-    {&UserParameters::theta, 0.0, "phi has no meaning at theta 0"},
-    {&UserParameters::theta, 180.0, "phi has no meaning at theta 180"},
-    {&UserParameters::beta, 180.0, "alpha and gamma are not separate angles at beta 180"},
+    {&PoseDegrees::theta, 0.0, "phi has no meaning at theta 0"},
+    {&PoseDegrees::theta, 180.0, "phi has no meaning at theta 180"},
+    {&PoseDegrees::beta, 180.0, "alpha and gamma are not separate angles at beta 180"},
 }};
 
 /// Whether beta alone decides what gamma becomes: then even a gamma far from 0 does not stay.
-bool beta_fixes_gamma(UserParameters degrees) {
+bool beta_fixes_gamma(PoseDegrees degrees) {
   constexpr double kElsewhere = 90.0;
   degrees.gamma = kElsewhere;
   return nudged_parameters(degrees).gamma != kElsewhere;
 }
 
-std::string reason_of_nudge(Member angle, const UserParameters& degrees) {
-  if (angle == &UserParameters::gamma && beta_fixes_gamma(degrees))
+std::string reason_of_nudge(Member angle, const PoseDegrees& degrees) {
+  if (angle == &PoseDegrees::gamma && beta_fixes_gamma(degrees))
     return "beta rounds to 0, where only alpha + gamma counts";
   for (const Singularity& singularity : kSingularities)
     if (singularity.angle == angle && std::abs(degrees.*angle - singularity.at) < 1.0)
@@ -124,10 +121,10 @@ std::string reason_of_nudge(Member angle, const UserParameters& degrees) {
 
 /// One line per value that a run will replace. The replacements are single-precision numbers and
 /// are shown as such: 0.049, not 0.04899999871850014.
-std::vector<std::string> nudging_remarks(const UserParameters& degrees) {
-  const UserParameters used = nudged_parameters(degrees);
+std::vector<std::string> nudging_remarks(const PoseDegrees& degrees) {
+  const PoseDegrees used = nudged_parameters(degrees);
   std::vector<std::string> remarks;
-  for (const auto& [name, angle] : kParameterNames) {
+  for (const auto& [name, angle] : kPoseParameters) {
     const double given = degrees.*angle;
     const std::string shown = number_text(static_cast<float>(used.*angle));
     if (used.*angle == given || shown == number_text(given)) continue;
@@ -158,7 +155,7 @@ std::string written_line(const std::string& name, const MoleculeSplit& split) {
 void tell_of_refusal(const Pair& pair) {
   try {
     (void)identify_molecules(pair);
-  } catch (const Unidentifiable& refusal) {
+  } catch (const NoUniqueFrame& refusal) {
     tell({"qn-dravo will not place this pair:"});
     tell(refusal.reasons());
   }
@@ -166,7 +163,7 @@ void tell_of_refusal(const Pair& pair) {
 
 void prepare(const Preparation& wanted) {
   const PairFile file = read_pair(*wanted.request);
-  const UserParameters degrees = stated_values(wanted, file.parameters);
+  const PoseDegrees degrees = stated_values(wanted, file.parameters);
   require_usable(degrees, wanted);
   require_replaceable(wanted.output, wanted.overwrite);
   const std::string text = input_text(file.pair, degrees);
@@ -214,8 +211,8 @@ void add_prepare(CLI::App& program) {
       ->type_name("FILE");
   command.add_option("file2", wanted->request->second_file, "xyz file of molecule 2")
       ->type_name("FILE2");
-  for (std::size_t k = 0; k < kParameterNames.size(); ++k)
-    add_value(command, kParameterNames[k].name, kValueHelp[k], wanted->given[k]);
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
+    add_value(command, kPoseParameters[k].name, kValueHelp[k], wanted->given[k]);
   add_split_options(command, wanted->request);
   add_unit(command, wanted->request);
   command.add_option("-o,--output", wanted->output, "file to write")

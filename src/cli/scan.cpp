@@ -1,4 +1,4 @@
-#include "scan/scan.hpp"
+#include "results/scan.hpp"
 
 #include <algorithm>
 #include <array>
@@ -62,7 +62,7 @@ Shard parse_shard(const std::string& text) {
   const auto number = parse_integer(text.substr(0, slash));
   const auto of = parse_integer(slash == std::string::npos ? "" : text.substr(slash + 1));
   if (!number || !of || *number < 1 || *number > *of)
-    throw IoFailure("--shard: expected I/N with I from 1 to N, found " + dravo::quoted(text));
+    throw InvalidInput("--shard: expected I/N with I from 1 to N, found " + dravo::quoted(text));
   return {*number, *of};
 }
 

@@ -1,19 +1,17 @@
-/// The two ways in which a run ends early. Only `main` turns them into an exit status.
+/// The ways in which the work ends early. Only `main` turns them into an exit status.
 #pragma once
 
-#include <stdexcept>
+#include <exception>
 #include <string>
+
+#include "dravo/error.hpp"
 
 namespace dravo {
 
-/// A stop that the program prescribes; its messages are already written. Exit status 0.
-struct RunStop {};
-
-/// A failure of input or output. The text names the file, what was found and what was expected.
-/// Exit status 2.
-class IoFailure : public std::runtime_error {
+/// A stop that `qn-dravo` prescribes; its messages are already written. Exit status 0.
+class RunStop : public std::exception {
  public:
-  using std::runtime_error::runtime_error;
+  [[nodiscard]] const char* what() const noexcept override;
 };
 
 /// "NAME: cannot ACTION: " and the system's reason, from errno. Throws IoFailure.

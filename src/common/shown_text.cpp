@@ -122,12 +122,24 @@ std::string shown_place(std::string_view text, std::size_t begin, std::size_t en
   return shown;
 }
 
-std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
-                       std::string_view what_is_wrong) {
-  std::string message(source.name);
-  message.append(":").append(std::to_string(line_number(source.text, begin))).append(": ");
-  message.append(what_is_wrong).append("\n").append(shown_place(source.text, begin, end));
-  return message;
+InvalidInput invalid_input_at(const NamedText& source, std::size_t begin, std::size_t end,
+                              std::string_view what_is_wrong) {
+  const std::size_t previous_end = source.text.substr(0, begin).rfind('\n');
+  const std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
+  const std::size_t line_end = std::min(source.text.find('\n', begin), source.text.size());
+  return invalid_input_in(
+      {source.name, line_number(source.text, begin), source.text.substr(start, line_end - start)},
+      begin - start, end - start, what_is_wrong);
+}
+
+InvalidInput invalid_input_in(const NamedLine& line, std::size_t begin, std::size_t end,
+                              std::string_view what_is_wrong) {
+  std::string message(line.name);
+  message.append(":").append(std::to_string(line.number)).append(": ");
+  message.append(what_is_wrong).append("\n").append(shown_place(line.text, begin, end));
+  const auto columns_before = printable(line.text.substr(0, begin), begin).columns;
+  return InvalidInput(message, {std::string(line.name), line.number,
+                                static_cast<std::int64_t>(columns_before) + 1});
 }
 
 }  // namespace dravo

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "dravo/error.hpp"
+
 namespace dravo {
 
 /// What some editors put before a text, and what to say of it where it is not wanted.
@@ -36,6 +38,13 @@ struct NamedText {
   std::string_view text;  ///< the whole of it
 };
 
+/// A line of such a text.
+struct NamedLine {
+  std::string_view name;  ///< of the file
+  std::int64_t number;    ///< from 1
+  std::string_view text;  ///< of the line alone
+};
+
 /// Number of the line, from 1, that holds the character at `position`.
 std::int64_t line_number(std::string_view text, std::size_t position);
 
@@ -44,7 +53,11 @@ std::int64_t line_number(std::string_view text, std::size_t position);
 std::string shown_place(std::string_view text, std::size_t begin, std::size_t end);
 
 /// "name:line: ", what is wrong, and the place below it.
-std::string message_at(const NamedText& source, std::size_t begin, std::size_t end,
-                       std::string_view what_is_wrong);
+InvalidInput invalid_input_at(const NamedText& source, std::size_t begin, std::size_t end,
+                              std::string_view what_is_wrong);
+
+/// The same for a line whose text stands alone.
+InvalidInput invalid_input_in(const NamedLine& line, std::size_t begin, std::size_t end,
+                              std::string_view what_is_wrong);
 
 }  // namespace dravo

@@ -34,7 +34,7 @@ struct WholeDegrees {
   std::int32_t theta, phi, alpha, beta, gamma;
 };
 
-WholeDegrees in_whole_degrees(const AppliedParameters& applied) {
+WholeDegrees in_whole_degrees(const PoseRadians& applied) {
   const auto whole = [](double radians) { return nearest_integer(radians * kDegreesPerRadian); };
   const auto turn = [&](double radians) {
     const std::int32_t degrees = whole(radians);
@@ -129,8 +129,7 @@ void write_log_banner(RecordStream& log) {
   log.blank(5);
 }
 
-void write_closing_reports(const AppliedParameters& applied, RecordStream& screen,
-                           RecordStream& log) {
+void write_closing_reports(const PoseRadians& applied, RecordStream& screen, RecordStream& log) {
   const WholeDegrees degrees = in_whole_degrees(applied);
   write_source_lines(log);
   write_screen_report(screen, degrees);

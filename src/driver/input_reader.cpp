@@ -10,7 +10,7 @@
 namespace dravo {
 namespace {
 
-void read_atoms(RecordReader& input, std::int32_t N, AtomTable icoo_and_m,
+void read_atoms(FreeFormatReader& input, std::int32_t N, AtomTable icoo_and_m,
                 std::span<Label> isymbol) {
   for (std::int32_t i = 0; i < N; ++i) {
     const std::int32_t atom = i + 1;
@@ -26,12 +26,12 @@ void read_atoms(RecordReader& input, std::int32_t N, AtomTable icoo_and_m,
   }
 }
 
-std::int32_t read_integer_line(RecordReader& input, std::string_view expected) {
+std::int32_t read_integer_line(FreeFormatReader& input, std::string_view expected) {
   input.next_statement();
   return input.integer({expected});
 }
 
-double read_real_line(RecordReader& input, std::string_view expected) {
+double read_real_line(FreeFormatReader& input, std::string_view expected) {
   input.next_statement();
   return input.real({expected});
 }
@@ -39,12 +39,12 @@ double read_real_line(RecordReader& input, std::string_view expected) {
 enum class LineKind { no_atom, atom, atom_with_remark };
 
 LineKind kind_of(const NumberedLine& line) {
-  RecordReader reader("", line.text);
+  FreeFormatReader reader("", line.text);
   try {
     reader.next_statement();
     (void)reader.label({});
     for (int k = 0; k < 3; ++k) (void)reader.real({});
-  } catch (const UnreadableRecord&) {
+  } catch (const UnreadableItem&) {
     return LineKind::no_atom;
   }
   return reader.line_is_used_up() ? LineKind::atom : LineKind::atom_with_remark;
@@ -54,7 +54,7 @@ LineKind kind_of(const NumberedLine& line) {
 /// last of them to the line that is read over. (Blank lines are not counted, as reading passes over
 /// them.) By that a comment differs from a mistyped atom. One that happens to read as an atom,
 /// "H 1 2 3 optimised", differs from the atom below by its remark.
-std::optional<NumberedLine> comment_after_count(const RecordReader& input, std::int32_t N) {
+std::optional<NumberedLine> comment_after_count(const FreeFormatReader& input, std::int32_t N) {
   constexpr std::int64_t kAfterCount = 2;
   if (N < 1) return std::nullopt;
   const auto suspect = input.line_with_text(kAfterCount);
@@ -71,7 +71,7 @@ std::optional<NumberedLine> comment_after_count(const RecordReader& input, std::
 }
 
 /// The line of a message that leads from the place of a failure to its likely reason, if any.
-std::string note_line(const RecordReader& input, std::int32_t N) {
+std::string note_line(const FreeFormatReader& input, std::int32_t N) {
   std::string note = input.note();
   if (const auto comment = comment_after_count(input, N))
     note = "line " + std::to_string(comment->number) +
@@ -86,8 +86,8 @@ std::string note_line(const RecordReader& input, std::int32_t N) {
   throw RunStop{};
 }
 
-UserParameters read_parameters(RecordReader& input) {
-  UserParameters degrees;
+PoseDegrees read_parameters(FreeFormatReader& input) {
+  PoseDegrees degrees;
   input.skip_line({"the line before the distance r"});
   degrees.r = read_real_line(input, "the distance r in Angstrom (a number)");
   degrees.theta = read_real_line(input, "the polar angle theta in degrees (a number)");
@@ -100,7 +100,7 @@ UserParameters read_parameters(RecordReader& input) {
   return degrees;
 }
 
-InputGeometry read_lines(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
+InputGeometry read_lines(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
                          std::span<Label> isymbol, RecordStream& screen, MoleculeSplit& split) {
   split.N = read_integer_line(input, "the total number of atoms (an integer)");
   const std::int32_t capacity = icoo_and_m.rows();
@@ -119,19 +119,20 @@ InputGeometry read_lines(RecordReader& input, AtomTable& icoo_and_m, AtomTable& 
   // No stage reads a row past N.
   newcoo_and_m.copy_rows(icoo_and_m, split.N);
 
-  const UserParameters degrees = read_parameters(input);
+  const PoseDegrees degrees = read_parameters(input);
   return {split, prepare_parameters(degrees, screen), degrees};
 }
 
 }  // namespace
 
-InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
+InputGeometry read_input(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
                          std::span<Label> isymbol, RecordStream& screen) {
   MoleculeSplit split{};
   try {
     return read_lines(input, icoo_and_m, newcoo_and_m, isymbol, screen, split);
-  } catch (const UnreadableRecord& failure) {
-    throw IoFailure(failure.what() + note_line(input, split.N));
+  } catch (const UnreadableItem& failure) {
+    throw InvalidInput(failure.what() + note_line(input, split.N),
+                       {failure.file(), failure.line(), failure.column()});
   }
 }
 

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "common/atom_table.hpp"
-#include "common/record_reader.hpp"
+#include "common/free_format_reader.hpp"
 #include "common/record_stream.hpp"
 #include "driver/user_parameters.hpp"
 
@@ -19,8 +19,8 @@ inline constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
 
 struct InputGeometry {
   MoleculeSplit split;
-  UserParameters user;    ///< angles in radians, singular values nudged
-  UserParameters stated;  ///< as the file has them, angles in degrees
+  PoseRadians user;    ///< angles in radians, singular values nudged
+  PoseDegrees stated;  ///< as the file has them, angles in degrees
 };
 
 /// Reads the file line by line:
@@ -40,7 +40,7 @@ struct InputGeometry {
 /// Count and range errors are reported on `screen` and end the run with RunStop; an unreadable or
 /// missing line throws IoFailure, whose text may end with a line "note: ..." about the likely
 /// reason, when that lies elsewhere in the file.
-InputGeometry read_input(RecordReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
+InputGeometry read_input(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
                          std::span<Label> isymbol, RecordStream& screen);
 
 }  // namespace dravo

@@ -43,7 +43,7 @@ int main() {
   try {
     run_in_working_directory(units);
     return kDone;
-  } catch (const dravo::IoFailure& failure) {
+  } catch (const dravo::Error& failure) {
     units.warn(failure.what());
   } catch (const std::exception& failure) {
     units.warn(std::string("cannot go on: ") + failure.what());

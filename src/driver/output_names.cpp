@@ -10,7 +10,6 @@
 namespace dravo {
 namespace {
 
-constexpr double kLongestDistance = widened(9999.9F);
 constexpr double kNoDirectionDistance = widened(0.099999F);
 
 /// Zero padding goes by the value, not by the text: 9.96 Angstrom reads "[0000.0", not "[0010.0".
@@ -44,14 +43,14 @@ struct EulerDegrees {
   std::int32_t gamma;
 };
 
-EulerDegrees euler_degrees(const UserParameters& user) {
+EulerDegrees euler_degrees(const PoseRadians& user) {
   const EulerDegrees whole{whole_degrees(user.alpha), whole_degrees(user.beta),
                            whole_degrees(user.gamma)};
   if (whole.beta == 0 && whole.alpha + whole.gamma == 360) return {0, 0, 0};
   return {full_turn_as_zero(whole.alpha), whole.beta, full_turn_as_zero(whole.gamma)};
 }
 
-std::string position_fields(const UserParameters& user) {
+std::string position_fields(const PoseRadians& user) {
   const std::int32_t theta = whole_degrees(user.theta);
   const bool at_pole = theta == 0 || theta == 180;
   std::optional<std::int32_t> theta_shown;
@@ -67,7 +66,7 @@ std::string position_fields(const UserParameters& user) {
 
 bool fits_names(double r) { return !(r > kLongestDistance); }
 
-OutputNames build_output_names(const UserParameters& user, RecordStream& screen) {
+OutputNames build_output_names(const PoseRadians& user, RecordStream& screen) {
   if (!fits_names(user.r)) {
     screen.record(" distance between molecules greater than ");
     screen.record(" 9999.9 Angstrons ");

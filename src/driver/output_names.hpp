@@ -23,6 +23,6 @@ bool fits_names(double r);
 ///
 /// Angles of `user` in radians, within a few turns. A distance above 9999.9 Angstrom does not fit:
 /// that is reported on `screen` and ends the run with RunStop.
-OutputNames build_output_names(const UserParameters& user, RecordStream& screen);
+OutputNames build_output_names(const PoseRadians& user, RecordStream& screen);
 
 }  // namespace dravo

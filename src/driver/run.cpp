@@ -14,13 +14,13 @@ void run(std::string_view input, RunUnits& units) {
   AtomTable icoo_and_m(storage[0]);
   AtomTable newcoo_and_m(storage[1]);
 
-  RecordReader reader(kInputFileName, input);
+  FreeFormatReader reader(kInputFileName, input);
   InputGeometry geometry = read_input(reader, icoo_and_m, newcoo_and_m, isymbol, units.screen());
   write_screen_banner(units.screen());
 
   WorkText work_text{};
-  AppliedParameters applied;
-  UserParameters& user = geometry.user;
+  PoseRadians applied;
+  PoseRadians& user = geometry.user;
   param(work_text, geometry.split.N, geometry.split.n1, isymbol, newcoo_and_m, applied.r,
         applied.alpha, applied.beta, applied.gamma, kBuildMode, applied.theta, applied.phi,
         user.theta, user.phi, user.alpha, user.beta, user.gamma, user.r, units);

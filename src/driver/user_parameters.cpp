@@ -5,17 +5,18 @@
 #include "common/constants.hpp"
 #include "common/errors.hpp"
 #include "common/rounding.hpp"
+#include "common/text.hpp"
 
 namespace dravo {
 namespace {
 
-using Parameter = double UserParameters::*;
+using Parameter = double PoseDegrees::*;
 
 constexpr double kNudgedEulerAngle = widened(0.09F);
 
 /// With beta = 0 only alpha + gamma has a meaning, so gamma is fixed, whatever the user gave and
 /// before any range check sees it.
-void apply_beta_zero_rule(UserParameters& degrees) {
+void apply_beta_zero_rule(PoseDegrees& degrees) {
   if (nearest_integer(degrees.beta) == 0) degrees.gamma = kNudgedEulerAngle;
 }
 
@@ -32,27 +33,27 @@ struct RangeCheck {
 // In the order of checking; the first failure ends the run. The lower limits look at the value, the
 // upper ones at the rounded value.
 constexpr std::array<RangeCheck, 11> kRangeChecks{{
-    {&UserParameters::r, Limit::below_zero, 0,  //
+    {&PoseDegrees::r, Limit::below_zero, 0,  //
      " negative r not allowed! ", " Allowed: r>0"},
-    {&UserParameters::phi, Limit::below_zero, 0,  //
+    {&PoseDegrees::phi, Limit::below_zero, 0,  //
      " azimuth angle out of range! ", " Allowed: 0<phi<360"},
-    {&UserParameters::phi, Limit::rounded_above, 360,  //
+    {&PoseDegrees::phi, Limit::rounded_above, 360,  //
      " azimuth angle out of range. ", " Allowed: 0<phi<360 degrees "},
-    {&UserParameters::theta, Limit::below_zero, 0,  //
+    {&PoseDegrees::theta, Limit::below_zero, 0,  //
      " polar angle out of range! ", " Allowed: 0<theta<180"},
-    {&UserParameters::theta, Limit::rounded_above, 180,  //
+    {&PoseDegrees::theta, Limit::rounded_above, 180,  //
      " polar angle out of range. ", " Allowed: 0<theta<180 degrees "},
-    {&UserParameters::alpha, Limit::below_zero, 0,  //
+    {&PoseDegrees::alpha, Limit::below_zero, 0,  //
      " ALPHA Euler angle out of range!    ", " Allowed: 0<ALPHA<360 degrees "},
-    {&UserParameters::alpha, Limit::rounded_above, 360, " ALPHA Euler angle out of range!    ",
+    {&PoseDegrees::alpha, Limit::rounded_above, 360, " ALPHA Euler angle out of range!    ",
      " Allowed: 0<ALPHA<360 degrees "},
-    {&UserParameters::beta, Limit::below_zero, 0,  //
+    {&PoseDegrees::beta, Limit::below_zero, 0,  //
      " BETA Euler angle out of range!    ", " Allowed: 0<BETA<180 degrees "},
-    {&UserParameters::beta, Limit::rounded_above, 180, " Beta Euler angle out of range!    ",
+    {&PoseDegrees::beta, Limit::rounded_above, 180, " Beta Euler angle out of range!    ",
      " Allowed: 0<beta<180 degrees "},
-    {&UserParameters::gamma, Limit::below_zero, 0,  //
+    {&PoseDegrees::gamma, Limit::below_zero, 0,  //
      " GAMMA Euler angle out of range!    ", " Allowed: 0<GAMMA<360 degrees "},
-    {&UserParameters::gamma, Limit::rounded_above, 360, " GAMMA Euler angle out of range!    ",
+    {&PoseDegrees::gamma, Limit::rounded_above, 360, " GAMMA Euler angle out of range!    ",
      " Allowed: 0<GAMMA<360 degrees "},
 }};
 
@@ -63,7 +64,7 @@ bool fails(const RangeCheck& check, double value) {
 [[noreturn]] void stop_out_of_range(const RangeFault& fault, double value, RecordStream& screen) {
   screen.record(fault.message);
   screen.record(fault.allowed);
-  if (fault.parameter == &UserParameters::r) {
+  if (fault.parameter == &PoseDegrees::r) {
     screen.record(" User value :", value);
   } else {
     screen.record(" User value :", nearest_integer(value));
@@ -83,15 +84,15 @@ struct Nudge {
 // Values at which an angle loses its meaning are moved off them by less than a tenth of a degree.
 // Beta is never moved off 0.
 constexpr std::array<Nudge, 6> kNudges{{
-    {&UserParameters::alpha, 0.0, true, widened(0.1F), kNudgedEulerAngle},
-    {&UserParameters::gamma, 0.0, true, widened(0.1F), kNudgedEulerAngle},
-    {&UserParameters::theta, 0.0, true, widened(0.05F), widened(0.049F)},
-    {&UserParameters::phi, 0.0, true, widened(0.05F), widened(0.049F)},
-    {&UserParameters::theta, widened(179.91F), false, widened(180.09F), widened(179.99F)},
-    {&UserParameters::beta, widened(179.91F), false, widened(180.09F), widened(179.99F)},
+    {&PoseDegrees::alpha, 0.0, true, widened(0.1F), kNudgedEulerAngle},
+    {&PoseDegrees::gamma, 0.0, true, widened(0.1F), kNudgedEulerAngle},
+    {&PoseDegrees::theta, 0.0, true, widened(0.05F), widened(0.049F)},
+    {&PoseDegrees::phi, 0.0, true, widened(0.05F), widened(0.049F)},
+    {&PoseDegrees::theta, widened(179.91F), false, widened(180.09F), widened(179.99F)},
+    {&PoseDegrees::beta, widened(179.91F), false, widened(180.09F), widened(179.99F)},
 }};
 
-void nudge_singular_values(UserParameters& degrees) {
+void nudge_singular_values(PoseDegrees& degrees) {
   for (const Nudge& nudge : kNudges) {
     double& value = degrees.*nudge.parameter;
     const bool above = nudge.above_included ? value >= nudge.above : value > nudge.above;
@@ -99,33 +100,66 @@ void nudge_singular_values(UserParameters& degrees) {
   }
 }
 
-UserParameters in_radians(const UserParameters& degrees) {
-  UserParameters user = degrees;
-  for (const Parameter angle :
-       {&UserParameters::theta, &UserParameters::phi, &UserParameters::alpha, &UserParameters::beta,
-        &UserParameters::gamma})
-    user.*angle = user.*angle * kRadiansPerDegree;
-  return user;
+const char* name_of(Parameter parameter) {
+  const auto* entry = kPoseParameters.begin();
+  while (entry->value != parameter) ++entry;
+  return entry->name;
 }
 
 }  // namespace
 
-std::optional<RangeFault> find_range_fault(const UserParameters& degrees) {
+std::size_t pose_parameter(std::string_view name) {
+  std::size_t k = 0;
+  while (k < kPoseParameters.size() && kPoseParameters[k].name != name) ++k;
+  return k;
+}
+
+PoseRadians in_radians(const PoseDegrees& pose) {
+  return {pose.r,
+          pose.theta * kRadiansPerDegree,
+          pose.phi * kRadiansPerDegree,
+          pose.alpha * kRadiansPerDegree,
+          pose.beta * kRadiansPerDegree,
+          pose.gamma * kRadiansPerDegree};
+}
+
+std::optional<RangeFault> find_range_fault(const PoseDegrees& degrees) {
   for (const RangeCheck& check : kRangeChecks)
     if (fails(check, degrees.*check.parameter))
       return RangeFault{check.parameter, check.message, check.allowed};
   return std::nullopt;
 }
 
-UserParameters nudged_parameters(const UserParameters& degrees) {
-  UserParameters user = degrees;
+std::optional<OutOfRange> complaint_about(const PoseDegrees& degrees) {
+  constexpr double kHighestPolar = 180.0;
+  constexpr double kHighestTurn = 360.0;
+  if (const auto fault = find_range_fault(degrees)) {
+    std::string sentence(trimmed(fault->message));
+    sentence.append(sentence.ends_with('.') || sentence.ends_with('!') ? " " : ". ");
+    sentence.append(trimmed(fault->allowed));
+    const bool polar =
+        fault->parameter == &PoseDegrees::theta || fault->parameter == &PoseDegrees::beta;
+    const bool distance = fault->parameter == &PoseDegrees::r;
+    return OutOfRange(sentence, name_of(fault->parameter), degrees.*fault->parameter, 0.0,
+                      distance ? kLongestDistance
+                      : polar  ? kHighestPolar
+                               : kHighestTurn);
+  }
+  if (degrees.r > kLongestDistance)
+    return OutOfRange("distance too long for the names of files. Allowed: r<9999.9", "r", degrees.r,
+                      0.0, kLongestDistance);
+  return std::nullopt;
+}
+
+PoseDegrees nudged_parameters(const PoseDegrees& degrees) {
+  PoseDegrees user = degrees;
   apply_beta_zero_rule(user);
   nudge_singular_values(user);
   return user;
 }
 
-UserParameters prepare_parameters(const UserParameters& degrees, RecordStream& screen) {
-  UserParameters checked = degrees;
+PoseRadians prepare_parameters(const PoseDegrees& degrees, RecordStream& screen) {
+  PoseDegrees checked = degrees;
   apply_beta_zero_rule(checked);
   if (const auto fault = find_range_fault(checked))
     stop_out_of_range(*fault, checked.*(fault->parameter), screen);

@@ -14,8 +14,8 @@ namespace dravo {
 namespace {
 
 /// What a run reports as applied: the position measured after the placement, the rotation used.
-UserParameters applied_parameters(const Placement& placement, const UserParameters& radians) {
-  UserParameters applied;
+PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& radians) {
+  PoseDegrees applied;
   applied.r = placement.applied.r;
   applied.theta = placement.applied.theta * kDegreesPerRadian;
   applied.phi = placement.applied.phi * kDegreesPerRadian;
@@ -65,12 +65,12 @@ void ChunkMaker::make(std::int64_t first, std::int64_t end, Chunk& chunk) {
   asked_.resize(static_cast<std::size_t>(end - first));
   plan_->fill(first, asked_);
   std::int64_t index = first;
-  for (const UserParameters& asked : asked_) make_pose(++index, asked, chunk);
+  for (const PoseDegrees& asked : asked_) make_pose(++index, asked, chunk);
 }
 
-void ChunkMaker::make_pose(std::int64_t index, const UserParameters& asked, Chunk& chunk) {
+void ChunkMaker::make_pose(std::int64_t index, const PoseDegrees& asked, Chunk& chunk) {
   ScannedPose pose{index, asked.r, asked, {}, {}};
-  UserParameters radians = prepare_parameters(asked, screen_);
+  PoseRadians radians = prepare_parameters(asked, screen_);
   if (plan_->above_contact()) {
     pose.asked.r = distance_beyond(placer_->touching_distance(radians), pose.above_contact);
     radians.r = pose.asked.r;
@@ -85,7 +85,7 @@ void ChunkMaker::make_pose(std::int64_t index, const UserParameters& asked, Chun
   if (wanted && output_->kind != ScanOutput::Kind::counted) write(pose, radians, placement, chunk);
 }
 
-void ChunkMaker::write(const ScannedPose& pose, const UserParameters& radians,
+void ChunkMaker::write(const ScannedPose& pose, const PoseRadians& radians,
                        const Placement& placement, Chunk& chunk) {
   writer_.append_row(chunk.table, pose);
   if (output_->kind == ScanOutput::Kind::files) {
@@ -96,7 +96,7 @@ void ChunkMaker::write(const ScannedPose& pose, const UserParameters& radians,
 }
 
 /// Names hold whole degrees, so poses may share theirs: each gets a folder of its own, by index.
-void ChunkMaker::write_files(const ScannedPose& pose, const UserParameters& radians,
+void ChunkMaker::write_files(const ScannedPose& pose, const PoseRadians& radians,
                              const Placement& placement) {
   const PairFiles files = pair_files(build_output_names(radians, screen_), pose.survey.contacts > 0,
                                      placer_->split(), placed_.table(), placement);

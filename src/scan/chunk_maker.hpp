@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "common/record_stream.hpp"
-#include "pairs/discard.hpp"
+#include "molecules/discard.hpp"
+#include "results/pose_writer.hpp"
 #include "scan/pair_placer.hpp"
 #include "scan/plan.hpp"
-#include "scan/pose_writer.hpp"
 
 namespace dravo {
 
@@ -47,18 +47,17 @@ class ChunkMaker {
   void make(std::int64_t first, std::int64_t end, Chunk& chunk);
 
  private:
-  void make_pose(std::int64_t index, const UserParameters& asked, Chunk& chunk);
-  void write(const ScannedPose& pose, const UserParameters& radians, const Placement& placement,
+  void make_pose(std::int64_t index, const PoseDegrees& asked, Chunk& chunk);
+  void write(const ScannedPose& pose, const PoseRadians& radians, const Placement& placement,
              Chunk& chunk);
-  void write_files(const ScannedPose& pose, const UserParameters& radians,
-                   const Placement& placement);
+  void write_files(const ScannedPose& pose, const PoseRadians& radians, const Placement& placement);
 
   const PairPlacer* placer_;
   const ScanPlan* plan_;
   const ScanOutput* output_;
   PoseWriter writer_;
   OwnedTable placed_;
-  std::vector<UserParameters> asked_;
+  std::vector<PoseDegrees> asked_;
   DiscardingSink nobody_;
   RecordStream screen_;
 };

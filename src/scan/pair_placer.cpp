@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "common/errors.hpp"
+#include "identify/principal_frames.hpp"
+#include "molecules/discard.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "output/short_contacts.hpp"
-#include "pairs/discard.hpp"
-#include "pairs/principal_frames.hpp"
 
 namespace dravo {
 namespace {
@@ -34,7 +34,7 @@ AnalysedPair analyse_or_refuse(const Pair& pair) {
   try {
     return analyse(pair);
   } catch (const RunStop&) {
-    throw no_rotation_found();
+    throw NoRotationFound(NoRotationFound::Search::euler);
   }
 }
 
@@ -53,13 +53,13 @@ PairPlacer::PairPlacer(const Pair& pair)
       offsets_(positions(analysed_.parallel.table(), split_.molecule1(), analysed_.frames[0].cm)),
       surveyor_(positions(analysed_.parallel.table(), split_.molecule2(), {})) {}
 
-Placement PairPlacer::place(const UserParameters& radians, AtomTable& placed) const {
+Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const {
   return place_by_user(analysed_.parallel.table(), split_, analysed_.frames[0],
                        {radians.alpha, radians.beta, radians.gamma},
                        {radians.r, radians.theta, radians.phi}, placed);
 }
 
-double PairPlacer::touching_distance(const UserParameters& radians) const {
+double PairPlacer::touching_distance(const PoseRadians& radians) const {
   const Matrix3 turn = euler_matrix(radians.alpha, radians.beta, radians.gamma);
   std::vector<Vec3> turned;
   turned.reserve(offsets_.size());

@@ -6,9 +6,9 @@
 #include "common/atom_table.hpp"
 #include "common/frame.hpp"
 #include "driver/user_parameters.hpp"
+#include "molecules/pair_table.hpp"
 #include "output/contact_surveyor.hpp"
 #include "output/placement.hpp"
-#include "pairs/pair_table.hpp"
 
 namespace dravo {
 
@@ -21,14 +21,14 @@ struct AnalysedPair {
 /// What is constant may be used by several threads, each with a table of its own for the atoms.
 class PairPlacer {
  public:
-  /// Throws Unidentifiable for a pair that cannot be placed, a symmetric molecule for example.
+  /// Throws NoUniqueFrame for a pair that cannot be placed, a symmetric molecule for example.
   explicit PairPlacer(const Pair& pair);
 
   [[nodiscard]] const MoleculeSplit& split() const { return split_; }
   [[nodiscard]] const std::vector<Label>& labels() const { return labels_; }
 
   /// The pair by parameters as `prepare_parameters` leaves them, as `qn-dravo` places it.
-  Placement place(const UserParameters& radians, AtomTable& placed) const;
+  Placement place(const PoseRadians& radians, AtomTable& placed) const;
 
   [[nodiscard]] ContactSurvey survey(const AtomTable& placed) const {
     return surveyor_.survey(placed, split_.molecule1());
@@ -36,7 +36,7 @@ class PairPlacer {
 
   /// The r at which the pair, in this direction and orientation, first has a short contact on its
   /// way from afar; zero when it has none on the way. The r of `radians` is not looked at.
-  [[nodiscard]] double touching_distance(const UserParameters& radians) const;
+  [[nodiscard]] double touching_distance(const PoseRadians& radians) const;
 
   /// No touching distance is longer.
   [[nodiscard]] double longest_touching_distance() const;

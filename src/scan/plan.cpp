@@ -9,7 +9,7 @@
 #include "common/errors.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
-#include "pairs/parameters.hpp"
+#include "driver/user_parameters.hpp"
 #include "scan/fingerprint.hpp"
 #include "scan/random_pose.hpp"
 
@@ -21,8 +21,8 @@ constexpr std::int64_t kMostPoses = 1'000'000'000'000'000;  // indices stay whol
 constexpr std::array<std::string_view, 5> kOtherKeys{"zip", "random", "seed", "contacts", "files"};
 
 bool is_parameter(std::string_view key) {
-  return std::any_of(kParameterNames.begin(), kParameterNames.end(),
-                     [&](const ParameterName& parameter) { return parameter.name == key; });
+  return std::any_of(kPoseParameters.begin(), kPoseParameters.end(),
+                     [&](const PoseParameter& parameter) { return parameter.name == key; });
 }
 
 void refuse_unknown_keys(const PlanKeys& keys) {
@@ -75,12 +75,12 @@ constexpr std::array<std::pair<std::string_view, bool>, 2> kTruth{
     {{"true", true}, {"false", false}}};
 
 /// Both ends of every stretch of the axis; what lies between them is in range when they are.
-void check_range(const Axis& axis, const ParameterName& parameter) {
+void check_range(const Axis& axis, const PoseParameter& parameter) {
   for (const Axis::Segment& segment : axis.segments())
     for (const std::int64_t i : {std::int64_t{0}, segment.count - 1}) {
-      UserParameters degrees;
+      PoseDegrees degrees;
       degrees.*parameter.value = segment.at(i);
-      if (const auto complaint = complaint_about(degrees)) segment.word.refuse(complaint->sentence);
+      if (const auto complaint = complaint_about(degrees)) segment.word.refuse(complaint->what());
     }
 }
 
@@ -135,7 +135,7 @@ void ScanPlan::read_sampling(const PlanKeys& keys) {
 void ScanPlan::read_axes(const PlanKeys& keys) {
   std::string missing;
   for (std::size_t k = 0; k < axes_.size(); ++k) {
-    const ParameterName& parameter = kParameterNames[k];
+    const PoseParameter& parameter = kPoseParameters[k];
     const bool needed = sampling_ == Sampling::grid || (sampling_ == Sampling::random && k == 0);
     const auto* words = find(keys, parameter.name);
     if (words != nullptr && !needed)
@@ -150,8 +150,8 @@ void ScanPlan::read_axes(const PlanKeys& keys) {
     description_[parameter.name] = shortened(from + axes_[k].description());
   }
   if (!missing.empty())
-    throw IoFailure("the plan lacks " + missing +
-                    ": give a number, a list (0,30,60) or start:stop:step for each");
+    throw InvalidInput("the plan lacks " + missing +
+                       ": give a number, a list (0,30,60) or start:stop:step for each");
 }
 
 /// Takes the words "contact +" off the values of r and remembers that they were there.
@@ -176,12 +176,12 @@ void ScanPlan::count_poses() {
   for (const Axis& axis : axes_) {
     const std::int64_t values = std::max<std::int64_t>(axis.size(), 1);
     if (poses_ > kMostPoses / values)
-      throw IoFailure("the plan has more than " + std::to_string(kMostPoses) + " poses");
+      throw InvalidInput("the plan has more than " + std::to_string(kMostPoses) + " poses");
     poses_ *= values;
   }
 }
 
-void ScanPlan::fill(std::int64_t first, std::span<UserParameters> poses) const {
+void ScanPlan::fill(std::int64_t first, std::span<PoseDegrees> poses) const {
   switch (sampling_) {
     case Sampling::grid:
       fill_grid(first, poses);
@@ -195,28 +195,28 @@ void ScanPlan::fill(std::int64_t first, std::span<UserParameters> poses) const {
   }
 }
 
-void ScanPlan::fill_grid(std::int64_t first, std::span<UserParameters> poses) const {
+void ScanPlan::fill_grid(std::int64_t first, std::span<PoseDegrees> poses) const {
   std::array<std::int64_t, 6> place{};
-  UserParameters pose;
+  PoseDegrees pose;
   std::int64_t rest = first;
   for (std::size_t k = axes_.size(); k-- > 0;) {
     place[k] = rest % axes_[k].size();
     rest /= axes_[k].size();
-    pose.*kParameterNames[k].value = axes_[k].at(place[k]);
+    pose.*kPoseParameters[k].value = axes_[k].at(place[k]);
   }
-  for (UserParameters& filled : poses) {
+  for (PoseDegrees& filled : poses) {
     filled = pose;
     for (std::size_t k = axes_.size(); k-- > 0;) {
       place[k] = place[k] + 1 < axes_[k].size() ? place[k] + 1 : 0;
-      pose.*kParameterNames[k].value = axes_[k].at(place[k]);
+      pose.*kPoseParameters[k].value = axes_[k].at(place[k]);
       if (place[k] != 0) break;
     }
   }
 }
 
-void ScanPlan::fill_random(std::int64_t first, std::span<UserParameters> poses) const {
+void ScanPlan::fill_random(std::int64_t first, std::span<PoseDegrees> poses) const {
   std::int64_t index = first;
-  for (UserParameters& filled : poses) {
+  for (PoseDegrees& filled : poses) {
     filled = random_pose(seed_, index % directions_);
     filled.r = axes_[0].at(index / directions_);
     ++index;

@@ -48,7 +48,7 @@ class ScanPlan {
   [[nodiscard]] bool files() const { return files_; }
 
   /// Poses `first` and following, from 0; as many as `poses` has. Angstrom and degrees.
-  void fill(std::int64_t first, std::span<UserParameters> poses) const;
+  void fill(std::int64_t first, std::span<PoseDegrees> poses) const;
 
   /// What decides about the poses, for comparison with another plan: key and text.
   [[nodiscard]] const std::map<std::string, std::string>& description() const {
@@ -62,8 +62,8 @@ class ScanPlan {
   void read_axes(const PlanKeys& keys);
   [[nodiscard]] std::vector<PlanWord> without_contact(std::vector<PlanWord> words);
   void count_poses();
-  void fill_grid(std::int64_t first, std::span<UserParameters> poses) const;
-  void fill_random(std::int64_t first, std::span<UserParameters> poses) const;
+  void fill_grid(std::int64_t first, std::span<PoseDegrees> poses) const;
+  void fill_random(std::int64_t first, std::span<PoseDegrees> poses) const;
 
   Sampling sampling_ = Sampling::grid;
   std::array<Axis, 6> axes_;  ///< r to gamma

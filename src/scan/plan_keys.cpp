@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "common/errors.hpp"
-#include "common/record_reader.hpp"
+#include "common/free_format_reader.hpp"
 #include "common/shown_text.hpp"
 
 namespace dravo {
@@ -87,9 +87,9 @@ void PlanWord::refuse(std::string_view part, const std::string& what_is_wrong) c
   const std::size_t first = std::min(begin + offset, source->text.size());
   const std::size_t last = std::min(first + part.size(), source->text.size());
   if (source->is_file)
-    throw IoFailure(message_at({source->name, source->text}, first, last, what_is_wrong));
-  throw IoFailure(source->name + ": " + what_is_wrong + "\n" +
-                  shown_place(source->text, first, last));
+    throw invalid_input_at({source->name, source->text}, first, last, what_is_wrong);
+  throw InvalidInput(source->name + ": " + what_is_wrong + "\n" +
+                     shown_place(source->text, first, last));
 }
 
 std::string PlanWord::path() const {
@@ -100,8 +100,7 @@ std::string PlanWord::path() const {
 PlanKeys read_plan_keys(const std::string& file) {
   const auto source = std::make_shared<const PlanSource>(PlanSource{file, read_file(file), true});
   if (source->text.starts_with(kByteOrderMark))
-    throw IoFailure(
-        message_at({file, source->text}, 0, kByteOrderMark.size(), kByteOrderMarkFault));
+    throw invalid_input_at({file, source->text}, 0, kByteOrderMark.size(), kByteOrderMarkFault);
   const WordReader reader(source);
   PlanKeys keys;
   try {
@@ -109,8 +108,8 @@ PlanKeys read_plan_keys(const std::string& file) {
     for (const auto& [key, node] : plan) keys[std::string(key.str())] = reader.words_of(node);
   } catch (const toml::parse_error& error) {
     const std::size_t place = reader.offset_of(error.source().begin);
-    throw IoFailure(message_at({file, source->text}, place, place,
-                               "not TOML: " + std::string(error.description())));
+    throw invalid_input_at({file, source->text}, place, place,
+                           "not TOML: " + std::string(error.description()));
   }
   return keys;
 }

@@ -24,11 +24,11 @@ double polar_degrees(double u) { return std::acos(1.0 - 2.0 * u) * kDegreesPerRa
 
 }  // namespace
 
-UserParameters random_pose(std::uint64_t seed, std::int64_t k) {
+PoseDegrees random_pose(std::uint64_t seed, std::int64_t k) {
   constexpr std::uint64_t kNumbersOfPose = 5;
   std::uint64_t n = kNumbersOfPose * static_cast<std::uint64_t>(k);
   const auto next = [&] { return unit_interval(splitmix(seed, n++)); };
-  UserParameters pose;
+  PoseDegrees pose;
   pose.theta = polar_degrees(next());
   pose.phi = 360.0 * next();
   pose.alpha = 360.0 * next();

@@ -10,7 +10,7 @@
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
-#include "pairs/parameters.hpp"
+#include "driver/user_parameters.hpp"
 #include "scan/fingerprint.hpp"
 
 namespace dravo {
@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::int64_t kRowsOfBlock = 256;
 
-void add(const UserParameters& row, Fingerprint& fingerprint) {
-  for (const ParameterName& parameter : kParameterNames) fingerprint.add(row.*parameter.value);
+void add(const PoseDegrees& row, Fingerprint& fingerprint) {
+  for (const PoseParameter& parameter : kPoseParameters) fingerprint.add(row.*parameter.value);
 }
 
 /// The next line that holds more than blanks; false at the end of the file. `number` counts lines.
@@ -40,7 +40,7 @@ std::ifstream ZippedList::open() const {
   if (!in) throw_system_failure(file_, "read");
   std::error_code ignored;  // it could be opened
   if (!std::filesystem::is_regular_file(file_, ignored))
-    throw IoFailure(file_ + ": expected a file, which can be read more than once");
+    throw InvalidInput(file_ + ": expected a file, which can be read more than once");
   return in;
 }
 
@@ -52,7 +52,7 @@ ZippedList::ZippedList(std::string file) : file_(std::move(file)) {
   Fingerprint rows;
   for (bool first = true; next_row(in, line, number); first = false) {
     if (!first || !take_names(line, number)) {
-      const UserParameters row = parsed(line, number);
+      const PoseDegrees row = parsed(line, number);
       check(row, line, number);
       if (size_ % kRowsOfBlock == 0) blocks_.push_back({start, Fingerprint{}});
       add(row, blocks_.back().rows);
@@ -61,66 +61,61 @@ ZippedList::ZippedList(std::string file) : file_(std::move(file)) {
     }
     if (size_ % kRowsOfBlock == 0) start = in.tellg();
   }
-  if (size_ == 0) throw IoFailure(file_ + ": expected rows of six numbers, found none");
+  if (size_ == 0) throw InvalidInput(file_ + ": expected rows of six numbers, found none");
   fingerprint_ = rows.value();
 }
 
 bool ZippedList::take_names(std::string_view line, std::int64_t number) {
   const std::vector<std::string_view> names = parts_between(line, ',');
   if (parse_plain_real(names[0])) return false;
-  for (std::size_t k = 0; k < kParameterNames.size(); ++k) {
-    const auto found = std::find(names.begin(), names.end(), kParameterNames[k].name);
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
+    const auto found = std::find(names.begin(), names.end(), kPoseParameters[k].name);
     if (found == names.end())
       refuse(line, number, names[0],
              std::string("expected numbers, or the names of columns with ") +
-                 kParameterNames[k].name + " among them");
+                 kPoseParameters[k].name + " among them");
     columns_[k] = static_cast<std::size_t>(found - names.begin());
   }
   named_ = true;
   return true;
 }
 
-UserParameters ZippedList::parsed(std::string_view line, std::int64_t number) const {
+PoseDegrees ZippedList::parsed(std::string_view line, std::int64_t number) const {
   const std::vector<std::string_view> parts = parts_between(line, ',');
   if (!named_ && parts.size() != columns_.size())
     refuse(line, number, line,
            "expected six numbers, or a first line that names the columns, found " +
                std::to_string(parts.size()) + " columns");
-  UserParameters row;
-  for (std::size_t k = 0; k < kParameterNames.size(); ++k) {
-    const std::string expected = std::string("expected ") + kParameterNames[k].name;
+  PoseDegrees row;
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
+    const std::string expected = std::string("expected ") + kPoseParameters[k].name;
     if (columns_[k] >= parts.size())
       refuse(line, number, line.substr(line.size()), expected + ", found the end of the line");
     const std::string_view part = parts[columns_[k]];
     const auto value = parse_plain_real(part);
     if (!value) refuse(line, number, part, expected + " (a number), found " + quoted(part));
-    row.*kParameterNames[k].value = *value;
+    row.*kPoseParameters[k].value = *value;
   }
   return row;
 }
 
-void ZippedList::check(const UserParameters& row, std::string_view line,
-                       std::int64_t number) const {
+void ZippedList::check(const PoseDegrees& row, std::string_view line, std::int64_t number) const {
   const auto complaint = complaint_about(row);
   if (!complaint) return;
-  const auto k = static_cast<std::size_t>(
-      std::find_if(kParameterNames.begin(), kParameterNames.end(),
-                   [&](const ParameterName& p) { return p.value == complaint->parameter.value; }) -
-      kParameterNames.begin());
-  refuse(line, number, parts_between(line, ',')[columns_[k]], complaint->sentence);
+  refuse(line, number, parts_between(line, ',')[columns_[pose_parameter(complaint->name())]],
+         complaint->what());
 }
 
 void ZippedList::refuse(std::string_view line, std::int64_t number, std::string_view part,
                         const std::string& what_is_wrong) const {
   const auto begin = static_cast<std::size_t>(part.data() - line.data());
-  throw IoFailure(file_ + ":" + std::to_string(number) + ": " + what_is_wrong + "\n" +
-                  shown_place(line, begin, begin + part.size()));
+  throw invalid_input_in({file_, number, line}, begin, begin + part.size(), what_is_wrong);
 }
 
-void ZippedList::read(std::int64_t first, std::span<UserParameters> rows) const {
+void ZippedList::read(std::int64_t first, std::span<PoseDegrees> rows) const {
   const std::int64_t end = first + static_cast<std::int64_t>(rows.size());
   for (std::int64_t block = first / kRowsOfBlock; block * kRowsOfBlock < end; ++block) {
-    const std::vector<UserParameters> all = read_block(block);
+    const std::vector<PoseDegrees> all = read_block(block);
     const std::int64_t begin_of_block = block * kRowsOfBlock;
     const std::int64_t from = std::max(first, begin_of_block);
     const std::int64_t to = std::min(end, begin_of_block + kRowsOfBlock);
@@ -129,12 +124,12 @@ void ZippedList::read(std::int64_t first, std::span<UserParameters> rows) const 
   }
 }
 
-std::vector<UserParameters> ZippedList::read_block(std::int64_t block) const {
+std::vector<PoseDegrees> ZippedList::read_block(std::int64_t block) const {
   const Block& known = blocks_[static_cast<std::size_t>(block)];
   std::ifstream in = open();
   in.seekg(known.start);
   const std::int64_t count = std::min(kRowsOfBlock, size_ - block * kRowsOfBlock);
-  std::vector<UserParameters> rows;
+  std::vector<PoseDegrees> rows;
   Fingerprint fingerprint;
   std::string line;
   std::int64_t number = 0;
@@ -143,11 +138,11 @@ std::vector<UserParameters> ZippedList::read_block(std::int64_t block) const {
       rows.push_back(parsed(line, number));
       add(rows.back(), fingerprint);
     }
-  } catch (const IoFailure&) {
+  } catch (const Error&) {
     rows.clear();  // what was read once cannot be read now
   }
   if (static_cast<std::int64_t>(rows.size()) != count || fingerprint.value() != known.rows.value())
-    throw IoFailure(file_ + ": has changed since it was checked");
+    throw InvalidInput(file_ + ": has changed since it was checked");
   return rows;
 }
 

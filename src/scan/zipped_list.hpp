@@ -29,7 +29,7 @@ class ZippedList {
 
   /// Rows `first` and following, Angstrom and degrees; as many as `rows` has. Throws IoFailure when
   /// the file has changed.
-  void read(std::int64_t first, std::span<UserParameters> rows) const;
+  void read(std::int64_t first, std::span<PoseDegrees> rows) const;
 
  private:
   /// Rows that are read together, and again.
@@ -39,10 +39,10 @@ class ZippedList {
   };
 
   [[nodiscard]] std::ifstream open() const;
-  [[nodiscard]] std::vector<UserParameters> read_block(std::int64_t block) const;
+  [[nodiscard]] std::vector<PoseDegrees> read_block(std::int64_t block) const;
   [[nodiscard]] bool take_names(std::string_view line, std::int64_t number);
-  [[nodiscard]] UserParameters parsed(std::string_view line, std::int64_t number) const;
-  void check(const UserParameters& row, std::string_view line, std::int64_t number) const;
+  [[nodiscard]] PoseDegrees parsed(std::string_view line, std::int64_t number) const;
+  void check(const PoseDegrees& row, std::string_view line, std::int64_t number) const;
   [[noreturn]] void refuse(std::string_view line, std::int64_t number, std::string_view part,
                            const std::string& what_is_wrong) const;
 

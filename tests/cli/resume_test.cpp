@@ -16,7 +16,7 @@
 
 #include "cli/dimer.hpp"
 #include "common/version.hpp"
-#include "scan/progress_file.hpp"
+#include "results/progress_file.hpp"
 
 namespace dravo::test {
 namespace {

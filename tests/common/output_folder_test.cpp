@@ -28,7 +28,7 @@ template <class Action>
 std::string failure_of(const Action& action) {
   try {
     action();
-  } catch (const IoFailure& failure) {
+  } catch (const Error& failure) {
     return failure.what();
   }
   return "no failure";

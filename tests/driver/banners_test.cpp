@@ -35,9 +35,8 @@ std::string lines(std::initializer_list<std::string_view> records) {
 constexpr double radians(double degrees) { return degrees * 3.14159265358979323846 / 180.0; }
 
 /// r in Angstrom, angles in degrees.
-AppliedParameters applied(double r, double theta, double phi, double alpha, double beta,
-                          double gamma) {
-  return {r, radians(alpha), radians(beta), radians(gamma), radians(theta), radians(phi)};
+PoseRadians applied(double r, double theta, double phi, double alpha, double beta, double gamma) {
+  return {r, radians(theta), radians(phi), radians(alpha), radians(beta), radians(gamma)};
 }
 
 struct Reports {
@@ -45,7 +44,7 @@ struct Reports {
   std::string log;
 };
 
-Reports reports_of(const AppliedParameters& parameters) {
+Reports reports_of(const PoseRadians& parameters) {
   RecordStream screen;
   RecordStream log;
   write_closing_reports(parameters, screen, log);
@@ -270,7 +269,7 @@ TEST(ClosingReports, HalfADegreeRoundsAwayFromZero) {
   // give 2.
   const double half = 2.5 * 0.017453292519943295;
   ASSERT_EQ(half * 57.29577951308232, 2.5);
-  AppliedParameters parameters = applied(3.5, 90, 45, 10, 20, 30);
+  PoseRadians parameters = applied(3.5, 90, 45, 10, 20, 30);
   parameters.alpha = half;
   parameters.gamma = -half;
   EXPECT_EQ(reports_of(parameters).screen,

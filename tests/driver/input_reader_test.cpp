@@ -56,7 +56,7 @@ std::string row_of_hydrogens(int N, const std::string& n1) {
 /// Reads a text into tables of 16 rows.
 struct Reading {
   InputGeometry operator()(const std::string& text) {
-    RecordReader reader("QN-input-GEOMETRY.xyz", text);
+    FreeFormatReader reader("QN-input-GEOMETRY.xyz", text);
     return read_input(reader, icoo_and_m, newcoo_and_m, isymbol, screen);
   }
 
@@ -80,7 +80,7 @@ std::string refused(const std::string& text) {
   Reading reading;
   try {
     reading(text);
-  } catch (const IoFailure& failure) {
+  } catch (const Error& failure) {
     EXPECT_EQ(reading.screen.text(), "");
     return failure.what();
   }
@@ -249,7 +249,7 @@ struct Capacity : testing::Test {
     tables().labels.fill({'-', '-'});
   }
   InputGeometry read(const std::string& text) {
-    RecordReader reader("QN-input-GEOMETRY.xyz", text);
+    FreeFormatReader reader("QN-input-GEOMETRY.xyz", text);
     return read_input(reader, icoo_and_m, newcoo_and_m, std::span(tables().labels).first(kMaxAtoms),
                       screen);
   }
@@ -288,7 +288,7 @@ TEST_F(Capacity, IsCheckedAfterTheCountOfMoleculeOne) {
 TEST_F(Capacity, AtomsBeyondItMustStillBeReadable) {
   std::string text = row_of_hydrogens(150001, "3");
   text.replace(text.find("H 150001 -2"), 11, "H 150001 ?2");
-  EXPECT_THROW(read(text), IoFailure);
+  EXPECT_THROW(read(text), InvalidInput);
   EXPECT_EQ(screen.text(), "");
 }
 

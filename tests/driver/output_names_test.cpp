@@ -13,11 +13,11 @@ namespace {
 constexpr double radians(double degrees) { return degrees * 3.14159265358979323846 / 180.0; }
 
 /// r in Angstrom, angles in degrees.
-UserParameters user(double r, double theta, double phi, double alpha, double beta, double gamma) {
+PoseRadians user(double r, double theta, double phi, double alpha, double beta, double gamma) {
   return {r, radians(theta), radians(phi), radians(alpha), radians(beta), radians(gamma)};
 }
 
-OutputNames names_of(const UserParameters& parameters) {
+OutputNames names_of(const PoseRadians& parameters) {
   RecordStream screen;
   OutputNames names = build_output_names(parameters, screen);
   EXPECT_EQ(screen.text(), "");
@@ -25,7 +25,7 @@ OutputNames names_of(const UserParameters& parameters) {
 }
 
 /// The name without its suffix.
-std::string stem(const UserParameters& parameters) {
+std::string stem(const PoseRadians& parameters) {
   const std::string name = names_of(parameters).geometry;
   return name.substr(0, name.find(")-QN-DRAVO.xyz"));
 }
@@ -95,7 +95,7 @@ TEST(OutputNames, ALongerDistanceStopsTheRun) {
 
 TEST(OutputNames, AnglesAreWholeDegreesOfThreeDigits) {
   const struct {
-    UserParameters parameters;
+    PoseRadians parameters;
     const char* stem;
   } rows[] = {
       {user(3.5, 1, 2, 3, 4, 5), "[0003.5-001-002]-(003-004-005"},
@@ -185,14 +185,14 @@ TEST(OutputNames, AtNoDistanceThePoleMakesNoDifference) {
 // From the degrees of the input file: alpha and gamma are moved to 0.09, which rounds to 0 again.
 TEST(OutputNames, AllParametersZero) {
   RecordStream screen;
-  const UserParameters zero = prepare_parameters({0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, screen);
+  const PoseRadians zero = prepare_parameters({0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, screen);
   EXPECT_EQ(names_of(zero).geometry, "[0000.0-NAD-NAD]-(000-000-000)-QN-DRAVO.xyz");
 }
 
 // Theta = 180 degrees is moved to 179.99, which is still the pole.
 TEST(OutputNames, TheMovedPoleIsStillThePole) {
   RecordStream screen;
-  const UserParameters pole = prepare_parameters({3.5, 180.0, 45.0, 359.7, 20.0, 30.0}, screen);
+  const PoseRadians pole = prepare_parameters({3.5, 180.0, 45.0, 359.7, 20.0, 30.0}, screen);
   EXPECT_EQ(names_of(pole).geometry, "[0003.5-180-NAD]-(000-020-030)-QN-DRAVO.xyz");
 }
 

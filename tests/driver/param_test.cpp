@@ -35,11 +35,11 @@ constexpr double kDegree = 3.14159265358979323846 / 180.0;
 struct ParamCall {
   AtomTable& table() { return table_; }
 
-  void run(const SampleInput& pair, const UserParameters& user, char mode) {
+  void run(const SampleInput& pair, const PoseRadians& user, char mode) {
     run(pair, user, mode, out.units);
   }
 
-  void run(const SampleInput& pair, const UserParameters& user, char mode, RunUnits& units) {
+  void run(const SampleInput& pair, const PoseRadians& user, char mode, RunUnits& units) {
     parameters = user;
     const auto N = static_cast<std::int32_t>(pair.atoms.size());
     const auto n1 = static_cast<std::int32_t>(pair.n1);
@@ -66,7 +66,7 @@ struct ParamCall {
   }
 
   MemoryUnits out;
-  UserParameters parameters;  ///< in identification mode the Euler angles found
+  PoseRadians parameters;  ///< in identification mode the Euler angles found
   double r = -1.0, alpha = -1.0, beta = -1.0, gamma = -1.0, theta = -1.0, phi = -1.0;
 
  private:
@@ -74,7 +74,7 @@ struct ParamCall {
   AtomTable table_{*storage_};
 };
 
-UserParameters in_radians(const UserParameters& degrees) {
+PoseRadians radians_of(const PoseDegrees& degrees) {
   return {degrees.r,
           degrees.theta * kDegree,
           degrees.phi * kDegree,
@@ -136,7 +136,7 @@ Reposed reposed(const SampleInput& pair, std::uint64_t seed) {
 
 struct Placement {
   const char* name;
-  UserParameters degrees;
+  PoseDegrees degrees;
   bool has_azimuth;  ///< theta is far enough from 0 and 180 for phi to mean a direction
   bool separate;     ///< beta is far enough from 0 and 180 for alpha and gamma to be two angles
 };
@@ -160,7 +160,7 @@ class BuildThenIdentify : public ::testing::TestWithParam<std::tuple<const char*
 TEST_P(BuildThenIdentify, GivesBackTheSixParametersAndLeavesThePairInPlace) {
   const auto& [dimer, placement] = GetParam();
   const SampleInput molecules = reposed(sample(dimer), 11).pair;
-  const UserParameters user = in_radians(placement.degrees);
+  const PoseRadians user = radians_of(placement.degrees);
 
   ParamCall build;
   build.run(molecules, user, kBuildMode);
@@ -177,7 +177,7 @@ TEST_P(BuildThenIdentify, GivesBackTheSixParametersAndLeavesThePairInPlace) {
               1e-3);
   }
 
-  const UserParameters& found = identify.parameters;
+  const PoseRadians& found = identify.parameters;
   if (placement.separate) {
     EXPECT_LE(turn_between(found.alpha, user.alpha), 0.01);
     EXPECT_NEAR(found.beta / kDegree, user.beta / kDegree, 0.01);
@@ -210,7 +210,7 @@ class GivenDifferently : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(GivenDifferently, ThePairIsTheSame) {
   const SampleInput molecules = sample(GetParam());
-  const UserParameters user = in_radians({7.5, 71.0, 160.0, 33.0, 108.0, 295.0});
+  const PoseRadians user = radians_of({7.5, 71.0, 160.0, 33.0, 108.0, 295.0});
 
   // The atoms of each pair in the order of the sample.
   std::vector<std::vector<Vec3>> pairs;
@@ -232,7 +232,7 @@ INSTANTIATE_TEST_SUITE_P(RealDimers, GivenDifferently, ::testing::ValuesIn(kDime
 
 TEST(Param, UserAnglesStayInBuildMode) {
   ParamCall build;
-  const UserParameters user = in_radians({6.5, 84.0, 11.0, 214.0, 152.0, 306.0});
+  const PoseRadians user = radians_of({6.5, 84.0, 11.0, 214.0, 152.0, 306.0});
   build.run(sample("formamide-dimer"), user, kBuildMode);
   EXPECT_EQ(build.parameters.alpha, user.alpha);
   EXPECT_EQ(build.alpha, user.alpha);
@@ -242,7 +242,7 @@ TEST(Param, UserAnglesStayInBuildMode) {
 
 TEST(Param, PositionOfThePlacedAtomsIsTheOneAskedFor) {
   ParamCall build;
-  const UserParameters user = in_radians({6.5, 84.0, 11.0, 214.0, 152.0, 306.0});
+  const PoseRadians user = radians_of({6.5, 84.0, 11.0, 214.0, 152.0, 306.0});
   build.run(sample("formamide-dimer"), user, kBuildMode);
   EXPECT_NEAR(build.r, user.r, 1e-9);
   EXPECT_NEAR(build.theta, user.theta, 1e-9);
@@ -253,7 +253,7 @@ TEST(Param, NumericLabelsAreWrittenAsTheirElements) {
   SampleInput by_number = sample("formamide-dimer");
   for (auto& atom : by_number.atoms)
     atom.label = atom.label == "H" ? "1" : atom.label == "C" ? "6" : atom.label == "N" ? "7" : "8";
-  const UserParameters user = in_radians({3.0, 84.0, 11.0, 214.0, 152.0, 306.0});
+  const PoseRadians user = radians_of({3.0, 84.0, 11.0, 214.0, 152.0, 306.0});
   ParamCall numbers;
   numbers.run(by_number, user, kBuildMode);
   ParamCall symbols;
@@ -268,7 +268,7 @@ TEST(Param, WarnsOnceAboutUnknownLabels) {
   pair.atoms[3].label = "D";
   pair.atoms[9].label = "D";
   ParamCall build;
-  build.run(pair, in_radians({9.0, 84.0, 11.0, 214.0, 152.0, 306.0}), kBuildMode);
+  build.run(pair, radians_of({9.0, 84.0, 11.0, 214.0, 152.0, 306.0}), kBuildMode);
   EXPECT_EQ(build.out.warnings,
             "qn-dravo: warning: unknown element labels count as mass 0: \"D\" (atoms 4, 10)\n");
   EXPECT_EQ(build.out.screen.find("warning"), std::string::npos);
@@ -295,7 +295,7 @@ TEST(Param, WarnsAboutUnknownLabelsBeforeItOpensTheLog) {
   RunUnits units(screen_sink, warning_sink, folder);
   ParamCall build;
   EXPECT_THROW(
-      build.run(pair, in_radians({9.0, 84.0, 11.0, 214.0, 152.0, 306.0}), kBuildMode, units),
+      build.run(pair, radians_of({9.0, 84.0, 11.0, 214.0, 152.0, 306.0}), kBuildMode, units),
       IoFailure);
   EXPECT_EQ(warnings,
             "qn-dravo: warning: unknown element labels count as mass 0: \"D\" (atom 4)\n");
@@ -304,14 +304,14 @@ TEST(Param, WarnsAboutUnknownLabelsBeforeItOpensTheLog) {
 TEST(Param, DistanceThatFitsNoFileNameCreatesNoFile) {
   ParamCall build;
   EXPECT_THROW(build.run(sample("formamide-dimer"),
-                         in_radians({9999.95, 84.0, 11.0, 1.0, 1.0, 1.0}), kBuildMode),
+                         radians_of({9999.95, 84.0, 11.0, 1.0, 1.0, 1.0}), kBuildMode),
                RunStop);
   EXPECT_TRUE(build.out.folder.files.empty());
 }
 
 TEST(Param, LogBannerStandsOnceAndAnalysisThreeTimes) {
   ParamCall build;
-  build.run(sample("formamide-dimer"), in_radians({9.0, 84.0, 11.0, 1.0, 1.0, 1.0}), kBuildMode);
+  build.run(sample("formamide-dimer"), radians_of({9.0, 84.0, 11.0, 1.0, 1.0, 1.0}), kBuildMode);
   const std::string& log = build.out.folder.files.at(kLogFileName);
   const auto count = [&](const std::string& text) {
     std::size_t n = 0;

@@ -35,13 +35,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   AtomTable icoo_and_m(input_storage);
   AtomTable newcoo_and_m(working_storage);
   RecordStream screen;
-  RecordReader reader(kInputFileName, text);
+  FreeFormatReader reader(kInputFileName, text);
   try {
     const InputGeometry geometry = read_input(reader, icoo_and_m, newcoo_and_m, isymbol, screen);
     require(geometry.split.N >= 6 && geometry.split.N <= kRows && geometry.split.n1 >= 3);
   } catch (const RunStop&) {
     require(!screen.text().empty());
-  } catch (const IoFailure& failure) {
+  } catch (const Error& failure) {
     require_message(failure.what());
   }
   return 0;

@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     memory.units.finish();
     require(!memory.screen.empty());
     require(memory.folder.files.size() <= 1);  // the log, if the run came so far
-  } catch (const IoFailure&) {
+  } catch (const Error&) {
     require(memory.folder.files.empty());
   }
   require(ends_in_whole_record(memory.screen));

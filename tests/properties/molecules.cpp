@@ -14,7 +14,7 @@
 
 namespace dravo {
 
-void showValue(const UserParameters& degrees, std::ostream& out) {
+void showValue(const PoseDegrees& degrees, std::ostream& out) {
   out.precision(17);
   out << "r " << degrees.r << " theta " << degrees.theta << " phi " << degrees.phi << " alpha "
       << degrees.alpha << " beta " << degrees.beta << " gamma " << degrees.gamma;
@@ -211,7 +211,7 @@ rc::Gen<MoleculePair> any_pair() {
   });
 }
 
-rc::Gen<UserParameters> any_parameters() {
+rc::Gen<PoseDegrees> any_parameters() {
   return rc::gen::exec([] {
     const auto angle = [](double highest) {
       const auto special = highest > 180.0
@@ -219,7 +219,7 @@ rc::Gen<UserParameters> any_parameters() {
                                : rc::gen::element(0.0, 90.0, 180.0, 0.05, 0.4, 179.92, 179.5);
       return *rc::gen::weightedOneOf<double>({{2, uniform(0.0, highest)}, {1, special}});
     };
-    UserParameters degrees;
+    PoseDegrees degrees;
     degrees.r = *rc::gen::weightedOneOf<double>(
         {{6, uniform(0.0, 20.0)}, {1, rc::gen::element(0.0, 20.0)}});
     degrees.theta = angle(180.0);
@@ -231,20 +231,20 @@ rc::Gen<UserParameters> any_parameters() {
   });
 }
 
-UserParameters nudged(UserParameters degrees) {
+PoseDegrees nudged(PoseDegrees degrees) {
   struct Nudge {
-    double UserParameters::*angle;
+    double PoseDegrees::*angle;
     float from;
     float below;
     float used;
   };
   constexpr std::array<Nudge, 6> kNudges{{
-      {&UserParameters::alpha, 0.0F, 0.1F, 0.09F},
-      {&UserParameters::gamma, 0.0F, 0.1F, 0.09F},
-      {&UserParameters::theta, 0.0F, 0.05F, 0.049F},
-      {&UserParameters::phi, 0.0F, 0.05F, 0.049F},
-      {&UserParameters::theta, 179.91F, 180.09F, 179.99F},
-      {&UserParameters::beta, 179.91F, 180.09F, 179.99F},
+      {&PoseDegrees::alpha, 0.0F, 0.1F, 0.09F},
+      {&PoseDegrees::gamma, 0.0F, 0.1F, 0.09F},
+      {&PoseDegrees::theta, 0.0F, 0.05F, 0.049F},
+      {&PoseDegrees::phi, 0.0F, 0.05F, 0.049F},
+      {&PoseDegrees::theta, 179.91F, 180.09F, 179.99F},
+      {&PoseDegrees::beta, 179.91F, 180.09F, 179.99F},
   }};
   for (const Nudge& nudge : kNudges) {
     double& value = degrees.*nudge.angle;
@@ -255,7 +255,7 @@ UserParameters nudged(UserParameters degrees) {
   return degrees;
 }
 
-UserParameters in_radians(const UserParameters& degrees) {
+PoseRadians radians_of(const PoseDegrees& degrees) {
   return {degrees.r,
           degrees.theta * kDegree,
           degrees.phi * kDegree,
@@ -306,7 +306,7 @@ bool has_certain_frames(const MoleculePair& pair) {
   return one.certain && two.certain && one.axes && two.axes;
 }
 
-Matrix3 rotation_by(const UserParameters& radians) {
+Matrix3 rotation_by(const PoseRadians& radians) {
   const double sa = std::sin(radians.alpha), ca = std::cos(radians.alpha);
   const double sb = std::sin(radians.beta), cb = std::cos(radians.beta);
   const double sg = std::sin(radians.gamma), cg = std::cos(radians.gamma);
@@ -315,16 +315,16 @@ Matrix3 rotation_by(const UserParameters& radians) {
             {ca * sb, sa * sb, cb}}}};
 }
 
-UserParameters angles_between(const Axes& one, const Axes& two) {
+PoseDegrees angles_between(const Axes& one, const Axes& two) {
   // A carries X, Y, Z onto x, y, z: its element in row Z and column x is Z . x, and so on.
-  UserParameters degrees;
+  PoseDegrees degrees;
   degrees.alpha = full_turns_off(std::atan2(dot(two.z, one.y), dot(two.z, one.x)) / kDegree);
   degrees.beta = std::acos(std::clamp(dot(two.z, one.z), -1.0, 1.0)) / kDegree;
   degrees.gamma = full_turns_off(std::atan2(dot(two.y, one.z), -dot(two.x, one.z)) / kDegree);
   return degrees;
 }
 
-bool meets_full_turn(const UserParameters& degrees) {
+bool meets_full_turn(const PoseDegrees& degrees) {
   const double sine = std::sin(degrees.beta * kDegree);
   const auto near = [&](double angle) {
     if (angle < 0.02 || angle > 359.9) return true;

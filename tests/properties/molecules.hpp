@@ -16,7 +16,7 @@
 
 namespace dravo {
 
-void showValue(const UserParameters& degrees, std::ostream& out);
+void showValue(const PoseDegrees& degrees, std::ostream& out);
 
 }  // namespace dravo
 
@@ -48,11 +48,11 @@ Molecule posed(const Molecule& molecule, const Pose& pose);
 rc::Gen<MoleculePair> any_pair();
 
 /// Degrees; the values at which an angle loses its meaning come often.
-rc::Gen<UserParameters> any_parameters();
+rc::Gen<PoseDegrees> any_parameters();
 
 /// The six parameters as the program uses them, in degrees: moved off their singular values.
-UserParameters nudged(UserParameters degrees);
-UserParameters in_radians(const UserParameters& degrees);
+PoseDegrees nudged(PoseDegrees degrees);
+PoseRadians radians_of(const PoseDegrees& degrees);
 
 Vec3 centre_of(const Molecule& molecule);
 
@@ -82,10 +82,10 @@ FrameOutlook outlook(const Molecule& molecule, int number);
 bool has_certain_frames(const MoleculePair& pair);
 
 /// A, with A d = d turned, by the formulas for its elements.
-Matrix3 rotation_by(const UserParameters& radians);
+Matrix3 rotation_by(const PoseRadians& radians);
 
 /// The Euler angles in degrees, 0 to 360, that carry the axes `two` onto `one`.
-UserParameters angles_between(const Axes& one, const Axes& two);
+PoseDegrees angles_between(const Axes& one, const Axes& two);
 
 /// Whether alpha or gamma lies so near to a full turn that a search may end beside it. It refuses
 /// negative angles, and its grid does not wrap.
@@ -96,6 +96,6 @@ UserParameters angles_between(const Axes& one, const Axes& two);
 ///
 /// From above: roundings make the value beside zero in a finer grid negative, so that the next one
 /// has to serve for angles that are zero to within the finest steps.
-bool meets_full_turn(const UserParameters& degrees);
+bool meets_full_turn(const PoseDegrees& degrees);
 
 }  // namespace dravo::test

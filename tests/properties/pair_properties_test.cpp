@@ -27,9 +27,9 @@ using test::any_pair;
 using test::any_parameters;
 using test::Axes;
 using test::has_certain_frames;
-using test::in_radians;
 using test::Molecule;
 using test::MoleculePair;
+using test::radians_of;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kDegree = kPi / 180.0;
@@ -104,7 +104,7 @@ void expect_near(const Vec3& found, const Vec3& expected, double tolerance) {
   RC_ASSERT(std::abs(d.z) <= tolerance);
 }
 
-Vec3 expected_centre(const UserParameters& radians) {
+Vec3 expected_centre(const PoseRadians& radians) {
   return {radians.r * std::sin(radians.theta) * std::cos(radians.phi),
           radians.r * std::sin(radians.theta) * std::sin(radians.phi),
           radians.r * std::cos(radians.theta)};
@@ -124,7 +124,7 @@ TEST(PlacedPair, IsTheOneThatTheFramesAndTheParametersDefine) {
   Share share;
   ASSERT_TRUE(rc::check([&] {
     const MoleculePair pair = *any_pair();
-    const UserParameters user = in_radians(test::nudged(*any_parameters()));
+    const PoseRadians user = radians_of(test::nudged(*any_parameters()));
     RC_PRE(is_decided(pair));
 
     MoleculePair expected{in_frame(pair.one, *test::outlook(pair.one, 1).axes),
@@ -149,7 +149,7 @@ TEST(PlacedPair, DependsNeitherOnThePosesNorOnTheOrderOfTheAtoms) {
   Share share;
   ASSERT_TRUE(rc::check([&] {
     const MoleculePair pair = *any_pair();
-    const UserParameters user = in_radians(test::nudged(*any_parameters()));
+    const PoseRadians user = radians_of(test::nudged(*any_parameters()));
     const test::Pose pose1 = *test::any_pose(pair.one.size());
     const test::Pose pose2 = *test::any_pose(pair.two.size());
     const MoleculePair given{posed(pair.one, pose1), posed(pair.two, pose2)};
@@ -168,7 +168,7 @@ TEST(PlacedPair, DependsNeitherOnThePosesNorOnTheOrderOfTheAtoms) {
 
 RC_GTEST_PROP(PlacedPair, KeepsTheDistancesWithinEachMolecule, ()) {
   const MoleculePair pair = *any_pair();
-  const UserParameters user = in_radians(test::nudged(*any_parameters()));
+  const PoseRadians user = radians_of(test::nudged(*any_parameters()));
   auto analysis = analysed(pair);
   RC_PRE(analysis.has_value());
   const MoleculePair placed = analysis->placed(pair, user);
@@ -225,7 +225,7 @@ RC_GTEST_PROP(AlignedPair, Molecule2LiesOnTheLaboratoryAxesWithItsCentreAtTheOri
 }
 
 /// The pair that a whole run writes for parameters in degrees, in the order of the input.
-MoleculePair built(const MoleculePair& pair, const UserParameters& degrees) {
+MoleculePair built(const MoleculePair& pair, const PoseDegrees& degrees) {
   test::SampleInput input;
   input.n1 = pair.one.size();
   for (const Molecule& molecule : {pair.one, pair.two})
@@ -252,12 +252,12 @@ MoleculePair built(const MoleculePair& pair, const UserParameters& degrees) {
 
 RC_GTEST_PROP(BuiltPair, HasMolecule1AtTheDistanceAndTheAnglesAskedFor, ()) {
   const MoleculePair pair = *any_pair();
-  const UserParameters degrees = *any_parameters();
+  const PoseDegrees degrees = *any_parameters();
   RC_PRE(has_certain_frames(pair));
   const MoleculePair placed = built(pair, degrees);
   // Each coordinate in the file is off by 5e-9 at most, and so is each centre.
   expect_near(test::centre_of(placed.one) - test::centre_of(placed.two),
-              expected_centre(in_radians(test::nudged(degrees))), 1.1e-8);
+              expected_centre(radians_of(test::nudged(degrees))), 1.1e-8);
 }
 
 /// All of a molecule as it is, turned and shifted.
@@ -272,20 +272,20 @@ double turn_between(double a, double b) { return std::abs(std::remainder(a - b, 
 
 /// How far the line between the centres is off, radians. The nearer to a pole, the less of a
 /// displacement an azimuth stands for.
-double line_off(const UserParameters& found, const UserParameters& user) {
+double line_off(const PoseRadians& found, const PoseRadians& user) {
   return std::max(std::abs(found.theta - user.theta),
                   turn_between(found.phi, user.phi) * std::sin(user.theta));
 }
 
 /// How far the rotation is off, by the rows of its matrix: with beta near 0 or 180 alpha and gamma
 /// are not separate angles.
-double rotation_off(const UserParameters& found, const UserParameters& user) {
+double rotation_off(const PoseRadians& found, const PoseRadians& user) {
   const Matrix3 A = test::rotation_by(user), B = test::rotation_by(found);
   return std::max(
       {modulus(A.row[0] - B.row[0]), modulus(A.row[1] - B.row[1]), modulus(A.row[2] - B.row[2])});
 }
 
-bool separate_angles_are_fine(const UserParameters& found, const UserParameters& user) {
+bool separate_angles_are_fine(const PoseRadians& found, const PoseRadians& user) {
   return turn_between(found.alpha, user.alpha) <= kFineAngle &&
          std::abs(found.beta - user.beta) <= kFineAngle &&
          turn_between(found.gamma, user.gamma) <= kFineAngle;
@@ -295,7 +295,7 @@ TEST(BuiltPair, IsIdentifiedAgainByTheParametersAskedFor) {
   Share share;
   ASSERT_TRUE(rc::check([&] {
     const MoleculePair pair = *any_pair();
-    const UserParameters degrees = test::nudged(*any_parameters());
+    const PoseDegrees degrees = test::nudged(*any_parameters());
     RC_PRE(degrees.r > 0.1);  // theta and phi have no meaning below
     RC_PRE(is_decided(pair) && !test::meets_full_turn(degrees));
     const MoleculePair placed = built(pair, degrees);
@@ -303,8 +303,8 @@ TEST(BuiltPair, IsIdentifiedAgainByTheParametersAskedFor) {
     const MoleculePair given{moved(placed.one, pose), moved(placed.two, pose)};
     RC_PRE(is_decided(given));
 
-    const UserParameters user = in_radians(degrees);
-    const UserParameters found = AnalysedPair(given).parameters();
+    const PoseRadians user = radians_of(degrees);
+    const PoseRadians found = AnalysedPair(given).parameters();
     const double line = line_off(found, user), rotation = rotation_off(found, user);
     RC_ASSERT(std::abs(found.r - user.r) <= 1e-3);
     RC_ASSERT(line <= 2.0 * kMolecule2Off);

@@ -24,13 +24,13 @@ struct AnalysedPair {
   }
 
   /// The six parameters of the pair as it stands, angles in radians.
-  [[nodiscard]] UserParameters parameters() const {
+  [[nodiscard]] PoseRadians parameters() const {
     const SphericalPosition position = measured_position(frames[0].cm, frames[1].cm);
     return {position.r, position.theta, position.phi, found.alpha, found.beta, found.gamma};
   }
 
   /// Molecule 1 and molecule 2, placed by the user's parameters, angles in radians.
-  MoleculePair placed(const MoleculePair& pair, const UserParameters& user) {
+  MoleculePair placed(const MoleculePair& pair, const PoseRadians& user) {
     SmallTable parallel, placed;
     parallel.table().copy_rows(aligned.table(), split.N);
     align_molecule1(parallel.table(), split.molecule1(), found, frames[0].cm);

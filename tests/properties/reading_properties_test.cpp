@@ -150,7 +150,7 @@ Values any_values() {
 /// What a file was read as.
 struct ReadInput {
   explicit ReadInput(const std::string& text) {
-    RecordReader reader("input", text);
+    FreeFormatReader reader("input", text);
     RecordStream screen;
     input = read_input(reader, table, second_table, labels, screen);
   }
@@ -177,11 +177,10 @@ void expect_read_as_written(const std::string& text, const Values& values) {
   }
   const auto& [r, theta, phi, alpha, beta, gamma] = values.parameters;
   RecordStream screen;
-  const UserParameters expected = prepare_parameters(
+  const PoseRadians expected = prepare_parameters(
       {r.value(), theta.value(), phi.value(), alpha.value(), beta.value(), gamma.value()}, screen);
-  for (const auto parameter :
-       {&UserParameters::r, &UserParameters::theta, &UserParameters::phi, &UserParameters::alpha,
-        &UserParameters::beta, &UserParameters::gamma})
+  for (const auto parameter : {&PoseRadians::r, &PoseRadians::theta, &PoseRadians::phi,
+                               &PoseRadians::alpha, &PoseRadians::beta, &PoseRadians::gamma})
     RC_ASSERT((read.input.user.*parameter) == (expected.*parameter));
 }
 

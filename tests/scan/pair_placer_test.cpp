@@ -10,12 +10,12 @@
 #include <memory>
 #include <string>
 
+#include "common/errors.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
 #include "driver/run.hpp"
+#include "driver/user_parameters.hpp"
 #include "output/short_contacts.hpp"
-#include "pairs/parameters.hpp"
-#include "pairs/refusal.hpp"
 #include "scan/plans.hpp"
 #include "scan/random_pose.hpp"
 #include "support/memory_units.hpp"
@@ -35,15 +35,15 @@ std::string shortest_text(double value) {
   return {digits.data(), end};
 }
 
-UserParameters radians_of(const UserParameters& degrees) {
+PoseRadians radians_of(const PoseDegrees& degrees) {
   RecordStream screen;
   return prepare_parameters(degrees, screen);
 }
 
 /// Geometry and drawing that a whole run writes.
-Files files_of_run(SampleInput pair, const UserParameters& degrees) {
+Files files_of_run(SampleInput pair, const PoseDegrees& degrees) {
   for (std::size_t k = 0; k < pair.parameters.size(); ++k)
-    pair.parameters[k] = shortest_text(degrees.*kParameterNames[k].value);
+    pair.parameters[k] = shortest_text(degrees.*kPoseParameters[k].value);
   // The units hold blocks of text; a test has a small stack.
   const auto out = std::make_unique<MemoryUnits>();
   run(pair.text(), out->units);
@@ -55,8 +55,8 @@ Files files_of_run(SampleInput pair, const UserParameters& degrees) {
 }
 
 /// The same from a pair that is analysed once.
-Files files_of_placer(const PairPlacer& placer, const UserParameters& degrees) {
-  const UserParameters radians = radians_of(degrees);
+Files files_of_placer(const PairPlacer& placer, const PoseDegrees& degrees) {
+  const PoseRadians radians = radians_of(degrees);
   OwnedTable placed(placer.split().N);
   const Placement placement = placer.place(radians, placed.table());
   const bool short_contacts = placer.survey(placed.table()).contacts > 0;
@@ -72,12 +72,12 @@ TEST_P(PairPlacerOf, PlacesAsARunDoes) {
   const SampleInput input = sample(GetParam());
   const PairPlacer placer(pair_of(input));
   std::size_t with_contacts = 0;
-  for (const UserParameters& degrees :
-       {UserParameters{9.0, 62.0, 213.0, 131.0, 47.0, 251.0},        // apart
-        UserParameters{2.5, 127.46, 303.52, 243.19, 118.77, 17.84},  // short contacts
-        UserParameters{3.4, 0.0, 0.0, 0.0, 0.0, 200.0},              // singular values
-        UserParameters{0.0, 180.0, 360.0, 360.0, 180.0, 360.0},      // one inside the other
-        UserParameters{9999.9, 90.0, 0.0, 90.0, 90.0, 90.0}}) {
+  for (const PoseDegrees& degrees :
+       {PoseDegrees{9.0, 62.0, 213.0, 131.0, 47.0, 251.0},        // apart
+        PoseDegrees{2.5, 127.46, 303.52, 243.19, 118.77, 17.84},  // short contacts
+        PoseDegrees{3.4, 0.0, 0.0, 0.0, 0.0, 200.0},              // singular values
+        PoseDegrees{0.0, 180.0, 360.0, 360.0, 180.0, 360.0},      // one inside the other
+        PoseDegrees{9999.9, 90.0, 0.0, 90.0, 90.0, 90.0}}) {
     const Files files = files_of_run(input, degrees);
     ASSERT_EQ(files.size(), 2U);
     EXPECT_EQ(files_of_placer(placer, degrees), files);
@@ -90,13 +90,13 @@ TEST_P(PairPlacerOf, PlacesAsARunDoes) {
 TEST_P(PairPlacerOf, KnowsWhereMoleculesBeginToTouch) {
   const PairPlacer placer(pair_of(sample(GetParam())));
   OwnedTable placed(placer.split().N);
-  const auto survey_at = [&](UserParameters radians, double r) {
+  const auto survey_at = [&](PoseRadians radians, double r) {
     radians.r = r;
     placer.place(radians, placed.table());
     return placer.survey(placed.table());
   };
   for (std::int64_t k = 0; k < 200; ++k) {
-    const UserParameters radians = radians_of(random_pose(5, k));
+    const PoseRadians radians = radians_of(random_pose(5, k));
     const double touching = placer.touching_distance(radians);
     ASSERT_GT(touching, 0.0);
     EXPECT_NEAR(survey_at(radians, touching).shortest, kShortDistance, 1e-9);
@@ -109,7 +109,7 @@ TEST_P(PairPlacerOf, KnowsWhereMoleculesBeginToTouch) {
 
 TEST_P(PairPlacerOf, LooksNotAtTheDistanceToFindTheTouch) {
   const PairPlacer placer(pair_of(sample(GetParam())));
-  UserParameters radians = radians_of(random_pose(5, 1));
+  PoseRadians radians = radians_of(random_pose(5, 1));
   const double touching = placer.touching_distance(radians);
   for (const double r : {0.1, 5.0, 9999.0}) {
     radians.r = r;
@@ -122,7 +122,7 @@ TEST_P(PairPlacerOf, SurveysWhatTheContactSearchLists) {
   OwnedTable placed(placer.split().N);
   std::int64_t contacts = 0;
   for (std::int64_t k = 0; k < 100; ++k) {
-    UserParameters degrees = random_pose(6, k);
+    PoseDegrees degrees = random_pose(6, k);
     degrees.r = 3.0;
     placer.place(radians_of(degrees), placed.table());
     const auto listed = find_short_contacts(placed.table(), placer.split());
@@ -134,7 +134,7 @@ TEST_P(PairPlacerOf, SurveysWhatTheContactSearchLists) {
 
 TEST_P(PairPlacerOf, PlacesAgainAsBefore) {
   const PairPlacer placer(pair_of(sample(GetParam())));
-  const UserParameters degrees{4.5, 50.0, 60.0, 70.0, 80.0, 90.0};
+  const PoseDegrees degrees{4.5, 50.0, 60.0, 70.0, 80.0, 90.0};
   const Files first = files_of_placer(placer, degrees);
   (void)files_of_placer(placer, {6.0, 10.0, 20.0, 30.0, 40.0, 50.0});
   EXPECT_EQ(files_of_placer(placer, degrees), first);
@@ -163,8 +163,8 @@ TEST(PairPlacer, RefusesAPairWithASymmetricMolecule) {
                                                   {"H", {-a, -a, a}}}};
   input.atoms.insert(input.atoms.begin(), methane.begin(), methane.end());
   input.n1 = methane.size();
-  EXPECT_THROW(PairPlacer(pair_of(input)), Refusal);
-  EXPECT_NE(message_of<Refusal>([&] { const PairPlacer placer(pair_of(input)); }), "");
+  EXPECT_THROW(PairPlacer(pair_of(input)), NoUniqueFrame);
+  EXPECT_NE(message_of<NoUniqueFrame>([&] { const PairPlacer placer(pair_of(input)); }), "");
 }
 
 }  // namespace

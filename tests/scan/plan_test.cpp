@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "pairs/parameters.hpp"
+#include "driver/user_parameters.hpp"
 #include "scan/plans.hpp"
 #include "scan/random_pose.hpp"
 #include "support/temporary_folder.hpp"
@@ -23,18 +23,18 @@ namespace {
 
 using Row = std::array<double, 6>;
 
-Row row_of(const UserParameters& pose) {
+Row row_of(const PoseDegrees& pose) {
   Row row{};
-  for (std::size_t k = 0; k < row.size(); ++k) row[k] = pose.*kParameterNames[k].value;
+  for (std::size_t k = 0; k < row.size(); ++k) row[k] = pose.*kPoseParameters[k].value;
   return row;
 }
 
 std::vector<Row> rows_of(const ScanPlan& plan, std::int64_t first, std::int64_t count) {
-  std::vector<UserParameters> poses(static_cast<std::size_t>(count));
+  std::vector<PoseDegrees> poses(static_cast<std::size_t>(count));
   plan.fill(first, poses);
   std::vector<Row> rows;
   rows.reserve(poses.size());
-  for (const UserParameters& pose : poses) rows.push_back(row_of(pose));
+  for (const PoseDegrees& pose : poses) rows.push_back(row_of(pose));
   return rows;
 }
 
@@ -128,7 +128,7 @@ TEST(RandomPlan, HasTheSameDirectionsForEveryDistance) {
   std::vector<Row> expected;
   for (const double r : {3.0, 4.0, 5.0})
     for (std::int64_t k = 0; k < 7; ++k) {
-      UserParameters pose = random_pose(11, k);
+      PoseDegrees pose = random_pose(11, k);
       pose.r = r;
       expected.push_back(row_of(pose));
     }
@@ -416,7 +416,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Plan, RefusesParametersBesideAZippedList) {
   const TemporaryFolder folder;
   folder.write("poses.csv", "1,2,3,4,5,6\n");
-  for (const ParameterName& parameter : kParameterNames) {
+  for (const PoseParameter& parameter : kPoseParameters) {
     const std::string name = parameter.name;
     EXPECT_EQ(message_of([&] {
                 (void)plan_of({{"zip", (folder.path() / "poses.csv").string()}, {name, "3"}});
@@ -440,7 +440,7 @@ TEST(Plan, HasAtMostAThousandMillionMillionPoses) {
 TEST(Plan, CountsNoPosesPastSixtyFourBits) {
   const std::string axis = "0:100:0.0001";  // a million values each: 10^36 poses
   Options options;
-  for (const ParameterName& parameter : kParameterNames) options.emplace_back(parameter.name, axis);
+  for (const PoseParameter& parameter : kPoseParameters) options.emplace_back(parameter.name, axis);
   EXPECT_EQ(message_of([&] { (void)plan_of(options); }),
             "the plan has more than 1000000000000000 poses");
   // 2^49 directions at 2^15 distances: their product is 0 in 64 bits.

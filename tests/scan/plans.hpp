@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "common/errors.hpp"
-#include "pairs/pair.hpp"
+#include "molecules/pair.hpp"
 #include "scan/plan.hpp"
 #include "scan/plan_keys.hpp"
 #include "support/sample_input.hpp"
@@ -26,14 +26,14 @@ inline PlanKeys keys_of(const Options& options) {
 
 inline ScanPlan plan_of(const Options& options) { return ScanPlan(keys_of(options)); }
 
-inline std::vector<UserParameters> all_poses(const ScanPlan& plan) {
-  std::vector<UserParameters> poses(static_cast<std::size_t>(plan.poses()));
+inline std::vector<PoseDegrees> all_poses(const ScanPlan& plan) {
+  std::vector<PoseDegrees> poses(static_cast<std::size_t>(plan.poses()));
   plan.fill(0, poses);
   return poses;
 }
 
 /// The message of what an action throws; empty when it throws nothing.
-template <class Failure = IoFailure, class Action>
+template <class Failure = Error, class Action>
 std::string message_of(const Action& action) {
   try {
     action();

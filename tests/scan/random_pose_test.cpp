@@ -39,13 +39,13 @@ constexpr std::array<std::uint64_t, 5> kPublished{6457827717110365317U, 32031682
                                                   16408922859458223821U};
 
 /// The numbers from 0 to 1 that a pose comes from.
-std::array<double, 5> numbers_behind(const UserParameters& pose) {
+std::array<double, 5> numbers_behind(const PoseDegrees& pose) {
   const auto of_polar = [](double degrees) { return (1.0 - std::cos(degrees * kDegree)) / 2.0; };
   return {of_polar(pose.theta), pose.phi / 360.0, pose.alpha / 360.0, of_polar(pose.beta),
           pose.gamma / 360.0};
 }
 
-void expect_made_of(const std::array<std::uint64_t, 5>& bits, const UserParameters& pose) {
+void expect_made_of(const std::array<std::uint64_t, 5>& bits, const PoseDegrees& pose) {
   const std::array<double, 5> numbers = numbers_behind(pose);
   for (std::size_t k = 0; k < bits.size(); ++k)
     EXPECT_NEAR(numbers[k], std::ldexp(static_cast<double>(bits[k]), -64), 1e-14) << k;
@@ -74,7 +74,7 @@ TEST(RandomPose, TakesTheNextFiveNumbersEach) {
 
 TEST(RandomPose, IsInRangeFarAlongTheSeries) {
   for (const std::int64_t k : {std::int64_t{1}, std::int64_t{999'999'999'999'999}}) {
-    const UserParameters pose = random_pose(7, k);
+    const PoseDegrees pose = random_pose(7, k);
     for (const double full : {pose.phi, pose.alpha, pose.gamma}) {
       EXPECT_GE(full, 0.0);
       EXPECT_LT(full, 360.0);
@@ -111,7 +111,7 @@ TEST_P(RandomPoses, HaveUniformDirections) {
   std::array<Mean, 3> products;
   Mean northern;
   for (int k = 0; k < kPoses; ++k) {
-    const UserParameters pose = random_pose(GetParam(), k);
+    const PoseDegrees pose = random_pose(GetParam(), k);
     const double theta = pose.theta * kDegree, phi = pose.phi * kDegree;
     const std::array<double, 3> p{std::sin(theta) * std::cos(phi), std::sin(theta) * std::sin(phi),
                                   std::cos(theta)};
@@ -134,7 +134,7 @@ TEST_P(RandomPoses, HaveUniformRotations) {
   std::array<Mean, 9> elements;
   std::array<Mean, 9> squares;
   for (int k = 0; k < kPoses; ++k) {
-    const UserParameters pose = random_pose(GetParam(), k);
+    const PoseDegrees pose = random_pose(GetParam(), k);
     const Matrix3 turn =
         euler_matrix(pose.alpha * kDegree, pose.beta * kDegree, pose.gamma * kDegree);
     for (std::size_t i = 0; i < 3; ++i) {
@@ -156,7 +156,7 @@ TEST_P(RandomPoses, HaveAnglesThatKnowNothingOfEachOther) {
   std::array<Mean, 25> products;  // of two of them, from pose to pose too
   std::array<double, 5> before{};
   for (int k = -1; k < kPoses; ++k) {
-    const UserParameters pose = random_pose(GetParam(), k + 1);
+    const PoseDegrees pose = random_pose(GetParam(), k + 1);
     const std::array<double, 5> now{std::cos(pose.theta * kDegree), std::cos(pose.phi * kDegree),
                                     std::cos(pose.alpha * kDegree), std::cos(pose.beta * kDegree),
                                     std::cos(pose.gamma * kDegree)};

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "pairs/parameters.hpp"
+#include "driver/user_parameters.hpp"
 #include "scan/plans.hpp"
 #include "support/temporary_folder.hpp"
 
@@ -31,18 +31,18 @@ struct ListFile {
 
 using Row = std::array<double, 6>;
 
-Row row_of(const UserParameters& pose) {
+Row row_of(const PoseDegrees& pose) {
   Row row{};
-  for (std::size_t k = 0; k < row.size(); ++k) row[k] = pose.*kParameterNames[k].value;
+  for (std::size_t k = 0; k < row.size(); ++k) row[k] = pose.*kPoseParameters[k].value;
   return row;
 }
 
 std::vector<Row> read(const ZippedList& list, std::int64_t first, std::size_t count) {
-  std::vector<UserParameters> poses(count);
+  std::vector<PoseDegrees> poses(count);
   list.read(first, poses);
   std::vector<Row> rows;
   rows.reserve(poses.size());
-  for (const UserParameters& pose : poses) rows.push_back(row_of(pose));
+  for (const PoseDegrees& pose : poses) rows.push_back(row_of(pose));
   return rows;
 }
 

@@ -1,0 +1,61 @@
+/// @file
+/// Where molecule 1 stands around molecule 2, and how it is turned: six numbers, in this order
+/// everywhere.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace dravo {
+
+/// A pose as people write it: Angstrom and degrees.
+///
+/// Molecule 2's centre of mass is the origin and its principal axes are X, Y, Z. Molecule 1's
+/// centre of mass stands at (r, theta, phi); its own axes x, y, z are those of molecule 2 after the
+/// turns alpha about z, beta about the new y, gamma about the new z.
+///
+/// @code
+/// const dravo::PoseDegrees above{.r = 4.0, .theta = 0.0, .beta = 90.0};
+/// @endcode
+struct PoseDegrees {
+  double r = 0.0;      ///< distance between the centres of mass, Angstrom, 0 to 9999.9
+  double theta = 0.0;  ///< polar angle of molecule 1's position, 0 to 180
+  double phi = 0.0;    ///< azimuth of molecule 1's position, 0 to 360
+  double alpha = 0.0;  ///< first Euler angle (z-y-z), 0 to 360
+  double beta = 0.0;   ///< second Euler angle, 0 to 180
+  double gamma = 0.0;  ///< third Euler angle, 0 to 360
+};
+
+/// The same with angles in radians.
+struct PoseRadians {
+  double r = 0.0;  ///< Angstrom
+  double theta = 0.0;
+  double phi = 0.0;
+  double alpha = 0.0;
+  double beta = 0.0;
+  double gamma = 0.0;
+};
+
+/// A number of a pose by the name that options, plans and columns give it.
+struct PoseParameter {
+  const char* name;
+  double PoseDegrees::*value;
+};
+
+inline constexpr std::array<PoseParameter, 6> kPoseParameters{{
+    {"r", &PoseDegrees::r},
+    {"theta", &PoseDegrees::theta},
+    {"phi", &PoseDegrees::phi},
+    {"alpha", &PoseDegrees::alpha},
+    {"beta", &PoseDegrees::beta},
+    {"gamma", &PoseDegrees::gamma},
+}};
+
+/// Place of a name among `kPoseParameters`, from 0; 6 for a name that is not there.
+std::size_t pose_parameter(std::string_view name);
+
+/// Each angle times one degree in radians (0.017453292519943295).
+PoseRadians in_radians(const PoseDegrees& pose);
+
+}  // namespace dravo

@@ -1,0 +1,172 @@
+#include "identify/principal_frames.hpp"
+
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "common/constants.hpp"
+#include "common/record_format.hpp"
+#include "driver/element_table.hpp"
+#include "frames/higher_z_reflection.hpp"
+#include "frames/right_handed.hpp"
+#include "frames/symmetric_molecule.hpp"
+#include "inertia/centre_of_mass.hpp"
+#include "inertia/inertia_tensor.hpp"
+#include "inertia/moments_report.hpp"
+#include "molecules/pair_table.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr std::array<std::array<char, 3>, 2> kLetters{{{'z', 'y', 'x'}, {'Y', 'X', 'Z'}}};
+
+/// A molecule before its frame is completed.
+struct MoleculeAnalysis {
+  MassCentre centre;
+  PrincipalAxes axes;
+  MoleculeFrame frame;
+  MoleculeReferenceAngles angles;
+  AxisFlags flags;
+};
+
+MoleculeAnalysis analyse(const AtomTable& atoms, RowRange rows) {
+  MoleculeAnalysis m;
+  m.centre = find_mass_centre(atoms, rows);
+  m.axes = principal_axes(inertia_tensor(atoms, rows, m.centre.cm));
+  m.frame = frame_of(m.centre.cm, m.axes);
+  m.angles = reference_angles(m.frame, reference_of(m.centre));
+  decide_directions(m.angles, m.flags);
+  return m;
+}
+
+ReferenceElement reference_element(const MassCentre& centre) {
+  const ElementCentre* const higher_z = centre.higher_z();
+  if (higher_z == nullptr) return {"", 0, 0.0};
+  const auto entry = static_cast<std::size_t>(higher_z - centre.elements.data());
+  return {element_table()[entry].symbol, higher_z->atoms, higher_z->distance};
+}
+
+bool decided(const MoleculeAnalysis& m, std::size_t axis) {
+  return m.flags.distinguishable[axis] == kDistinguishable;
+}
+
+/// g cm^2 in one amu Angstrom^2, with the constants of the tensor: what one amu has at one
+/// Angstrom.
+double g_cm2_per_amu_angstrom2() {
+  OwnedTable unit(1);
+  AtomTable& table = unit.table();
+  table.set_position(0, {1.0, 0.0, 0.0});
+  table.set_element(0, 1.0, 1.0);
+  return inertia_tensor(table, {0, 1}, {}).row[2].z;
+}
+
+FixedBy reason_of(const MoleculeAnalysis& m, const HandednessCheck& check, std::size_t axis) {
+  if (axis != check.applied->C) return FixedBy::reference_angle;
+  return decided(m, axis) ? FixedBy::right_handedness_over_reference : FixedBy::right_handedness;
+}
+
+/// `m` has two distinguishable axes at least.
+IdentifiedMolecule identified(std::size_t index, RowRange rows, const MoleculeAnalysis& m) {
+  MoleculeFrame frame = m.frame;
+  AxisFlags flags = m.flags;
+  reflect_towards_higher_z(frame, flags);
+  const HandednessCheck check =
+      make_right_handed(static_cast<int>(index) + 1, frame, flags).value();
+  const auto angles = reference_angles(frame, reference_of(m.centre)).value();
+
+  IdentifiedMolecule result{rows.end - rows.begin,
+                            rotor_type(m.axes.moments),
+                            m.centre.cm,
+                            reference_element(m.centre),
+                            {}};
+  const double unit = g_cm2_per_amu_angstrom2();
+  for (std::size_t k = 0; k < 3; ++k) {
+    const double moment = m.axes.moments[k];
+    result.axes[k] = {kLetters[index][k],
+                      moment,
+                      moment / unit,  //
+                      rotational_constant_ghz(moment),
+                      frame.axis(k),
+                      angles[k],
+                      reason_of(m, check, k)};
+  }
+  return result;
+}
+
+std::string describe_undecided(const MoleculeAnalysis& m, std::size_t axis, char letter) {
+  const auto& [along, reversed] = (*m.angles)[axis];
+  return std::string(1, letter) + " (" + fixed_text(along, 1) + " degrees from it, " +
+         fixed_text(reversed, 1) + " when reversed: these differ by " +
+         fixed_text(std::abs(along - reversed), 1) + " degrees)";
+}
+
+/// Why a molecule with fewer than two distinguishable axes has no frame.
+std::string describe_symmetry(std::size_t index, const MoleculeAnalysis& m) {
+  const ReferenceElement reference = reference_element(m.centre);
+  std::string text = "molecule " + std::to_string(index + 1) +
+                     " has no unique frame: the centre of its heaviest element, " +
+                     std::string(reference.symbol) + " (" + std::to_string(reference.atoms) +
+                     (reference.atoms == 1 ? " atom)" : " atoms)");
+  if (!m.angles)
+    return text + ", lies " + fixed_text(reference.distance, 3) +
+           " Angstrom from the centre of mass, and more than " +
+           fixed_text(kUsableElementDistance, 1) + " are needed to give the axes a direction";
+  text += ", gives no direction to";
+  const char* separator = " axis ";
+  for (std::size_t k = 0; k < 3; ++k) {
+    if (decided(m, k)) continue;
+    text += separator + describe_undecided(m, k, kLetters[index][k]);
+    separator = " and axis ";
+  }
+  return text + "; more than " + fixed_text(diferenca_detectavel, 0) + " degrees are needed";
+}
+
+constexpr auto kNoRemedy =
+    "This method describes only pairs of molecules that each have two axes with a direction.";
+
+void refuse_symmetric_molecules(const std::array<MoleculeAnalysis, 2>& molecules) {
+  std::vector<int> symmetric;
+  std::vector<std::string> reasons;
+  for (std::size_t m = 0; m < 2; ++m) {
+    if (!is_symmetric(molecules[m].flags)) continue;
+    symmetric.push_back(static_cast<int>(m) + 1);
+    reasons.push_back(describe_symmetry(m, molecules[m]));
+  }
+  if (!reasons.empty()) throw NoUniqueFrame(std::move(symmetric), std::move(reasons), kNoRemedy);
+}
+
+}  // namespace
+
+RotorType rotor_type(const std::array<double, 3>& moments) {
+  const auto& [a, b, c] = moments;
+  const auto equal = [](double smaller, double larger) {
+    return larger - smaller <= kEqualMoments * larger;
+  };
+  if (equal(a, c)) return RotorType::spherical;
+  if (a <= kEqualMoments * c) return RotorType::linear;
+  if (equal(b, c)) return RotorType::prolate;
+  if (equal(a, b)) return RotorType::oblate;
+  return RotorType::asymmetric;
+}
+
+std::string_view name_of(RotorType type) {
+  constexpr std::array<std::string_view, 5> kNames{
+      "linear", "spherical top", "prolate symmetric top", "oblate symmetric top", "asymmetric top"};
+  return kNames[static_cast<std::size_t>(type)];
+}
+
+std::string_view name_of(FixedBy reason) {
+  constexpr std::array<std::string_view, 3> kNames{"reference angle", "right-handedness",
+                                                   "right-handedness, not its reference angle"};
+  return kNames[static_cast<std::size_t>(reason)];
+}
+
+std::array<IdentifiedMolecule, 2> identify_molecules(const Pair& pair) {
+  const OwnedTable atoms = table_of(pair);
+  const auto rows = pair.split.molecules();
+  const std::array analyses{analyse(atoms.table(), rows[0]), analyse(atoms.table(), rows[1])};
+  refuse_symmetric_molecules(analyses);
+  return {identified(0, rows[0], analyses[0]), identified(1, rows[1], analyses[1])};
+}
+
+}  // namespace dravo

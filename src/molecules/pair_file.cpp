@@ -1,0 +1,346 @@
+#include "molecules/pair_file.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "common/errors.hpp"
+#include "common/free_format_reader.hpp"
+#include "common/number_text.hpp"
+#include "common/record_stream.hpp"
+#include "common/shown_text.hpp"
+#include "driver/element_table.hpp"
+#include "driver/input_reader.hpp"
+#include "molecules/element_label.hpp"
+#include "molecules/fragments.hpp"
+#include "molecules/xyz_file.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr double kAngstromPerBohr = 0.529177210903;  // CODATA 2018
+
+/// What one file holds.
+struct Contents {
+  std::vector<Label> labels;
+  std::vector<Vec3> positions;     ///< Angstrom
+  std::optional<std::int32_t> n1;  ///< of a file that tells it
+  std::optional<PoseDegrees> parameters;
+  std::int32_t frames = 1;
+
+  [[nodiscard]] std::int32_t N() const { return static_cast<std::int32_t>(labels.size()); }
+};
+
+std::string atoms_text(std::int32_t count) {
+  return std::to_string(count) + (count == 1 ? " atom" : " atoms");
+}
+
+void require_atoms(const std::string& name, std::int32_t N) {
+  if (N < kFewestAtoms)
+    throw InvalidInput(name + ": a pair needs at least " + atoms_text(kFewestAtoms) + ", found " +
+                       std::to_string(N));
+  if (N > kMaxAtoms)
+    throw InvalidInput(name + ": a pair has at most " + atoms_text(kMaxAtoms) + ", found " +
+                       std::to_string(N));
+}
+
+void require_molecules(const std::string& name, const MoleculeSplit& split) {
+  require_atoms(name, split.N);
+  if (split.n1 < kFewestAtomsOfMolecule1)
+    throw InvalidInput(name + ": molecule 1 needs at least " + atoms_text(kFewestAtomsOfMolecule1) +
+                       ", found " + std::to_string(split.n1));
+  if (split.n1 >= split.N)
+    throw InvalidInput(name + ": no atoms are left for molecule 2: " + atoms_text(split.N) +
+                       " in all, " + std::to_string(split.n1) + " of molecule 1");
+}
+
+// --- QN-input-GEOMETRY.xyz --------------------------------------------------------------------
+
+std::string_view first_line(std::string_view text) { return text.substr(0, text.find('\n')); }
+
+/// Behind `count` lines.
+std::string_view skip_lines(std::string_view text, std::int64_t count) {
+  for (; count > 0 && !text.empty(); --count)
+    text.remove_prefix(std::min(first_line(text).size() + 1, text.size()));
+  return text;
+}
+
+bool reads_as_atom(std::string_view line) {
+  FreeFormatReader reader("", line);
+  try {
+    reader.next_statement();
+    (void)reader.label({});
+    for (int k = 0; k < 3; ++k) (void)reader.real({});
+  } catch (const UnreadableItem&) {
+    return false;
+  }
+  return true;
+}
+
+/// The integer that the first line begins with.
+std::optional<std::int32_t> first_integer(std::string_view text) {
+  FreeFormatReader reader("", first_line(text));
+  try {
+    reader.next_statement();
+    return reader.integer({});
+  } catch (const UnreadableItem&) {
+    return std::nullopt;
+  }
+}
+
+/// The atoms of this format begin where other xyz files have their comment, and end a line earlier.
+/// A comment may read as an atom, but then the last atom stands in line N+2. With a mistake in the
+/// first atom the format still shows in n1, alone in line N+3.
+bool is_qn_input(std::string_view text, std::int32_t N) {
+  if (N < 1) return false;
+  const std::string_view after_count = skip_lines(text, 1);
+  const std::string_view last_atom = skip_lines(text, N);
+  const std::string_view after_atoms = skip_lines(last_atom, 1);
+  if (reads_as_atom(first_line(after_atoms))) return false;
+  if (reads_as_atom(first_line(after_count))) return true;
+  const bool has_text =
+      first_line(after_count).find_first_not_of(" \t\r") != std::string_view::npos;
+  return has_text && reads_as_atom(first_line(last_atom)) &&
+         first_integer(skip_lines(after_atoms, 1)).has_value();
+}
+
+/// What the screen would have said, in one line and without its closing words.
+std::string stop_words(std::string_view screen) {
+  std::string words;
+  for (; !screen.empty(); screen = skip_lines(screen, 1)) {
+    std::string line;
+    for (const char c : first_line(screen))
+      if (c != ' ' || !line.ends_with(' ')) line += c;
+    line.erase(0, line.find_first_not_of(' '));
+    line.erase(line.find_last_not_of(' ') + 1);
+    if (line.empty() || line == "program stopped") continue;
+    words.append(words.empty() ? "" : " ").append(line);
+  }
+  return words;
+}
+
+/// The label of a line as it stands there, without quotes.
+std::string_view label_in(std::string_view line) {
+  line.remove_prefix(std::min(line.find_first_not_of(" \t\r"), line.size()));
+  const bool in_quotes = line.starts_with('"') || line.starts_with('\'');
+  if (!in_quotes) return line.substr(0, line.find_first_of(" \t\r,"));
+  const std::size_t closing = line.find(line[0], 1);
+  return closing == std::string_view::npos ? "" : line.substr(1, closing - 1);
+}
+
+/// The reader keeps two characters of a label, by which `Carbon` is calcium. Here all of them must
+/// be the element.
+void require_elements(const NamedText& source, std::vector<Label>& labels) {
+  std::string_view rest = skip_lines(source.text, 1);
+  for (std::size_t i = 0; i < labels.size(); ++i, rest = skip_lines(rest, 1)) {
+    const std::string_view kept = text_of(labels[i]).substr(0, labels[i][1] == ' ' ? 1 : 2);
+    const std::string_view whole = label_in(first_line(rest));
+    // A record that took several lines moved the later ones down.
+    const bool in_place = whole.substr(0, 2) == kept;
+    const std::string_view label = in_place ? whole : kept;
+    const auto element = element_of(label);
+    if (element) {
+      labels[i] = *element;
+      continue;
+    }
+    if (!in_place)
+      throw InvalidInput(std::string(source.name) + ": atom " + std::to_string(i + 1) + ": " +
+                         label_fault(label));
+    const auto begin = static_cast<std::size_t>(whole.data() - source.text.data());
+    throw invalid_input_at(source, begin, begin + whole.size(), label_fault(label));
+  }
+}
+
+void require_finite(const std::string& name, const std::vector<Vec3>& positions) {
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    const Vec3& p = positions[i];
+    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
+      throw InvalidInput(name + ": atom " + std::to_string(i + 1) + " is at no point in space");
+  }
+}
+
+Contents read_qn_input(const NamedText& source, std::int32_t N) {
+  const std::string name(source.name);
+  require_atoms(name, N);
+  const auto rows = static_cast<std::size_t>(N);
+  std::vector<double> storage(2 * kColumns * rows);
+  AtomTable atoms{std::span(storage).first(kColumns * rows), N};
+  AtomTable copy{std::span(storage).last(kColumns * rows), N};
+  Contents contents;
+  contents.labels.resize(rows);
+  FreeFormatReader reader(name, source.text);
+  RecordStream screen;
+  try {
+    const InputGeometry input = read_input(reader, atoms, copy, contents.labels, screen);
+    contents.n1 = input.split.n1;
+    contents.parameters = input.stated;
+  } catch (const RunStop&) {
+    const bool parameter = screen.text().find("User value") != std::string::npos;
+    throw InvalidInput(name + ": " +
+                       (parameter
+                            ? stop_words(screen.text())
+                            : "molecule 1 needs at least " + atoms_text(kFewestAtomsOfMolecule1)));
+  }
+  for (std::int32_t i = 0; i < N; ++i) contents.positions.push_back(atoms.position(i));
+  require_elements(source, contents.labels);
+  require_finite(name, contents.positions);
+  return contents;
+}
+
+// --- any file ---------------------------------------------------------------------------------
+
+/// A file that tells n1 holds one pair, in Angstrom.
+void require_plain_request(const std::string& name, const PairRequest& request) {
+  if (request.frame != 1)
+    throw InvalidInput(name + ": there is no frame " + std::to_string(request.frame) +
+                       ": the file holds one pair");
+  if (request.unit != LengthUnit::angstrom)
+    throw InvalidInput(name + ": files of this format are in Angstrom, not in bohr");
+}
+
+Contents read_contents(const std::string& name, const PairRequest& request) {
+  const std::string text = read_file(name);
+  const NamedText source{name, text};
+  const auto N = first_integer(text);
+  if (N && is_qn_input(text, *N)) {
+    require_plain_request(name, request);
+    return read_qn_input(source, *N);
+  }
+  XyzFrame frame = read_xyz(source, request.frame);
+  if (frame.n1) require_plain_request(name, request);
+  if (request.unit == LengthUnit::bohr)
+    for (Vec3& position : frame.positions) position = kAngstromPerBohr * position;
+  return {std::move(frame.labels), std::move(frame.positions), frame.n1, std::nullopt,
+          frame.frames};
+}
+
+void remark_on_frames(const std::string& name, const Contents& contents, std::int32_t frame,
+                      std::vector<std::string>& remarks) {
+  if (contents.frames > 1)
+    remarks.push_back(name + ": frame " + std::to_string(frame) + " of " +
+                      std::to_string(contents.frames) + " is used");
+}
+
+// --- two molecules ----------------------------------------------------------------------------
+
+/// Ends a long enumeration early.
+std::string shortened(std::string text) {
+  constexpr std::size_t kMost = 300;
+  if (text.size() > kMost) text.replace(text.rfind(", ", kMost), std::string::npos, ", ...");
+  return text;
+}
+
+std::string molecule_text(std::size_t number, std::span<const Label> labels, const Rows& rows) {
+  return "molecule " + std::to_string(number) + ": " + shortened(describe_atoms(labels, rows));
+}
+
+[[noreturn]] void refuse_components(const std::string& name, std::span<const Label> labels,
+                                    const std::vector<Rows>& components) {
+  constexpr std::size_t kMostListed = 10;
+  std::string text = name + ": the bonds make " + std::to_string(components.size()) +
+                     (components.size() == 1 ? " molecule" : " molecules") +
+                     ", not two; use --split N1";
+  for (std::size_t k = 0; k < std::min(components.size(), kMostListed); ++k)
+    text += "\n  " + molecule_text(k + 1, labels, components[k]);
+  if (components.size() > kMostListed) text += "\n  ...";
+  throw InvalidInput(text);
+}
+
+/// The atoms in the order of `rows`.
+template <class Value>
+std::vector<Value> reordered(const std::vector<Value>& values, const Rows& rows) {
+  std::vector<Value> result;
+  result.reserve(rows.size());
+  for (const std::int32_t row : rows) result.push_back(values[static_cast<std::size_t>(row)]);
+  return result;
+}
+
+/// Returns n1; moves the atoms of molecule 1 to the front.
+std::int32_t split_by_bonds(const std::string& name, Contents& contents,
+                            std::vector<std::string>& remarks) {
+  const auto components = bonded_components(contents.labels, contents.positions);
+  if (components.size() != 2) refuse_components(name, contents.labels, components);
+  for (std::size_t k = 0; k < 2; ++k)
+    remarks.push_back(molecule_text(k + 1, contents.labels, components[k]));
+  const auto n1 = static_cast<std::int32_t>(components[0].size());
+  const bool mixed = components[0].back() >= n1;
+  if (contents.n1 && (mixed || *contents.n1 != n1))
+    throw InvalidInput(name + ": the file gives molecule 1 its first " + atoms_text(*contents.n1) +
+                       ", but the bonds make " + remarks[remarks.size() - 2]);
+  if (mixed) {
+    Rows order = components[0];
+    order.insert(order.end(), components[1].begin(), components[1].end());
+    contents.labels = reordered(contents.labels, order);
+    contents.positions = reordered(contents.positions, order);
+    for (std::int32_t& row : order) ++row;
+    remarks.push_back(name + ": the atoms of the molecules alternate; their new order is " +
+                      shortened(ranges_of(order)));
+  }
+  return n1;
+}
+
+std::int32_t split_of(const PairRequest& request, Contents& contents,
+                      std::vector<std::string>& remarks) {
+  if (!request.split) {
+    if (contents.n1) return *contents.n1;
+    throw InvalidInput(
+        request.file +
+        ": where molecule 2 begins is not known; use --split N1, the number of atoms "
+        "of molecule 1, or --split auto, by bonds");
+  }
+  if (std::holds_alternative<SplitByBonds>(*request.split))
+    return split_by_bonds(request.file, contents, remarks);
+  const std::int32_t n1 = std::get<std::int32_t>(*request.split);
+  if (contents.n1.value_or(n1) != n1)
+    throw InvalidInput(request.file + ": the file gives molecule 1 " + atoms_text(*contents.n1) +
+                       ", --split " + std::to_string(n1));
+  return n1;
+}
+
+Pair pair_of(const std::string& name, Contents& contents, std::int32_t n1) {
+  const MoleculeSplit split{contents.N(), n1};
+  require_molecules(name, split);
+  return {split, std::move(contents.labels), std::move(contents.positions)};
+}
+
+PairFile read_one_file(const PairRequest& request) {
+  Contents contents = read_contents(request.file, request);
+  PairFile file;
+  remark_on_frames(request.file, contents, request.frame, file.remarks);
+  const std::int32_t n1 = split_of(request, contents, file.remarks);
+  file.pair = pair_of(request.file, contents, n1);
+  file.parameters = contents.parameters;
+  return file;
+}
+
+PairFile read_two_files(const PairRequest& request) {
+  if (request.split)
+    throw InvalidInput("--split does not go with two files: each of them is one molecule");
+  PairFile file;
+  std::array<Contents, 2> molecules;
+  for (const std::size_t k : {0U, 1U}) {
+    const std::string& name = k == 0 ? request.file : request.second_file;
+    molecules[k] = read_contents(name, request);
+    if (molecules[k].n1)
+      throw InvalidInput(name + ": the file holds both molecules; it cannot be one of two files");
+    remark_on_frames(name, molecules[k], request.frame, file.remarks);
+  }
+  auto& [one, two] = molecules;
+  const std::int32_t n1 = one.N();
+  one.labels.insert(one.labels.end(), two.labels.begin(), two.labels.end());
+  one.positions.insert(one.positions.end(), two.positions.begin(), two.positions.end());
+  file.pair = pair_of(request.file + ", " + request.second_file, one, n1);
+  return file;
+}
+
+}  // namespace
+
+PairFile read_pair(const PairRequest& request) {
+  return request.second_file.empty() ? read_one_file(request) : read_two_files(request);
+}
+
+}  // namespace dravo

@@ -1,0 +1,34 @@
+/// Atom tables of pairs, each with storage of its own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "common/atom_table.hpp"
+#include "molecules/pair.hpp"
+
+namespace dravo {
+
+class OwnedTable {
+ public:
+  explicit OwnedTable(std::int32_t rows)
+      : storage_(kColumns * static_cast<std::size_t>(rows)), table_(storage_, rows) {}
+  OwnedTable(const OwnedTable&) = delete;
+  OwnedTable& operator=(const OwnedTable&) = delete;
+  OwnedTable(OwnedTable&&) = default;
+  OwnedTable& operator=(OwnedTable&&) = default;
+  ~OwnedTable() = default;
+
+  [[nodiscard]] const AtomTable& table() const { return table_; }
+  [[nodiscard]] AtomTable& table() { return table_; }
+
+ private:
+  std::vector<double> storage_;
+  AtomTable table_;
+};
+
+/// Positions, masses and atomic numbers.
+OwnedTable table_of(const Pair& pair);
+
+}  // namespace dravo

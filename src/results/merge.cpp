@@ -1,0 +1,154 @@
+#include "results/merge.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "common/errors.hpp"
+#include "common/free_format_reader.hpp"
+#include "common/number_text.hpp"
+#include "results/progress_file.hpp"
+#include "results/result_files.hpp"
+
+namespace dravo {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The part that a file NAME-I-of-N with this ending belongs to.
+std::optional<Shard> shard_of(std::string_view file, std::string_view name,
+                              std::string_view ending) {
+  constexpr std::string_view kOf = "-of-";
+  const std::string_view whole = file;
+  if (!file.starts_with(name) || !file.ends_with(ending)) return std::nullopt;
+  file.remove_suffix(ending.size());
+  file.remove_prefix(name.size());
+  const std::size_t of = file.find(kOf);
+  if (!file.starts_with('-') || of == std::string_view::npos) return std::nullopt;
+  const auto number = parse_integer(file.substr(1, of - 1));
+  const auto parts = parse_integer(file.substr(of + kOf.size()));
+  if (!number || !parts || *number < 1 || *number > *parts) return std::nullopt;
+  const Shard shard{*number, *parts};
+  const bool spelt_so = shard.name(std::string(name)).append(ending) == whole;  // not 01 for 1
+  return spelt_so ? std::optional(shard) : std::nullopt;
+}
+
+/// Parts that have a file with this ending, in order.
+std::vector<Shard> shards_with(const std::string& name, std::string_view ending) {
+  const fs::path path(name);
+  const fs::path folder = path.has_parent_path() ? path.parent_path() : ".";
+  std::vector<Shard> shards;
+  std::error_code failure;
+  for (const auto& entry : fs::directory_iterator(folder, failure))
+    if (const auto shard =
+            shard_of(entry.path().filename().string(), path.filename().string(), ending))
+      shards.push_back(*shard);
+  if (failure) throw IoFailure(folder.string() + ": cannot read: " + failure.message());
+  std::sort(shards.begin(), shards.end(), [](const Shard& a, const Shard& b) {
+    return a.of != b.of ? a.of < b.of : a.number < b.number;
+  });
+  return shards;
+}
+
+/// The parts that lack their record, the first ten of them.
+std::string missing_parts(const std::string& name, const std::vector<Shard>& shards) {
+  constexpr std::int64_t kMostNamed = 10;
+  const std::int64_t of = shards.front().of;
+  const std::int64_t missing = of - static_cast<std::int64_t>(shards.size());
+  std::string text;
+  std::int64_t named = 0;
+  auto next = shards.begin();
+  for (std::int64_t number = 1; named < std::min(missing, kMostNamed); ++number) {
+    if (next != shards.end() && next->number == number) {
+      ++next;
+      continue;
+    }
+    text.append(text.empty() ? "" : ", ").append(Shard{number, of}.name(name));
+    ++named;
+  }
+  return missing > named ? text + " and " + std::to_string(missing - named) + " more" : text;
+}
+
+void require_all(const std::string& name, const std::vector<Shard>& shards) {
+  if (shards.empty()) throw IoFailure(name + ": found no finished part " + name + "-I-of-N.json");
+  if (shards.front().of != shards.back().of)
+    throw IoFailure(name + ": parts of different divisions: " + shards.front().name(name) +
+                    " and " + shards.back().name(name));
+  const std::string missing = missing_parts(name, shards);
+  if (!missing.empty()) throw IoFailure(name + ": missing or unfinished parts: " + missing);
+}
+
+/// The records of all parts, once their results are seen to be those that they tell of.
+std::vector<ScanRecord> checked_records(const std::string& name, const std::vector<Shard>& shards) {
+  std::vector<ScanRecord> records;
+  records.reserve(shards.size());
+  for (const Shard& shard : shards) {
+    const std::string part = shard.name(name);
+    records.push_back(finished_record(part));
+    ScanRecord expected = records.front();
+    expected.shard = shard;
+    require_same_origin(part + kRecordEnding, expected, records.back());
+  }
+  return records;
+}
+
+/// Hands on the bytes of a file from `begin` on.
+template <class Take>
+void for_bytes(const std::string& name, std::int64_t begin, Take&& take) {
+  constexpr std::size_t kBlock = 1U << 20U;
+  std::ifstream in(name, std::ios::binary);
+  in.seekg(begin);
+  std::string block(kBlock, '\0');
+  while (in) {
+    in.read(block.data(), static_cast<std::streamsize>(block.size()));
+    take(std::string_view(block).substr(0, static_cast<std::size_t>(in.gcount())));
+  }
+  if (!in.eof()) throw IoFailure(name + ": cannot read");
+}
+
+/// Bytes of the heading, line end included, which every part repeats.
+std::int64_t heading_bytes(const std::string& table) {
+  std::ifstream in(table, std::ios::binary);
+  std::string heading;
+  if (!std::getline(in, heading)) throw IoFailure(table + ": cannot read");
+  return static_cast<std::int64_t>(heading.size()) + 1;
+}
+
+}  // namespace
+
+ScanRecord merge_shards(const std::string& name, bool overwrite) {
+  const std::vector<Shard> shards = shards_with(name, kRecordEnding);
+  require_all(name, shards);
+  const std::vector<ScanRecord> records = checked_records(name, shards);
+  const ProgressFile held(name);
+  if (!held.empty())
+    throw IoFailure(held.name() + ": is of an unfinished scan of that name; finish or remove it");
+  if (overwrite)
+    remove_earlier_results(name);
+  else
+    refuse_earlier_results(name);
+
+  ScanRecord joined = records.front();
+  joined.shard = {};
+  joined.totals = {};
+  joined.frame_bytes = joined.table_bytes = 0;
+  ResultFiles results(name, joined.with_frames());
+  results.cut(joined);
+  for (std::size_t k = 0; k < shards.size(); ++k) {
+    const std::string part = shards[k].name(name);
+    const std::string table = part + kTableEnding;
+    if (joined.with_frames())
+      for_bytes(part + kFramesEnding, 0,
+                [&](std::string_view bytes) { results.append_frames(bytes, joined); });
+    for_bytes(table, k == 0 ? 0 : heading_bytes(table),
+              [&](std::string_view bytes) { results.append_table(bytes, joined); });
+    joined.totals.add(records[k].totals);
+  }
+  results.finish(joined);
+  return joined;
+}
+
+}  // namespace dravo

@@ -1,0 +1,92 @@
+#include "results/pose_writer.hpp"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "common/record_format.hpp"
+
+namespace dravo {
+namespace {
+
+/// Decimals of lengths and of angles in degrees.
+constexpr int kLength = 8;
+constexpr int kAngle = 6;
+
+struct Column {
+  std::string_view name;
+  void (*append)(std::string& text, const ScannedPose& pose);
+  bool only_above_contact = false;
+};
+
+constexpr std::array<Column, 16> kPoseColumns{{
+    {"index", [](auto& text, const auto& p) { append_shortest(text, p.index); }},
+    {"above_contact", [](auto& text, const auto& p) { append_shortest(text, p.above_contact); },
+     true},
+    {"r", [](auto& text, const auto& p) { append_shortest(text, p.asked.r); }},
+    {"theta", [](auto& text, const auto& p) { append_shortest(text, p.asked.theta); }},
+    {"phi", [](auto& text, const auto& p) { append_shortest(text, p.asked.phi); }},
+    {"alpha", [](auto& text, const auto& p) { append_shortest(text, p.asked.alpha); }},
+    {"beta", [](auto& text, const auto& p) { append_shortest(text, p.asked.beta); }},
+    {"gamma", [](auto& text, const auto& p) { append_shortest(text, p.asked.gamma); }},
+    {"r_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.r, kLength); }},
+    {"theta_applied",
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.theta, kAngle); }},
+    {"phi_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.phi, kAngle); }},
+    {"alpha_applied",
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.alpha, kAngle); }},
+    {"beta_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.beta, kAngle); }},
+    {"gamma_applied",
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, kAngle); }},
+    {"shortest", [](auto& text, const auto& p) { append_fixed(text, p.survey.shortest, kLength); }},
+    {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.survey.contacts); }},
+}};
+
+void append_atoms(std::string& frame, std::span<const Label> labels, const AtomTable& placed) {
+  constexpr int kWidth = 15;
+  std::int32_t i = 0;
+  for (const Label& label : labels) {
+    const Vec3 p = placed.position(i++);
+    frame += text_of(label);
+    for (const double coordinate : {p.x, p.y, p.z}) {
+      frame += ' ';
+      append_fixed_field(frame, coordinate, kWidth, kLength);
+    }
+    frame += '\n';
+  }
+}
+
+}  // namespace
+
+std::string PoseWriter::table_heading() const {
+  std::string heading;
+  for (const Column& column : kPoseColumns)
+    if (above_contact_ || !column.only_above_contact)
+      heading.append(heading.empty() ? "" : ",").append(column.name);
+  return heading + "\n";
+}
+
+void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
+  const std::size_t start = table.size();
+  for (const Column& column : kPoseColumns) {
+    if (column.only_above_contact && !above_contact_) continue;
+    if (table.size() > start) table += ',';
+    column.append(table, pose);
+  }
+  table += '\n';
+}
+
+void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
+                              const AtomTable& placed) const {
+  append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
+  frames += "\nProperties=species:S:1:pos:R:3";
+  for (const Column& column : kPoseColumns) {
+    if (column.only_above_contact && !above_contact_) continue;
+    frames.append(" ").append(column.name).append("=");
+    column.append(frames, pose);
+  }
+  frames += '\n';
+  append_atoms(frames, labels_, placed);
+}
+
+}  // namespace dravo

@@ -1,0 +1,46 @@
+/// Poses as text: frames of an extended xyz file and rows of a CSV table.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "common/atom_table.hpp"
+#include "driver/user_parameters.hpp"
+#include "output/contact_surveyor.hpp"
+
+namespace dravo {
+
+struct ScannedPose {
+  std::int64_t index;    ///< place in the plan, from 1
+  double above_contact;  ///< r less the distance of the first contact, where the plan asks so
+  PoseDegrees asked;     ///< Angstrom and degrees
+  PoseDegrees applied;   ///< as measured after the placement, phi from 0 to 360
+  ContactSurvey survey;
+};
+
+/// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
+/// intermolecular distance, number of short contacts; and `above_contact` behind the index in plans
+/// that count r from the contact. Angstrom and degrees. What was asked stands in the shortest form
+/// that reads back as the same number.
+class PoseWriter {
+ public:
+  PoseWriter(std::span<const Label> labels, bool above_contact)
+      : labels_(labels), above_contact_(above_contact) {}
+
+  [[nodiscard]] std::string table_heading() const;
+
+  void append_row(std::string& table, const ScannedPose& pose) const;
+
+  /// The pose whose atoms stand in `placed`:
+  ///
+  ///     columns   1-2     4-18   20-34   36-50
+  ///               symbol  x      y       z       (A2,3(1X,F15.8)), Angstrom
+  void append_frame(std::string& frames, const ScannedPose& pose, const AtomTable& placed) const;
+
+ private:
+  std::span<const Label> labels_;
+  bool above_contact_;
+};
+
+}  // namespace dravo

@@ -1,0 +1,101 @@
+#include "results/progress_file.hpp"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+#include "common/errors.hpp"
+#include "common/free_format_reader.hpp"
+#include "scan/fingerprint.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr auto kEnding = ".progress";
+constexpr std::size_t kSlotBytes = 16384;
+
+std::string fingerprint_of(std::string_view text) {
+  Fingerprint fingerprint;
+  fingerprint.add(text);
+  return std::to_string(fingerprint.value());
+}
+
+/// A record and its fingerprint on one line; empty for anything else.
+std::optional<ScanRecord> record_in(const std::string& name, std::string_view slot) {
+  const std::size_t end = slot.find('\n');
+  const std::size_t blank = slot.substr(0, end).rfind(' ');
+  if (end == std::string_view::npos || blank == std::string_view::npos) return std::nullopt;
+  const std::string_view text = slot.substr(0, blank);
+  if (slot.substr(blank + 1, end - blank - 1) != fingerprint_of(text)) return std::nullopt;
+  return parse_record(name, std::string(text));
+}
+
+}  // namespace
+
+bool has_progress(const std::string& scan) { return ::access((scan + kEnding).c_str(), F_OK) == 0; }
+
+ProgressFile::ProgressFile(const std::string& scan)
+    : name_(scan + kEnding),
+      descriptor_(::open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+  if (descriptor_ < 0) throw_system_failure(name_, "open for writing");
+  // Some file systems of clusters have no locks; there the user sees to it.
+  const bool held = ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  struct stat status {};
+  const bool known = ::fstat(descriptor_, &status) == 0;
+  const bool just_removed = known && status.st_nlink == 0;
+  if (held || just_removed || !known) {
+    ::close(descriptor_);
+    throw IoFailure(name_ + ": another process is making this scan");
+  }
+  size_ = status.st_size;
+}
+
+ProgressFile::~ProgressFile() {
+  if (empty()) ::unlink(name_.c_str());
+  ::close(descriptor_);
+}
+
+std::vector<ScanRecord> ProgressFile::records() const {
+  std::string text = read_file(name_);
+  text.resize(2 * kSlotBytes);
+  std::vector<ScanRecord> records;
+  for (const std::size_t slot : {0U, 1U})
+    if (const auto record =
+            record_in(name_, std::string_view(text).substr(slot * kSlotBytes, kSlotBytes)))
+      records.push_back(*record);
+  if (records.empty())
+    throw IoFailure(name_ +
+                    ": expected the progress of a scan, found something else; --overwrite "
+                    "begins anew");
+  std::sort(records.begin(), records.end(), [](const ScanRecord& a, const ScanRecord& b) {
+    return a.totals.poses > b.totals.poses;
+  });
+  return records;
+}
+
+void ProgressFile::write(const ScanRecord& record) {
+  std::string line = text_of(record);
+  const std::string fingerprint = fingerprint_of(line);
+  line.append(" ").append(fingerprint).append("\n");
+  if (line.size() > kSlotBytes) throw std::length_error("the record of a scan is too long");
+  const auto offset = static_cast<off_t>(static_cast<std::size_t>(next_slot_) * kSlotBytes);
+  if (::pwrite(descriptor_, line.data(), line.size(), offset) != static_cast<ssize_t>(line.size()))
+    throw_system_failure(name_, "write");
+  next_slot_ = 1 - next_slot_;
+  size_ = 1;
+}
+
+void ProgressFile::clear() {
+  if (::ftruncate(descriptor_, 0) != 0) throw_system_failure(name_, "write");
+  size_ = 0;
+  next_slot_ = 0;
+}
+
+}  // namespace dravo

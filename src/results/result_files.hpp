@@ -1,0 +1,55 @@
+/// The results of a scan: frames NAME.xyz, table NAME.csv, record NAME.json.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "results/growing_file.hpp"
+#include "results/scan_record.hpp"
+
+namespace dravo {
+
+inline constexpr auto kFramesEnding = ".xyz";
+inline constexpr auto kTableEnding = ".csv";
+inline constexpr auto kRecordEnding = ".json";
+
+/// Frames and table grow as NAME.xyz.part and NAME.csv.part and get their names when they are
+/// complete, the record last.
+class ResultFiles {
+ public:
+  /// Takes up what is there.
+  ResultFiles(std::string name, bool with_frames);
+
+  /// Whether all bytes that a record tells of are there.
+  [[nodiscard]] bool have(const ScanRecord& record) const;
+
+  /// Back to the bytes of a record.
+  void cut(const ScanRecord& record);
+
+  /// Adds to the results and to the byte counts of the record.
+  void append_frames(std::string_view bytes, ScanRecord& record);
+  void append_table(std::string_view bytes, ScanRecord& record);
+
+  void finish(const ScanRecord& record);
+
+ private:
+  std::string name_;
+  std::unique_ptr<GrowingFile> frames_;  ///< null for a scan without frames
+  std::unique_ptr<GrowingFile> table_;
+};
+
+/// Reads NAME.json and checks the sizes of the results. Throws IoFailure.
+ScanRecord finished_record(const std::string& name);
+
+[[nodiscard]] bool has_finished_record(const std::string& name);
+
+/// Throws IoFailure when NAME.xyz, NAME.csv or NAME.json exist.
+void refuse_earlier_results(const std::string& name);
+void remove_earlier_results(const std::string& name);
+
+/// Throws IoFailure when an input is one of the files that a scan of this name writes.
+void refuse_inputs_as_results(const std::string& name, const std::vector<std::string>& inputs);
+
+}  // namespace dravo

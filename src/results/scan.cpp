@@ -1,0 +1,119 @@
+#include "results/scan.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "common/errors.hpp"
+#include "common/record_format.hpp"
+#include "common/shown_text.hpp"
+#include "driver/output_names.hpp"
+#include "scan/ordered_chunks.hpp"
+#include "scan/pair_placer.hpp"
+
+namespace dravo {
+namespace {
+
+/// Chunks of some hundred kilobytes stay in the caches of a core.
+std::int64_t poses_of_chunk(const Pair& pair) {
+  constexpr std::int64_t kBytesOfChunk = 262144;
+  constexpr std::int64_t kBytesOfAtom = 51;
+  constexpr std::int64_t kBytesBesides = 600;
+  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.split.N), 1);
+}
+
+ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
+  if (request.count_only) return {ScanOutput::Kind::counted, ""};
+  if (plan.files()) return {ScanOutput::Kind::files, request.name};
+  return {ScanOutput::Kind::frames, ""};
+}
+
+bool exists(const std::string& name) {
+  std::error_code ignored;  // whatever it is, writing meets it too
+  return std::filesystem::exists(name, ignored);
+}
+
+/// Files of other poses would stand among the new ones. The parts of a scan share the folder.
+void refuse_earlier_folder(const ScanRequest& request) {
+  const bool begins = request.earlier != Earlier::overwrite && !has_earlier_scan(request.name);
+  if (begins && !request.part && exists(request.name))
+    throw IoFailure(request.name + ": exists already; remove it, or choose another --output");
+}
+
+/// r counts from the contact, so only the molecules tell how far it reaches.
+void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
+  const double longest = placer.longest_touching_distance() + plan.longest_r();
+  if (plan.above_contact() && !fits_names(longest))
+    throw IoFailure("r may become " + fixed_text(longest, 1) +
+                    " Angstrom, too long for the names of files. Allowed: r<9999.9");
+}
+
+/// The folders of poses are emptied before they are filled.
+void refuse_inputs_in_folder(const ScanRequest& request) {
+  std::error_code ignored;  // what cannot be found has been refused before
+  const auto folder = std::filesystem::weakly_canonical(request.name, ignored);
+  for (const std::string& input : request.inputs) {
+    const auto inside =
+        std::filesystem::weakly_canonical(input, ignored).lexically_relative(folder);
+    if (!input.empty() && !inside.empty() && *inside.begin() != "..")
+      throw IoFailure(input + ": is in the folder of the results; choose another --output");
+  }
+}
+
+void require_file_name(const std::string& name) {
+  if (std::filesystem::path(name).filename().empty())
+    throw IoFailure("--output: expected the name of a file without ending, found " +
+                    dravo::quoted(name));
+}
+
+ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
+                std::int64_t done) {
+  const Shard shard = request.part.value_or(Shard{});
+  return {shard.first(plan.poses()) + done, shard.end(plan.poses()), poses_of_chunk(pair),
+          request.threads};
+}
+
+ScanRecord record_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
+  return {origin_of(pair, plan), plan.poses(), request.part.value_or(Shard{}), {}, 0, 0};
+}
+
+}  // namespace
+
+std::string result_name(const ScanRequest& request) {
+  return request.part ? request.part->name(request.name) : request.name;
+}
+
+ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
+  const PairPlacer placer(pair);
+  require_short_enough(placer, plan);
+  const ScanOutput output = output_of(plan, request);
+  std::optional<ScanFiles> files;
+  if (output.kind != ScanOutput::Kind::counted) {
+    require_file_name(request.name);
+    refuse_inputs_as_results(result_name(request), request.inputs);
+    if (output.kind == ScanOutput::Kind::files) {
+      refuse_earlier_folder(request);
+      refuse_inputs_in_folder(request);
+    }
+    const PoseWriter writer(placer.labels(), plan.above_contact());
+    files.emplace(result_name(request), record_of(pair, plan, request), writer.table_heading(),
+                  request.earlier);
+  }
+  ScanTotals totals = files ? files->totals() : ScanTotals{};
+  const ChunkJob job = job_of(pair, plan, request, totals.poses);
+  Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
+  if (files && files->finished()) return totals;
+
+  make_chunks(
+      job, [&] { return ChunkMaker(placer, plan, output); },
+      [&](const Chunk& chunk) {
+        if (files) files->append(chunk);
+        totals.add(chunk.totals);
+        progress.show(totals.poses);
+      });
+  if (files) files->finish();
+  return totals;
+}
+
+}  // namespace dravo

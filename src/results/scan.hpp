@@ -1,0 +1,33 @@
+/// A scan, or a part of it, from plan to files.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "molecules/pair.hpp"
+#include "results/progress.hpp"
+#include "results/scan_files.hpp"
+#include "results/scan_record.hpp"
+#include "scan/plan.hpp"
+
+namespace dravo {
+
+struct ScanRequest {
+  std::string name = "scan";  ///< of the results, without ending
+  bool count_only = false;    ///< nothing is written
+  Earlier earlier = Earlier::refuse;
+  std::optional<Shard> part;        ///< the whole scan without it
+  std::vector<std::string> inputs;  ///< files that results must not replace
+  int threads = 1;
+  Progress::Kind progress = Progress::Kind::none;
+};
+
+/// Of the results, without ending.
+std::string result_name(const ScanRequest& request);
+
+/// Throws NoUniqueFrame for a pair that cannot be placed, IoFailure when the results cannot be
+/// written.
+ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request);
+
+}  // namespace dravo

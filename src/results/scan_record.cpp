@@ -1,0 +1,133 @@
+#include "results/scan_record.hpp"
+
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "common/errors.hpp"
+#include "common/record_format.hpp"
+#include "common/version.hpp"
+#include "scan/fingerprint.hpp"
+
+namespace dravo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json json_of(const ScanTotals& totals) {
+  return {{"done", totals.poses},
+          {"written", totals.written},
+          {"with_contacts", totals.with_contacts},
+          {"shortest", totals.shortest},
+          {"shortest_index", totals.shortest_index}};
+}
+
+/// A count of a record.
+std::int64_t whole(const Json& json, const char* key, std::int64_t lowest = 0) {
+  const Json& value = json.at(key);
+  const auto count = value.is_number_integer() ? value.get<std::int64_t>() : lowest - 1;
+  if (count < lowest) throw std::out_of_range(key);
+  return count;
+}
+
+/// JSON has no infinity, which stands for "no pose yet".
+double distance_in(const Json& json) {
+  return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
+}
+
+}  // namespace
+
+std::int64_t Shard::first(std::int64_t poses) const {
+  __extension__ using Wide = __int128;
+  return static_cast<std::int64_t>(Wide{poses} * (number - 1) / of);
+}
+
+std::int64_t Shard::end(std::int64_t poses) const { return Shard{number + 1, of}.first(poses); }
+
+std::string Shard::name(const std::string& scan) const {
+  return scan + "-" + std::to_string(number) + "-of-" + std::to_string(of);
+}
+
+bool ScanRecord::with_frames() const {
+  const auto files = origin.find("files");
+  return files == origin.end() || files->second != "true";
+}
+
+std::map<std::string, std::string> origin_of(const Pair& pair, const ScanPlan& plan) {
+  Fingerprint atoms;
+  for (const Label& label : pair.labels) atoms.add(text_of(label));
+  for (const Vec3& p : pair.positions)
+    for (const double coordinate : {p.x, p.y, p.z}) atoms.add(coordinate);
+  auto origin = plan.description();
+  origin["version"] = DRAVO_VERSION;
+  origin["pair"] = std::to_string(pair.split.n1) + "+" +
+                   std::to_string(pair.split.N - pair.split.n1) + " atoms, " +
+                   std::to_string(atoms.value());
+  return origin;
+}
+
+std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
+  const auto value = [](const std::map<std::string, std::string>& origin, const std::string& key) {
+    const auto found = origin.find(key);
+    return found == origin.end() ? std::string("not given") : found->second;
+  };
+  std::string text;
+  const auto compare = [&](const std::string& key, const std::string& was, const std::string& is) {
+    if (was != is) text.append(text.empty() ? "" : "; ").append(key + " was " + was + ", is " + is);
+  };
+  auto keys = earlier.origin;
+  keys.insert(now.origin.begin(), now.origin.end());
+  for (const auto& [key, ignored] : keys)
+    compare(key, value(earlier.origin, key), value(now.origin, key));
+  const auto part = [](const Shard& shard) {
+    return std::to_string(shard.number) + "/" + std::to_string(shard.of);
+  };
+  compare("shard", part(earlier.shard), part(now.shard));
+  return text;
+}
+
+void require_same_origin(const std::string& name, const ScanRecord& earlier,
+                         const ScanRecord& now) {
+  const std::string differs = difference(earlier, now);
+  if (!differs.empty()) throw IoFailure(name + ": is of another scan: " + differs);
+}
+
+std::string sentence_about(const ScanTotals& totals) {
+  if (totals.poses == 0) return "no poses";
+  return std::to_string(totals.poses) + " poses, " + std::to_string(totals.with_contacts) +
+         " with short contacts, " + std::to_string(totals.written) + " wanted; shortest distance " +
+         fixed_text(totals.shortest, 4) + " Angstrom in pose " +
+         std::to_string(totals.shortest_index);
+}
+
+std::string json_text_of(const ScanTotals& totals) { return json_of(totals).dump(); }
+
+std::string text_of(const ScanRecord& record) {
+  return Json{{"origin", record.origin},          {"poses", record.poses},
+              {"shard", record.shard.number},     {"shards", record.shard.of},
+              {"totals", json_of(record.totals)}, {"frame_bytes", record.frame_bytes},
+              {"table_bytes", record.table_bytes}}
+      .dump();
+}
+
+ScanRecord parse_record(const std::string& name, const std::string& text) {
+  try {
+    const Json json = Json::parse(text);
+    ScanRecord record;
+    json.at("origin").get_to(record.origin);
+    record.poses = whole(json, "poses");
+    record.shard = {whole(json, "shard", 1), whole(json, "shards", 1)};
+    const Json& totals = json.at("totals");
+    record.totals = {whole(totals, "done"), whole(totals, "written"),
+                     whole(totals, "with_contacts"), distance_in(totals.at("shortest")),
+                     whole(totals, "shortest_index")};
+    record.frame_bytes = whole(json, "frame_bytes");
+    record.table_bytes = whole(json, "table_bytes");
+    if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
+    return record;
+  } catch (const std::exception&) {
+    throw IoFailure(name + ": expected the record of a scan by dravo, found something else");
+  }
+}
+
+}  // namespace dravo

@@ -1,0 +1,146 @@
+#include "results/pose_writer.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/atoms.hpp"
+
+namespace dravo::test {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+const std::vector<Label> kLabels{{'O', ' '}, {'C', 'l'}};
+
+ScannedPose hand_made() {
+  ScannedPose pose{};
+  pose.index = 42;
+  pose.above_contact = 0.25;
+  pose.asked = {3.5, 90.0, 45.0, 0.1, 1e-7, 359.99};
+  pose.applied = {3.4999999951, 89.9999996, 45.0, 0.09, 179.99, 359.9899999};
+  pose.survey = {1.8999999762, 3};
+  return pose;
+}
+
+std::string row_of(const ScannedPose& pose, bool above_contact = false) {
+  std::string table;
+  PoseWriter(kLabels, above_contact).append_row(table, pose);
+  return table;
+}
+
+TEST(PoseTable, HasAHeading) {
+  EXPECT_EQ(PoseWriter(kLabels, false).table_heading(),
+            "index,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,phi_applied,"
+            "alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
+  EXPECT_EQ(PoseWriter(kLabels, true).table_heading(),
+            "index,above_contact,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,"
+            "phi_applied,alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
+}
+
+TEST(PoseTable, HasARowForAPose) {
+  EXPECT_EQ(row_of(hand_made()),
+            "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,179.990000,"
+            "359.990000,1.89999998,3\n");
+  EXPECT_EQ(row_of(hand_made(), true),
+            "42,0.25,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,"
+            "179.990000,359.990000,1.89999998,3\n");
+}
+
+TEST(PoseTable, GrowsAtItsEnd) {
+  std::string table = "before\n";
+  const PoseWriter writer(kLabels, false);
+  writer.append_row(table, hand_made());
+  writer.append_row(table, hand_made());
+  EXPECT_EQ(table, "before\n" + row_of(hand_made()) + row_of(hand_made()));
+}
+
+TEST(PoseTable, ShowsDirectionsThatHaveNoMeaning) {
+  ScannedPose pose = hand_made();
+  pose.applied.theta = std::numeric_limits<double>::quiet_NaN();
+  pose.survey = {kInfinity, 0};
+  EXPECT_EQ(row_of(pose),
+            "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,nan,45.000000,0.090000,179.990000,"
+            "359.990000,inf,0\n");
+}
+
+/// The parts of a row.
+std::vector<std::string> parts(const std::string& row) {
+  std::vector<std::string> all;
+  std::istringstream in(row.substr(0, row.size() - 1));
+  for (std::string part; std::getline(in, part, ',');) all.push_back(part);
+  return all;
+}
+
+TEST(PoseTable, WhatWasAskedReadsBackAsTheSameNumber) {
+  for (const double value : {0.1 + 0.2, 1.0 / 3.0, std::nextafter(180.0, 0.0), 9999.9, 1e-300,
+                             5e-324, 123456789.123456789, 0.0}) {
+    ScannedPose pose = hand_made();
+    pose.above_contact = value;
+    pose.asked = {value, value, value, value, value, value};
+    const std::vector<std::string> columns = parts(row_of(pose, true));
+    ASSERT_EQ(columns.size(), 16U);
+    for (std::size_t k = 1; k < 8; ++k)
+      EXPECT_EQ(std::strtod(columns[k].c_str(), nullptr), value) << columns[k];
+  }
+}
+
+TEST(PoseTable, CountsFarPoses) {
+  ScannedPose pose = hand_made();
+  pose.index = 999'999'999'999'999;
+  EXPECT_EQ(parts(row_of(pose))[0], "999999999999999");
+}
+
+std::string frame_of(const ScannedPose& pose, const std::vector<Atom>& atoms,
+                     bool above_contact = false) {
+  SmallTable placed(atoms);
+  std::string frames;
+  PoseWriter(kLabels, above_contact).append_frame(frames, pose, placed.table());
+  return frames;
+}
+
+const std::string kComment =
+    "r=3.5 theta=90 phi=45 alpha=0.1 beta=1e-07 gamma=359.99 r_applied=3.50000000 "
+    "theta_applied=90.000000 phi_applied=45.000000 alpha_applied=0.090000 "
+    "beta_applied=179.990000 gamma_applied=359.990000 shortest=1.89999998 contacts=3\n";
+
+TEST(PoseFrame, HasCountParametersAndAtoms) {
+  const std::vector<Atom> atoms{{"O", {1.0, -2.5, 0.0}}, {"Cl", {12345.678, -0.1, 1e-9}}};
+  const std::string lines =
+      "O       1.00000000     -2.50000000      0.00000000\n"
+      "Cl  12345.67800000     -0.10000000      0.00000000\n";
+  EXPECT_EQ(frame_of(hand_made(), atoms),
+            "2\nProperties=species:S:1:pos:R:3 index=42 " + kComment + lines);
+  EXPECT_EQ(frame_of(hand_made(), atoms, true),
+            "2\nProperties=species:S:1:pos:R:3 index=42 above_contact=0.25 " + kComment + lines);
+}
+
+TEST(PoseFrame, KeepsItsColumnsToTheLargestNumbers) {
+  const std::string frame =
+      frame_of(hand_made(), {{"O", {999999.99999999, -99999.99999999, 9.9999999951}},
+                             {"Cl", {1000000.0, -100000.0, -1000000.0}}});
+  const std::string atoms = frame.substr(frame.find("\nO ") + 1);
+  EXPECT_EQ(atoms,
+            "O  999999.99999999 -99999.99999999     10.00000000\n"
+            "Cl ***************" +
+                std::string(" ***************") + " ***************\n");
+}
+
+TEST(PoseFrame, FollowsTheFrameBefore) {
+  const std::vector<Atom> atoms{{"O", {1.0, 2.0, 3.0}}, {"Cl", {4.0, 5.0, 6.0}}};
+  SmallTable placed(atoms);
+  std::string frames;
+  const PoseWriter writer(kLabels, false);
+  writer.append_frame(frames, hand_made(), placed.table());
+  writer.append_frame(frames, hand_made(), placed.table());
+  EXPECT_EQ(frames, frame_of(hand_made(), atoms) + frame_of(hand_made(), atoms));
+}
+
+}  // namespace
+}  // namespace dravo::test

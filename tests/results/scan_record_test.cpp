@@ -1,0 +1,265 @@
+#include "results/scan_record.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "scan/plans.hpp"
+
+namespace dravo::test {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Parts.
+
+TEST(Shard, PartsFollowEachOtherAndCoverAllPoses) {
+  for (const std::int64_t of : {1, 2, 3, 7, 64, 1000, 99991})
+    for (const std::int64_t poses :
+         {std::int64_t{0}, std::int64_t{1}, std::int64_t{6}, std::int64_t{999}, std::int64_t{1000},
+          std::int64_t{123457}, std::int64_t{1'000'000'000'000'000}}) {
+      std::int64_t next = 0;
+      for (std::int64_t number = 1; number <= of; ++number) {
+        const Shard shard{number, of};
+        ASSERT_EQ(shard.first(poses), next) << number << " of " << of << ", " << poses;
+        next = shard.end(poses);
+        // No part has two poses more than another.
+        ASSERT_GE(next - shard.first(poses), poses / of);
+        ASSERT_LE(next - shard.first(poses), poses / of + 1);
+      }
+      ASSERT_EQ(next, poses) << of;
+    }
+}
+
+TEST(Shard, OfTheMostPartsOfTheMostPosesHasThem) {
+  const std::int64_t poses = 1'000'000'000'000'000;
+  const std::int64_t of = std::numeric_limits<std::int32_t>::max();
+  const Shard last{of, of};
+  EXPECT_EQ(last.end(poses), poses);
+  EXPECT_EQ((Shard{of - 1, of}.end(poses)), last.first(poses));
+  EXPECT_EQ(last.end(poses) - last.first(poses), poses / of + 1);
+  EXPECT_EQ((Shard{1, of}.first(poses)), 0);
+}
+
+TEST(Shard, NamesItsFiles) {
+  EXPECT_EQ((Shard{1, 1}.name("out/scan")), "out/scan-1-of-1");
+  EXPECT_EQ((Shard{1, 2}.name("out/scan")), "out/scan-1-of-2");
+  EXPECT_EQ((Shard{12, 200}.name("scan")), "scan-12-of-200");
+}
+
+// Text and back.
+
+ScanRecord record() {
+  return {{{"r", "contact + 0:1:0.1"}, {"theta", "a \"quoted\" text\nand Å"}, {"version", "1.2"}},
+          123456789012345,
+          {3, 7},
+          {1000, 900, 100, 1.8999999761581421, 17},
+          std::int64_t{5'000'000'000},
+          654321};
+}
+
+void expect_same(const ScanRecord& a, const ScanRecord& b) {
+  EXPECT_EQ(a.origin, b.origin);
+  EXPECT_EQ(a.poses, b.poses);
+  EXPECT_EQ(a.shard.number, b.shard.number);
+  EXPECT_EQ(a.shard.of, b.shard.of);
+  EXPECT_EQ(a.totals.poses, b.totals.poses);
+  EXPECT_EQ(a.totals.written, b.totals.written);
+  EXPECT_EQ(a.totals.with_contacts, b.totals.with_contacts);
+  EXPECT_EQ(a.totals.shortest, b.totals.shortest);
+  EXPECT_EQ(a.totals.shortest_index, b.totals.shortest_index);
+  EXPECT_EQ(a.frame_bytes, b.frame_bytes);
+  EXPECT_EQ(a.table_bytes, b.table_bytes);
+}
+
+TEST(ScanRecord, IsReadBackFromItsText) {
+  expect_same(parse_record("a.json", text_of(record())), record());
+}
+
+TEST(ScanRecord, IsOneLine) { EXPECT_EQ(text_of(record()).find('\n'), std::string::npos); }
+
+TEST(ScanRecord, WithoutPosesHasAnInfiniteShortestDistance) {
+  ScanRecord nothing = record();
+  nothing.totals = {};
+  const ScanRecord read = parse_record("a.json", text_of(nothing));
+  EXPECT_EQ(read.totals.shortest, kInfinity);
+  expect_same(read, nothing);
+}
+
+TEST(ScanRecord, KeepsEveryBitOfTheShortestDistance) {
+  for (const double distance : {0.1 + 0.2, 1.0 / 3.0, 5e-324, 0.0, 1e300}) {
+    ScanRecord given = record();
+    given.totals.shortest = distance;
+    EXPECT_EQ(parse_record("a.json", text_of(given)).totals.shortest, distance);
+  }
+}
+
+TEST(ScanRecord, AnythingElseIsRefused) {
+  const std::string whole = text_of(record());
+  const auto without = [&](const std::string& key) {
+    std::string text = whole;
+    return text.replace(text.find("\"" + key + "\""), key.size() + 2, "\"other\"");
+  };
+  std::vector<std::string> texts{"",          "{}",
+                                 "[]",        "null",
+                                 "no JSON",   whole.substr(0, whole.size() - 1),
+                                 whole + "}", "{\"origin\": 5}"};
+  for (const char* key :
+       {"origin", "poses", "shard", "shards", "totals", "done", "written", "with_contacts",
+        "shortest", "shortest_index", "frame_bytes", "table_bytes"})
+    texts.push_back(without(key));
+  for (const std::string& text : texts)
+    EXPECT_EQ(message_of([&] { (void)parse_record("out/a.json", text); }),
+              "out/a.json: expected the record of a scan by dravo, found something else")
+        << text;
+}
+
+/// The text of a record with another value of a key.
+std::string with_value(const std::string& key, const std::string& value) {
+  std::string text = text_of(record());
+  const std::size_t begin = text.find("\"" + key + "\":") + key.size() + 3;
+  return text.replace(begin, text.find_first_of(",}", begin) - begin, value);
+}
+
+TEST(ScanRecord, HasWholeCountsThatAreNotNegative) {
+  for (const char* key : {"poses", "shard", "shards", "done", "written", "with_contacts",
+                          "shortest_index", "frame_bytes", "table_bytes"}) {
+    for (const char* value : {"-1", "1.0", "1.5", "1e3", "\"3\"", "null", "true", "[3]",
+                              "9223372036854775808", "-9223372036854775809"})
+      EXPECT_EQ(message_of([&] { (void)parse_record("a.json", with_value(key, value)); }),
+                "a.json: expected the record of a scan by dravo, found something else")
+          << key << ' ' << value;
+    EXPECT_EQ(message_of([&] { (void)parse_record("a.json", with_value(key, "3")); }), "") << key;
+  }
+  EXPECT_EQ(parse_record("a.json", with_value("poses", "0")).poses, 0);
+  EXPECT_EQ(parse_record("a.json", with_value("table_bytes", "9223372036854775807")).table_bytes,
+            std::numeric_limits<std::int64_t>::max());
+}
+
+TEST(ScanRecord, IsOfOneOfItsParts) {
+  const auto refused = [](const char* key, const char* value) {
+    return !message_of([&] { (void)parse_record("a.json", with_value(key, value)); }).empty();
+  };
+  EXPECT_FALSE(refused("shard", "1"));  // of 7
+  EXPECT_FALSE(refused("shard", "7"));
+  EXPECT_TRUE(refused("shard", "0"));
+  EXPECT_TRUE(refused("shard", "8"));
+  EXPECT_TRUE(refused("shards", "2"));  // the third
+  EXPECT_TRUE(refused("shards", "0"));
+}
+
+TEST(ScanRecord, HasFramesUnlessEachPoseHasFiles) {
+  ScanRecord scan = record();
+  EXPECT_TRUE(scan.with_frames());
+  scan.origin["files"] = "false";
+  EXPECT_TRUE(scan.with_frames());
+  scan.origin["files"] = "true";
+  EXPECT_FALSE(scan.with_frames());
+}
+
+// Differences.
+
+struct Change {
+  const char* what;
+  void (*change)(ScanRecord& now);
+  const char* difference;
+};
+
+void PrintTo(const Change& change, std::ostream* out) { *out << change.what; }
+
+class DifferenceOf : public ::testing::TestWithParam<Change> {};
+
+TEST_P(DifferenceOf, TwoScansIsNamedByItsKeys) {
+  const ScanRecord earlier{{{"r", "3"}, {"random", "5"}, {"seed", "1"}}, 5, {}, {}, 0, 0};
+  ScanRecord now = earlier;
+  GetParam().change(now);
+  const std::string difference = GetParam().difference;
+  EXPECT_EQ(message_of([&] { require_same_origin("a.json", earlier, now); }),
+            difference.empty() ? "" : "a.json: is of another scan: " + difference);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Keys, DifferenceOf,
+    ::testing::Values(Change{"none", [](ScanRecord&) {}, ""},
+                      Change{"progress",
+                             [](ScanRecord& now) { now.totals.poses = now.frame_bytes = 3; }, ""},
+                      Change{"another value", [](ScanRecord& now) { now.origin["seed"] = "2"; },
+                             "seed was 1, is 2"},
+                      Change{"a key more", [](ScanRecord& now) { now.origin["phi"] = "10"; },
+                             "phi was not given, is 10"},
+                      Change{"a key less", [](ScanRecord& now) { now.origin.erase("r"); },
+                             "r was 3, is not given"},
+                      Change{"another part",
+                             [](ScanRecord& now) {
+                               now.shard = {2, 3};
+                             },
+                             "shard was 1/1, is 2/3"},
+                      Change{"everything",
+                             [](ScanRecord& now) {
+                               now.origin = {{"r", "4"}, {"random", "6"}, {"zip", "x"}};
+                               now.shard = {1, 2};
+                             },
+                             "r was 3, is 4; random was 5, is 6; seed was 1, is not given; "
+                             "zip was not given, is x; shard was 1/1, is 1/2"}));
+
+// Origin.
+
+TEST(Origin, TellsPlansAndPairsApart) {
+  const ScanPlan plan = plan_of({{"r", "3"}, {"random", "5"}});
+  const Pair pair = pair_of(sample("formamide-dimer"));
+  const auto origin = origin_of(pair, plan);
+  for (const auto& [key, text] : plan.description()) EXPECT_EQ(origin.at(key), text);
+  EXPECT_EQ(origin_of(pair, plan), origin);
+  EXPECT_EQ(origin.at("pair").substr(0, 11), "6+6 atoms, ");
+
+  std::vector<Pair> others(4, pair);
+  others[0].positions[7].y += 1e-12;
+  others[1].labels[2] = {'S', ' '};
+  others[2].split.n1 = 5;
+  std::swap(others[3].positions[1], others[3].positions[2]);
+  for (const Pair& other : others) EXPECT_NE(origin_of(other, plan).at("pair"), origin.at("pair"));
+  EXPECT_NE(origin_of(pair, plan_of({{"r", "3"}, {"random", "6"}})), origin);
+}
+
+// Totals.
+
+TEST(ScanTotals, AddUp) {
+  ScanTotals totals{10, 8, 3, 2.5, 4};
+  totals.add({5, 5, 1, 2.0, 12});
+  EXPECT_EQ(totals.poses, 15);
+  EXPECT_EQ(totals.written, 13);
+  EXPECT_EQ(totals.with_contacts, 4);
+  EXPECT_EQ(totals.shortest, 2.0);
+  EXPECT_EQ(totals.shortest_index, 12);
+}
+
+TEST(ScanTotals, KeepTheFirstOfEquallyNearPoses) {
+  ScanTotals totals;
+  for (const std::int64_t index : {7, 8, 9}) totals.add({1, 1, 1, 2.0, index});
+  EXPECT_EQ(totals.shortest_index, 7);
+  totals.add({});
+  EXPECT_EQ(totals.shortest, 2.0);
+  EXPECT_EQ(totals.shortest_index, 7);
+}
+
+TEST(ScanTotals, AreOneSentence) {
+  EXPECT_EQ(sentence_about({1000, 900, 100, 1.23456, 17}),
+            "1000 poses, 100 with short contacts, 900 wanted; shortest distance 1.2346 Angstrom in "
+            "pose 17");
+}
+
+TEST(ScanTotals, OfNothingAreTwoWords) { EXPECT_EQ(sentence_about({}), "no poses"); }
+
+TEST(ScanTotals, AreJson) {
+  EXPECT_EQ(json_text_of({1000, 900, 100, 1.25, 17}),
+            "{\"done\":1000,\"written\":900,\"with_contacts\":100,\"shortest\":1.25,"
+            "\"shortest_index\":17}");
+}
+
+}  // namespace
+}  // namespace dravo::test
