@@ -17,9 +17,6 @@ namespace dravo::test {
 namespace {
 
 constexpr std::array kPrograms{DRAVO_OTHER_BUILDS};
-constexpr std::array kSamples{"acetamide-acrylonitrile",    "adenine-thymine-stack",
-                              "dimethyl-sulfoxide-ethanol", "formamide-dimer",
-                              "uracil-dimer-stack",         "water-dimer"};
 
 void expect_same(const Outcome& one, const Outcome& other) {
   EXPECT_EQ(one.status, 0);

@@ -20,22 +20,14 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "support/message_of.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+using test::message_of;
 
-/// Text of the IoFailure that an action ends with.
-template <class Action>
-std::string failure_of(const Action& action) {
-  try {
-    action();
-  } catch (const Error& failure) {
-    return failure.what();
-  }
-  return "no failure";
-}
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 FreeFormatReader reader_of(std::string_view text) {
   FreeFormatReader reader("QN.xyz", text);
@@ -77,7 +69,7 @@ TEST(ReadIntegers, RefuseEverythingElse) {
   for (const auto& item :
        items("12.0 12. 1e3 abc 12a 0x10 1_000 1;2 + - ++5 --5 -+5 +-5 5- 2147483648 -2147483649 "
              "99999999999999999999 3*5 / 5/ '5'"))
-    EXPECT_EQ(failure_of([&] { integer_in(item); }), refusal("a count", item));
+    EXPECT_EQ(message_of([&] { integer_in(item); }), refusal("a count", item));
 }
 
 /// Every item of the list gives the same double, down to the sign of a zero.
@@ -161,9 +153,9 @@ TEST(ReadReals, RefuseWhatIsTooLarge) {
   for (const auto& item :
        items("1e400 -1e400 1e309 1.7976931348623159e308 1d+400 0.001e400 1+400 "
              "1e99999999999999999999 1e9223372036854775807 123e9223372036854775806"))
-    EXPECT_EQ(failure_of([&] { real_in(item); }), refusal("a number", item));
+    EXPECT_EQ(message_of([&] { real_in(item); }), refusal("a number", item));
   const std::string digits = repeated('9', 400);
-  EXPECT_EQ(failure_of([&] { real_in(digits); }),
+  EXPECT_EQ(message_of([&] { real_in(digits); }),
             "QN.xyz:1: expected a number, found \"" + repeated('9', 40) + "...\"\n" +
                 repeated('9', 100) + "\n" + repeated('^', 40));
 }
@@ -172,11 +164,11 @@ TEST(ReadReals, RefuseEverythingElse) {
   for (const auto& item : items(
            "1.2.3 0x10 abc 1.0abc 9o 1e 1e+ 1d 1+ 1e5.0 1ee5 1--5 1+-5 1f3 1_8 1;2 e5 .e5 . + - -. "
            "--1 +-1 infinit infinity1 nan( nanx 3*0.0 2* / 1.0/ '1.0'"))
-    EXPECT_EQ(failure_of([&] { real_in(item); }), refusal("a number", item));
+    EXPECT_EQ(message_of([&] { real_in(item); }), refusal("a number", item));
 }
 
 TEST(ReadReals, RefuseARaisedPoint) {
-  EXPECT_EQ(failure_of([] {
+  EXPECT_EQ(message_of([] {
               real_in(
                   "1\xC2\xB7"
                   "5");
@@ -220,11 +212,11 @@ TEST(ReadLabels, QuotesMayHoldSeparators) {
 
 TEST(ReadLabels, RefuseRepeatCountsSlashesAndOpenQuotes) {
   for (const auto& item : items("3*C 2* / C/ 'C \"C 'C\" 'C'x '"))
-    EXPECT_EQ(failure_of([&] { label_in(item); }), refusal("a label", item));
+    EXPECT_EQ(message_of([&] { label_in(item); }), refusal("a label", item));
 }
 
 TEST(ReadLabels, QuotedTextEndsOnItsOwnLine) {
-  EXPECT_EQ(failure_of([] { label_in("'C\n'"); }), refusal("a label", "'C"));
+  EXPECT_EQ(message_of([] { label_in("'C\n'"); }), refusal("a label", "'C"));
 }
 
 TEST(ReadItems, BlanksTabsCommasAndCarriageReturnsSeparate) {
@@ -265,7 +257,7 @@ TEST(ReadStatements, NeedNoNewlineAtTheEndOfTheFile) {
 TEST(SkippedLines, MayHoldAnything) {
   FreeFormatReader reader("QN.xyz", "/ '3*\n\nlast");
   for (int line = 1; line <= 3; ++line) EXPECT_NO_THROW(reader.skip_line({"a line"})) << line;
-  EXPECT_EQ(failure_of([&] { reader.skip_line({"a closing line"}); }),
+  EXPECT_EQ(message_of([&] { reader.skip_line({"a closing line"}); }),
             "QN.xyz:4: expected a closing line, found the end of the file");
 }
 
@@ -284,7 +276,7 @@ TEST(Messages, NameFileLineExpectationAndFinding) {
   FreeFormatReader reader("QN.xyz", text);
   for (int line = 1; line < 14; ++line) reader.skip_line({"a line"});
   reader.next_statement();
-  EXPECT_EQ(failure_of([&] { reader.real({"the azimuth phi in degrees (a number)"}); }),
+  EXPECT_EQ(message_of([&] { reader.real({"the azimuth phi in degrees (a number)"}); }),
             "QN.xyz:14: expected the azimuth phi in degrees (a number), found \"9o\"\n9o\n^^");
 }
 
@@ -292,7 +284,7 @@ TEST(Messages, NameTheAtom) {
   FreeFormatReader reader = reader_of("C 0.0 1.O 2.0");
   (void)reader.label({"the label", 3});
   (void)reader.real({"the x coordinate", 3});
-  EXPECT_EQ(failure_of([&] {
+  EXPECT_EQ(message_of([&] {
               reader.real({"the y coordinate", 3});
             }),
             "QN.xyz:1: expected the y coordinate of atom 3, found \"1.O\"\n"
@@ -303,7 +295,7 @@ TEST(Messages, NameTheAtom) {
 TEST(Messages, ShowTheLineOnWhichReadingWentOn) {
   FreeFormatReader reader = reader_of("1.0\r\n\tx y\r\n");
   (void)reader.real({"x"});
-  EXPECT_EQ(failure_of([&] { reader.real({"y"}); }), "QN.xyz:2: expected y, found \"x\"\n x y\n ^");
+  EXPECT_EQ(message_of([&] { reader.real({"y"}); }), "QN.xyz:2: expected y, found \"x\"\n x y\n ^");
 }
 
 TEST(Messages, PointAtTheCommaOfANullValue) {
@@ -313,9 +305,9 @@ TEST(Messages, PointAtTheCommaOfANullValue) {
   for (const auto& [text, message] : rows) {
     FreeFormatReader reader = reader_of(text);
     EXPECT_EQ(reader.real({"x"}), 1.0);
-    EXPECT_EQ(failure_of([&] { reader.real({"y"}); }), message);
+    EXPECT_EQ(message_of([&] { reader.real({"y"}); }), message);
   }
-  EXPECT_EQ(failure_of([] { real_in(" ,1"); }),
+  EXPECT_EQ(message_of([] { real_in(" ,1"); }),
             "QN.xyz:1: expected a number, found \",\"\n ,1\n ^");
 }
 
@@ -323,19 +315,19 @@ TEST(Messages, PointAtACommaAtTheStartOfALaterStatement) {
   FreeFormatReader reader = reader_of("1\n,2");
   (void)reader.integer({"n"});
   reader.next_statement();
-  EXPECT_EQ(failure_of([&] { reader.integer({"n1"}); }),
+  EXPECT_EQ(message_of([&] { reader.integer({"n1"}); }),
             "QN.xyz:2: expected n1, found \",\"\n,2\n^");
 }
 
 TEST(Messages, NumberTheLineThatIsMissing) {
   const std::string rows[][2] = {{"", "1"}, {"\n", "2"}, {" \r\n\t", "3"}, {"\n\n", "3"}};
   for (const auto& [text, line] : rows)
-    EXPECT_EQ(failure_of([&] { integer_in(text); }),
+    EXPECT_EQ(message_of([&] { integer_in(text); }),
               "QN.xyz:" + line + ": expected a count, found the end of the file");
   FreeFormatReader reader = reader_of("C 0.0 ,");
   (void)reader.label({"the label", 1});
   (void)reader.real({"the x coordinate", 1});
-  EXPECT_EQ(failure_of([&] {
+  EXPECT_EQ(message_of([&] {
               reader.real({"the y coordinate", 1});
             }),
             "QN.xyz:2: expected the y coordinate of atom 1, found the end of the file");
@@ -344,7 +336,7 @@ TEST(Messages, NumberTheLineThatIsMissing) {
 TEST(Messages, ReplaceControlCharactersSoThatTheCaretKeepsItsColumn) {
   FreeFormatReader reader = reader_of(std::string_view("C\t9\0\x1b[\t1\r\n", 10));
   (void)reader.label({"label"});
-  EXPECT_EQ(failure_of([&] { reader.real({"x"}); }),
+  EXPECT_EQ(message_of([&] { reader.real({"x"}); }),
             "QN.xyz:1: expected x, found \"9??[\"\nC 9??[ 1\n  ^^^^");
 }
 
@@ -352,7 +344,7 @@ TEST(Messages, ShortenLongItemsAndLines) {
   const std::string text = "A" + repeated('a', 68) + " " + repeated('x', 50);
   FreeFormatReader reader = reader_of(text);
   (void)reader.label({"label"});
-  EXPECT_EQ(failure_of([&] { reader.real({"x"}); }),
+  EXPECT_EQ(message_of([&] { reader.real({"x"}); }),
             "QN.xyz:1: expected x, found \"" + repeated('x', 40) + "...\"\n" + repeated('a', 59) +
                 " " + repeated('x', 40) + "\n" + repeated(' ', 60) + repeated('^', 40));
 }
@@ -362,7 +354,7 @@ std::string refusal_of_x(const std::string& before, const std::string& after) {
   const std::string text = before + " x" + after;
   FreeFormatReader reader = reader_of(text);
   (void)reader.label({"label"});
-  return failure_of([&] { reader.real({"a number"}); });
+  return message_of([&] { reader.real({"a number"}); });
 }
 
 TEST(Messages, ShowAndCountCharactersInsteadOfBytes) {
@@ -438,7 +430,7 @@ TEST(Messages, AreCutBetweenCharacters) {
 
 TEST(Messages, ShowAnUnclosedQuoteWithoutTheBlanksBehindIt) {
   for (const char* const end : {"", " ", "\r\n", " \t \r\nC"})
-    EXPECT_EQ(failure_of([&] { label_in(std::string("'C 1") + end); }), refusal("a label", "'C 1"));
+    EXPECT_EQ(message_of([&] { label_in(std::string("'C 1") + end); }), refusal("a label", "'C 1"));
 }
 
 /// The note after a label, two numbers and a number of the next record, as far as they can be read.
@@ -489,7 +481,7 @@ TEST(Notes, ForgetBlankLinesAboveASkippedLine) {
   EXPECT_EQ(reader.integer({"n"}), 1);
   reader.skip_line({"a line"});
   reader.next_statement();
-  EXPECT_EQ(failure_of([&] { reader.real({"r"}); }), "QN.xyz:4: expected r, found \"x\"\nx\n^");
+  EXPECT_EQ(message_of([&] { reader.real({"r"}); }), "QN.xyz:4: expected r, found \"x\"\nx\n^");
   EXPECT_EQ(reader.note(), "");
 }
 
@@ -534,9 +526,9 @@ TEST(ReadFile, GivesTheBytesAsTheyStand) {
 }
 
 TEST(ReadFile, NamesFileAndReason) {
-  EXPECT_EQ(failure_of([] { read_file("gone/QN.xyz"); }),
+  EXPECT_EQ(message_of([] { read_file("gone/QN.xyz"); }),
             "gone/QN.xyz: cannot read: No such file or directory");
-  EXPECT_EQ(failure_of([] { read_file("/"); }), "/: cannot read: Is a directory");
+  EXPECT_EQ(message_of([] { read_file("/"); }), "/: cannot read: Is a directory");
 }
 
 }  // namespace

@@ -11,33 +11,21 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <thread>
 
 #include "common/errors.hpp"
+#include "support/message_of.hpp"
+#include "support/sample_input.hpp"
 
 namespace dravo {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// Text of the IoFailure that an action ends with.
-template <class Action>
-std::string failure_of(const Action& action) {
-  try {
-    action();
-  } catch (const Error& failure) {
-    return failure.what();
-  }
-  return "no failure";
-}
-
-std::string contents_of(const std::string& name) {
-  std::ifstream file(name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+using test::file_text;
+using test::message_of;
 
 /// Each test runs in an empty folder of its own.
 class WorkingDirectoryTest : public testing::Test {
@@ -91,22 +79,22 @@ class FileSizeLimit {
 TEST_F(WorkingDirectoryTest, OpenCreatesTheFileAtOnce) {
   const auto sink = folder.open("log.txt");
   EXPECT_TRUE(fs::exists("log.txt"));
-  EXPECT_EQ(contents_of("log.txt"), "");
+  EXPECT_EQ(file_text("log.txt"), "");
 }
 
 TEST_F(WorkingDirectoryTest, OpenStartsAnEarlierFileAnew) {
   std::ofstream("log.txt") << "a long text of an earlier run\n";
   folder.open("log.txt")->write("new\n");
-  EXPECT_EQ(contents_of("log.txt"), "new\n");
+  EXPECT_EQ(file_text("log.txt"), "new\n");
 }
 
 TEST_F(WorkingDirectoryTest, OpenFileGrowsInTheOrderOfTheWrites) {
   const auto sink = folder.open("log.txt");
   sink->write(" first \n");
-  EXPECT_EQ(contents_of("log.txt"), " first \n");  // readable while the run goes on
+  EXPECT_EQ(file_text("log.txt"), " first \n");  // readable while the run goes on
   sink->write("");
   sink->write(std::string_view("\0second\n", 8));
-  EXPECT_EQ(contents_of("log.txt"), std::string(" first \n\0second\n", 16));
+  EXPECT_EQ(file_text("log.txt"), std::string(" first \n\0second\n", 16));
 }
 
 TEST_F(WorkingDirectoryTest, OpenTakesPiecesOfManyMegabytes) {
@@ -114,37 +102,37 @@ TEST_F(WorkingDirectoryTest, OpenTakesPiecesOfManyMegabytes) {
   large[0] = 'a';
   large.back() = 'z';
   folder.open("log.txt")->write(large);
-  EXPECT_TRUE(contents_of("log.txt") == large);
+  EXPECT_TRUE(file_text("log.txt") == large);
 }
 
 TEST_F(WorkingDirectoryTest, OpenInAFolderThatDoesNotExistNamesFileAndReason) {
-  EXPECT_EQ(failure_of([&] { (void)folder.open("gone/log.txt"); }),
+  EXPECT_EQ(message_of([&] { (void)folder.open("gone/log.txt"); }),
             "gone/log.txt: cannot open for writing: No such file or directory");
 }
 
 TEST_F(WorkingDirectoryTest, OpenOfADirectoryNamesFileAndReason) {
   fs::create_directory("log.txt");
-  EXPECT_EQ(failure_of([&] { (void)folder.open("log.txt"); }),
+  EXPECT_EQ(message_of([&] { (void)folder.open("log.txt"); }),
             "log.txt: cannot open for writing: Is a directory");
 }
 
 TEST_F(WorkingDirectoryTest, WriteToAFullDiskNamesFileAndReason) {
   fs::create_symlink("/dev/full", "log.txt");
   const auto sink = folder.open("log.txt");
-  EXPECT_EQ(failure_of([&] { sink->write("x"); }),
+  EXPECT_EQ(message_of([&] { sink->write("x"); }),
             "log.txt: cannot write: No space left on device");
 }
 
 TEST_F(WorkingDirectoryTest, WriteThatStopsHalfWayFails) {
   const auto sink = folder.open("log.txt");
   const FileSizeLimit limit(1000);
-  EXPECT_EQ(failure_of([&] { sink->write(std::string(1500, 'x')); }),
+  EXPECT_EQ(message_of([&] { sink->write(std::string(1500, 'x')); }),
             "log.txt: cannot write: File too large");
 }
 
 TEST_F(WorkingDirectoryTest, ReplaceWritesTheWholeFileAndLeavesNoOther) {
   folder.replace("[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz", "12\n\nC 0.0\n");
-  EXPECT_EQ(contents_of("[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz"), "12\n\nC 0.0\n");
+  EXPECT_EQ(file_text("[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz"), "12\n\nC 0.0\n");
   EXPECT_EQ(names(), std::set<std::string>{"[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz"});
 }
 
@@ -157,7 +145,7 @@ TEST_F(WorkingDirectoryTest, ReplaceWritesAnEmptyFile) {
 TEST_F(WorkingDirectoryTest, ReplaceTakesThePlaceOfALongerFile) {
   std::ofstream("pair.xyz") << "a long text of an earlier run\n";
   folder.replace("pair.xyz", "new\n");
-  EXPECT_EQ(contents_of("pair.xyz"), "new\n");
+  EXPECT_EQ(file_text("pair.xyz"), "new\n");
   EXPECT_EQ(names(), std::set<std::string>{"pair.xyz"});
 }
 
@@ -171,14 +159,14 @@ TEST_F(WorkingDirectoryTest, ReplaceNeverChangesAFileThatSomebodyReads) {
 }
 
 TEST_F(WorkingDirectoryTest, ReplaceInAFolderThatDoesNotExistNamesFileAndReason) {
-  EXPECT_EQ(failure_of([&] { folder.replace("gone/pair.xyz", "x"); }),
+  EXPECT_EQ(message_of([&] { folder.replace("gone/pair.xyz", "x"); }),
             "gone/pair.xyz.part: cannot open for writing: No such file or directory");
   EXPECT_EQ(names(), std::set<std::string>{});
 }
 
 TEST_F(WorkingDirectoryTest, ReplaceOfADirectoryNamesFileAndReasonAndLeavesNoOther) {
   fs::create_directory("pair.xyz");
-  EXPECT_EQ(failure_of([&] { folder.replace("pair.xyz", "x"); }),
+  EXPECT_EQ(message_of([&] { folder.replace("pair.xyz", "x"); }),
             "pair.xyz: cannot put in place: Is a directory");
   EXPECT_EQ(names(), std::set<std::string>{"pair.xyz"});
   EXPECT_TRUE(fs::is_directory("pair.xyz"));
@@ -188,10 +176,10 @@ TEST_F(WorkingDirectoryTest, ReplaceThatFailsHalfWayKeepsTheEarlierFile) {
   std::ofstream("pair.xyz") << "earlier\n";
   {
     const FileSizeLimit limit(1000);
-    EXPECT_EQ(failure_of([&] { folder.replace("pair.xyz", std::string(1500, 'x')); }),
+    EXPECT_EQ(message_of([&] { folder.replace("pair.xyz", std::string(1500, 'x')); }),
               "pair.xyz: cannot write: File too large");
   }
-  EXPECT_EQ(contents_of("pair.xyz"), "earlier\n");
+  EXPECT_EQ(file_text("pair.xyz"), "earlier\n");
   EXPECT_EQ(names(), std::set<std::string>{"pair.xyz"});
 }
 
@@ -200,7 +188,7 @@ TEST_F(WorkingDirectoryTest, DescriptorSinkFailsOnAFullDisk) {
   ASSERT_GE(full, 0);
   const auto sink = sink_to_descriptor(full, "standard output");
   EXPECT_NO_THROW(sink->write(""));
-  EXPECT_EQ(failure_of([&] { sink->write("x"); }),
+  EXPECT_EQ(message_of([&] { sink->write("x"); }),
             "standard output: cannot write: No space left on device");
   ::close(full);
 }
@@ -208,7 +196,7 @@ TEST_F(WorkingDirectoryTest, DescriptorSinkFailsOnAFullDisk) {
 TEST_F(WorkingDirectoryTest, DescriptorSinkFailsOnADescriptorForReading) {
   const int zero = ::open("/dev/zero", O_RDONLY | O_CLOEXEC);
   ASSERT_GE(zero, 0);
-  EXPECT_EQ(failure_of([&] { sink_to_descriptor(zero, "standard output")->write("x"); }),
+  EXPECT_EQ(message_of([&] { sink_to_descriptor(zero, "standard output")->write("x"); }),
             "standard output: cannot write: Bad file descriptor");
   ::close(zero);
 }
@@ -269,8 +257,7 @@ TEST_F(WorkingDirectoryTest, DescriptorSinkGoesOnAfterAShortOrInterruptedWrite) 
   std::string received;
   std::thread reader(
       [&, writer = ::pthread_self()] { received = read_while_interrupting(pipe[0], writer); });
-  EXPECT_EQ(failure_of([&] { sink_to_descriptor(pipe[1], "standard output")->write(bytes); }),
-            "no failure");
+  EXPECT_EQ(message_of([&] { sink_to_descriptor(pipe[1], "standard output")->write(bytes); }), "");
   ::close(pipe[1]);
   reader.join();
   ::close(pipe[0]);

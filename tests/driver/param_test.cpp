@@ -23,6 +23,7 @@
 namespace dravo {
 namespace {
 
+using test::kPlaceable;
 using test::MemoryUnits;
 using test::parse_geometry;
 using test::sample;
@@ -102,9 +103,6 @@ double rotation_between(const Matrix3& a, const Matrix3& b) {
 double turn_between(double a, double b) {
   return std::abs(std::remainder(a - b, 2.0 * 3.14159265358979323846)) / kDegree;
 }
-
-constexpr std::array kDimers{"formamide-dimer", "adenine-thymine-stack", "acetamide-acrylonitrile",
-                             "dimethyl-sulfoxide-ethanol"};
 
 /// Each molecule turned and shifted at random, its atoms in random order. `order[i]` is the place
 /// of atom i in the new file.
@@ -203,7 +201,7 @@ TEST_P(BuildThenIdentify, GivesBackTheSixParametersAndLeavesThePairInPlace) {
 }
 
 INSTANTIATE_TEST_SUITE_P(RealDimers, BuildThenIdentify,
-                         ::testing::Combine(::testing::ValuesIn(kDimers),
+                         ::testing::Combine(::testing::ValuesIn(kPlaceable),
                                             ::testing::ValuesIn(kPlacements)));
 
 class GivenDifferently : public ::testing::TestWithParam<const char*> {};
@@ -228,7 +226,7 @@ TEST_P(GivenDifferently, ThePairIsTheSame) {
       EXPECT_LE(modulus(pairs[0][i] - pairs[k][i]), 1e-3) << "atom " << i + 1;
 }
 
-INSTANTIATE_TEST_SUITE_P(RealDimers, GivenDifferently, ::testing::ValuesIn(kDimers));
+INSTANTIATE_TEST_SUITE_P(RealDimers, GivenDifferently, ::testing::ValuesIn(kPlaceable));
 
 TEST(Param, UserAnglesStayInBuildMode) {
   ParamCall build;

@@ -12,10 +12,6 @@
 namespace dravo::test {
 namespace {
 
-constexpr std::array kSamples{"acetamide-acrylonitrile",    "adenine-thymine-stack",
-                              "dimethyl-sulfoxide-ethanol", "formamide-dimer",
-                              "uracil-dimer-stack",         "water-dimer"};
-
 std::set<std::string> names_of(const Outcome& outcome) {
   std::set<std::string> names;
   for (const auto& [name, text] : outcome.files) names.insert(name);

@@ -14,48 +14,19 @@
 
 #include "common/constants.hpp"
 #include "driver/param.hpp"
-#include "driver/run.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/diasym.hpp"
 #include "inertia/inertia_tensor.hpp"
 #include "orientation/rotations.hpp"
 #include "support/atoms.hpp"
-#include "support/memory_units.hpp"
+#include "support/memory_run.hpp"
+#include "support/pairs.hpp"
 #include "support/sample_input.hpp"
 
 namespace dravo::test {
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180.0;
-
-/// Examples whose molecules have frames.
-constexpr std::array kDimers{"formamide-dimer", "adenine-thymine-stack", "acetamide-acrylonitrile",
-                             "dimethyl-sulfoxide-ethanol"};
-
-Label label_of(std::string_view symbol) { return {symbol[0], symbol.size() > 1 ? symbol[1] : ' '}; }
-
-Pair pair_of(const SampleInput& sample) {
-  Pair pair;
-  pair.split = {static_cast<std::int32_t>(sample.atoms.size()),
-                static_cast<std::int32_t>(sample.n1)};
-  for (const auto& atom : sample.atoms) {
-    pair.labels.push_back(label_of(atom.label));
-    pair.positions.push_back(atom.position);
-  }
-  return pair;
-}
-
-Pair pair_of(const std::vector<Atom>& molecule1, const std::vector<Atom>& molecule2) {
-  Pair pair;
-  pair.split = {static_cast<std::int32_t>(molecule1.size() + molecule2.size()),
-                static_cast<std::int32_t>(molecule1.size())};
-  for (const auto& molecule : {molecule1, molecule2})
-    for (const Atom& atom : molecule) {
-      pair.labels.push_back(label_of(atom.symbol));
-      pair.positions.push_back(atom.position);
-    }
-  return pair;
-}
 
 /// What qn-dravo makes of the molecules and the parameters, degrees.
 std::vector<Vec3> built(SampleInput molecules, const PoseDegrees& p) {
@@ -65,10 +36,7 @@ std::vector<Vec3> built(SampleInput molecules, const PoseDegrees& p) {
     text << std::setprecision(17) << values[k];
     molecules.parameters[k] = text.str();
   }
-  MemoryUnits out;
-  run(molecules.text(), out.units);
-  out.units.finish();
-  return parse_geometry(out.folder.files.at("input-GEOMETRY.xyz")).positions;
+  return parse_geometry(run_in_memory(molecules.text()).files.at("input-GEOMETRY.xyz")).positions;
 }
 
 SampleInput with_positions(SampleInput sample, const std::vector<Vec3>& positions) {
@@ -242,7 +210,7 @@ TEST_P(IdentifyThenBuild, FindsWhatParamFindsInIdentificationMode) {
   EXPECT_LE(turn_between(p.gamma, found.gamma / kDegree), 1e-9);
 }
 
-INSTANTIATE_TEST_SUITE_P(Examples, IdentifyThenBuild, ::testing::ValuesIn(kDimers));
+INSTANTIATE_TEST_SUITE_P(Examples, IdentifyThenBuild, ::testing::ValuesIn(kPlaceable));
 
 TEST(Parameters, LieInTheRangesThatABuildTakes) {
   for (std::uint64_t seed = 100; seed < 160; ++seed) {
@@ -350,7 +318,7 @@ TEST(RotorTypes, TakeMomentsAsEqualUpToAThousandthPart) {
 
 TEST(Moments, AreThoseOfTheAtomsInBothUnits) {
   // Their sum is twice the sum of m m' d^2 over all pairs of atoms, divided by the mass.
-  for (const char* name : kDimers) {
+  for (const char* name : kPlaceable) {
     const SampleInput given = sample(name);
     const Identification found = identify(pair_of(given));
     for (const bool first : {true, false}) {
@@ -442,7 +410,7 @@ TEST(Axes, ThatAllHaveDirectionsGiveUpXInMolecule1AndYInMolecule2) {
 
 TEST(Axes, PointToTheReferenceUnlessRightHandednessFixesThem) {
   std::vector<Pair> pairs{pair_of(kChiral, kChiral)};
-  for (const char* name : kDimers) pairs.push_back(pair_of(reposed(sample(name), 3)));
+  for (const char* name : kPlaceable) pairs.push_back(pair_of(reposed(sample(name), 3)));
   for (const Pair& pair : pairs)
     for (const IdentifiedMolecule& molecule : identify(pair).molecules)
       for (const IdentifiedAxis& axis : molecule.axes) {
@@ -457,7 +425,7 @@ TEST(Axes, PointToTheReferenceUnlessRightHandednessFixesThem) {
 
 TEST(Axes, AreRightHanded) {
   std::vector<Pair> pairs{pair_of(kChiral, kChiral)};
-  for (const char* name : kDimers) pairs.push_back(pair_of(reposed(sample(name), 4)));
+  for (const char* name : kPlaceable) pairs.push_back(pair_of(reposed(sample(name), 4)));
   for (const Pair& pair : pairs) {
     const auto molecules = identify(pair).molecules;
     const auto& [z, y, x] = molecules[0].axes;

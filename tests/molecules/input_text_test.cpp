@@ -14,55 +14,32 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "support/message_of.hpp"
+#include "support/pairs.hpp"
 #include "support/sample_input.hpp"
+#include "support/text_lines.hpp"
 
-namespace dravo {
+namespace dravo::test {
 namespace {
 
 const std::string kFile = "pair.xyz";
 constexpr PoseDegrees kValues{6.5, 84.0, 11.0, 214.0, 152.0, 306.0};
 
-Label label_of(const std::string& symbol) {
-  return {symbol[0], symbol.size() > 1 ? symbol[1] : ' '};
-}
-
-Pair formamide_dimer() {
-  const test::SampleInput sample = test::sample("formamide-dimer");
-  Pair pair;
-  for (const auto& atom : sample.atoms) {
-    pair.labels.push_back(label_of(atom.label));
-    pair.positions.push_back(atom.position);
-  }
-  pair.split = {static_cast<std::int32_t>(sample.atoms.size()),
-                static_cast<std::int32_t>(sample.n1)};
-  return pair;
-}
+Pair formamide_dimer() { return pair_of(sample("formamide-dimer")); }
 
 Pair with_coordinate(double x) {
-  Pair pair = formamide_dimer();
-  pair.positions[0].x = x;
-  return pair;
+  SampleInput pair = sample("formamide-dimer");
+  pair.atoms[0].position.x = x;
+  return pair_of(pair);
 }
 
-std::vector<std::string> lines_of(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
-std::string message_of(const std::string& text, const Pair& pair, const PoseDegrees& values) {
-  try {
-    require_same_when_read(kFile, text, pair, values);
-  } catch (const Error& failure) {
-    return failure.what();
-  }
-  return "";
+/// Why the text is not taken for this pair and these values; empty when it is.
+std::string refusal_of(const std::string& text, const Pair& pair, const PoseDegrees& values) {
+  return message_of([&] { require_same_when_read(kFile, text, pair, values); });
 }
 
 TEST(InputText, IsTheBundledFileForItsOwnPairAndValues) {
-  EXPECT_EQ(input_text(formamide_dimer(), kValues),
-            test::file_text(test::sample_path("formamide-dimer")));
+  EXPECT_EQ(input_text(formamide_dimer(), kValues), file_text(sample_path("formamide-dimer")));
 }
 
 struct Number {
@@ -106,7 +83,7 @@ TEST(CoordinateText, ReadsBackAsTheSameDoubleWhateverItsBits) {
     const std::string text = input_text(pair, kValues);
     const double read = std::strtod(lines_of(text)[1].c_str() + 1, nullptr);
     EXPECT_EQ(std::bit_cast<std::uint64_t>(read), std::bit_cast<std::uint64_t>(value)) << value;
-    EXPECT_EQ(message_of(text, pair, kValues), "");
+    EXPECT_EQ(refusal_of(text, pair, kValues), "");
   }
 }
 
@@ -119,33 +96,32 @@ std::vector<std::size_t> points_of(const std::string& line) {
 }
 
 TEST(AtomLines, HaveTheirDecimalPointsUnderEachOther) {
-  Pair pair = formamide_dimer();
-  pair.labels[1] = label_of("Cl");
-  pair.positions[2] = {-1.0 / 3.0, -12345.678901234567, 0.1 + 0.2};
-  pair.positions[3] = {99999.5, -99999.5, 1e-5};
-  const std::vector<std::string> lines = lines_of(input_text(pair, kValues));
+  SampleInput pair = sample("formamide-dimer");
+  pair.atoms[1].label = "Cl";
+  pair.atoms[2].position = {-1.0 / 3.0, -12345.678901234567, 0.1 + 0.2};
+  pair.atoms[3].position = {99999.5, -99999.5, 1e-5};
+  const Lines lines = lines_of(input_text(pair_of(pair), kValues));
   // The most decimals are the 17 of 0.30000000000000004; a whole part has seven places.
   for (std::size_t atom = 1; atom <= 12; ++atom)
     EXPECT_EQ(points_of(lines[atom]), (std::vector<std::size_t>{9, 34, 59})) << lines[atom];
 }
 
 TEST(AtomLines, KeepABlankBeforeNumbersThatFillTheirColumn) {
-  Pair pair = formamide_dimer();
-  pair.labels[0] = label_of("Cl");
-  pair.positions[0] = {-12345678.5, 123456789.25, -1e20};
-  EXPECT_EQ(lines_of(input_text(pair, kValues))[1],
+  SampleInput pair = sample("formamide-dimer");
+  pair.atoms[0] = {"Cl", {-12345678.5, 123456789.25, -1e20}};
+  EXPECT_EQ(lines_of(input_text(pair_of(pair), kValues))[1],
             "Cl -12345678.50000000 123456789.25000000 -100000000000000000000.00000000");
 }
 
 TEST(AtomLines, StayShortBesideACoordinateOfManyDecimals) {
-  const std::vector<std::string> lines = lines_of(input_text(with_coordinate(5e-324), kValues));
+  const Lines lines = lines_of(input_text(with_coordinate(5e-324), kValues));
   EXPECT_GT(lines[1].size(), 330U);
   for (std::size_t atom = 2; atom <= 12; ++atom) EXPECT_LT(lines[atom].size(), 90U);
 }
 
 TEST(Values, AreWrittenAsTheShortestDecimal) {
   const PoseDegrees values{0.1 + 0.2, 90.0, 1e-17, 359.99, 0.0, 1.0 / 3.0};
-  const std::vector<std::string> lines = lines_of(input_text(formamide_dimer(), values));
+  const Lines lines = lines_of(input_text(formamide_dimer(), values));
   EXPECT_EQ(std::vector<std::string>(lines.begin() + 13, lines.end()),
             (std::vector<std::string>{"n1", "6", "position", "0.30000000000000004", "90",
                                       "0.00000000000000001", "rotation", "359.99", "0",
@@ -154,7 +130,7 @@ TEST(Values, AreWrittenAsTheShortestDecimal) {
 
 struct Difference {
   const char* name;
-  std::function<void(Pair&, PoseDegrees&)> change;  ///< of what the text was written from
+  std::function<void(SampleInput&, PoseDegrees&)> change;  ///< of what the text was written from
   const char* message;
 };
 
@@ -163,25 +139,27 @@ void PrintTo(const Difference& difference, std::ostream* out) { *out << differen
 class ReadingBack : public ::testing::TestWithParam<Difference> {};
 
 TEST_P(ReadingBack, TellsTheTextOfAnotherPairOrOtherValues) {
-  Pair pair = formamide_dimer();
+  SampleInput pair = sample("formamide-dimer");
   PoseDegrees values = kValues;
-  ASSERT_EQ(message_of(input_text(pair, values), pair, values), "");
+  ASSERT_EQ(refusal_of(input_text(pair_of(pair), values), pair_of(pair), values), "");
   GetParam().change(pair, values);
-  EXPECT_EQ(message_of(input_text(pair, values), formamide_dimer(), kValues), GetParam().message);
+  EXPECT_EQ(refusal_of(input_text(pair_of(pair), values), formamide_dimer(), kValues),
+            GetParam().message);
 }
 
 constexpr auto kOtherPair = "pair.xyz: qn-dravo would read another pair";
 constexpr auto kOtherValues = "pair.xyz: qn-dravo would read other values";
 
 auto moved(double Vec3::*axis) {
-  return [axis](Pair& pair, PoseDegrees&) {
-    pair.positions[11].*axis = std::nextafter(pair.positions[11].*axis, 100.0);
+  return [axis](SampleInput& pair, PoseDegrees&) {
+    double& coordinate = pair.atoms[11].position.*axis;
+    coordinate = std::nextafter(coordinate, 100.0);
   };
 }
 
 auto turned(double PoseDegrees::*value) {
   // Two steps: one may be lost in the conversion to radians.
-  return [value](Pair&, PoseDegrees& values) {
+  return [value](SampleInput&, PoseDegrees& values) {
     values.*value = std::nextafter(std::nextafter(values.*value, 1e3), 1e3);
   };
 }
@@ -192,14 +170,12 @@ INSTANTIATE_TEST_SUITE_P(
         Difference{"x by the last bit", moved(&Vec3::x), kOtherPair},
         Difference{"y by the last bit", moved(&Vec3::y), kOtherPair},
         Difference{"z by the last bit", moved(&Vec3::z), kOtherPair},
-        Difference{"sign of a zero", [](Pair& pair, PoseDegrees&) { pair.positions[0].z = -0.0; },
+        Difference{"sign of a zero",
+                   [](SampleInput& pair, PoseDegrees&) { pair.atoms[0].position.z = -0.0; },
                    kOtherPair},
         Difference{"an element",
-                   [](Pair& pair, PoseDegrees&) {
-                     pair.labels[5] = {'H', 'e'};
-                   },
-                   kOtherPair},
-        Difference{"the split", [](Pair& pair, PoseDegrees&) { pair.split.n1 = 5; }, kOtherPair},
+                   [](SampleInput& pair, PoseDegrees&) { pair.atoms[5].label = "He"; }, kOtherPair},
+        Difference{"the split", [](SampleInput& pair, PoseDegrees&) { pair.n1 = 5; }, kOtherPair},
         Difference{"r", turned(&PoseDegrees::r), kOtherValues},
         Difference{"theta", turned(&PoseDegrees::theta), kOtherValues},
         Difference{"phi", turned(&PoseDegrees::phi), kOtherValues},
@@ -207,17 +183,19 @@ INSTANTIATE_TEST_SUITE_P(
         Difference{"beta", turned(&PoseDegrees::beta), kOtherValues},
         Difference{"gamma", turned(&PoseDegrees::gamma), kOtherValues},
         Difference{"not a number of degrees",
-                   [](Pair&, PoseDegrees& values) { values.phi = std::nan(""); }, kOtherValues}));
+                   [](SampleInput&, PoseDegrees& values) { values.phi = std::nan(""); },
+                   kOtherValues}));
 
 TEST(ReadingBack, RefusesWithTheWordsOfTheScreenWhatARunWouldRefuse) {
-  Pair pair = formamide_dimer();
-  pair.split.n1 = 2;
-  EXPECT_EQ(message_of(input_text(pair, kValues), pair, kValues),
+  SampleInput small = sample("formamide-dimer");
+  small.n1 = 2;
+  const Pair pair = pair_of(small);
+  EXPECT_EQ(refusal_of(input_text(pair, kValues), pair, kValues),
             "pair.xyz: qn-dravo would refuse this: This version allow the study of entities with "
             "more than 2 atoms ERROR");
   PoseDegrees values = kValues;
   values.theta = 190.0;
-  EXPECT_EQ(message_of(input_text(formamide_dimer(), values), formamide_dimer(), values),
+  EXPECT_EQ(refusal_of(input_text(formamide_dimer(), values), formamide_dimer(), values),
             "pair.xyz: qn-dravo would refuse this: polar angle out of range. Allowed: "
             "0<theta<180 degrees User value : 190 program stopped");
 }
@@ -225,10 +203,10 @@ TEST(ReadingBack, RefusesWithTheWordsOfTheScreenWhatARunWouldRefuse) {
 TEST(ReadingBack, RefusesTextThatCannotBeRead) {
   std::string text = input_text(formamide_dimer(), kValues);
   text.resize(text.size() - 4);
-  EXPECT_EQ(message_of(text, formamide_dimer(), kValues),
+  EXPECT_EQ(refusal_of(text, formamide_dimer(), kValues),
             "pair.xyz:24: expected the line after the Euler angle gamma, found the end of the "
             "file");
 }
 
 }  // namespace
-}  // namespace dravo
+}  // namespace dravo::test

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "support/message_of.hpp"
 #include "support/sample_input.hpp"
 #include "support/temporary_folder.hpp"
 
@@ -57,12 +58,7 @@ class PairFiles : public ::testing::Test {
   }
 
   [[nodiscard]] std::string failure_of(const PairRequest& request) const {
-    try {
-      (void)read(request);
-    } catch (const Error& failure) {
-      return without_folder(failure.what());
-    }
-    return "no failure";
+    return without_folder(message_of([&] { (void)read(request); }));
   }
 
   [[nodiscard]] std::string path(const std::string& name) const {
@@ -112,9 +108,7 @@ using Remarks = std::vector<std::string>;
 // --- formats ----------------------------------------------------------------------------------
 
 TEST_F(PairFiles, EverySampleReadsAsItStands) {
-  for (const char* name :
-       {"acetamide-acrylonitrile", "adenine-thymine-stack", "dimethyl-sulfoxide-ethanol",
-        "formamide-dimer", "uracil-dimer-stack", "water-dimer"}) {
+  for (const char* name : kSamples) {
     const SampleInput expected = sample(name);
     const PairFile file = read_pair(asking(sample_path(name)));
     expect_atoms(file.pair, expected.atoms, static_cast<std::int32_t>(expected.n1));
@@ -123,9 +117,7 @@ TEST_F(PairFiles, EverySampleReadsAsItStands) {
 }
 
 TEST_F(PairFiles, BondsDivideEverySampleAsItsN1Does) {
-  for (const char* name :
-       {"acetamide-acrylonitrile", "adenine-thymine-stack", "dimethyl-sulfoxide-ethanol",
-        "formamide-dimer", "uracil-dimer-stack", "water-dimer"}) {
+  for (const char* name : kSamples) {
     const SampleInput expected = sample(name);
     write("pair.xyz", xyz_text(expected.atoms));
     const PairFile file = read(asking("pair.xyz", "", SplitByBonds{}));

@@ -9,6 +9,7 @@
 #include "common/errors.hpp"
 #include "common/record_stream.hpp"
 #include "output/xyz_writer.hpp"
+#include "support/message_of.hpp"
 
 namespace dravo::test {
 namespace {
@@ -18,12 +19,7 @@ XyzFrame read(const std::string& text, std::int32_t frame = 1) {
 }
 
 std::string failure_of(const std::string& text, std::int32_t frame = 1) {
-  try {
-    (void)read(text, frame);
-  } catch (const Error& failure) {
-    return failure.what();
-  }
-  return "no failure";
+  return message_of([&] { (void)read(text, frame); });
 }
 
 /// "O 1 2 3; H 4 5 6": symbols and coordinates in the order of the file.

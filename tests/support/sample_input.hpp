@@ -66,6 +66,15 @@ inline SampleInput parse_sample(const std::string& text) {
   return sample;
 }
 
+/// All of them.
+inline constexpr std::array kSamples{"acetamide-acrylonitrile",    "adenine-thymine-stack",
+                                     "dimethyl-sulfoxide-ethanol", "formamide-dimer",
+                                     "uracil-dimer-stack",         "water-dimer"};
+
+/// Those that can be placed: no molecule of theirs is symmetric to this method.
+inline constexpr std::array kPlaceable{"formamide-dimer", "adenine-thymine-stack",
+                                       "acetamide-acrylonitrile", "dimethyl-sulfoxide-ethanol"};
+
 inline std::string sample_path(const std::string& name) {
   return std::string(DRAVO_EXAMPLES) + "/" + name + "/QN-input-GEOMETRY.xyz";
 }
