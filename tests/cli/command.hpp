@@ -24,7 +24,7 @@ inline Words operator+(Words words, const Words& more) {
 
 /// As `run_in`.
 inline Outcome run_command(const TemporaryFolder& folder, Words arguments,
-                           Screen where = Screen::kept, const std::function<void()>& prepare = {}) {
+                           Screen where = Screen::kept, const Preparation& prepare = {}) {
   arguments.insert(arguments.begin(), tested_dravo());
   return run_in(folder, std::move(arguments), where, prepare);
 }

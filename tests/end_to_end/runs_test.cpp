@@ -12,12 +12,6 @@
 namespace dravo::test {
 namespace {
 
-std::set<std::string> names_of(const Outcome& outcome) {
-  std::set<std::string> names;
-  for (const auto& [name, text] : outcome.files) names.insert(name);
-  return names;
-}
-
 double mass_of(int atomic_number) {
   return static_cast<double>(element_table()[static_cast<std::size_t>(atomic_number - 1)].mass);
 }
@@ -88,7 +82,7 @@ TEST_P(Assembly, WritesOnePairOfFilesTheGeometryAndTheLog) {
       stem.substr(0, stem.size() - 1) +
       (GetParam().contacts ? ")-SHORT-CONTACTS-IDENTIFIED.bild" : ")-QN-DRAVO-UCSF-Chimera.bild");
   EXPECT_EQ(names_of(outcome),
-            (std::set<std::string>{pair_name, drawing, "input-GEOMETRY.xyz", "QN-LOG-PARAM.txt"}));
+            (std::set<std::string>{pair_name, drawing, "input-GEOMETRY.xyz", kLog}));
 }
 
 TEST_P(Assembly, ContactsAreTheOnesOfTheWrittenPair) {
@@ -164,15 +158,14 @@ class EverySample : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(EverySample, ASecondRunInTheSameFolderReplacesTheFirst) {
   const TemporaryFolder folder;
-  folder.write("QN-input-GEOMETRY.xyz", file_text(sample_path(GetParam())));
-  folder.write("QN-LOG-PARAM.txt", std::string(1000000, 'x'));
+  folder.write(kInput, file_text(sample_path(GetParam())));
+  folder.write(kLog, std::string(1000000, 'x'));
   folder.write("input-GEOMETRY.xyz", "an older result\n");
   const Outcome first = run_in(folder);
   const Outcome second = run_in(folder);
   EXPECT_EQ(first.screen, second.screen);
   EXPECT_TRUE(first.files == second.files);
-  EXPECT_EQ(first.files.at("QN-LOG-PARAM.txt").find('x' + std::string(100, 'x')),
-            std::string::npos);
+  EXPECT_EQ(first.files.at(kLog).find('x' + std::string(100, 'x')), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, EverySample, ::testing::ValuesIn(kSamples));

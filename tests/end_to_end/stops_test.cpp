@@ -2,9 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <set>
+#include <string>
+#include <vector>
 
-#include "end_to_end/program.hpp"
+#include "end_to_end/scene.hpp"
 
 namespace dravo::test {
 namespace {
@@ -16,8 +17,6 @@ const std::string kBanner =
 const std::string kTooFewAtoms =
     "  This version allow the study of entities \n  with more than 2 atoms \n";
 
-enum Parameter { r, theta, phi, alpha, beta, gamma_ };
-
 struct EarlyStop {
   const char* name;
   std::function<void(SampleInput&)> change;  ///< applied to the formamide dimer
@@ -26,49 +25,10 @@ struct EarlyStop {
 
 void PrintTo(const EarlyStop& stop, std::ostream* out) { *out << stop.name; }
 
-auto set(Parameter parameter, const char* value) {
-  return [=](SampleInput& pair) { pair.parameters[parameter] = value; };
-}
-
-std::string range_failure(const std::string& message, const std::string& allowed,
-                          const std::string& value) {
-  return " " + message + "\n " + allowed + "\n  User value :" + value + "\n  program stopped\n";
-}
-
 const std::vector<EarlyStop> kEarlyStops{
     {"two atoms in molecule 1", [](SampleInput& pair) { pair.n1 = 2; },
      kTooFewAtoms + "  ERROR \t\n"},
-    {"five atoms in all",
-     [](SampleInput& pair) {
-       pair.atoms.resize(5);
-       pair.n1 = 3;
-     },
-     kTooFewAtoms + "  ERROR \n"},
-    {"negative r", set(r, "-1.5"),
-     range_failure(" negative r not allowed! ", " Allowed: r>0", "  -1.5000000000000000     ")},
-    {"negative phi", set(phi, "-0.2"),
-     range_failure(" azimuth angle out of range! ", " Allowed: 0<phi<360", "           0")},
-    {"phi past the turn", set(phi, "360.5"),
-     range_failure(" azimuth angle out of range. ", " Allowed: 0<phi<360 degrees ",
-                   "         361")},
-    {"negative theta", set(theta, "-7"),
-     range_failure(" polar angle out of range! ", " Allowed: 0<theta<180", "          -7")},
-    {"theta past the pole", set(theta, "180.5"),
-     range_failure(" polar angle out of range. ", " Allowed: 0<theta<180 degrees ",
-                   "         181")},
-    {"alpha past the turn", set(alpha, "400"),
-     range_failure(" ALPHA Euler angle out of range!    ", " Allowed: 0<ALPHA<360 degrees ",
-                   "         400")},
-    {"negative beta", set(beta, "-1"),
-     range_failure(" BETA Euler angle out of range!    ", " Allowed: 0<BETA<180 degrees ",
-                   "          -1")},
-    {"beta too large", set(beta, "181"),
-     range_failure(" Beta Euler angle out of range!    ", " Allowed: 0<beta<180 degrees ",
-                   "         181")},
-    {"negative gamma", set(gamma_, "-90"),
-     range_failure(" GAMMA Euler angle out of range!    ", " Allowed: 0<GAMMA<360 degrees ",
-                   "         -90")},
-    {"distance that fits no file name", set(r, "9999.95"),
+    {"distance that fits no file name", [](SampleInput& pair) { pair.parameters[0] = "9999.95"; },
      kBanner + "  distance between molecules greater than \n  9999.9 Angstrons \n"
                "  name file error \n"},
 };
@@ -86,16 +46,6 @@ TEST_P(BeforeAnyFile, StopsWithItsMessageAndStatusZero) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Stops, BeforeAnyFile, ::testing::ValuesIn(kEarlyStops));
-
-TEST(Capacity, OneAtomTooManyStopsAfterAllLinesWereRead) {
-  const SampleInput pair = sample("formamide-dimer");
-  std::string atoms;
-  for (int i = 0; i < 150001; ++i) atoms += "H 0 0 0\n";
-  const Outcome outcome = run_on("150001\n" + atoms + "n1\n6\nposition\n");
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.screen, "  max number of atoms -150000 -exceeded \n");
-  EXPECT_TRUE(outcome.files.empty());
-}
 
 std::string explanation(const std::string& molecule, const std::string& frame) {
   return "     \n     \n  Molecule " + molecule + " is symmetric concerning \n" +
@@ -146,23 +96,11 @@ TEST_P(SymmetricMolecules, StopWithAnExplanationOnScreenAndInTheLog) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.screen, kBanner + GetParam().screen);
   ASSERT_EQ(outcome.files.size(), 1U) << "nothing but the log is written";
-  const std::string& log = outcome.files.at("QN-LOG-PARAM.txt");
+  const std::string& log = outcome.files.at(kLog);
   EXPECT_TRUE(log.ends_with(GetParam().log_end));
 }
 
 INSTANTIATE_TEST_SUITE_P(Pairs, SymmetricMolecules, ::testing::ValuesIn(kSymmetricPairs));
-
-TEST(MoreAtomsInMolecule1ThanInAll, LeavesMolecule2EmptyAndStops) {
-  for (const std::size_t n1 : {std::size_t{13}, std::size_t{200000}, std::size_t{2147483647}}) {
-    SampleInput pair = sample("formamide-dimer");
-    pair.n1 = n1;
-    const Outcome outcome = run_on(pair.text());
-    EXPECT_EQ(outcome.status, 0) << n1;
-    EXPECT_NE(outcome.screen.find(kMolecule2OnScreen + kStopOnScreen), std::string::npos) << n1;
-    EXPECT_NE(outcome.files.at("QN-LOG-PARAM.txt").find("NaN"), std::string::npos)
-        << "the centre of no mass";
-  }
-}
 
 struct Failure {
   const char* name;
@@ -176,7 +114,7 @@ const std::vector<Failure> kFailures{
     {"unreadable azimuth",
      [](const SampleInput& pair) {
        SampleInput changed = pair;
-       changed.parameters[phi] = "9o";
+       changed.parameters[2] = "9o";
        return changed.text();
      },
      "qn-dravo: QN-input-GEOMETRY.xyz:19: expected the azimuth phi in degrees (a number), found "
@@ -221,6 +159,39 @@ TEST(MissingInput, IsAFailureThatCreatesNoFile) {
   EXPECT_EQ(outcome.messages,
             "qn-dravo: QN-input-GEOMETRY.xyz: cannot read: No such file or directory\n");
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+// The log of a stop is so short that only the end of the run writes it.
+TEST(PrescribedStop, WhoseLogFindsTheDiskFullIsAFailureWithAWholeScreen) {
+  const TemporaryFolder folder;
+  folder.write(kInput, sample("water-dimer").text());
+  const Outcome complete = run_in(folder);
+  EXPECT_EQ(complete.status, 0);
+  fs::remove(folder.path() / kLog);
+  fs::create_symlink("/dev/full", folder.path() / kLog);
+  const Outcome outcome = run_in(folder);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages, failure(kLog, "write: No space left on device"));
+  EXPECT_EQ(outcome.screen, complete.screen);
+}
+
+TEST(PrescribedStop, WhoseLogAndScreenAreLostNamesTheLog) {
+  const TemporaryFolder folder;
+  folder.write(kInput, sample("water-dimer").text());
+  fs::create_symlink("/dev/full", folder.path() / kLog);
+  const Outcome outcome = run_in(folder, tested_program(), Screen::closed);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages, failure(kLog, "write: No space left on device"));
+}
+
+TEST(PrescribedStop, WhoseScreenIsLostIsAFailureWithAWholeLog) {
+  const TemporaryFolder folder;
+  folder.write(kInput, sample("water-dimer").text());
+  const Files complete = run_in(folder).files;
+  const Outcome outcome = run_in(folder, tested_program(), Screen::full);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages, failure("standard output", "write: No space left on device"));
+  EXPECT_TRUE(outcome.files == complete);
 }
 
 }  // namespace

@@ -12,6 +12,9 @@
 
 namespace dravo::test {
 
+/// Files by their names.
+using Files = std::map<std::string, std::string>;
+
 /// A new empty folder that goes with its owner.
 class TemporaryFolder {
  public:
@@ -34,14 +37,29 @@ class TemporaryFolder {
   }
 
   /// Every file of the folder but the input.
-  [[nodiscard]] std::map<std::string, std::string> outputs() const {
-    std::map<std::string, std::string> files;
+  [[nodiscard]] Files outputs() const {
+    Files files;
     for (const auto& entry : std::filesystem::directory_iterator(path_)) {
       const std::string name = entry.path().filename().string();
       if (name != "QN-input-GEOMETRY.xyz" && entry.is_regular_file())
         files[name] = file_text(entry.path().string());
     }
     return files;
+  }
+
+  /// Every file, also within other folders, by its path from here.
+  [[nodiscard]] Files tree() const {
+    Files files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path_))
+      if (entry.is_regular_file())
+        files[std::filesystem::relative(entry.path(), path_).string()] =
+            file_text(entry.path().string());
+    return files;
+  }
+
+  /// The text of a file that is there.
+  [[nodiscard]] std::string read(const std::string& name) const {
+    return file_text((path_ / name).string());
   }
 
  private:
