@@ -36,9 +36,19 @@ dravo_test_programs(results dravo_tools
 add_executable(cli_tests
   cli/identify_test.cpp
   cli/merge_test.cpp
+  cli/other_scans_test.cpp
+  cli/prepare_nudging_test.cpp
+  cli/prepare_refusals_test.cpp
   cli/prepare_test.cpp
+  cli/program_test.cpp
   cli/resume_test.cpp
-  cli/scan_test.cpp)
+  cli/scan_files_test.cpp
+  cli/scan_kills_test.cpp
+  cli/scan_plans_test.cpp
+  cli/scan_poses_test.cpp
+  cli/scan_refusals_test.cpp
+  cli/scan_totals_test.cpp
+  cli/spoilt_scans_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_tools)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo)

@@ -15,6 +15,9 @@ inline const char* tested_dravo() {
   return other != nullptr ? other : DRAVO_CLI;
 }
 
+/// The last line of a message about bad usage.
+inline const std::string kUsage = "Run with --help for more.\n";
+
 using Words = std::vector<std::string>;
 
 inline Words operator+(Words words, const Words& more) {

@@ -6,11 +6,11 @@
 
 #include <cstddef>
 #include <map>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "cli/dimer.hpp"
+#include "support/regular_expression.hpp"
 
 namespace dravo::test {
 namespace {
@@ -47,13 +47,8 @@ std::string part_name(int part, int of, const std::string& ending = "") {
 void expect_refusal(const PartedScan& folder, const std::string& message,
                     const std::string& title) {
   const Files before = folder.outputs();
-  for (const Words& more : {Words{}, Words{"--overwrite"}}) {
-    const Outcome outcome = folder.merge(more);
-    EXPECT_EQ(outcome.status, 2) << title;
-    EXPECT_EQ(outcome.screen, "") << title;
-    EXPECT_EQ(outcome.messages, "dravo: " + message + "\n") << title;
-    expect_files(outcome.files, before, title);
-  }
+  for (const Words& more : {Words{}, Words{"--overwrite"}})
+    expect_refusal(folder.merge(more), message, before, title);
 }
 
 Files whole_scan(const Words& words) {
@@ -97,14 +92,6 @@ TEST(MergedParts, MayBeMoreThanThereArePoses) {
 
 TEST(MergedParts, OfPosesWithFoldersOfTheirOwnShareOneFolder) {
   const Words plan{"--r", "3,6", "--random", "11", "--files"};
-  const auto tree = [](const TemporaryFolder& folder) {
-    Files files;
-    for (const auto& entry : fs::recursive_directory_iterator(folder.path()))
-      if (entry.is_regular_file())
-        files[fs::relative(entry.path(), folder.path()).string()] =
-            file_text(entry.path().string());
-    return files;
-  };
   const PartedScan whole;
   ASSERT_EQ(whole.scan(plan).status, 0);
   const PartedScan folder;
@@ -113,8 +100,8 @@ TEST(MergedParts, OfPosesWithFoldersOfTheirOwnShareOneFolder) {
   for (int part = 1; part <= 3; ++part)
     for (const char* ending : {".csv", ".json"})
       EXPECT_TRUE(fs::remove(folder.path() / part_name(part, 3, ending)));
-  EXPECT_EQ(tree(whole).size(), 2U * 22U + 3U) << "two files a pose, input, table and record";
-  EXPECT_TRUE(tree(folder) == tree(whole));
+  EXPECT_EQ(whole.tree().size(), 2U * 22U + 3U) << "two files a pose, input, table and record";
+  EXPECT_TRUE(folder.tree() == whole.tree());
 }
 
 TEST(MergedParts, AreToldAsAWholeScanIs) {
@@ -144,7 +131,7 @@ TEST(MergedParts, MayStandInAnotherFolder) {
               0);
   ASSERT_EQ(run_command(folder, {"merge", "results/all"}).status, 0);
   for (const auto& [name, text] : whole_scan(kPlan))
-    EXPECT_TRUE(file_text((folder.path() / "results" / name).string()) == text) << name;
+    EXPECT_TRUE(folder.read("results/" + name) == text) << name;
 }
 
 TEST(EarlierResults, AreRefusedByAMergeUnlessOverwritten) {
@@ -204,7 +191,7 @@ void remove_part(const PartedScan& folder, int part) {
 
 void change(const PartedScan& folder, const std::string& name,
             const std::function<void(std::string&)>& edit) {
-  std::string text = file_text((folder.path() / name).string());
+  std::string text = folder.read(name);
   edit(text);
   folder.write(name, text);
 }
@@ -218,7 +205,7 @@ void make_part_of(const PartedScan& folder, int part, const Words& plan) {
 std::string size_of(const std::string& name) {
   const PartedScan folder;
   folder.make_parts(3, kPlan);
-  return std::to_string(file_text((folder.path() / name).string()).size());
+  return std::to_string(folder.read(name).size());
 }
 
 std::string one_more(const std::string& number) { return std::to_string(std::stoull(number) + 1); }
@@ -339,10 +326,10 @@ TEST(PartsOfNoScan, AreThoseOfDifferentPairs) {
   const Files before = folder.outputs();
   const Outcome outcome = folder.merge();
   EXPECT_EQ(outcome.status, 2);
-  const std::regex message(
+  const std::string message(
       "dravo: all-2-of-3\\.json: is of another scan: pair was 6\\+6 atoms, [0-9]+, is 10\\+9 "
       "atoms, [0-9]+\n");
-  EXPECT_TRUE(std::regex_match(outcome.messages, message)) << outcome.messages;
+  EXPECT_TRUE(matches(outcome.messages, message)) << outcome.messages;
   expect_files(outcome.files, before, "after a refusal");
 }
 
@@ -362,11 +349,10 @@ TEST(OtherNames, AreNotTakenForParts) {
 
 TEST(BadUsage, OfMergeHasStatus2AndAMessage) {
   const PartedScan folder;
-  const std::string usage = "Run with --help for more.\n";
   const Outcome nameless = run_command(folder, {"merge"});
   EXPECT_EQ(nameless.status, 2);
   EXPECT_EQ(nameless.screen, "");
-  EXPECT_EQ(nameless.messages, "dravo: name is required\n" + usage);
+  EXPECT_EQ(nameless.messages, "dravo: name is required\n" + kUsage);
   const Outcome folderless = run_command(folder, {"merge", "none/all"});
   EXPECT_EQ(folderless.status, 2);
   EXPECT_EQ(folderless.messages, "dravo: none: cannot read: No such file or directory\n");

@@ -37,8 +37,8 @@ TEST(PlainReal, IsANumberOfAFortranProgram) {
 
 // 0-360 reads as 0 times ten to the power of -360 in a Fortran program.
 TEST(PlainReal, HasTheLetterOfItsExponent) {
-  for (const std::string_view text :
-       {"0-360", "1.5-3", "1.0+5", "3.-1", ".5-1", "-1-5", "+1+5", "1e3-4", "1e-3-4", "0-"})
+  for (const std::string_view text : {"0-360", "1.5-3", "1.0+5", "3.-1", ".5-1", "-1-5", "+1+5",
+                                      "1e3-4", "1e-3-4", "0-", "3-4", "0-180"})
     EXPECT_EQ(parse_plain_real(text), std::nullopt) << text;
   EXPECT_EQ(parse_real("1.0+5"), std::optional(1.0e5)) << "as it always was in input files";
   EXPECT_EQ(parse_real("1.5-3"), std::optional(1.5e-3));
@@ -53,7 +53,7 @@ TEST(PlainReal, IsFinite) {
 
 TEST(PlainReal, IsNothingElse) {
   for (const std::string_view text : {"", "-", "+", ".", "e5", "-e5", "1e", "1e+", "--1", "+-1",
-                                      "1,5", "1 2", "1x", "0x10", "-."})
+                                      "1,5", "1 2", "1x", "4A", "0x10", "-."})
     EXPECT_EQ(parse_plain_real(text), std::nullopt) << '"' << text << '"';
 }
 

@@ -1,0 +1,214 @@
+/// What `dravo prepare` refuses: values, usage, pairs, and places for its file.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <filesystem>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "cli/prepared.hpp"
+
+namespace dravo::test {
+namespace {
+
+struct Refused {
+  const char* name;
+  Words words;  ///< behind "prepare"
+  std::string message;
+};
+
+void PrintTo(const Refused& refused, std::ostream* out) { *out << refused.name; }
+
+void expect_refused(const TemporaryFolder& folder, const Words& words, const std::string& message) {
+  const Outcome outcome = run_command(folder, Words{"prepare"} + words);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.screen, "");
+  EXPECT_EQ(outcome.messages, "dravo: " + message + '\n');
+  EXPECT_FALSE(has_input(folder));
+}
+
+const std::vector<Refused> kOutOfRange{
+    {"r below 0", {"--r", "-1.5"}, "--r -1.5: negative r not allowed! Allowed: r>0"},
+    {"theta below 0", {"--theta=-7"}, "--theta -7: polar angle out of range! Allowed: 0<theta<180"},
+    {"alpha below 0",
+     {"--alpha", "-1e-9"},
+     "--alpha -1e-09: ALPHA Euler angle out of range! Allowed: 0<ALPHA<360 degrees"},
+    {"beta too large",
+     {"--beta", "180.5"},
+     "--beta 180.5: Beta Euler angle out of range! Allowed: 0<beta<180 degrees"},
+    {"distance that fits no file name",
+     {"--r", "9999.95"},
+     "--r 9999.95: distance too long for the names of files. Allowed: r<9999.9"},
+};
+
+class OutOfRange : public ::testing::TestWithParam<Refused> {};
+
+TEST_P(OutOfRange, IsRefusedInTheWordsOfTheMainProgram) {
+  Words words{"pair.xyz", "--split", "6"};
+  if (!GetParam().words[0].starts_with("--r")) words = words + Words{"--r", "4"};
+  expect_refused(XyzDimer(), words + GetParam().words, GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, OutOfRange, ::testing::ValuesIn(kOutOfRange));
+
+TEST(LastValueInRange, IsTakenAsTheMainProgramTakesIt) {
+  // Upper limits look at whole degrees.
+  const XyzDimer folder;
+  const SampleInput written = parse_sample(
+      prepared(folder, {"pair.xyz", "--split", "6", "--r", "9999.9", "--theta", "180.4", "--phi",
+                        "360.4", "--alpha", "360.4", "--beta", "180.4", "--gamma", "360.4"}));
+  EXPECT_EQ(written.parameters,
+            (std::array<std::string, 6>{"9999.9", "180.4", "360.4", "360.4", "180.4", "360.4"}));
+}
+
+const std::vector<Refused> kBadUsage{
+    {"no file", {"--r", "4"}, "file is required\n" + kUsage},
+    {"three files",
+     {"pair.xyz", "pair.xyz", "more.xyz", "--r", "4"},
+     "The following argument was not expected: more.xyz\n" + kUsage},
+    {"r twice",
+     {"pair.xyz", "--r", "1", "--r", "2"},
+     "--r: At Most 1 required but received 2\n" + kUsage},
+    {"an angle twice",
+     {"pair.xyz", "--r", "1", "--phi", "2", "--phi=2"},
+     "--phi: At Most 1 required but received 2\n" + kUsage},
+    {"r is no number",
+     {"pair.xyz", "--r", "4A"},
+     "--r: expected a finite number, found \"4A\"\n" + kUsage},
+    {"r is the next option",
+     {"pair.xyz", "--r", "--phi", "3"},
+     "--r: expected a finite number, found \"--phi\"\n" + kUsage},
+    {"no frame before the first",
+     {"pair.xyz", "--r", "4", "--frame", "0"},
+     "--frame: Value 0 not in range 1 to 2147483647\n" + kUsage},
+    {"r has no value", {"pair.xyz", "--r"}, "--r: 1 required ANGSTROM missing\n" + kUsage},
+    {"unknown unit",
+     {"pair.xyz", "--r", "4", "--unit", "nm"},
+     "--unit: nm not in {angstrom,bohr}\n" + kUsage},
+    {"unknown option",
+     {"pair.xyz", "--r", "4", "--delta"},
+     "The following argument was not expected: --delta\n" + kUsage},
+};
+
+class BadUsage : public ::testing::TestWithParam<Refused> {};
+
+TEST_P(BadUsage, IsOneMessageAndStatusTwo) {
+  std::string message = GetParam().message;
+  message.pop_back();
+  expect_refused(XyzDimer(), GetParam().words, message);
+}
+
+INSTANTIATE_TEST_SUITE_P(Usage, BadUsage, ::testing::ValuesIn(kBadUsage));
+
+const Words kSplitAtSix{"--split", "6", "--r", "4"};
+
+const std::vector<Refused> kBadInput{
+    {"no such file", Words{"none.xyz"} + kSplitAtSix,
+     "none.xyz: cannot read: No such file or directory"},
+    {"no distance", {"pair.xyz", "--split", "6"}, "--r is required: pair.xyz states no distance"},
+    {"two atoms in molecule 1",
+     {"pair.xyz", "--r", "4", "--split", "2"},
+     "pair.xyz: molecule 1 needs at least 3 atoms, found 2"},
+};
+
+class BadInput : public ::testing::TestWithParam<Refused> {};
+
+TEST_P(BadInput, IsOneMessageAndStatusTwo) {
+  expect_refused(XyzDimer(), GetParam().words, GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, BadInput, ::testing::ValuesIn(kBadInput));
+
+TEST(UnreadableLine, IsShownWithItsPlace) {
+  const TemporaryFolder folder;
+  folder.write("pair.xyz",
+               xyz({"C 0 0 0", "O 0 0 1.2", "H 0 1 zero", "C 4 0 0", "O 4 0 1", "H 5 0 0"}));
+  const Outcome outcome = run_command(folder, {"prepare", "pair.xyz", "--split", "3", "--r", "4"});
+  EXPECT_EQ(outcome.status, 2);
+  const Lines message = lines_of(outcome.messages);
+  ASSERT_EQ(message.size(), 3U) << outcome.messages;
+  EXPECT_TRUE(message[0].starts_with("dravo: pair.xyz:5: ")) << message[0];
+  EXPECT_EQ(message[1], "H 0 1 zero");
+  EXPECT_EQ(message[2], "      ^^^^");
+  EXPECT_FALSE(has_input(folder));
+}
+
+// --- the place of the file --------------------------------------------------------------------
+
+const Words kSimple = Words{"prepare", "pair.xyz", "--split", "6", "--r", "6.5"} + kPlainAngles;
+
+TEST(ExistingFile, StaysUnlessItMayBeReplaced) {
+  const XyzDimer folder;
+  folder.write(kInput, "precious\n");
+  const Outcome refused = run_command(folder, kSimple);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.messages,
+            "dravo: QN-input-GEOMETRY.xyz: exists already; --overwrite replaces it\n");
+  EXPECT_EQ(input_in(folder), "precious\n");
+
+  const Outcome replaced = run_command(folder, kSimple + Words{"--overwrite"});
+  EXPECT_EQ(replaced.status, 0);
+  EXPECT_EQ(replaced.messages, kWritten);
+  EXPECT_EQ(input_in(folder), bundled("formamide-dimer"));
+}
+
+TEST(ExistingFile, StaysWhenTheInputIsWrongAlthoughItMayBeReplaced) {
+  const XyzDimer folder;
+  folder.write(kInput, "precious\n");
+  const Outcome outcome =
+      run_command(folder, {"prepare", "pair.xyz", "--split", "6", "--r", "-1", "--overwrite"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(input_in(folder), "precious\n");
+}
+
+TEST(ExistingLink, CountsAsAFileEvenWhenItLeadsNowhere) {
+  const XyzDimer folder;
+  std::filesystem::create_symlink("nowhere", folder.path() / kInput);
+  const Outcome outcome = run_command(folder, kSimple);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages,
+            "dravo: QN-input-GEOMETRY.xyz: exists already; --overwrite replaces it\n");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path() / kInput));
+}
+
+TEST(Folder, IsNeverReplaced) {
+  const XyzDimer folder;
+  std::filesystem::create_directory(folder.path() / "taken");
+  for (const Words& more : {Words{}, Words{"--overwrite"}}) {
+    const Outcome outcome = run_command(folder, kSimple + Words{"-o", "taken"} + more);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.messages, "dravo: taken: cannot replace it: not a regular file\n");
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "taken"));
+  }
+}
+
+TEST(Pipe, IsNeverReplaced) {
+  const XyzDimer folder;
+  ASSERT_EQ(::mkfifo((folder.path() / "pipe").c_str(), 0600), 0);
+  const Outcome outcome = run_command(folder, kSimple + Words{"-o", "pipe", "--overwrite"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages, "dravo: pipe: cannot replace it: not a regular file\n");
+  EXPECT_TRUE(std::filesystem::is_fifo(folder.path() / "pipe"));
+}
+
+TEST(MissingFolder, IsOneMessageAndStatusTwo) {
+  const XyzDimer folder;
+  const Outcome outcome = run_command(folder, kSimple + Words{"-o", "none/new.xyz"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages,
+            "dravo: none/new.xyz.part: cannot open for writing: No such file or directory\n");
+}
+
+TEST(UnwritableFolder, IsOneMessageAndStatusTwo) {
+  // Not even the superuser creates files here.
+  const XyzDimer folder;
+  const Outcome outcome = run_command(folder, kSimple + Words{"-o", "/proc/new.xyz"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages,
+            "dravo: /proc/new.xyz.part: cannot open for writing: No such file or directory\n");
+}
+
+}  // namespace
+}  // namespace dravo::test
