@@ -14,14 +14,19 @@ dravo_test_programs(molecules dravo_tools
   xyz_file_test.cpp)
 
 dravo_test_programs(identify dravo_tools
-  identification_test.cpp)
+  axes_test.cpp
+  identification_test.cpp
+  remarks_test.cpp
+  rotors_test.cpp)
 
 dravo_test_programs(scan dravo_tools
   axis_test.cpp
   chunk_maker_test.cpp
   ordered_chunks_test.cpp
   pair_placer_test.cpp
+  plan_description_test.cpp
   plan_keys_test.cpp
+  plan_refusals_test.cpp
   plan_test.cpp
   random_pose_test.cpp
   zipped_list_test.cpp)

@@ -1,7 +1,9 @@
 /// Plans for tests of a scan, and their poses.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,10 +26,27 @@ inline PlanKeys keys_of(const Options& options) {
 
 inline ScanPlan plan_of(const Options& options) { return ScanPlan(keys_of(options)); }
 
+/// One pose in range, with some keys replaced or added.
+inline Options one_pose(const Options& changes = {}) {
+  std::map<std::string, std::string> keys{{"r", "5"},      {"theta", "90"}, {"phi", "45"},
+                                          {"alpha", "10"}, {"beta", "20"},  {"gamma", "30"}};
+  for (const auto& [key, value] : changes) keys[key] = value;
+  return {keys.begin(), keys.end()};
+}
+
 inline std::vector<PoseDegrees> all_poses(const ScanPlan& plan) {
   std::vector<PoseDegrees> poses(static_cast<std::size_t>(plan.poses()));
   plan.fill(0, poses);
   return poses;
+}
+
+/// In the order of the columns.
+using PoseRow = std::array<double, 6>;
+
+inline PoseRow row_of(const PoseDegrees& pose) {
+  PoseRow row{};
+  for (std::size_t k = 0; k < row.size(); ++k) row[k] = pose.*kPoseParameters[k].value;
+  return row;
 }
 
 }  // namespace dravo::test

@@ -29,18 +29,10 @@ struct ListFile {
   TemporaryFolder folder;
 };
 
-using Row = std::array<double, 6>;
-
-Row row_of(const PoseDegrees& pose) {
-  Row row{};
-  for (std::size_t k = 0; k < row.size(); ++k) row[k] = pose.*kPoseParameters[k].value;
-  return row;
-}
-
-std::vector<Row> read(const ZippedList& list, std::int64_t first, std::size_t count) {
+std::vector<PoseRow> read(const ZippedList& list, std::int64_t first, std::size_t count) {
   std::vector<PoseDegrees> poses(count);
   list.read(first, poses);
-  std::vector<Row> rows;
+  std::vector<PoseRow> rows;
   rows.reserve(poses.size());
   for (const PoseDegrees& pose : poses) rows.push_back(row_of(pose));
   return rows;
@@ -59,9 +51,9 @@ TEST_P(ZippedListWith, HasTheseTwoRows) {
   const ListFile file(GetParam().text);
   const ZippedList list = file.list();
   ASSERT_EQ(list.size(), 2);
-  const std::vector<Row> rows{{3.5, 90, 45, 10, 20, 30}, {4, 0.3, 360, 0, 180, 1e-3}};
+  const std::vector<PoseRow> rows{{3.5, 90, 45, 10, 20, 30}, {4, 0.3, 360, 0, 180, 1e-3}};
   EXPECT_EQ(read(list, 0, 2), rows);
-  EXPECT_EQ(read(list, 1, 1), std::vector<Row>{rows[1]});
+  EXPECT_EQ(read(list, 1, 1), std::vector<PoseRow>{rows[1]});
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -96,12 +88,12 @@ INSTANTIATE_TEST_SUITE_P(
                "r,theta,phi,alpha,beta,gamma\r\n3.5,90,45,10,20,30\r\n\r\n"
                "4,0.3,360,0,180,1e-3\r\n"}));
 
-/// Row i of a long list. Every number is a short decimal, so its text gives the same double.
-Row long_row(int i) {
+/// PoseRow i of a long list. Every number is a short decimal, so its text gives the same double.
+PoseRow long_row(int i) {
   return {i + 0.5, i % 180 + 0.25, i % 360 + 0.75, i % 90 + 0.0, i % 45 + 0.5, i % 7 + 0.125};
 }
 
-std::string text_of(const Row& row) {
+std::string text_of(const PoseRow& row) {
   std::string text;
   for (const double value : row) text += (text.empty() ? "" : ",") + std::to_string(value);
   return text;
@@ -125,7 +117,7 @@ TEST_P(LongZippedList, IsReadFromAnyRow) {
   for (const int first : {0, 1, 255, 256, 257, 500, 991, 1023, 1024, 1025, 2047, 2048, 2999})
     for (const int count : {1, 2, 256, 257, 1025, 3000}) {
       if (first + count > 3000) continue;
-      const std::vector<Row> rows = read(list, first, static_cast<std::size_t>(count));
+      const std::vector<PoseRow> rows = read(list, first, static_cast<std::size_t>(count));
       for (int i = 0; i < count; ++i)
         ASSERT_EQ(rows[static_cast<std::size_t>(i)], long_row(first + i)) << first << " + " << i;
     }
@@ -139,7 +131,7 @@ TEST(ZippedList, OfAWholeNumberOfBlocksIsReadToItsEnd) {
   const ListFile file(text);
   const ZippedList list = file.list();
   ASSERT_EQ(list.size(), 2048);
-  EXPECT_EQ(read(list, 2047, 1), std::vector<Row>{long_row(2047)});
+  EXPECT_EQ(read(list, 2047, 1), std::vector<PoseRow>{long_row(2047)});
 }
 
 constexpr auto kNames = "r,theta,phi,alpha,beta,gamma\n";
