@@ -4,14 +4,16 @@
 
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
 #include "support/memory_units.hpp"
+#include "support/records.hpp"
 
 namespace dravo {
 namespace {
+
+using test::records;
 
 // Records as they stand in a file. A free-format record begins with one blank of its own, so a text
 // that has a leading blank shows two, and an empty-looking line (a text of two blanks) shows three.
@@ -25,12 +27,6 @@ constexpr std::string_view kScreenPosition =
 constexpr std::string_view kLogPosition = "  POSITION: [r, theta(polar angle), phi[azimuth angle)]";
 constexpr std::string_view kRotation = "  ROTATION: (alpha, beta, and gamma Euler angles)";
 constexpr std::string_view kNoAngleDefined = " NAD=Nenhum Angulo Definido";
-
-std::string lines(std::initializer_list<std::string_view> records) {
-  std::string text;
-  for (const std::string_view record : records) text.append(record).append("\n");
-  return text;
-}
 
 constexpr double radians(double degrees) { return degrees * 3.14159265358979323846 / 180.0; }
 
@@ -54,52 +50,52 @@ Reports reports_of(const PoseRadians& parameters) {
 /// The screen report around its variable records, which run from the one with r to the last before
 /// the rotation heading.
 std::string screen_report(const std::string& position, std::string_view rotation) {
-  return lines({kLongName, kBlank, kScreenPosition, kBlank}) + position +
-         lines({kRotation, kBlank, rotation, kBlank, kBlank, kBlank});
+  return records({kLongName, kBlank, kScreenPosition, kBlank}) + position +
+         records({kRotation, kBlank, rotation, kBlank, kBlank, kBlank});
 }
 
 std::string undefined_azimuth(std::string_view position) {
-  return lines({position, kBlank, kBlank, kNoAngleDefined, " Undefined azimuth angle"});
+  return records({position, kBlank, kBlank, kNoAngleDefined, " Undefined azimuth angle"});
 }
 
 std::string no_direction(std::string_view position) {
-  return lines({position, kBlank, kBlank, kNoAngleDefined, " No Defined Angle r < 0.1 A"});
+  return records({position, kBlank, kBlank, kNoAngleDefined, " No Defined Angle r < 0.1 A"});
 }
 
 std::string log_report(std::string_view position, std::string_view rotation) {
-  return lines({"  Source file of this program:",
-                " binding-geometry-V97-MM-V8-QN-DRAVO-1p14-ST11.C",
-                kBlank,
-                kVersion,
-                kBlank,
-                kAuthor,
-                kLiterature,
-                kBlank,  //
-                kBlank,
-                kLongName,
-                kBlank,
-                kBlank,
-                kLogPosition,
-                kBlank,  //
-                position,
-                kBlank,
-                kRotation,
-                kBlank,
-                rotation,
-                kBlank,  //
-                kBlank,
-                kVersion,
-                kBlank,
-                kAuthor,
-                kLiterature,
-                kBlank,
-                kBlank});
+  return records({"  Source file of this program:",
+                  " binding-geometry-V97-MM-V8-QN-DRAVO-1p14-ST11.C",
+                  kBlank,
+                  kVersion,
+                  kBlank,
+                  kAuthor,
+                  kLiterature,
+                  kBlank,  //
+                  kBlank,
+                  kLongName,
+                  kBlank,
+                  kBlank,
+                  kLogPosition,
+                  kBlank,  //
+                  position,
+                  kBlank,
+                  kRotation,
+                  kBlank,
+                  rotation,
+                  kBlank,  //
+                  kBlank,
+                  kVersion,
+                  kBlank,
+                  kAuthor,
+                  kLiterature,
+                  kBlank,
+                  kBlank});
 }
 
 const std::string kBetaWarning =
-    lines({kBlank, " WARNING:  for beta = zero, gamma = 0 ",
-           " WARNING:  for beta = zero, gamma = 0 ", " WARNING:  for beta = zero, gamma = 0 ",
-           " WARNING:  for beta = zero, gamma = 0 ", kBlank, kBlank});
+    records({kBlank, " WARNING:  for beta = zero, gamma = 0 ",
+             " WARNING:  for beta = zero, gamma = 0 ", " WARNING:  for beta = zero, gamma = 0 ",
+             " WARNING:  for beta = zero, gamma = 0 ", kBlank, kBlank});
 
 /// `number` counts from 1; without its newline.
 std::string line_of(const std::string& text, int number) {
@@ -111,17 +107,17 @@ std::string line_of(const std::string& text, int number) {
 TEST(ScreenBanner, NamesVersionAuthorAndLiterature) {
   RecordStream screen;
   write_screen_banner(screen);
-  EXPECT_EQ(screen.text(), lines({kBlank, kBlank, kBlank, kVersion, kBlank, kAuthor, kLiterature,
-                                  kBlank, kBlank}));
+  EXPECT_EQ(screen.text(), records({kBlank, kBlank, kBlank, kVersion, kBlank, kAuthor, kLiterature,
+                                    kBlank, kBlank}));
 }
 
 TEST(LogBanner, NamesTheSourceWithoutExtension) {
   RecordStream log;
   write_log_banner(log);
   EXPECT_EQ(log.text(),
-            lines({kBlank, "  Source of the program:",
-                   " binding-geometry-V97-MM-V8-QN-DRAVO-1p14-ST11", kBlank, kVersion, kBlank,
-                   kAuthor, kLiterature, kBlank, kBlank, kBlank, kBlank, kBlank}));
+            records({kBlank, "  Source of the program:",
+                     " binding-geometry-V97-MM-V8-QN-DRAVO-1p14-ST11", kBlank, kVersion, kBlank,
+                     kAuthor, kLiterature, kBlank, kBlank, kBlank, kBlank, kBlank}));
 }
 
 // Readers of the log cut these lines by column: 23, 23, 21, 32 and 29 characters, and one more for
@@ -157,7 +153,7 @@ TEST(LogBanner, StandsAtTheFirstOpeningOnly) {
 
 TEST(ClosingReports, GivePositionAndRotationInWholeDegrees) {
   const Reports reports = reports_of(applied(3.5, 90, 45, 10, 20, 30));
-  EXPECT_EQ(reports.screen, screen_report(lines({"    3.5  90  45", kBlank}), "  10  20  30"));
+  EXPECT_EQ(reports.screen, screen_report(records({"    3.5  90  45", kBlank}), "  10  20  30"));
   EXPECT_EQ(reports.log, log_report("    3.5  90  45", "  10  20  30"));
 }
 
@@ -184,9 +180,9 @@ TEST(ClosingReports, AtAPoleTheScreenHasNoAzimuthButTheLogHas) {
 
 TEST(ClosingReports, OneDegreeOffAPoleTheAzimuthIsDefined) {
   EXPECT_EQ(reports_of(applied(3.5, 0.51, 45, 10, 20, 30)).screen,
-            screen_report(lines({"    3.5   1  45", kBlank}), "  10  20  30"));
+            screen_report(records({"    3.5   1  45", kBlank}), "  10  20  30"));
   EXPECT_EQ(reports_of(applied(3.5, 179.49, 45, 10, 20, 30)).screen,
-            screen_report(lines({"    3.5 179  45", kBlank}), "  10  20  30"));
+            screen_report(records({"    3.5 179  45", kBlank}), "  10  20  30"));
 }
 
 // The single-precision literals 0.099999 (screen) and 0.09 (log), widened to double.
@@ -217,7 +213,7 @@ TEST(ClosingReports, ScreenAndLogGiveUpTheDirectionAtDifferentDistances) {
     const std::string distance(row.distance);
     const Reports reports = reports_of(applied(row.r, 90, 45, 10, 20, 30));
     EXPECT_EQ(reports.screen,
-              screen_report(row.direction_on_screen ? lines({distance + "  90  45", kBlank})
+              screen_report(row.direction_on_screen ? records({distance + "  90  45", kBlank})
                                                     : no_direction(distance + " NAD  NAD "),
                             "  10  20  30"));
     EXPECT_EQ(reports.log,
@@ -244,23 +240,23 @@ TEST(ClosingReports, ANegativeAzimuthGainsAFullTurn) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.phi);
     const Reports reports = reports_of(applied(12.34, 90, row.phi, 10, 20, 30));
-    EXPECT_EQ(reports.screen, screen_report(lines({row.position, kBlank}), "  10  20  30"));
+    EXPECT_EQ(reports.screen, screen_report(records({row.position, kBlank}), "  10  20  30"));
     EXPECT_EQ(reports.log, log_report(row.position, "  10  20  30"));
   }
 }
 
 TEST(ClosingReports, AFullTurnOfPhiAlphaOrGammaIsZero) {
   const Reports all = reports_of(applied(3.5, 90, 359.7, 359.7, 20, 359.7));
-  EXPECT_EQ(all.screen, screen_report(lines({"    3.5  90   0", kBlank}), "   0  20   0"));
+  EXPECT_EQ(all.screen, screen_report(records({"    3.5  90   0", kBlank}), "   0  20   0"));
   EXPECT_EQ(all.log, log_report("    3.5  90   0", "   0  20   0"));
 
   const Reports almost = reports_of(applied(3.5, 90, 359.4, 359.4, 20, 359.4));
-  EXPECT_EQ(almost.screen, screen_report(lines({"    3.5  90 359", kBlank}), " 359  20 359"));
+  EXPECT_EQ(almost.screen, screen_report(records({"    3.5  90 359", kBlank}), " 359  20 359"));
 }
 
 TEST(ClosingReports, ThetaAndBetaAreNeverFolded) {
   const Reports reports = reports_of(applied(3.5, 360, 45, 10, 360, 30));
-  EXPECT_EQ(reports.screen, screen_report(lines({"    3.5 360  45", kBlank}), "  10 360  30"));
+  EXPECT_EQ(reports.screen, screen_report(records({"    3.5 360  45", kBlank}), "  10 360  30"));
   EXPECT_EQ(reports.log, log_report("    3.5 360  45", "  10 360  30"));
 }
 
@@ -273,12 +269,12 @@ TEST(ClosingReports, HalfADegreeRoundsAwayFromZero) {
   parameters.alpha = half;
   parameters.gamma = -half;
   EXPECT_EQ(reports_of(parameters).screen,
-            screen_report(lines({"    3.5  90  45", kBlank}), "   3  20  -3"));
+            screen_report(records({"    3.5  90  45", kBlank}), "   3  20  -3"));
 }
 
 TEST(ClosingReports, BetaZeroAddsFourWarningsToTheLogOnly) {
   const Reports reports = reports_of(applied(3.5, 90, 45, 200, 0, 160));
-  EXPECT_EQ(reports.screen, screen_report(lines({"    3.5  90  45", kBlank}), " 200   0 160"));
+  EXPECT_EQ(reports.screen, screen_report(records({"    3.5  90  45", kBlank}), " 200   0 160"));
   EXPECT_EQ(reports.log, log_report("    3.5  90  45", " 200   0 160") + kBetaWarning);
 }
 

@@ -5,7 +5,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <random>
@@ -13,26 +12,17 @@
 #include <string_view>
 
 #include "frames/symmetric_molecule.hpp"
+#include "frames/upright.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"
 #include "support/atoms.hpp"
+#include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kHalfTurn = 3.141592653589793;
-
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
-
-/// Axes z, y, x at a centre whose sums stay exact.
-MoleculeFrame upright() {
-  return {{1.0, 2.0, 3.0}, {{{1.0, 2.0, 4.0}, {1.0, 3.0, 3.0}, {2.0, 2.0, 3.0}}}};
-}
 
 MoleculeReferenceAngles on_first_axis(double along, double reversed) {
   return std::array<ReferenceAngles, 3>{{{along, reversed}, {90.0, 90.0}, {90.0, 90.0}}};

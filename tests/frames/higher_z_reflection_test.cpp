@@ -5,31 +5,22 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <random>
 #include <string>
 #include <string_view>
 
 #include "frames/axis_directions.hpp"
+#include "frames/upright.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"
 #include "support/atoms.hpp"
+#include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
-
-MoleculeFrame upright() {
-  return {{1.0, 2.0, 3.0}, {{{1.0, 2.0, 4.0}, {1.0, 3.0, 3.0}, {2.0, 2.0, 3.0}}}};
-}
 
 /// Lines [first, first + count) of a text.
 std::string lines_of(const std::string& text, std::size_t first, std::size_t count) {

@@ -5,23 +5,20 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <random>
 #include <string>
 #include <string_view>
 
+#include "support/records.hpp"
+
 namespace dravo {
 namespace {
 
-using Checks = std::array<std::optional<HandednessCheck>, 2>;
+using test::records;
 
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
+using Checks = std::array<std::optional<HandednessCheck>, 2>;
 
 AxisFlags flags_of(std::string_view decided) {
   AxisFlags flags;

@@ -2,21 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <limits>
 #include <string>
 #include <string_view>
 
 #include "common/errors.hpp"
+#include "support/records.hpp"
 
 namespace dravo {
 namespace {
 
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
+using test::records;
 
 AxisFlags with_distinguishable(double first, double second, double third) {
   return {{first, second, third}, {1.0, 1.0, 1.0}};

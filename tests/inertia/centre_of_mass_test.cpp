@@ -4,22 +4,16 @@
 
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "support/atoms.hpp"
+#include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
-
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
 
 /// An atom whose mass is chosen so that the arithmetic stays exact.
 struct WeightedAtom {

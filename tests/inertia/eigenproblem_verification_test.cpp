@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -13,6 +12,7 @@
 
 #include "inertia/centre_of_mass.hpp"
 #include "support/atoms.hpp"
+#include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
@@ -20,12 +20,6 @@ namespace {
 constexpr Vec3 kX{1.0, 0.0, 0.0};
 constexpr Vec3 kY{0.0, 1.0, 0.0};
 constexpr Vec3 kZ{0.0, 0.0, 1.0};
-
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
 
 std::string section_of(const std::array<EigenProblem, 2>& molecules) {
   RecordStream log;

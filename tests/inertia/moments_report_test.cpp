@@ -5,7 +5,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -13,17 +12,12 @@
 
 #include "inertia/centre_of_mass.hpp"
 #include "support/atoms.hpp"
+#include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-std::string records(std::initializer_list<std::string_view> lines) {
-  std::string text;
-  for (const std::string_view line : lines) text.append(line).append("\n");
-  return text;
-}
 
 TEST(RotationalConstant, OfAMolecularMoment) {
   EXPECT_EQ(rotational_constant_ghz(1e-38), 8.397824785295455);
