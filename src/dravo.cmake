@@ -4,55 +4,64 @@ find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
 
-set(DRAVO_TOOLS_SOURCES
-  identify/identification.cpp
-  identify/principal_frames.cpp
-  molecules/element_label.cpp
-  molecules/fragments.cpp
-  molecules/input_text.cpp
-  molecules/pair_file.cpp
-  molecules/pair_table.cpp
-  molecules/xyz_file.cpp
-  results/growing_file.cpp
-  results/merge.cpp
-  results/pose_writer.cpp
-  results/progress.cpp
-  results/progress_file.cpp
-  results/result_files.cpp
-  results/scan.cpp
-  results/scan_files.cpp
-  results/scan_record.cpp
-  scan/axis.cpp
-  scan/chunk_maker.cpp
-  scan/ordered_chunks.cpp
-  scan/pair_placer.cpp
-  scan/plan.cpp
-  scan/plan_keys.cpp
-  scan/random_pose.cpp
-  scan/zipped_list.cpp)
-list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
+# What the library holds besides the stages.
+set(DRAVO_LIBRARY_SOURCES
+  src/identify/identification.cpp
+  src/identify/principal_frames.cpp
+  src/molecules/element_label.cpp
+  src/molecules/fragments.cpp
+  src/molecules/input_text.cpp
+  src/molecules/molecule.cpp
+  src/molecules/pair_file.cpp
+  src/molecules/pair_table.cpp
+  src/molecules/xyz_file.cpp
+  src/scan/axis.cpp
+  src/scan/pair_placer.cpp
+  src/scan/plan.cpp
+  src/scan/plan_keys.cpp
+  src/scan/random_pose.cpp
+  src/scan/zipped_list.cpp)
+list(TRANSFORM DRAVO_LIBRARY_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
+set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads tomlplusplus::tomlplusplus)
 
-# dravo_tools_library(name stages): pairs and scans, on a build of the stages.
-function(dravo_tools_library name stages)
-  add_library(${name} STATIC ${DRAVO_TOOLS_SOURCES})
-  target_link_libraries(${name} PUBLIC ${stages} nlohmann_json::nlohmann_json Threads::Threads
-    tomlplusplus::tomlplusplus)
+# The bytes of scans.
+set(DRAVO_RESULTS_SOURCES
+  src/results/growing_file.cpp
+  src/results/merge.cpp
+  src/results/pose_writer.cpp
+  src/results/progress.cpp
+  src/results/progress_file.cpp
+  src/results/result_files.cpp
+  src/results/scan.cpp
+  src/results/scan_files.cpp
+  src/results/scan_record.cpp
+  src/scan/chunk_maker.cpp
+  src/scan/ordered_chunks.cpp)
+list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
+
+# dravo_results_library(library): the bytes of scans, on a build of the library.
+function(dravo_results_library library)
+  add_library(${library}_results STATIC ${DRAVO_RESULTS_SOURCES})
+  target_link_libraries(${library}_results PUBLIC
+    ${library}_protocol nlohmann_json::nlohmann_json)
 endfunction()
 
-dravo_tools_library(dravo_tools dravo)
+# dravo_program(library): the program dravo.
+function(dravo_program library)
+  dravo_results_library(${library})
+  # Reading options need not be fast, only compiled fast.
+  add_library(dravo_cli OBJECT
+    src/cli/identify.cpp
+    src/cli/main.cpp
+    src/cli/merge.cpp
+    src/cli/pair_options.cpp
+    src/cli/prepare.cpp
+    src/cli/scan.cpp)
+  target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 nlohmann_json::nlohmann_json)
+  target_compile_options(dravo_cli PRIVATE -O1)
 
-# Reading options need not be fast, only compiled fast.
-add_library(dravo_cli OBJECT
-  src/cli/identify.cpp
-  src/cli/main.cpp
-  src/cli/merge.cpp
-  src/cli/pair_options.cpp
-  src/cli/prepare.cpp
-  src/cli/scan.cpp)
-target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 nlohmann_json::nlohmann_json)
-target_compile_options(dravo_cli PRIVATE -O1)
-
-add_executable(dravo-cli)
-set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)
-target_link_libraries(dravo-cli PRIVATE dravo_cli dravo_tools)
-install(TARGETS dravo-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  add_executable(dravo-cli)
+  set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)
+  target_link_libraries(dravo-cli PRIVATE dravo_cli ${library}_results)
+  install(TARGETS dravo-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endfunction()

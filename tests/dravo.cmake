@@ -1,25 +1,23 @@
 # Tests of dravo, beside those of qn-dravo.
 
-# Here too fast compilation matters more.
-set_source_files_properties(${DRAVO_TOOLS_SOURCES} PROPERTIES COMPILE_OPTIONS -O0)
-dravo_tools_library(dravo_tools_sanitized dravo_sanitized)
+dravo_results_library(dravo_sanitized)
 add_executable(dravo-cli-sanitized)
-target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_tools_sanitized)
+target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_sanitized_results)
 
-dravo_test_programs(molecules dravo_tools
+dravo_test_programs(molecules protocol
   element_label_test.cpp
   fragments_test.cpp
   input_text_test.cpp
   pair_file_test.cpp
   xyz_file_test.cpp)
 
-dravo_test_programs(identify dravo_tools
+dravo_test_programs(identify protocol
   axes_test.cpp
   identification_test.cpp
   remarks_test.cpp
   rotors_test.cpp)
 
-dravo_test_programs(scan dravo_tools
+dravo_test_programs(scan results
   axis_test.cpp
   chunk_maker_test.cpp
   ordered_chunks_test.cpp
@@ -31,7 +29,7 @@ dravo_test_programs(scan dravo_tools
   random_pose_test.cpp
   zipped_list_test.cpp)
 
-dravo_test_programs(results dravo_tools
+dravo_test_programs(results results
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
@@ -54,7 +52,7 @@ add_executable(cli_tests
   cli/scan_refusals_test.cpp
   cli/scan_totals_test.cpp
   cli/spoilt_scans_test.cpp)
-target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_tools)
+target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo)
 target_compile_definitions(cli_tests PRIVATE

@@ -1,3 +1,5 @@
+#include "dravo/identify.hpp"
+
 #include <array>
 #include <iostream>
 #include <memory>
@@ -8,8 +10,8 @@
 
 #include "cli/commands.hpp"
 #include "cli/pair_options.hpp"
-#include "common/record_format.hpp"
-#include "identify/identification.hpp"
+#include "common/number_format.hpp"
+#include "dravo/error.hpp"
 
 namespace dravo {
 namespace {
@@ -50,22 +52,15 @@ std::string parameter_block(const PoseDegrees& p) {
          line(p.beta, "beta") + line(p.gamma, "gamma") + "end\n";
 }
 
-/// A moment in g cm^2: four decimals and an exponent.
-std::string exponent_text(double value) {
-  int exponent = 0;
-  for (; value != 0.0 && value < 1.0 && exponent > -300; --exponent) value *= 10.0;
-  return fixed_text(value, 4) + "e" + std::to_string(exponent);
-}
-
-std::string axis_row(const IdentifiedAxis& axis, std::string_view moment) {
+std::string axis_row(const PrincipalAxis& axis, std::string_view moment) {
   return "  " + left(std::string(1, axis.letter).append("  ").append(moment), 8) +
-         right(fixed_text(axis.moment_amu, 5), 14) + right(exponent_text(axis.moment), 14) +
+         right(fixed_text(axis.moment_amu, 5), 14) + right(scientific_text(axis.moment, 4), 14) +
          right(fixed_text(axis.constant, 5), 14) + right(fixed_text(axis.angles.along, 2), 10) +
          right(fixed_text(axis.angles.reversed, 2), 10) + "  " +
          std::string(name_of(axis.fixed_by)) + '\n';
 }
 
-std::string molecule_text(std::size_t index, const IdentifiedMolecule& m) {
+std::string molecule_text(std::size_t index, const PrincipalFrame& m) {
   std::string text = "\nmolecule " + std::to_string(index + 1) + ": " + std::to_string(m.atoms) +
                      " atoms, " + std::string(name_of(m.rotor)) + "\n  centre of mass  " +
                      vector_text(m.cm, 6) + " Angstrom\n  reference       " +
@@ -90,7 +85,7 @@ std::string text_of(const Identification& found) {
 
 Json json_of(const Vec3& v) { return {v.x, v.y, v.z}; }
 
-Json json_of(const IdentifiedAxis& axis, std::string_view moment) {
+Json json_of(const PrincipalAxis& axis, std::string_view moment) {
   return {{"axis", std::string(1, axis.letter)},
           {"moment", moment},
           {"moment_amu_angstrom2", axis.moment_amu},
@@ -102,7 +97,7 @@ Json json_of(const IdentifiedAxis& axis, std::string_view moment) {
           {"direction", json_of(axis.direction)}};
 }
 
-Json json_of(const IdentifiedMolecule& m) {
+Json json_of(const PrincipalFrame& m) {
   Json axes = Json::array();
   for (std::size_t k = 0; k < 3; ++k) axes.push_back(json_of(m.axes[k], kMoments[k]));
   return {{"atoms", m.atoms},

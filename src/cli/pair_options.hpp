@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "molecules/pair_file.hpp"
+#include "dravo/molecule.hpp"
 
 namespace dravo {
 

@@ -15,11 +15,11 @@
 #include "common/number_text.hpp"
 #include "common/output_folder.hpp"
 #include "common/shown_text.hpp"
+#include "dravo/frame.hpp"
+#include "dravo/molecule.hpp"
 #include "driver/input_reader.hpp"
 #include "driver/user_parameters.hpp"
-#include "identify/principal_frames.hpp"
 #include "molecules/input_text.hpp"
-#include "molecules/pair_file.hpp"
 
 namespace dravo {
 namespace {
@@ -146,15 +146,15 @@ void require_replaceable(const std::string& name, bool overwrite) {
   if (!overwrite) throw IoFailure(name + ": exists already; --overwrite replaces it");
 }
 
-std::string written_line(const std::string& name, const MoleculeSplit& split) {
-  return "wrote " + name + ": molecule 1 has " + std::to_string(split.n1) +
-         " atoms, molecule 2 has " + std::to_string(split.N - split.n1);
+std::string written_line(const std::string& name, const Pair& pair) {
+  return "wrote " + name + ": molecule 1 has " + std::to_string(pair.n1()) +
+         " atoms, molecule 2 has " + std::to_string(pair.size() - pair.n1());
 }
 
 /// Better now than when the run stops.
 void tell_of_refusal(const Pair& pair) {
   try {
-    (void)identify_molecules(pair);
+    (void)principal_frames(pair);
   } catch (const NoUniqueFrame& refusal) {
     tell({"qn-dravo will not place this pair:"});
     tell(refusal.reasons());
@@ -171,7 +171,7 @@ void prepare(const Preparation& wanted) {
   tell(file.remarks);
   tell(nudging_remarks(degrees));
   WorkingDirectory().replace(wanted.output, text);
-  tell({written_line(wanted.output, file.pair.split)});
+  tell({written_line(wanted.output, file.pair)});
   tell_of_refusal(file.pair);
 }
 

@@ -13,15 +13,11 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 #include "common/vector.hpp"
 
 namespace dravo {
-
-inline constexpr std::int32_t kMaxAtoms = 150000;
-
-/// Element label of an atom, blank-padded on the right.
-using Label = std::array<char, 2>;
 
 inline std::string_view text_of(const Label& label) { return {label.data(), label.size()}; }
 
@@ -31,25 +27,37 @@ inline constexpr std::size_t kColumns = 5;
 template <std::int32_t Rows>
 using AtomStorage = std::array<double, kColumns * Rows>;
 
-/// A table over storage that somebody else owns. Copying the view copies no atoms.
-class AtomTable {
+/// A table over storage that somebody else owns, to read and write (`Value` double) or to read only
+/// (`Value` const double). Copying the view copies no atoms.
+template <class Value>
+class AtomTableView {
  public:
+  static constexpr bool kWritable = !std::is_const_v<Value>;
+
   /// The columns follow each other without gaps, so a small table touches little memory, however
   /// large its storage is. `storage` holds at least 5 x `rows` doubles.
-  AtomTable(std::span<double> storage, std::int32_t rows) : rows_(rows) {
+  AtomTableView(std::span<Value> storage, std::int32_t rows) : rows_(rows) {
     for (std::size_t c = 0; c < kColumns; ++c)
       column_[c] = storage.data() + c * static_cast<std::size_t>(rows);
   }
 
   /// As many rows as the storage holds.
-  explicit AtomTable(std::span<double> storage)
-      : AtomTable(storage, static_cast<std::int32_t>(storage.size() / kColumns)) {}
+  explicit AtomTableView(std::span<Value> storage)
+      : AtomTableView(storage, static_cast<std::int32_t>(storage.size() / kColumns)) {}
+
+  /// To read only what may be written.
+  template <class Other>
+  requires std::is_same_v<Other, double> && std::is_const_v<Value> AtomTableView(
+      const AtomTableView<Other>& table)  // NOLINT: a view for every reader
+      : rows_(table.rows_) {
+    std::copy(table.column_.begin(), table.column_.end(), column_.begin());
+  }
 
   [[nodiscard]] std::int32_t rows() const { return rows_; }
 
   /// Leaves the table `rows` rows, at most those it has. What it held is lost.
   void shorten(std::int32_t rows) {
-    *this = AtomTable({column_[0], kColumns * static_cast<std::size_t>(rows)}, rows);
+    *this = AtomTableView({column_[0], kColumns * static_cast<std::size_t>(rows)}, rows);
   }
 
   [[nodiscard]] Vec3 position(std::int32_t i) const {
@@ -58,26 +66,32 @@ class AtomTable {
   [[nodiscard]] double mass(std::int32_t i) const { return column_[3][i]; }
   [[nodiscard]] double atomic_number(std::int32_t i) const { return column_[4][i]; }
 
-  void set_position(std::int32_t i, const Vec3& p) {
+  void set_position(std::int32_t i, const Vec3& p) requires kWritable {
     column_[0][i] = p.x;
     column_[1][i] = p.y;
     column_[2][i] = p.z;
   }
-  void set_element(std::int32_t i, double atomic_number, double mass) {
+  void set_element(std::int32_t i, double atomic_number, double mass) requires kWritable {
     column_[3][i] = mass;
     column_[4][i] = atomic_number;
   }
 
   /// All five columns of the first `count` rows of another table.
-  void copy_rows(const AtomTable& from, std::int32_t count) {
+  void copy_rows(const AtomTableView<const double>& from, std::int32_t count) requires kWritable {
     for (std::size_t c = 0; c < column_.size(); ++c)
       std::copy_n(from.column_[c], count, column_[c]);
   }
 
  private:
-  std::array<double*, kColumns> column_{};
+  template <class Other>
+  friend class AtomTableView;
+
+  std::array<Value*, kColumns> column_{};
   std::int32_t rows_;
 };
+
+using AtomTable = AtomTableView<double>;
+using ConstAtomTable = AtomTableView<const double>;
 
 /// Rows [begin, end).
 struct RowRange {

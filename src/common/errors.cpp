@@ -35,8 +35,6 @@ NoRotationFound::NoRotationFound(Search search)
           "Turn the geometry of the pair a little and try again."),
       search_(search) {}
 
-const char* RunStop::what() const noexcept { return "a prescribed stop"; }
-
 void throw_system_failure(const std::string& name, const char* action) {
   const int reason = errno;
   throw IoFailure(name + ": cannot " + action + ": " + std::generic_category().message(reason));

@@ -81,13 +81,12 @@ void FreeFormatReader::go_to_next_item(const Expected& expected) {
 
 FreeFormatReader::Token FreeFormatReader::item(const Expected& expected) {
   go_to_next_item(expected);
-  const Token token{
-      position_,
-      static_cast<std::size_t>(std::find_if(text_.begin() + static_cast<std::ptrdiff_t>(position_),
+  last_item_ = {position_, static_cast<std::size_t>(
+                               std::find_if(text_.begin() + static_cast<std::ptrdiff_t>(position_),
                                             text_.end(), is_separator) -
                                text_.begin())};
-  position_ = token.end;
-  return token;
+  position_ = last_item_.end;
+  return last_item_;
 }
 
 std::int32_t FreeFormatReader::integer(const Expected& expected) {
@@ -162,10 +161,17 @@ std::string FreeFormatReader::note() const {
   return "";
 }
 
+InvalidInput FreeFormatReader::about_item(Token token, const std::string& expected) const {
+  return invalid_input_at({name_, text_}, token.begin, token.end,
+                          "expected " + expected + ", found " + quoted(view(token)));
+}
+
+InvalidInput FreeFormatReader::about_last_item(const std::string& expected) const {
+  return about_item(last_item_, expected);
+}
+
 void FreeFormatReader::refuse(Token token, const Expected& expected) const {
-  throw UnreadableItem(
-      invalid_input_at({name_, text_}, token.begin, token.end,
-                       "expected " + words(expected) + ", found " + quoted(view(token))));
+  throw UnreadableItem(about_item(token, words(expected)));
 }
 
 void FreeFormatReader::refuse_end_of_file(const Expected& expected) const {

@@ -43,6 +43,8 @@ class FreeFormatReader {
   /// `name` is the file's name in messages; `text` must outlive the reader.
   FreeFormatReader(std::string name, std::string_view text) : name_(std::move(name)), text_(text) {}
 
+  [[nodiscard]] const std::string& name() const { return name_; }
+
   /// Goes to the start of the next line; the first call goes to the first line.
   void next_statement();
 
@@ -58,6 +60,9 @@ class FreeFormatReader {
   /// The characters up to the next separator, or a text in quotes; the first two are kept, a
   /// shorter one is padded with blanks. An empty text is no label.
   Label label(const Expected& expected);
+
+  /// "expected ..., found ..." with the place of the item that was read last.
+  [[nodiscard]] InvalidInput about_last_item(const std::string& expected) const;
 
   /// Whether nothing but blanks follows the items read so far on their line.
   [[nodiscard]] bool line_is_used_up() const;
@@ -86,6 +91,7 @@ class FreeFormatReader {
   void leave_line(std::size_t end, bool item_on_line);
   Token item(const Expected& expected);
   Token quoted_item(const Expected& expected);
+  [[nodiscard]] InvalidInput about_item(Token token, const std::string& expected) const;
   [[noreturn]] void refuse(Token token, const Expected& expected) const;
   [[noreturn]] void refuse_end_of_file(const Expected& expected) const;
   [[nodiscard]] std::string note_on(std::size_t line_end, const char* fault) const;
@@ -93,6 +99,7 @@ class FreeFormatReader {
   std::string name_;
   std::string_view text_;
   std::size_t position_ = 0;
+  Token last_item_{0, 0};
   std::optional<std::size_t> short_line_end_;  ///< of the first line with too few items
   std::optional<std::size_t> blank_line_end_;  ///< of the first blank line in a column of numbers
   bool at_first_statement_ = true;

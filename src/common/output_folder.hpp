@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/record_stream.hpp"
+#include "common/byte_sink.hpp"
 
 namespace dravo {
 

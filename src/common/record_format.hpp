@@ -40,16 +40,6 @@ class FreeRealCache {
 /// Iw: right-aligned; asterisks when the value does not fit.
 void append_integer_field(std::string& record, std::int32_t value, int width);
 
-/// Correctly rounded from the binary value, without padding: "-12.50" for two decimals. `nan` and
-/// `inf` for values that are not finite.
-void append_fixed(std::string& record, double value, int decimals);
-std::string fixed_text(double value, int decimals);
-
-/// The shortest text that reads back as the same number.
-void append_shortest(std::string& record, double value);
-void append_shortest(std::string& record, std::int64_t value);
-std::string shortest_text(double value);
-
 /// Fw.d: correctly rounded from the binary value, right-aligned; the zero before the point is
 /// dropped when only that makes it fit; asterisks when nothing does. `NaN` and `Infinity` likewise.
 void append_fixed_field(std::string& record, double value, int width, int decimals);

@@ -6,13 +6,9 @@
 
 #include <array>
 
-namespace dravo {
+#include "dravo/atoms.hpp"
 
-struct Vec3 {
-  double x = 0.0;
-  double y = 0.0;
-  double z = 0.0;
-};
+namespace dravo {
 
 constexpr Vec3 operator+(const Vec3& a, const Vec3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
 constexpr Vec3 operator-(const Vec3& a, const Vec3& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }

@@ -79,11 +79,20 @@ std::string note_line(const FreeFormatReader& input, std::int32_t N) {
   return note.empty() ? note : "\nnote: " + note;
 }
 
-[[noreturn]] void stop_for_too_few_atoms(RecordStream& screen, const char* error) {
-  screen.record(" This version allow the study of entities ");
-  screen.record(" with more than 2 atoms ");
-  screen.record(error);
-  throw RunStop{};
+void require_suitable_counts(const FreeFormatReader& input, const MoleculeSplit& split,
+                             std::int32_t capacity) {
+  using Fault = UnsuitableCount::Fault;
+  const auto refuse = [&](Fault fault, const std::string& sentence) {
+    throw UnsuitableCount(fault, input.name() + ": " + sentence);
+  };
+  if (split.n1 < kFewestAtomsOfMolecule1)
+    refuse(Fault::molecule1_too_small,
+           "molecule 1 needs at least " + std::to_string(kFewestAtomsOfMolecule1) + " atoms");
+  if (split.N < kFewestAtoms)
+    refuse(Fault::pair_too_small,
+           "a pair needs at least " + std::to_string(kFewestAtoms) + " atoms");
+  if (split.N > capacity)
+    refuse(Fault::too_many_atoms, "a pair has at most " + std::to_string(capacity) + " atoms");
 }
 
 PoseDegrees read_parameters(FreeFormatReader& input) {
@@ -101,7 +110,7 @@ PoseDegrees read_parameters(FreeFormatReader& input) {
 }
 
 InputGeometry read_lines(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol, RecordStream& screen, MoleculeSplit& split) {
+                         std::span<Label> isymbol, MoleculeSplit& split) {
   split.N = read_integer_line(input, "the total number of atoms (an integer)");
   const std::int32_t capacity = icoo_and_m.rows();
   icoo_and_m.shorten(std::clamp(split.N, 0, capacity));
@@ -110,26 +119,20 @@ InputGeometry read_lines(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTab
   input.skip_line({"the line before the number of atoms of molecule 1"});
   split.n1 = read_integer_line(input, "the number of atoms of molecule 1 (an integer)");
 
-  if (split.n1 < kFewestAtomsOfMolecule1) stop_for_too_few_atoms(screen, " ERROR \t");
-  if (split.N < kFewestAtoms) stop_for_too_few_atoms(screen, " ERROR ");
-  if (split.N > capacity) {
-    screen.record(" max number of atoms -150000 -exceeded ");
-    throw RunStop{};
-  }
+  require_suitable_counts(input, split, capacity);
   // No stage reads a row past N.
   newcoo_and_m.copy_rows(icoo_and_m, split.N);
 
-  const PoseDegrees degrees = read_parameters(input);
-  return {split, prepare_parameters(degrees, screen), degrees};
+  return {split, read_parameters(input)};
 }
 
 }  // namespace
 
 InputGeometry read_input(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol, RecordStream& screen) {
+                         std::span<Label> isymbol) {
   MoleculeSplit split{};
   try {
-    return read_lines(input, icoo_and_m, newcoo_and_m, isymbol, screen, split);
+    return read_lines(input, icoo_and_m, newcoo_and_m, isymbol, split);
   } catch (const UnreadableItem& failure) {
     throw InvalidInput(failure.what() + note_line(input, split.N),
                        {failure.file(), failure.line(), failure.column()});

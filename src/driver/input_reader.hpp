@@ -3,24 +3,32 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "common/atom_table.hpp"
 #include "common/free_format_reader.hpp"
-#include "common/record_stream.hpp"
-#include "driver/user_parameters.hpp"
+#include "dravo/error.hpp"
+#include "dravo/pose.hpp"
 
 namespace dravo {
 
 inline constexpr auto kInputFileName = "QN-input-GEOMETRY.xyz";
 
-/// Of both molecules together, and of molecule 1.
-inline constexpr std::int32_t kFewestAtoms = 6;
-inline constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
+/// Counts of atoms that no run takes.
+class UnsuitableCount : public InvalidInput {
+ public:
+  enum class Fault { molecule1_too_small, pair_too_small, too_many_atoms };
+  UnsuitableCount(Fault fault, const std::string& message) : InvalidInput(message), fault_(fault) {}
+
+  [[nodiscard]] Fault fault() const { return fault_; }
+
+ private:
+  Fault fault_;
+};
 
 struct InputGeometry {
   MoleculeSplit split;
-  PoseRadians user;    ///< angles in radians, singular values nudged
-  PoseDegrees stated;  ///< as the file has them, angles in degrees
+  PoseDegrees stated;  ///< as the file has them; may be out of range
 };
 
 /// Reads the file line by line:
@@ -37,10 +45,10 @@ struct InputGeometry {
 ///
 /// Fills the positions of `icoo_and_m` and the labels, then copies the rows to `newcoo_and_m`. Both
 /// tables are shortened to the announced rows. Atoms past their capacity are read but not stored.
-/// Count and range errors are reported on `screen` and end the run with RunStop; an unreadable or
-/// missing line throws IoFailure, whose text may end with a line "note: ..." about the likely
-/// reason, when that lies elsewhere in the file.
+/// Throws UnsuitableCount, before the parameters are read; an unreadable or missing line throws
+/// InvalidInput, whose text may end with a line "note: ..." about the likely reason, when that lies
+/// elsewhere in the file.
 InputGeometry read_input(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol, RecordStream& screen);
+                         std::span<Label> isymbol);
 
 }  // namespace dravo

@@ -8,6 +8,7 @@
 #include "common/standard_streams.hpp"
 #include "driver/input_reader.hpp"
 #include "driver/run.hpp"
+#include "driver/run_stop.hpp"
 
 namespace {
 

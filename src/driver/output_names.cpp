@@ -6,6 +6,7 @@
 #include "common/constants.hpp"
 #include "common/errors.hpp"
 #include "common/rounding.hpp"
+#include "driver/run_stop.hpp"
 
 namespace dravo {
 namespace {
@@ -64,15 +65,17 @@ std::string position_fields(const PoseRadians& user) {
 
 }  // namespace
 
-bool fits_names(double r) { return !(r > kLongestDistance); }
-
 OutputNames build_output_names(const PoseRadians& user, RecordStream& screen) {
-  if (!fits_names(user.r)) {
+  if (user.r > kLongestDistance) {
     screen.record(" distance between molecules greater than ");
     screen.record(" 9999.9 Angstrons ");
     screen.record(" name file error ");
     throw RunStop{};
   }
+  return output_names(user);
+}
+
+OutputNames output_names(const PoseRadians& user) {
   const EulerDegrees euler = euler_degrees(user);
   const std::string stem = distance_field(user.r) + "-" + position_fields(user) + "]-(" +
                            angle_field(euler.alpha) + "-" + angle_field(euler.beta) + "-" +

@@ -15,14 +15,14 @@ struct OutputNames {
   std::string short_contact_drawing;
 };
 
-/// Whether a distance in Angstrom fits the names: at most 9999.9 in single precision.
-bool fits_names(double r);
-
 /// For example "[0003.5-090-045]-(010-020-030)-QN-DRAVO.xyz": distance, theta, phi, then the Euler
 /// angles in whole degrees. `NAD` stands for an angle that has no meaning.
 ///
-/// Angles of `user` in radians, within a few turns. A distance above 9999.9 Angstrom does not fit:
-/// that is reported on `screen` and ends the run with RunStop.
+/// Angles of `user` in radians, within a few turns; r at most kLongestDistance.
+OutputNames output_names(const PoseRadians& user);
+
+/// The same. A longer distance does not fit the names: that is reported on `screen` and ends the
+/// run with RunStop.
 OutputNames build_output_names(const PoseRadians& user, RecordStream& screen);
 
 }  // namespace dravo

@@ -6,7 +6,7 @@
 namespace dravo {
 
 PairFiles pair_files(const OutputNames& names, bool short_contacts, const MoleculeSplit& split,
-                     const AtomTable& final_coo_and_m, const Placement& placement) {
+                     const ConstAtomTable& final_coo_and_m, const Placement& placement) {
   PairFiles files;
   files.geometry_name = short_contacts ? names.short_contact_geometry : names.geometry;
   files.drawing_name = short_contacts ? names.short_contact_drawing : names.drawing;

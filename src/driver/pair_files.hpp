@@ -19,6 +19,6 @@ struct PairFiles {
 
 /// Short contacts choose the names.
 PairFiles pair_files(const OutputNames& names, bool short_contacts, const MoleculeSplit& split,
-                     const AtomTable& final_coo_and_m, const Placement& placement);
+                     const ConstAtomTable& final_coo_and_m, const Placement& placement);
 
 }  // namespace dravo

@@ -6,9 +6,12 @@
 #include "driver/element_table.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
-#include "orientation/molecule_alignment.hpp"
+#include "driver/run_stop.hpp"
+#include "orientation/molecule_alignment_log.hpp"
 #include "orientation/pair_analysis.hpp"
+#include "orientation/pair_analysis_log.hpp"
 #include "output/placement.hpp"
+#include "output/placement_log.hpp"
 #include "output/short_contacts.hpp"
 #include "output/xyz_writer.hpp"
 
@@ -45,12 +48,18 @@ void warn_about_unknown_labels(const std::vector<std::int32_t>& rows,
              describe_unknown_labels(rows, isymbol));
 }
 
-/// Molecule 1 into molecule 2's frame, in `auxiliar_paralelas`; `aux` keeps the pair as it is.
-void bring_together(const MoleculeSplit& split, const EulerAngles& found, const Vec3& cm1,
-                    WorkTables& tables) {
-  tables.auxiliar_paralelas.copy_rows(tables.auxiliar, split.N);
-  tables.aux.copy_rows(tables.auxiliar, split.N);
-  align_molecule1(tables.auxiliar_paralelas, split.molecule1(), found, cm1);
+/// The analysis with its log; a pair that it refuses is a prescribed stop.
+AnalysedPair analyse_or_stop(const MoleculeSplit& split, AnalysisTables& tables,
+                             FullTurns full_turns, RunUnits& units) {
+  PairAnalysisLog observer(units.screen(), units.log());
+  try {
+    return analyse_pair(split, tables, observer, full_turns);
+  } catch (const NoUniqueFrame& failure) {
+    write_stop(failure, units.screen(), units.log());
+  } catch (const NoRotationFound& failure) {
+    write_stop(failure, units.screen(), units.log());
+  }
+  throw RunStop{};
 }
 
 /// The placed pair, in a file that tells where molecule 1 ends.
@@ -62,7 +71,7 @@ void write_input_geometry(const MoleculeSplit& split, const WorkTables& tables, 
 }
 
 void check_and_write(const OutputNames& names, const MoleculeSplit& split,
-                     std::span<const Label> isymbol, const AtomTable& final_coo_and_m,
+                     std::span<const Label> isymbol, const ConstAtomTable& final_coo_and_m,
                      const Placement& placement, RunUnits& units) {
   const auto contacts = find_short_contacts(final_coo_and_m, split);
   write_short_contacts(units.screen(), units.log(), contacts, isymbol);
@@ -93,18 +102,17 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
 
   WorkTables tables = work_tables(N);
   AnalysisTables analysis{newcoo_and_m, tables.originalcoo_and_m, tables.auxiliar,
-                          tables.inicial_posicao_correta_coo_and_m};
-  const PairOfFrames frames = align_pair(split, analysis, units.screen(), log);
-  EulerAngles found = find_euler_angles(frames, units.screen(), log);
-
-  write_molecule_alignment(log);
+                          tables.inicial_posicao_correta_coo_and_m, tables.auxiliar_paralelas};
+  const auto [frames, found, missed] =
+      analyse_or_stop(split, analysis, build ? FullTurns::kept : FullTurns::folded, units);
+  tables.aux.copy_rows(tables.auxiliar, N);
   if (!build) {
-    found = full_turns_folded(found);
     alpha = found.alpha;
     beta = found.beta;
     gamma = found.gamma;
   }
-  bring_together(split, found, frames[0].cm, tables);
+
+  write_molecule_alignment(log);
 
   write_rotation_heading(log);
   write_position_heading(log);

@@ -27,8 +27,7 @@ using WorkText = std::array<char, 10>;
 ///
 /// The outputs go to `units`. Throws RunStop after a prescribed stop and IoFailure when an output
 /// cannot be written. The work tables have static storage: one call at a time. A caller with tables
-/// of its own, or with several threads, calls `align_pair`, `find_euler_angles`, `align_molecule1`
-/// and `place_by_user` itself.
+/// of its own, or with several threads, calls `analyse_pair` and `place_by_user` itself.
 void param(WorkText& work_text, const std::int32_t& N, const std::int32_t& n1,
            std::span<Label> isymbol, AtomTable& newcoo_and_m, double& final_r, double& final_alpha,
            double& final_beta, double& final_gamma, const char& mode_flag, double& final_theta,

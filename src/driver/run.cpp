@@ -3,11 +3,10 @@
 #include <array>
 
 #include "driver/banners.hpp"
-#include "driver/input_reader.hpp"
+#include "driver/input_stops.hpp"
 #include "driver/param.hpp"
 
 namespace dravo {
-
 void run(std::string_view input, RunUnits& units) {
   static std::array<AtomStorage<kMaxAtoms>, 2> storage;
   static std::array<Label, kMaxAtoms> isymbol;
@@ -15,15 +14,15 @@ void run(std::string_view input, RunUnits& units) {
   AtomTable newcoo_and_m(storage[1]);
 
   FreeFormatReader reader(kInputFileName, input);
-  InputGeometry geometry = read_input(reader, icoo_and_m, newcoo_and_m, isymbol, units.screen());
+  auto [split, user] =
+      read_input_or_stop(reader, icoo_and_m, newcoo_and_m, isymbol, units.screen());
   write_screen_banner(units.screen());
 
   WorkText work_text{};
   PoseRadians applied;
-  PoseRadians& user = geometry.user;
-  param(work_text, geometry.split.N, geometry.split.n1, isymbol, newcoo_and_m, applied.r,
-        applied.alpha, applied.beta, applied.gamma, kBuildMode, applied.theta, applied.phi,
-        user.theta, user.phi, user.alpha, user.beta, user.gamma, user.r, units);
+  param(work_text, split.N, split.n1, isymbol, newcoo_and_m, applied.r, applied.alpha, applied.beta,
+        applied.gamma, kBuildMode, applied.theta, applied.phi, user.theta, user.phi, user.alpha,
+        user.beta, user.gamma, user.r, units);
   write_closing_reports(applied, units.screen(), units.log());
 }
 

@@ -1,9 +1,9 @@
 #include "driver/user_parameters.hpp"
 
 #include <array>
+#include <string>
 
 #include "common/constants.hpp"
-#include "common/errors.hpp"
 #include "common/rounding.hpp"
 #include "common/text.hpp"
 
@@ -13,12 +13,6 @@ namespace {
 using Parameter = double PoseDegrees::*;
 
 constexpr double kNudgedEulerAngle = widened(0.09F);
-
-/// With beta = 0 only alpha + gamma has a meaning, so gamma is fixed, whatever the user gave and
-/// before any range check sees it.
-void apply_beta_zero_rule(PoseDegrees& degrees) {
-  if (nearest_integer(degrees.beta) == 0) degrees.gamma = kNudgedEulerAngle;
-}
 
 enum class Limit { below_zero, rounded_above };
 
@@ -59,18 +53,6 @@ constexpr std::array<RangeCheck, 11> kRangeChecks{{
 
 bool fails(const RangeCheck& check, double value) {
   return check.limit == Limit::below_zero ? value < 0.0 : nearest_integer(value) > check.highest;
-}
-
-[[noreturn]] void stop_out_of_range(const RangeFault& fault, double value, RecordStream& screen) {
-  screen.record(fault.message);
-  screen.record(fault.allowed);
-  if (fault.parameter == &PoseDegrees::r) {
-    screen.record(" User value :", value);
-  } else {
-    screen.record(" User value :", nearest_integer(value));
-  }
-  screen.record(" program stopped");
-  throw RunStop{};
 }
 
 struct Nudge {
@@ -130,40 +112,37 @@ std::optional<RangeFault> find_range_fault(const PoseDegrees& degrees) {
   return std::nullopt;
 }
 
-std::optional<OutOfRange> complaint_about(const PoseDegrees& degrees) {
+OutOfRange out_of_range(const RangeFault& fault, const PoseDegrees& degrees) {
   constexpr double kHighestPolar = 180.0;
   constexpr double kHighestTurn = 360.0;
-  if (const auto fault = find_range_fault(degrees)) {
-    std::string sentence(trimmed(fault->message));
-    sentence.append(sentence.ends_with('.') || sentence.ends_with('!') ? " " : ". ");
-    sentence.append(trimmed(fault->allowed));
-    const bool polar =
-        fault->parameter == &PoseDegrees::theta || fault->parameter == &PoseDegrees::beta;
-    const bool distance = fault->parameter == &PoseDegrees::r;
-    return OutOfRange(sentence, name_of(fault->parameter), degrees.*fault->parameter, 0.0,
-                      distance ? kLongestDistance
-                      : polar  ? kHighestPolar
-                               : kHighestTurn);
-  }
+  const bool polar =
+      fault.parameter == &PoseDegrees::theta || fault.parameter == &PoseDegrees::beta;
+  double highest = polar ? kHighestPolar : kHighestTurn;
+  if (fault.parameter == &PoseDegrees::r) highest = kLongestDistance;
+  std::string sentence(trimmed(fault.message));
+  sentence.append(sentence.ends_with('.') || sentence.ends_with('!') ? " " : ". ");
+  sentence.append(trimmed(fault.allowed));
+  return {sentence, name_of(fault.parameter), degrees.*fault.parameter, 0.0, highest};
+}
+
+std::optional<OutOfRange> complaint_about(const PoseDegrees& degrees) {
+  if (const auto fault = find_range_fault(degrees)) return out_of_range(*fault, degrees);
   if (degrees.r > kLongestDistance)
     return OutOfRange("distance too long for the names of files. Allowed: r<9999.9", "r", degrees.r,
                       0.0, kLongestDistance);
   return std::nullopt;
 }
 
-PoseDegrees nudged_parameters(const PoseDegrees& degrees) {
-  PoseDegrees user = degrees;
-  apply_beta_zero_rule(user);
-  nudge_singular_values(user);
-  return user;
+PoseDegrees with_beta_zero_rule(const PoseDegrees& degrees) {
+  PoseDegrees ruled = degrees;
+  if (nearest_integer(ruled.beta) == 0) ruled.gamma = kNudgedEulerAngle;
+  return ruled;
 }
 
-PoseRadians prepare_parameters(const PoseDegrees& degrees, RecordStream& screen) {
-  PoseDegrees checked = degrees;
-  apply_beta_zero_rule(checked);
-  if (const auto fault = find_range_fault(checked))
-    stop_out_of_range(*fault, checked.*(fault->parameter), screen);
-  return in_radians(nudged_parameters(checked));
+PoseDegrees nudged_parameters(const PoseDegrees& degrees) {
+  PoseDegrees user = with_beta_zero_rule(degrees);
+  nudge_singular_values(user);
+  return user;
 }
 
 }  // namespace dravo

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
+#include "dravo/frame.hpp"
 #include "inertia/centre_of_mass.hpp"
 
 namespace dravo {
@@ -16,13 +16,6 @@ namespace dravo {
 using ReferenceVector = std::optional<Vec3>;
 
 ReferenceVector reference_of(const MassCentre& centre);
-
-/// Angle between the reference vector and an axis, and between it and the reversed axis, in
-/// degrees.
-struct ReferenceAngles {
-  double along = 0.0;
-  double reversed = 0.0;
-};
 
 /// Angles of one molecule's axes in tip order; empty without a reference.
 using MoleculeReferenceAngles = std::optional<std::array<ReferenceAngles, 3>>;
@@ -42,12 +35,5 @@ inline constexpr double diferenca_detectavel = 10.0;
 /// direction flag is -1.0 when the reversed axis is the one nearer to the reference. Direction
 /// flags start at 1.0 in every call; a distinguishable flag is never lowered.
 void decide_directions(const MoleculeReferenceAngles& angles, AxisFlags& flags);
-
-/// `after_second_alignment` marks the table of the second cycle as adjusted.
-void write_axis_directions(RecordStream& log, const PairOfReferenceAngles& angles,
-                           const PairOfFlags& flags, bool after_second_alignment);
-
-/// One line per axis with its two flags as integers.
-void write_flag_rows(RecordStream& log, const PairOfFlags& flags);
 
 }  // namespace dravo

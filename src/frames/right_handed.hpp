@@ -11,25 +11,33 @@
 #include <optional>
 
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
 
 namespace dravo {
+
+/// Which axes of a molecule have a certain direction, in tip order.
+using DecidedAxes = std::array<bool, 3>;
+
+/// The eight combinations by their letters: Y for a certain direction, N for an uncertain one.
+namespace decided_axes {
+inline constexpr DecidedAxes NNN{false, false, false};
+inline constexpr DecidedAxes YYY{true, true, true};
+inline constexpr DecidedAxes YYN{true, true, false};
+inline constexpr DecidedAxes YNY{true, false, true};
+inline constexpr DecidedAxes NYY{false, true, true};
+inline constexpr DecidedAxes YNN{true, false, false};
+inline constexpr DecidedAxes NYN{false, true, false};
+inline constexpr DecidedAxes NNY{false, false, true};
+}  // namespace decided_axes
 
 /// One of the eight combinations of certain and uncertain axes of one molecule. A and B are the
 /// kept axes, C the one that may be reversed.
 struct RightHandedCase {
-  int molecule;                 ///< 1 or 2
-  std::array<bool, 3> decided;  ///< distinguishable flags in tip order
-  std::size_t A;                ///< tip indices
+  int molecule;  ///< 1 or 2
+  DecidedAxes decided;
+  std::size_t A;  ///< tip indices
   std::size_t B;
   std::size_t C;
-  bool positive;                              ///< sign of (A x B) . C in a right-handed frame
-  const char* header;                         ///< texts of the log, fixed; some name another axis
-  std::array<const char*, 3> modulus_labels;  ///< of A, B, C
-  const char* cross_label;
-  const char* dot_label;
-  const char* expectation;
-  const char* after_label;
+  bool positive;  ///< sign of (A x B) . C in a right-handed frame
 };
 
 /// What one case measured and did.
@@ -47,12 +55,5 @@ struct HandednessCheck {
 /// reverses nothing. Empty, and the frame unchanged, when a flag is neither 0.0 nor 10.0.
 std::optional<HandednessCheck> make_right_handed(int molecule, MoleculeFrame& frame,
                                                  const AxisFlags& flags);
-
-/// The blocks of both molecules in the order of the cases, not of the molecules.
-void write_right_handed(RecordStream& log,
-                        const std::array<std::optional<HandednessCheck>, 2>& checks);
-
-/// Tips and centres of mass after the analysis.
-void write_right_handed_summary(RecordStream& log, const PairOfFrames& frames);
 
 }  // namespace dravo

@@ -1,62 +1,31 @@
 #include "frames/symmetric_molecule.hpp"
 
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "common/errors.hpp"
 #include "common/rounding.hpp"
-#include "common/version.hpp"
 
 namespace dravo {
-namespace {
-
-void write_explanation(RecordStream& out, const char* molecule, const char* frame) {
-  out.repeat("    ", 2);
-  out.record(molecule);
-  out.record(" evaluation of a particular axis of inertia ");
-  out.record(" It is not possible to undoubtedly define ");
-  out.record(frame);
-  out.record(" based on the higher-Z-CM procedure.");
-  out.record(" Such issue is under investigation at ZPL ");
-  out.record(" The program cannot proceed ");
-  out.repeat("    ", 2);
-}
-
-void write_molecule1(RecordStream& out) {
-  write_explanation(out, " Molecule 1 is symmetric concerning ", " a unique xyz system, ");
-}
-
-constexpr auto kMolecule2 = " Molecule 2 is symmetric concerning ";
-
-void write_stop(RecordStream& out, const char* last_line) {
-  out.blank();
-  out.record(" program stopped");
-  out.record(kStopVersionLine);
-  out.record(last_line);
-}
-
-}  // namespace
 
 bool is_symmetric(const AxisFlags& flags) {
   const auto& [first, second, third] = flags.distinguishable;
   return nearest_integer(first + second + third) <= 19;
 }
 
-void stop_for_symmetric_molecules(const PairOfFlags& flags, RecordStream& screen,
-                                  RecordStream& log) {
-  const bool molecule1 = is_symmetric(flags[0]);
-  const bool molecule2 = is_symmetric(flags[1]);
-  if (!molecule1 && !molecule2) return;
-
-  if (molecule1) {
-    write_molecule1(screen);
-    write_molecule1(log);
+void refuse_symmetric_molecules(const PairOfFlags& flags) {
+  std::vector<int> symmetric;
+  std::vector<std::string> reasons;
+  for (std::size_t m = 0; m < 2; ++m) {
+    if (!is_symmetric(flags[m])) continue;
+    symmetric.push_back(static_cast<int>(m) + 1);
+    reasons.push_back("molecule " + std::to_string(m + 1) +
+                      " has fewer than two principal axes with a direction");
   }
-  if (molecule2) {
-    // The two copies differ in one letter; readers of either look for theirs.
-    write_explanation(screen, kMolecule2, " a unique XYZ reference system, ");
-    write_explanation(log, kMolecule2, " a unique ZYZ reference system, ");
-  }
-  write_stop(screen, "  ");
-  write_stop(log, kStopRevisionLine);
-  throw RunStop{};
+  if (!symmetric.empty())
+    throw NoUniqueFrame(std::move(symmetric), std::move(reasons), kTwoAxesAreNeeded);
 }
 
 }  // namespace dravo

@@ -1,18 +1,19 @@
-/// The stop for molecules whose axes cannot be told apart.
+/// Molecules whose axes cannot be told apart.
 #pragma once
 
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
 
 namespace dravo {
+
+/// What closes the message about such a molecule.
+inline constexpr auto kTwoAxesAreNeeded =
+    "This method describes only pairs of molecules that each have two axes with a direction.";
 
 /// A molecule needs at least two distinguishable axes. The flags only ever rise during a run, so a
 /// pair that passed once passes in every later alignment cycle.
 bool is_symmetric(const AxisFlags& flags);
 
-/// Explains on the screen and in the log which molecule is symmetric and throws RunStop; returns
-/// when neither is.
-void stop_for_symmetric_molecules(const PairOfFlags& flags, RecordStream& screen,
-                                  RecordStream& log);
+/// Throws NoUniqueFrame when one of the molecules is symmetric.
+void refuse_symmetric_molecules(const PairOfFlags& flags);
 
 }  // namespace dravo

@@ -1,5 +1,3 @@
-#include "identify/identification.hpp"
-
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -8,9 +6,9 @@
 
 #include "common/constants.hpp"
 #include "common/errors.hpp"
-#include "common/record_format.hpp"
+#include "common/number_format.hpp"
+#include "dravo/identify.hpp"
 #include "driver/user_parameters.hpp"
-#include "molecules/discard.hpp"
 #include "molecules/pair_table.hpp"
 #include "orientation/euler_search.hpp"
 #include "orientation/molecule_alignment.hpp"
@@ -40,17 +38,6 @@ struct Found {
   PoseDegrees parameters;  ///< degrees
   double deviation;        ///< degrees
 };
-
-/// Largest angle between an axis of molecule 2 and the laboratory axis that it was laid on,
-/// degrees.
-double misalignment(const MoleculeFrame& molecule2) {
-  using namespace axis_of_molecule2;
-  double largest = 0.0;
-  for (const auto& [tip, target] :
-       {std::pair{X, Vec3{1.0, 0.0, 0.0}}, {Y, {0.0, 1.0, 0.0}}, {Z, {0.0, 0.0, 1.0}}})
-    largest = std::max(largest, degrees_by_pi(angle_between(molecule2.axis(tip), target)));
-  return largest;
-}
 
 /// Frames as they lie after the alignment. Rounding may put molecule 1 higher on Z than r.
 PoseDegrees in_degrees(const PairOfFrames& frames, const EulerAngles& euler) {
@@ -105,20 +92,20 @@ std::optional<FoundEuler> find_euler_angles(const PairOfFrames& frames) {
 
 /// The parameters of the pair turned as a whole, which they do not depend on; empty when a search
 /// finds nothing.
-std::optional<Found> find_in_pose(const AtomTable& given, const MoleculeSplit& split,
+std::optional<Found> find_in_pose(const ConstAtomTable& given, const MoleculeSplit& split,
                                   const Matrix3& pose) {
   std::array<OwnedTable, 4> owned{OwnedTable(split.N), OwnedTable(split.N), OwnedTable(split.N),
                                   OwnedTable(split.N)};
-  AnalysisTables tables{owned[0].table(), owned[1].table(), owned[2].table(), owned[3].table()};
+  AnalysisTables tables{owned[0].table(), owned[1].table(), owned[2].table(), owned[3].table(),
+                        owned[3].table()};
   tables.newcoo_and_m.copy_rows(given, split.N);
   turn_rows(tables.newcoo_and_m, {0, split.N}, pose, {});
 
-  DiscardingSink nowhere;
-  RecordStream unread(&nowhere);
+  AnalysisObserver nobody;
   PairOfFrames frames;
   try {
-    frames = align_pair(split, tables, unread, unread);
-  } catch (const RunStop&) {
+    frames = align_pair(split, tables, nobody);
+  } catch (const NoRotationFound&) {
     return std::nullopt;
   }
   const auto euler = find_euler_angles(frames);
@@ -129,7 +116,7 @@ std::optional<Found> find_in_pose(const AtomTable& given, const MoleculeSplit& s
 
 /// A search on a grid may miss in one pose and not in another: the first that does not miss, or
 /// else the best.
-std::optional<Found> find_parameters(const AtomTable& given, const MoleculeSplit& split) {
+std::optional<Found> find_parameters(const ConstAtomTable& given, const MoleculeSplit& split) {
   constexpr std::array<EulerAngles, 3> kPoses{{{0.0, 0.0, 0.0}, {1.1, 0.7, 0.4}, {2.3, 1.9, 3.6}}};
   std::optional<Found> best;
   for (const auto& [alpha, beta, gamma] : kPoses) {
@@ -178,9 +165,9 @@ void remark_on_position(const PoseDegrees& p, std::vector<std::string>& remarks)
 }  // namespace
 
 Identification identify(const Pair& pair) {
-  const auto molecules = identify_molecules(pair);
+  const auto molecules = principal_frames(pair);
   const OwnedTable given = table_of(pair);
-  const auto found = find_parameters(given.table(), pair.split);
+  const auto found = find_parameters(given.table(), split_of(pair));
   if (!found) throw NoRotationFound(NoRotationFound::Search::euler);
   return {found->parameters, found->deviation, molecules};
 }
@@ -194,14 +181,19 @@ std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& degrees) {
   return nudged;
 }
 
+std::string remark_on_missed_axes(double missed, std::string_view what_is_uncertain) {
+  if (missed <= kMissed) return "";
+  return "the search missed the axes by " + fixed_text(missed, 3) +
+         " degrees: " + std::string(what_is_uncertain) + " are that uncertain";
+}
+
 std::vector<std::string> remarks_on(const Identification& identification) {
   const PoseDegrees& found = identification.parameters;
   std::vector<std::string> remarks;
   remark_on_euler_angles(found, remarks);
   remark_on_position(found, remarks);
-  if (!(identification.deviation <= kMissed))
-    remarks.push_back("the search missed the axes by " + fixed_text(identification.deviation, 3) +
-                      " degrees: the parameters are that uncertain");
+  const std::string missed = remark_on_missed_axes(identification.missed, "the parameters");
+  if (!missed.empty()) remarks.push_back(missed);
   for (const auto& [name, given, used] : nudged_in_a_build(found))
     remarks.push_back("a build uses " + fixed_text(used, 3) + " for " + std::string(name) + " " +
                       shown(given) + ", and its pair differs by that");

@@ -1,22 +1,29 @@
-#include "identify/principal_frames.hpp"
-
 #include <cmath>
 #include <cstddef>
+#include <span>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "common/constants.hpp"
-#include "common/record_format.hpp"
+#include "common/number_format.hpp"
+#include "dravo/error.hpp"
+#include "dravo/frame.hpp"
 #include "driver/element_table.hpp"
+#include "frames/axis_directions.hpp"
 #include "frames/higher_z_reflection.hpp"
 #include "frames/right_handed.hpp"
 #include "frames/symmetric_molecule.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"
-#include "inertia/moments_report.hpp"
 #include "molecules/pair_table.hpp"
 
 namespace dravo {
 namespace {
+
+/// h / (8 pi^2) for a moment in amu Angstrom^2 and a constant in GHz: 505379.0 MHz, CODATA 2018.
+/// (The log of `qn-dravo` has a factor of its own, 0.069 percent larger.)
+constexpr double kGhzAmuAngstrom2 = 505.3790;
 
 constexpr std::array<std::array<char, 3>, 2> kLetters{{{'z', 'y', 'x'}, {'Y', 'X', 'Z'}}};
 
@@ -29,7 +36,7 @@ struct MoleculeAnalysis {
   AxisFlags flags;
 };
 
-MoleculeAnalysis analyse(const AtomTable& atoms, RowRange rows) {
+MoleculeAnalysis analyse(const ConstAtomTable& atoms, RowRange rows) {
   MoleculeAnalysis m;
   m.centre = find_mass_centre(atoms, rows);
   m.axes = principal_axes(inertia_tensor(atoms, rows, m.centre.cm));
@@ -66,7 +73,7 @@ FixedBy reason_of(const MoleculeAnalysis& m, const HandednessCheck& check, std::
 }
 
 /// `m` has two distinguishable axes at least.
-IdentifiedMolecule identified(std::size_t index, RowRange rows, const MoleculeAnalysis& m) {
+PrincipalFrame identified(std::size_t index, RowRange rows, const MoleculeAnalysis& m) {
   MoleculeFrame frame = m.frame;
   AxisFlags flags = m.flags;
   reflect_towards_higher_z(frame, flags);
@@ -74,18 +81,18 @@ IdentifiedMolecule identified(std::size_t index, RowRange rows, const MoleculeAn
       make_right_handed(static_cast<int>(index) + 1, frame, flags).value();
   const auto angles = reference_angles(frame, reference_of(m.centre)).value();
 
-  IdentifiedMolecule result{rows.end - rows.begin,
-                            rotor_type(m.axes.moments),
-                            m.centre.cm,
-                            reference_element(m.centre),
-                            {}};
+  PrincipalFrame result{rows.end - rows.begin,
+                        rotor_type(m.axes.moments),
+                        m.centre.cm,
+                        reference_element(m.centre),
+                        {}};
   const double unit = g_cm2_per_amu_angstrom2();
   for (std::size_t k = 0; k < 3; ++k) {
     const double moment = m.axes.moments[k];
     result.axes[k] = {kLetters[index][k],
                       moment,
                       moment / unit,  //
-                      rotational_constant_ghz(moment),
+                      kGhzAmuAngstrom2 / (moment / unit),
                       frame.axis(k),
                       angles[k],
                       reason_of(m, check, k)};
@@ -121,18 +128,17 @@ std::string describe_symmetry(std::size_t index, const MoleculeAnalysis& m) {
   return text + "; more than " + fixed_text(diferenca_detectavel, 0) + " degrees are needed";
 }
 
-constexpr auto kNoRemedy =
-    "This method describes only pairs of molecules that each have two axes with a direction.";
-
-void refuse_symmetric_molecules(const std::array<MoleculeAnalysis, 2>& molecules) {
+/// `first` is the place of the first analysis: 0 for molecule 1.
+void require_frames(std::size_t first, std::span<const MoleculeAnalysis> molecules) {
   std::vector<int> symmetric;
   std::vector<std::string> reasons;
-  for (std::size_t m = 0; m < 2; ++m) {
-    if (!is_symmetric(molecules[m].flags)) continue;
+  for (std::size_t m = first; m < first + molecules.size(); ++m) {
+    if (!is_symmetric(molecules[m - first].flags)) continue;
     symmetric.push_back(static_cast<int>(m) + 1);
-    reasons.push_back(describe_symmetry(m, molecules[m]));
+    reasons.push_back(describe_symmetry(m, molecules[m - first]));
   }
-  if (!reasons.empty()) throw NoUniqueFrame(std::move(symmetric), std::move(reasons), kNoRemedy);
+  if (!reasons.empty())
+    throw NoUniqueFrame(std::move(symmetric), std::move(reasons), kTwoAxesAreNeeded);
 }
 
 }  // namespace
@@ -161,11 +167,20 @@ std::string_view name_of(FixedBy reason) {
   return kNames[static_cast<std::size_t>(reason)];
 }
 
-std::array<IdentifiedMolecule, 2> identify_molecules(const Pair& pair) {
+PrincipalFrame principal_frame(const Molecule& molecule, Role role) {
+  const OwnedTable atoms = table_of(molecule);
+  const RowRange rows{0, molecule.size()};
+  const std::size_t index = role == Role::molecule1 ? 0 : 1;
+  const std::array analyses{analyse(atoms.table(), rows)};
+  require_frames(index, analyses);
+  return identified(index, rows, analyses[0]);
+}
+
+std::array<PrincipalFrame, 2> principal_frames(const Pair& pair) {
   const OwnedTable atoms = table_of(pair);
-  const auto rows = pair.split.molecules();
+  const auto rows = split_of(pair).molecules();
   const std::array analyses{analyse(atoms.table(), rows[0]), analyse(atoms.table(), rows[1])};
-  refuse_symmetric_molecules(analyses);
+  require_frames(0, analyses);
   return {identified(0, rows[0], analyses[0]), identified(1, rows[1], analyses[1])};
 }
 

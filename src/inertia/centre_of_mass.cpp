@@ -25,13 +25,13 @@ const ElementCentre* MassCentre::higher_z() const {
   return nullptr;
 }
 
-Vec3 centre_of_mass(const AtomTable& atoms, RowRange rows) {
+Vec3 centre_of_mass(const ConstAtomTable& atoms, RowRange rows) {
   MassSums sums;
   for (std::int32_t i = rows.begin; i < rows.end; ++i) sums.add(atoms.mass(i), atoms.position(i));
   return sums.centre();
 }
 
-MassCentre find_mass_centre(const AtomTable& atoms, RowRange rows) {
+MassCentre find_mass_centre(const ConstAtomTable& atoms, RowRange rows) {
   MassCentre result;
   result.cm = centre_of_mass(atoms, rows);
 
@@ -50,27 +50,6 @@ MassCentre find_mass_centre(const AtomTable& atoms, RowRange rows) {
     element.distance = modulus(element.centroid - result.cm);
   }
   return result;
-}
-
-void write_mass_centre(RecordStream& log, int molecule, const MassCentre& centre) {
-  log.record(" ################################# ");
-  log.blank();
-  log.record(" center of mass data ");
-  log.blank();
-  log.record(molecule == 1 ? " molecule 1 " : " molecule 2 ");
-  log.blank();
-  log.record(" xcm ycm zcm ", centre.cm);
-  log.blank();
-  log.record(" center of mass table ");
-  log.blank();
-  for (std::size_t entry = 0; entry < centre.elements.size(); ++entry) {
-    const ElementCentre& element = centre.elements[entry];
-    if (!element.present()) continue;
-    log.record("atomic number", static_cast<std::int32_t>(entry + 1), element.centroid);
-    log.record("number of Z atoms=", element.atoms);
-    log.record(" distance from CM ", element.distance);
-  }
-  log.blank(3);
 }
 
 }  // namespace dravo

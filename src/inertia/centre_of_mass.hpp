@@ -7,7 +7,6 @@
 
 #include "common/atom_table.hpp"
 #include "common/constants.hpp"
-#include "common/record_stream.hpp"
 
 namespace dravo {
 
@@ -31,12 +30,9 @@ struct MassCentre {
   [[nodiscard]] const ElementCentre* higher_z() const;
 };
 
-MassCentre find_mass_centre(const AtomTable& atoms, RowRange rows);
+MassCentre find_mass_centre(const ConstAtomTable& atoms, RowRange rows);
 
 /// Centre of mass alone, the same sums.
-Vec3 centre_of_mass(const AtomTable& atoms, RowRange rows);
-
-/// `molecule` is 1 or 2.
-void write_mass_centre(RecordStream& log, int molecule, const MassCentre& centre);
+Vec3 centre_of_mass(const ConstAtomTable& atoms, RowRange rows);
 
 }  // namespace dravo

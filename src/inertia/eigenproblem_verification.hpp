@@ -3,18 +3,10 @@
 
 #include <array>
 
-#include "common/frame.hpp"
 #include "common/record_stream.hpp"
 #include "inertia/inertia_tensor.hpp"
 
 namespace dravo {
-
-/// What the check needs of one molecule.
-struct EigenProblem {
-  Matrix3 tensor;       ///< g cm^2
-  PrincipalAxes axes;   ///< as the solver returned them
-  MoleculeFrame frame;  ///< tips at these axes
-};
 
 /// tensor * v / moment for every axis of both molecules, beside the axis itself, and again for
 /// every axis reversed. Nothing is decided here.

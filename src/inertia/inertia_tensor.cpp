@@ -11,7 +11,7 @@ constexpr double kGramsPerMassUnit = 1.6605389005928226e-24;
 constexpr double kCentimetresPerAngstrom = widened(1.0e-8F);
 }  // namespace
 
-Matrix3 inertia_tensor(const AtomTable& atoms, RowRange rows, const Vec3& cm) {
+Matrix3 inertia_tensor(const ConstAtomTable& atoms, RowRange rows, const Vec3& cm) {
   double xx = 0.0, yy = 0.0, zz = 0.0, xy = 0.0, xz = 0.0, yz = 0.0;
   for (std::int32_t i = rows.begin; i < rows.end; ++i) {
     const double m = atoms.mass(i) * kGramsPerMassUnit;
@@ -43,14 +43,6 @@ PrincipalAxes principal_axes(const Matrix3& tensor) {
 MoleculeFrame frame_of(const Vec3& cm, const PrincipalAxes& axes) {
   const auto& [first, second, third] = axes.eigenvectors;
   return {cm, {cm + first, cm + second, cm + third}};
-}
-
-void write_tensor(RecordStream& log, int molecule, const Matrix3& tensor) {
-  log.blank();
-  log.record(" TENSOR OF THE MOMENT OF INERTIA ");
-  log.record(" molecula ", molecule);
-  log.blank(2);
-  for (const Vec3& row : tensor.row) log.record(row);
 }
 
 }  // namespace dravo

@@ -5,7 +5,6 @@
 
 #include "common/atom_table.hpp"
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
 
 namespace dravo {
 
@@ -14,7 +13,7 @@ namespace dravo {
 ///     |  sum m(y^2+z^2)   -sum m x y       -sum m x z      |
 ///     | -sum m x y         sum m(x^2+z^2)  -sum m y z      |
 ///     | -sum m x z        -sum m y z        sum m(x^2+y^2) |
-Matrix3 inertia_tensor(const AtomTable& atoms, RowRange rows, const Vec3& cm);
+Matrix3 inertia_tensor(const ConstAtomTable& atoms, RowRange rows, const Vec3& cm);
 
 struct PrincipalAxes {
   std::array<double, 3> moments;     ///< I_A <= I_B <= I_C, g cm^2
@@ -26,6 +25,11 @@ PrincipalAxes principal_axes(const Matrix3& tensor);
 /// Tips one eigenvector away from the centre of mass (Angstrom).
 MoleculeFrame frame_of(const Vec3& cm, const PrincipalAxes& axes);
 
-void write_tensor(RecordStream& log, int molecule, const Matrix3& tensor);
+/// One molecule's eigenproblem with its solution.
+struct EigenProblem {
+  Matrix3 tensor;       ///< g cm^2
+  PrincipalAxes axes;   ///< as the solver returned them
+  MoleculeFrame frame;  ///< tips at these axes
+};
 
 }  // namespace dravo

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/atom_table.hpp"
+#include "dravo/atoms.hpp"
 
 namespace dravo {
 

@@ -10,14 +10,15 @@
 
 #include "common/errors.hpp"
 #include "driver/input_reader.hpp"
+#include "driver/user_parameters.hpp"
 
 namespace dravo {
 namespace {
 
 // "C      -0.60412015     -1.07034623      0.00000000", the columns of most xyz files. A coordinate
-// with more decimals or a longer whole part takes more.
+// with more decimals takes more.
 constexpr std::size_t kLabelWidth = 2;
-constexpr std::size_t kWholeWidth = 7;
+constexpr std::size_t kWholeWidth = 7;  // a coordinate has six places before the point at most
 constexpr std::size_t kFewestDecimals = 8;
 constexpr std::size_t kMostAlignedDecimals = 20;  // any coordinate above 0.0001 needs fewer
 
@@ -53,7 +54,7 @@ std::array<Coordinate, 3> coordinates_of(const Vec3& p) {
 
 std::size_t aligned_decimals(const Pair& pair) {
   std::size_t most = kFewestDecimals;
-  for (const Vec3& position : pair.positions)
+  for (const Vec3& position : pair.positions())
     for (const Coordinate& coordinate : coordinates_of(position))
       most = std::max(most, coordinate.decimals.size());
   return std::min(most, kMostAlignedDecimals);
@@ -70,7 +71,7 @@ void append_atom(std::string& text, const Label& label, const Vec3& position,
   std::size_t column = kLabelWidth;
   for (const auto& [whole, after_point] : coordinates_of(position)) {
     line.resize(std::max(column, line.size()), ' ');
-    line.append(kWholeWidth > whole.size() ? kWholeWidth - whole.size() : 1, ' ');
+    line.append(kWholeWidth - whole.size(), ' ');
     line.append(whole).append(1, '.').append(after_point);
     column += kWholeWidth + 1 + decimals;
   }
@@ -87,51 +88,38 @@ bool same_bits(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
-bool same_values(const PoseRadians& a, const PoseRadians& b) {
-  return same_bits(a.r, b.r) && same_bits(a.theta, b.theta) && same_bits(a.phi, b.phi) &&
-         same_bits(a.alpha, b.alpha) && same_bits(a.beta, b.beta) && same_bits(a.gamma, b.gamma);
+bool same_values(const PoseDegrees& a, const PoseDegrees& b) {
+  return std::all_of(kPoseParameters.begin(), kPoseParameters.end(), [&](const auto& parameter) {
+    return same_bits(a.*parameter.value, b.*parameter.value);
+  });
 }
 
 bool same_position(const Vec3& a, const Vec3& b) {
   return same_bits(a.x, b.x) && same_bits(a.y, b.y) && same_bits(a.z, b.z);
 }
 
-/// The words on a screen, with one blank between them.
-std::string words_of(const RecordStream& screen) {
-  std::string words;
-  for (const char c : screen.text()) {
-    const bool blank = c == ' ' || c == '\t' || c == '\n';
-    if (!blank) {
-      words += c;
-    } else if (!words.empty() && words.back() != ' ') {
-      words += ' ';
-    }
-  }
-  return words.substr(0, words.find_last_not_of(' ') + 1);
-}
-
 /// What `qn-dravo` gets out of a text that is expected to hold so many atoms.
 class ReadBack {
  public:
-  ReadBack(const std::string& name, std::string_view text, std::size_t atoms, RecordStream& screen)
+  ReadBack(const std::string& name, std::string_view text, std::size_t atoms)
       : storage_(2 * kColumns * atoms),
         labels_(atoms),
         table_({storage_.data(), kColumns * atoms}) {
     AtomTable copy({storage_.data() + kColumns * atoms, kColumns * atoms});
     FreeFormatReader reader(name, text);
-    geometry_ = read_input(reader, table_, copy, labels_, screen);
+    geometry_ = read_input(reader, table_, copy, labels_);
   }
 
   [[nodiscard]] bool same_pair(const Pair& pair) const {
-    if (geometry_.split.N != pair.split.N || geometry_.split.n1 != pair.split.n1) return false;
-    if (labels_ != pair.labels) return false;
+    if (geometry_.split.N != pair.size() || geometry_.split.n1 != pair.n1()) return false;
+    if (labels_ != pair.labels()) return false;
     for (std::int32_t i = 0; i < table_.rows(); ++i)
-      if (!same_position(table_.position(i), pair.positions[static_cast<std::size_t>(i)]))
+      if (!same_position(table_.position(i), pair.positions()[static_cast<std::size_t>(i)]))
         return false;
     return true;
   }
 
-  [[nodiscard]] const PoseRadians& user() const { return geometry_.user; }
+  [[nodiscard]] const PoseDegrees& stated() const { return geometry_.stated; }
 
  private:
   std::vector<double> storage_;
@@ -144,10 +132,10 @@ class ReadBack {
 
 std::string input_text(const Pair& pair, const PoseDegrees& degrees) {
   const std::size_t decimals = aligned_decimals(pair);
-  std::string text = std::to_string(pair.split.N) + '\n';
-  for (std::size_t i = 0; i < pair.labels.size(); ++i)
-    append_atom(text, pair.labels[i], pair.positions[i], decimals);
-  text.append("n1\n").append(std::to_string(pair.split.n1)).append("\nposition\n");
+  std::string text = std::to_string(pair.size()) + '\n';
+  for (std::size_t i = 0; i < pair.labels().size(); ++i)
+    append_atom(text, pair.labels()[i], pair.positions()[i], decimals);
+  text.append("n1\n").append(std::to_string(pair.n1())).append("\nposition\n");
   append_values(text, degrees, kPosition);
   text.append("rotation\n");
   append_values(text, degrees, kRotation);
@@ -156,15 +144,14 @@ std::string input_text(const Pair& pair, const PoseDegrees& degrees) {
 
 void require_same_when_read(const std::string& name, std::string_view text, const Pair& pair,
                             const PoseDegrees& degrees) {
-  RecordStream screen;
-  try {
-    const ReadBack read(name, text, pair.labels.size(), screen);
-    if (!read.same_pair(pair)) throw InvalidInput(name + ": qn-dravo would read another pair");
-    if (!same_values(read.user(), prepare_parameters(degrees, screen)))
-      throw InvalidInput(name + ": qn-dravo would read other values");
-  } catch (const RunStop&) {
-    throw InvalidInput(name + ": qn-dravo would refuse this: " + words_of(screen));
-  }
+  const ReadBack read(name, text, pair.labels().size());
+  if (!read.same_pair(pair)) throw InvalidInput(name + ": qn-dravo would read another pair");
+  if (!same_values(read.stated(), degrees))
+    throw InvalidInput(name + ": qn-dravo would read other values");
+  const PoseDegrees ruled = with_beta_zero_rule(degrees);
+  if (const auto fault = find_range_fault(ruled))
+    throw InvalidInput(name +
+                       ": qn-dravo would refuse this: " + out_of_range(*fault, ruled).what());
 }
 
 }  // namespace dravo

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "driver/user_parameters.hpp"
-#include "molecules/pair.hpp"
+#include "dravo/molecule.hpp"
+#include "dravo/pose.hpp"
 
 namespace dravo {
 

@@ -1,8 +1,5 @@
-#include "molecules/pair_file.hpp"
-
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <span>
 #include <string_view>
@@ -10,11 +7,15 @@
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
+#include "common/number_format.hpp"
 #include "common/number_text.hpp"
-#include "common/record_stream.hpp"
 #include "common/shown_text.hpp"
+#include "dravo/molecule.hpp"
 #include "driver/element_table.hpp"
 #include "driver/input_reader.hpp"
+#include "driver/run_stop.hpp"
+#include "driver/user_parameters.hpp"
+#include "molecules/coordinate.hpp"
 #include "molecules/element_label.hpp"
 #include "molecules/fragments.hpp"
 #include "molecules/xyz_file.hpp"
@@ -23,6 +24,8 @@ namespace dravo {
 namespace {
 
 constexpr double kAngstromPerBohr = 0.529177210903;  // CODATA 2018
+
+double angstrom_per(LengthUnit unit) { return unit == LengthUnit::bohr ? kAngstromPerBohr : 1.0; }
 
 /// What one file holds.
 struct Contents {
@@ -46,16 +49,6 @@ void require_atoms(const std::string& name, std::int32_t N) {
   if (N > kMaxAtoms)
     throw InvalidInput(name + ": a pair has at most " + atoms_text(kMaxAtoms) + ", found " +
                        std::to_string(N));
-}
-
-void require_molecules(const std::string& name, const MoleculeSplit& split) {
-  require_atoms(name, split.N);
-  if (split.n1 < kFewestAtomsOfMolecule1)
-    throw InvalidInput(name + ": molecule 1 needs at least " + atoms_text(kFewestAtomsOfMolecule1) +
-                       ", found " + std::to_string(split.n1));
-  if (split.n1 >= split.N)
-    throw InvalidInput(name + ": no atoms are left for molecule 2: " + atoms_text(split.N) +
-                       " in all, " + std::to_string(split.n1) + " of molecule 1");
 }
 
 // --- QN-input-GEOMETRY.xyz --------------------------------------------------------------------
@@ -108,21 +101,6 @@ bool is_qn_input(std::string_view text, std::int32_t N) {
          first_integer(skip_lines(after_atoms, 1)).has_value();
 }
 
-/// What the screen would have said, in one line and without its closing words.
-std::string stop_words(std::string_view screen) {
-  std::string words;
-  for (; !screen.empty(); screen = skip_lines(screen, 1)) {
-    std::string line;
-    for (const char c : first_line(screen))
-      if (c != ' ' || !line.ends_with(' ')) line += c;
-    line.erase(0, line.find_first_not_of(' '));
-    line.erase(line.find_last_not_of(' ') + 1);
-    if (line.empty() || line == "program stopped") continue;
-    words.append(words.empty() ? "" : " ").append(line);
-  }
-  return words;
-}
-
 /// The label of a line as it stands there, without quotes.
 std::string_view label_in(std::string_view line) {
   line.remove_prefix(std::min(line.find_first_not_of(" \t\r"), line.size()));
@@ -155,12 +133,30 @@ void require_elements(const NamedText& source, std::vector<Label>& labels) {
   }
 }
 
-void require_finite(const std::string& name, const std::vector<Vec3>& positions) {
-  for (std::size_t i = 0; i < positions.size(); ++i) {
-    const Vec3& p = positions[i];
-    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
-      throw InvalidInput(name + ": atom " + std::to_string(i + 1) + " is at no point in space");
+/// Reads once more up to the first coordinate that lies out of range, whose place is shown.
+void require_coordinates(const NamedText& source, const std::vector<Vec3>& positions) {
+  const auto lies_outside = [](const Vec3& p) {
+    return !is_coordinate(p.x) || !is_coordinate(p.y) || !is_coordinate(p.z);
+  };
+  const auto outside = std::find_if(positions.begin(), positions.end(), lies_outside);
+  if (outside == positions.end()) return;
+  FreeFormatReader reader(std::string(source.name), source.text);
+  reader.next_statement();
+  (void)reader.integer({});
+  for (auto atom = positions.begin(); atom <= outside; ++atom) {
+    reader.next_statement();
+    (void)reader.label({});
+    for (int k = 0; k < 3; ++k)
+      if (!is_coordinate(reader.real({})))
+        throw reader.about_last_item(std::string("a coordinate ") + kCoordinateRange);
   }
+}
+
+void require_in_range(const std::string& name, const PoseDegrees& stated) {
+  const PoseDegrees ruled = with_beta_zero_rule(stated);
+  if (const auto fault = find_range_fault(ruled))
+    throw InvalidInput(name + ": " + out_of_range(*fault, ruled).what() + ", found " +
+                       shortest_text(ruled.*fault->parameter));
 }
 
 Contents read_qn_input(const NamedText& source, std::int32_t N) {
@@ -173,21 +169,13 @@ Contents read_qn_input(const NamedText& source, std::int32_t N) {
   Contents contents;
   contents.labels.resize(rows);
   FreeFormatReader reader(name, source.text);
-  RecordStream screen;
-  try {
-    const InputGeometry input = read_input(reader, atoms, copy, contents.labels, screen);
-    contents.n1 = input.split.n1;
-    contents.parameters = input.stated;
-  } catch (const RunStop&) {
-    const bool parameter = screen.text().find("User value") != std::string::npos;
-    throw InvalidInput(name + ": " +
-                       (parameter
-                            ? stop_words(screen.text())
-                            : "molecule 1 needs at least " + atoms_text(kFewestAtomsOfMolecule1)));
-  }
+  const InputGeometry input = read_input(reader, atoms, copy, contents.labels);
+  contents.n1 = input.split.n1;
+  contents.parameters = input.stated;
+  require_in_range(name, input.stated);
   for (std::int32_t i = 0; i < N; ++i) contents.positions.push_back(atoms.position(i));
   require_elements(source, contents.labels);
-  require_finite(name, contents.positions);
+  require_coordinates(source, contents.positions);
   return contents;
 }
 
@@ -210,10 +198,8 @@ Contents read_contents(const std::string& name, const PairRequest& request) {
     require_plain_request(name, request);
     return read_qn_input(source, *N);
   }
-  XyzFrame frame = read_xyz(source, request.frame);
+  XyzFrame frame = read_xyz(source, request.frame, angstrom_per(request.unit));
   if (frame.n1) require_plain_request(name, request);
-  if (request.unit == LengthUnit::bohr)
-    for (Vec3& position : frame.positions) position = kAngstromPerBohr * position;
   return {std::move(frame.labels), std::move(frame.positions), frame.n1, std::nullopt,
           frame.frames};
 }
@@ -302,42 +288,48 @@ std::int32_t split_of(const PairRequest& request, Contents& contents,
 }
 
 Pair pair_of(const std::string& name, Contents& contents, std::int32_t n1) {
-  const MoleculeSplit split{contents.N(), n1};
-  require_molecules(name, split);
-  return {split, std::move(contents.labels), std::move(contents.positions)};
+  try {
+    return Pair(n1, Molecule(std::move(contents.labels), std::move(contents.positions)));
+  } catch (const InvalidInput& fault) {
+    throw InvalidInput(name + ": " + fault.what(), {name});
+  }
 }
 
 PairFile read_one_file(const PairRequest& request) {
   Contents contents = read_contents(request.file, request);
-  PairFile file;
-  remark_on_frames(request.file, contents, request.frame, file.remarks);
-  const std::int32_t n1 = split_of(request, contents, file.remarks);
-  file.pair = pair_of(request.file, contents, n1);
-  file.parameters = contents.parameters;
-  return file;
+  std::vector<std::string> remarks;
+  remark_on_frames(request.file, contents, request.frame, remarks);
+  const std::int32_t n1 = split_of(request, contents, remarks);
+  return {pair_of(request.file, contents, n1), contents.parameters, std::move(remarks)};
 }
 
 PairFile read_two_files(const PairRequest& request) {
   if (request.split)
     throw InvalidInput("--split does not go with two files: each of them is one molecule");
-  PairFile file;
+  std::vector<std::string> remarks;
   std::array<Contents, 2> molecules;
   for (const std::size_t k : {0U, 1U}) {
     const std::string& name = k == 0 ? request.file : request.second_file;
     molecules[k] = read_contents(name, request);
     if (molecules[k].n1)
       throw InvalidInput(name + ": the file holds both molecules; it cannot be one of two files");
-    remark_on_frames(name, molecules[k], request.frame, file.remarks);
+    remark_on_frames(name, molecules[k], request.frame, remarks);
   }
   auto& [one, two] = molecules;
   const std::int32_t n1 = one.N();
   one.labels.insert(one.labels.end(), two.labels.begin(), two.labels.end());
   one.positions.insert(one.positions.end(), two.positions.begin(), two.positions.end());
-  file.pair = pair_of(request.file + ", " + request.second_file, one, n1);
-  return file;
+  return {pair_of(request.file + ", " + request.second_file, one, n1), std::nullopt,
+          std::move(remarks)};
 }
 
 }  // namespace
+
+Molecule read_molecule(const std::string& file, std::int32_t frame, LengthUnit unit) {
+  const std::string text = read_file(file);
+  XyzFrame found = read_xyz({file, text}, frame, angstrom_per(unit));
+  return {std::move(found.labels), std::move(found.positions)};
+}
 
 PairFile read_pair(const PairRequest& request) {
   return request.second_file.empty() ? read_one_file(request) : read_two_files(request);

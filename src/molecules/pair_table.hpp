@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "common/atom_table.hpp"
-#include "molecules/pair.hpp"
+#include "dravo/molecule.hpp"
 
 namespace dravo {
 
@@ -20,7 +20,7 @@ class OwnedTable {
   OwnedTable& operator=(OwnedTable&&) = default;
   ~OwnedTable() = default;
 
-  [[nodiscard]] const AtomTable& table() const { return table_; }
+  [[nodiscard]] ConstAtomTable table() const { return table_; }
   [[nodiscard]] AtomTable& table() { return table_; }
 
  private:
@@ -28,7 +28,10 @@ class OwnedTable {
   AtomTable table_;
 };
 
+inline MoleculeSplit split_of(const Pair& pair) { return {pair.size(), pair.n1()}; }
+
 /// Positions, masses and atomic numbers.
+OwnedTable table_of(const Molecule& molecule);
 OwnedTable table_of(const Pair& pair);
 
 }  // namespace dravo

@@ -9,6 +9,7 @@
 
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
+#include "molecules/coordinate.hpp"
 #include "molecules/element_label.hpp"
 
 namespace dravo {
@@ -46,7 +47,8 @@ constexpr Property kPosition{"pos", "R:3"};
 
 class XyzReader {
  public:
-  explicit XyzReader(const NamedText& source) : source_(source), text_(source.text) {}
+  XyzReader(const NamedText& source, double angstrom_per_unit)
+      : source_(source), text_(source.text), unit_(angstrom_per_unit) {}
 
   XyzFrame read(std::int32_t wanted);
 
@@ -65,7 +67,6 @@ class XyzReader {
   void skip_atoms(std::int32_t N);
   void read_atoms(std::int32_t N, XyzFrame& frame);
   void read_atom(std::int32_t atom, const Columns& columns, XyzFrame& frame);
-  [[nodiscard]] double coordinate(Part item, const std::string& what) const;
   [[nodiscard]] Part past_quote(Part rest) const;
   [[nodiscard]] std::optional<Part> properties_in(Part comment) const;
   [[nodiscard]] Columns columns_of(Part comment) const;
@@ -81,6 +82,7 @@ class XyzReader {
 
   NamedText source_;
   std::string_view text_;
+  double unit_;                  ///< Angstrom
   std::size_t position_ = 0;     ///< where a line begins
   std::size_t count_begin_ = 0;  ///< where the frame that is being read begins
 };
@@ -198,7 +200,10 @@ void XyzReader::read_atom(std::int32_t atom, const Columns& columns, XyzFrame& f
       const auto value = parse_real(view(item));
       if (!value || !std::isfinite(*value))
         refuse(item, "expected " + name_of(column) + ", found " + found(item));
-      position[column - columns.x] = *value;
+      position[column - columns.x] = unit_ * *value;
+      if (!is_coordinate(position[column - columns.x]))
+        refuse(item,
+               std::string("expected a coordinate ") + kCoordinateRange + ", found " + found(item));
     }
   }
   frame.positions.push_back({position[0], position[1], position[2]});
@@ -316,8 +321,8 @@ XyzFrame XyzReader::read(std::int32_t wanted) {
 
 }  // namespace
 
-XyzFrame read_xyz(const NamedText& source, std::int32_t wanted) {
-  return XyzReader(source).read(wanted);
+XyzFrame read_xyz(const NamedText& source, std::int32_t wanted, double angstrom_per_unit) {
+  return XyzReader(source, angstrom_per_unit).read(wanted);
 }
 
 }  // namespace dravo

@@ -13,7 +13,7 @@ namespace dravo {
 /// One frame of an xyz text.
 struct XyzFrame {
   std::vector<Label> labels;    ///< element symbols
-  std::vector<Vec3> positions;  ///< in the file's unit of length, finite
+  std::vector<Vec3> positions;  ///< Angstrom, in the range of coordinates
   std::int32_t frames = 0;      ///< that the text holds
   /// Atoms of molecule 1, as the trailer of `input-GEOMETRY.xyz` tells.
   std::optional<std::int32_t> n1;
@@ -27,6 +27,8 @@ struct XyzFrame {
 ///
 /// Of the other frames only the number of atoms is read. Throws IoFailure, with file, line and
 /// place, for whatever does not read so, and where there is no such frame.
-XyzFrame read_xyz(const NamedText& source, std::int32_t wanted);
+///
+/// `angstrom_per_unit`: length of the file's unit.
+XyzFrame read_xyz(const NamedText& source, std::int32_t wanted, double angstrom_per_unit = 1.0);
 
 }  // namespace dravo

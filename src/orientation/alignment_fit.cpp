@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "common/errors.hpp"
-
 namespace dravo {
 namespace {
 
@@ -32,38 +30,6 @@ double sum_to_beat(const GridWalker& walker, const AxesMatchRule<FitConvention>&
   if (!point) return one_degree;
   const auto match = rule.judge(*point, pass.tolerance);
   return match ? std::min(match->soma_diferencas, one_degree) : one_degree;
-}
-
-/// Screen and log hold the same texts but for blanks at the end of two of them.
-struct UnitTexts {
-  const char* warning;
-  const char* no_value;
-};
-constexpr UnitTexts kScreenTexts{" WARNING  ",
-                                 " best_z1,best_x1,best_y1 nao receberam valor algum "};
-constexpr UnitTexts kLogTexts{" WARNING ", " best_z1,best_x1,best_y1 nao receberam valor algum"};
-
-void write_problem(RecordStream& out, const char* heading, const UnitTexts& texts) {
-  out.record(heading);
-  out.record(" problem in : AXES ALIGNMENT ");
-  out.blank();
-  out.record(" issue related to: ");
-  out.record(" soma_diferencas and parametro_diferencas ");
-  out.record(texts.no_value);
-}
-
-void write_warning(RecordStream& out, const UnitTexts& texts) {
-  out.blank();
-  out.repeat(texts.warning, 6);
-  out.blank();
-  write_problem(out, " WARNING - NO GUESS ANGLE FOUND IN FIT PROCEDURE - ", texts);
-}
-
-void write_error(RecordStream& out, const UnitTexts& texts) {
-  out.blank();
-  out.record(" AFTER SECOND AXES ALIGNMENT ");
-  out.blank(2);
-  write_problem(out, " ERROR - NO GUESS ANGLE FOUND IN FIT PROCEDURE - ", texts);
 }
 
 }  // namespace
@@ -96,16 +62,6 @@ AlignmentFit fit_alignment(const MoleculeFrame& molecule2,
   return {best.outer, best.middle, best.inner, best.soma_diferencas, improvements > 0};
 }
 
-AlignmentFit fit_alignment(const MoleculeFrame& molecule2, int cycle, RecordStream& screen,
-                           RecordStream& log) {
-  return fit_alignment(molecule2, [&] {
-    write_no_guess_angle_warning(screen, log);
-    if (cycle != kSecondAlignment) return;
-    write_second_alignment_error(screen, log);
-    throw RunStop{};
-  });
-}
-
 AlignmentMotion::AlignmentMotion(const AlignmentFit& fit, const Vec3& cm2)
     : rotation_(
           alignment_matrix(Turn::of(fit.best_z1), Turn::of(fit.best_x1), Turn::of(fit.best_y1))),
@@ -121,19 +77,6 @@ void AlignmentMotion::move_frames(PairOfFrames& frames) const {
     for (Vec3& tip : frame.tips) tip = (*this)(tip);
   frames[0].cm = (*this)(frames[0].cm);
   frames[1].cm = {0.0, 0.0, 0.0};
-}
-
-void write_no_guess_angle_warning(RecordStream& screen, RecordStream& log) {
-  write_warning(screen, kScreenTexts);
-  write_warning(log, kLogTexts);
-  log.blank();
-}
-
-void write_second_alignment_error(RecordStream& screen, RecordStream& log) {
-  write_error(screen, kScreenTexts);
-  write_error(log, kLogTexts);
-  log.blank();
-  screen.blank();
 }
 
 }  // namespace dravo

@@ -5,7 +5,6 @@
 
 #include "common/atom_table.hpp"
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
 #include "orientation/grid_scan.hpp"
 
 namespace dravo {
@@ -45,17 +44,5 @@ class AlignmentMotion {
   Matrix3 rotation_;
   Vec3 centre_;
 };
-
-/// The fit of one alignment cycle (0, 1, 2) with its messages: a warning for each pass as long as
-/// no candidate was found. In cycle 1 the first of them is fatal; it throws RunStop.
-AlignmentFit fit_alignment(const MoleculeFrame& molecule2, int cycle, RecordStream& screen,
-                           RecordStream& log);
-
-/// The warning of a pass without a candidate, on both units.
-void write_no_guess_angle_warning(RecordStream& screen, RecordStream& log);
-
-/// What follows the warning when the second alignment finds nothing in its first pass. The run
-/// cannot go on after it.
-void write_second_alignment_error(RecordStream& screen, RecordStream& log);
 
 }  // namespace dravo

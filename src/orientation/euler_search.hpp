@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
 #include "orientation/grid_scan.hpp"
 
 namespace dravo {
@@ -26,17 +25,5 @@ struct EulerSearchWatcher {
 /// comes below one degree give zero angles.
 std::optional<EulerAngles> search_euler_angles(const PairOfFrames& frames,
                                                const EulerSearchWatcher& watcher);
-
-/// Opens the log section of the search.
-void write_search_heading(RecordStream& log);
-
-/// Writes every accepted point and every pass to the log while the search runs.
-EulerSearchWatcher search_log(RecordStream& log);
-
-/// Closes the log section of a search that found the angles.
-void write_search_closing(RecordStream& log);
-
-/// The message of a search that found nothing.
-void write_angles_not_found(RecordStream& out);
 
 }  // namespace dravo

@@ -23,10 +23,4 @@ EulerAngles full_turns_folded(const EulerAngles& angles) {
   return {folded(angles.alpha), folded(angles.beta), folded(angles.gamma)};
 }
 
-void write_molecule_alignment(RecordStream& log) {
-  log.repeat("   ", 2);
-  log.repeat(" ALIGNMENT OF MOLECULES AFTER ACTUAL EULER IDENTIF.", 5);
-  log.repeat("   ", 2);
-}
-
 }  // namespace dravo

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "common/atom_table.hpp"
-#include "common/record_stream.hpp"
 #include "orientation/rotations.hpp"
 
 namespace dravo {
@@ -17,7 +16,5 @@ void align_molecule1(AtomTable auxiliar_paralelas, RowRange molecule1, const Eul
 
 /// A full turn (360 in whole degrees) folded back to exactly zero, angle by angle.
 EulerAngles full_turns_folded(const EulerAngles& angles);
-
-void write_molecule_alignment(RecordStream& log);
 
 }  // namespace dravo

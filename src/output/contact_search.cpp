@@ -38,7 +38,7 @@ bool is_finite(const Vec3& p) {
 /// The atoms of molecule 2 by their cells, in buckets that several cells may share.
 class CellTable {
  public:
-  CellTable(const AtomTable& atoms, RowRange rows) {
+  CellTable(const ConstAtomTable& atoms, RowRange rows) {
     for (std::int32_t k = rows.begin; k < rows.end; ++k) {
       const Vec3 p = atoms.position(k);
       if (!is_finite(p)) continue;
@@ -114,7 +114,7 @@ class CellTable {
 
 }  // namespace
 
-std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
+std::vector<ShortContact> find_short_contacts(const ConstAtomTable& final_coo_and_m,
                                               const MoleculeSplit& split) {
   const CellTable molecule2(final_coo_and_m, split.molecule2());
   std::vector<ShortContact> contacts;

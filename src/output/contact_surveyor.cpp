@@ -83,7 +83,7 @@ void ContactSurveyor::add_group(std::size_t begin, std::size_t end) {
   groups_.push_back(group);
 }
 
-ContactSurvey ContactSurveyor::survey(const AtomTable& placed, RowRange molecule1) const {
+ContactSurvey ContactSurveyor::survey(const ConstAtomTable& placed, RowRange molecule1) const {
   double nearest = std::numeric_limits<double>::infinity();  // squared
   std::int64_t contacts = 0;
   for (std::int32_t i = molecule1.begin; i < molecule1.end; ++i) {

@@ -20,7 +20,7 @@ class ContactSurveyor {
  public:
   explicit ContactSurveyor(std::span<const Vec3> molecule2);
 
-  [[nodiscard]] ContactSurvey survey(const AtomTable& placed, RowRange molecule1) const;
+  [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed, RowRange molecule1) const;
 
   /// Distance of molecule 1's centre from the origin at which, coming from afar along `direction`
   /// (a unit vector), its first atom is as close to one of molecule 2 as a short contact. Zero when

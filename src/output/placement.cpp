@@ -38,7 +38,7 @@ void translate_rows(AtomTable atoms, RowRange rows, const Vec3& translation) {
     atoms.set_position(i, atoms.position(i) + translation);
 }
 
-Placement place_by_user(const AtomTable& parallel, const MoleculeSplit& split,
+Placement place_by_user(const ConstAtomTable& parallel, const MoleculeSplit& split,
                         const MoleculeFrame& molecule1, const EulerAngles& rotation,
                         const SphericalPosition& position, AtomTable placed) {
   const Vec3 translation = cartesian(position) - molecule1.cm;
@@ -52,7 +52,7 @@ Placement place_by_user(const AtomTable& parallel, const MoleculeSplit& split,
   return measured(moved, centre_of_mass(placed, split.molecule2()));
 }
 
-Placement place_as_found(const AtomTable& aligned, const MoleculeSplit& split,
+Placement place_as_found(const ConstAtomTable& aligned, const MoleculeSplit& split,
                          const PairOfFrames& frames, AtomTable placed) {
   const auto& [molecule1, molecule2] = frames;
   const SphericalPosition found = measured_position(molecule1.cm, molecule2.cm);
@@ -60,18 +60,6 @@ Placement place_as_found(const AtomTable& aligned, const MoleculeSplit& split,
   placed.copy_rows(aligned, split.N);
   translate_rows(placed, split.molecule1(), translation);
   return measured(moved_tips(molecule1, translation), molecule2.cm);
-}
-
-void write_rotation_heading(RecordStream& log) {
-  log.repeat("   ", 3);
-  log.repeat(" APLICATION OF USER-DEFINED ROTATION   ", 5);
-  log.repeat("   ", 2);
-}
-
-void write_position_heading(RecordStream& log) {
-  log.repeat("   ", 2);
-  log.repeat(" CHANGING POSITION ACCORDING TO USER ", 5);
-  log.repeat("   ", 2);
 }
 
 }  // namespace dravo

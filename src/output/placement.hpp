@@ -4,7 +4,6 @@
 
 #include "common/atom_table.hpp"
 #include "common/frame.hpp"
-#include "common/record_stream.hpp"
 #include "orientation/rotations.hpp"
 
 namespace dravo {
@@ -39,16 +38,13 @@ struct Placement {
 ///
 /// `parallel` holds the aligned pair with molecule 1 in molecule 2's frame, `molecule1` its frame
 /// before it was turned there. Neither changes, so the same pair can be placed any number of times.
-Placement place_by_user(const AtomTable& parallel, const MoleculeSplit& split,
+Placement place_by_user(const ConstAtomTable& parallel, const MoleculeSplit& split,
                         const MoleculeFrame& molecule1, const EulerAngles& rotation,
                         const SphericalPosition& position, AtomTable placed);
 
 /// Identification: the aligned pair goes to `placed` with molecule 1 at the position measured where
 /// it stands. It moves only when molecule 2's centre of mass is not the origin.
-Placement place_as_found(const AtomTable& aligned, const MoleculeSplit& split,
+Placement place_as_found(const ConstAtomTable& aligned, const MoleculeSplit& split,
                          const PairOfFrames& frames, AtomTable placed);
-
-void write_rotation_heading(RecordStream& log);
-void write_position_heading(RecordStream& log);
 
 }  // namespace dravo

@@ -24,7 +24,7 @@ struct ShortContact {
 
 /// Every intermolecular pair at `kShortDistance` or less, ordered by the atoms of molecule 1, then
 /// of molecule 2.
-std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
+std::vector<ShortContact> find_short_contacts(const ConstAtomTable& final_coo_and_m,
                                               const MoleculeSplit& split);
 
 /// One report per contact, on the screen and in the log. A contact is a warning: the run goes on.

@@ -4,8 +4,8 @@
 
 namespace dravo {
 
-void write_geometry(RecordStream& xyz, std::int32_t N, const AtomTable& positions,
-                    const AtomTable& atomic_numbers) {
+void write_geometry(RecordStream& xyz, std::int32_t N, const ConstAtomTable& positions,
+                    const ConstAtomTable& atomic_numbers) {
   xyz.record(N);
   xyz.blank();
   for (std::int32_t i = 0; i < N; ++i) {

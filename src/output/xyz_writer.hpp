@@ -12,8 +12,8 @@
 namespace dravo {
 
 /// Positions of one table with the atomic numbers of another.
-void write_geometry(RecordStream& xyz, std::int32_t N, const AtomTable& positions,
-                    const AtomTable& atomic_numbers);
+void write_geometry(RecordStream& xyz, std::int32_t N, const ConstAtomTable& positions,
+                    const ConstAtomTable& atomic_numbers);
 
 /// The trailer of input-GEOMETRY.xyz: the number of atoms of molecule 1 and the letter n.
 void write_geometry_trailer(RecordStream& xyz, std::int32_t n1);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "common/number_format.hpp"
 #include "common/record_format.hpp"
 
 namespace dravo {
@@ -42,7 +43,7 @@ constexpr std::array<Column, 16> kPoseColumns{{
     {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.survey.contacts); }},
 }};
 
-void append_atoms(std::string& frame, std::span<const Label> labels, const AtomTable& placed) {
+void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed) {
   constexpr int kWidth = 15;
   std::int32_t i = 0;
   for (const Label& label : labels) {
@@ -77,7 +78,7 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
 }
 
 void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
-                              const AtomTable& placed) const {
+                              const ConstAtomTable& placed) const {
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
   frames += "\nProperties=species:S:1:pos:R:3";
   for (const Column& column : kPoseColumns) {

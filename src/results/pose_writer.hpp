@@ -36,7 +36,8 @@ class PoseWriter {
   ///
   ///     columns   1-2     4-18   20-34   36-50
   ///               symbol  x      y       z       (A2,3(1X,F15.8)), Angstrom
-  void append_frame(std::string& frames, const ScannedPose& pose, const AtomTable& placed) const;
+  void append_frame(std::string& frames, const ScannedPose& pose,
+                    const ConstAtomTable& placed) const;
 
  private:
   std::span<const Label> labels_;

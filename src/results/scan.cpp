@@ -6,9 +6,9 @@
 #include <system_error>
 
 #include "common/errors.hpp"
-#include "common/record_format.hpp"
+#include "common/number_format.hpp"
 #include "common/shown_text.hpp"
-#include "driver/output_names.hpp"
+#include "driver/user_parameters.hpp"
 #include "scan/ordered_chunks.hpp"
 #include "scan/pair_placer.hpp"
 
@@ -20,7 +20,7 @@ std::int64_t poses_of_chunk(const Pair& pair) {
   constexpr std::int64_t kBytesOfChunk = 262144;
   constexpr std::int64_t kBytesOfAtom = 51;
   constexpr std::int64_t kBytesBesides = 600;
-  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.split.N), 1);
+  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.size()), 1);
 }
 
 ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
@@ -44,7 +44,7 @@ void refuse_earlier_folder(const ScanRequest& request) {
 /// r counts from the contact, so only the molecules tell how far it reaches.
 void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
   const double longest = placer.longest_touching_distance() + plan.longest_r();
-  if (plan.above_contact() && !fits_names(longest))
+  if (plan.above_contact() && longest > kLongestDistance)
     throw IoFailure("r may become " + fixed_text(longest, 1) +
                     " Angstrom, too long for the names of files. Allowed: r<9999.9");
 }

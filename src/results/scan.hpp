@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "molecules/pair.hpp"
+#include "dravo/molecule.hpp"
 #include "results/progress.hpp"
 #include "results/scan_files.hpp"
 #include "results/scan_record.hpp"

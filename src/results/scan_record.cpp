@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "common/errors.hpp"
-#include "common/record_format.hpp"
+#include "common/number_format.hpp"
 #include "common/version.hpp"
 #include "scan/fingerprint.hpp"
 
@@ -55,14 +55,13 @@ bool ScanRecord::with_frames() const {
 
 std::map<std::string, std::string> origin_of(const Pair& pair, const ScanPlan& plan) {
   Fingerprint atoms;
-  for (const Label& label : pair.labels) atoms.add(text_of(label));
-  for (const Vec3& p : pair.positions)
+  for (const Label& label : pair.labels()) atoms.add(text_of(label));
+  for (const Vec3& p : pair.positions())
     for (const double coordinate : {p.x, p.y, p.z}) atoms.add(coordinate);
   auto origin = plan.description();
   origin["version"] = DRAVO_VERSION;
-  origin["pair"] = std::to_string(pair.split.n1) + "+" +
-                   std::to_string(pair.split.N - pair.split.n1) + " atoms, " +
-                   std::to_string(atoms.value());
+  origin["pair"] = std::to_string(pair.n1()) + "+" + std::to_string(pair.size() - pair.n1()) +
+                   " atoms, " + std::to_string(atoms.value());
   return origin;
 }
 

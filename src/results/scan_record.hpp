@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "molecules/pair.hpp"
+#include "dravo/molecule.hpp"
 #include "scan/chunk_maker.hpp"
 #include "scan/plan.hpp"
 

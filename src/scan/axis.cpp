@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/number_format.hpp"
 #include "common/number_text.hpp"
-#include "common/record_format.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
 

@@ -7,6 +7,7 @@
 #include "common/constants.hpp"
 #include "common/errors.hpp"
 #include "common/output_folder.hpp"
+#include "driver/input_stops.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
 

@@ -4,8 +4,7 @@
 #include <utility>
 
 #include "common/errors.hpp"
-#include "identify/principal_frames.hpp"
-#include "molecules/discard.hpp"
+#include "dravo/frame.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "output/short_contacts.hpp"
@@ -14,31 +13,20 @@ namespace dravo {
 namespace {
 
 /// The steps of a run up to the place where the user's parameters come in.
-AnalysedPair analyse(const Pair& pair) {
-  const MoleculeSplit& split = pair.split;
+ReadyPair made_ready(const Pair& pair) {
+  (void)principal_frames(pair);  // knows why a molecule has no frame
+  const MoleculeSplit split = split_of(pair);
   OwnedTable newcoo_and_m = table_of(pair);
   OwnedTable originalcoo_and_m(split.N), auxiliar(split.N),
-      inicial_posicao_correta_coo_and_m(split.N);
-  DiscardingSink nobody;
-  RecordStream screen(&nobody), log(&nobody);
+      inicial_posicao_correta_coo_and_m(split.N), auxiliar_paralelas(split.N);
   AnalysisTables tables{newcoo_and_m.table(), originalcoo_and_m.table(), auxiliar.table(),
-                        inicial_posicao_correta_coo_and_m.table()};
-  const PairOfFrames frames = align_pair(split, tables, screen, log);
-  const EulerAngles found = find_euler_angles(frames, screen, log);
-  align_molecule1(auxiliar.table(), split.molecule1(), found, frames[0].cm);
-  return {std::move(auxiliar), frames};
+                        inicial_posicao_correta_coo_and_m.table(), auxiliar_paralelas.table()};
+  AnalysisObserver nobody;
+  const AnalysedPair analysed = analyse_pair(split, tables, nobody);
+  return {std::move(auxiliar_paralelas), analysed.frames, analysed.missed};
 }
 
-AnalysedPair analyse_or_refuse(const Pair& pair) {
-  (void)identify_molecules(pair);  // knows why a molecule has no frame
-  try {
-    return analyse(pair);
-  } catch (const RunStop&) {
-    throw NoRotationFound(NoRotationFound::Search::euler);
-  }
-}
-
-std::vector<Vec3> positions(const AtomTable& table, RowRange rows, const Vec3& origin) {
+std::vector<Vec3> positions(const ConstAtomTable& table, RowRange rows, const Vec3& origin) {
   std::vector<Vec3> points;
   for (std::int32_t i = rows.begin; i < rows.end; ++i) points.push_back(table.position(i) - origin);
   return points;
@@ -47,14 +35,14 @@ std::vector<Vec3> positions(const AtomTable& table, RowRange rows, const Vec3& o
 }  // namespace
 
 PairPlacer::PairPlacer(const Pair& pair)
-    : split_(pair.split),
-      labels_(pair.labels),
-      analysed_(analyse_or_refuse(pair)),
-      offsets_(positions(analysed_.parallel.table(), split_.molecule1(), analysed_.frames[0].cm)),
-      surveyor_(positions(analysed_.parallel.table(), split_.molecule2(), {})) {}
+    : split_(split_of(pair)),
+      labels_(pair.labels()),
+      ready_(made_ready(pair)),
+      offsets_(positions(ready_.parallel.table(), split_.molecule1(), ready_.frames[0].cm)),
+      surveyor_(positions(ready_.parallel.table(), split_.molecule2(), {})) {}
 
 Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const {
-  return place_by_user(analysed_.parallel.table(), split_, analysed_.frames[0],
+  return place_by_user(ready_.parallel.table(), split_, ready_.frames[0],
                        {radians.alpha, radians.beta, radians.gamma},
                        {radians.r, radians.theta, radians.phi}, placed);
 }
@@ -73,7 +61,7 @@ double PairPlacer::longest_touching_distance() const {
     for (const Vec3& point : points) distance = std::max(distance, modulus(point));
     return distance;
   };
-  const auto molecule2 = positions(analysed_.parallel.table(), split_.molecule2(), {});
+  const auto molecule2 = positions(ready_.parallel.table(), split_.molecule2(), {});
   return farthest(offsets_) + farthest(molecule2) + kShortDistance;
 }
 

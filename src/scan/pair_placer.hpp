@@ -13,9 +13,10 @@
 namespace dravo {
 
 /// The pair before the user's parameters come in.
-struct AnalysedPair {
+struct ReadyPair {
   OwnedTable parallel;  ///< aligned, molecule 1 in molecule 2's frame
   PairOfFrames frames;
+  double missed;  ///< see `AnalysedPair`
 };
 
 /// What is constant may be used by several threads, each with a table of its own for the atoms.
@@ -27,10 +28,13 @@ class PairPlacer {
   [[nodiscard]] const MoleculeSplit& split() const { return split_; }
   [[nodiscard]] const std::vector<Label>& labels() const { return labels_; }
 
+  /// By how much the searches of the analysis missed the axes, degrees: poses are that uncertain.
+  [[nodiscard]] double missed() const { return ready_.missed; }
+
   /// The pair by parameters as `prepare_parameters` leaves them, as `qn-dravo` places it.
   Placement place(const PoseRadians& radians, AtomTable& placed) const;
 
-  [[nodiscard]] ContactSurvey survey(const AtomTable& placed) const {
+  [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed) const {
     return surveyor_.survey(placed, split_.molecule1());
   }
 
@@ -44,7 +48,7 @@ class PairPlacer {
  private:
   MoleculeSplit split_;
   std::vector<Label> labels_;
-  AnalysedPair analysed_;
+  ReadyPair ready_;
   std::vector<Vec3> offsets_;  ///< molecule 1's analysed atoms, from its centre of mass
   ContactSurveyor surveyor_;
 };

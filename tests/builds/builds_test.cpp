@@ -10,6 +10,7 @@
 
 #include "common/errors.hpp"
 #include "driver/run.hpp"
+#include "driver/run_stop.hpp"
 #include "end_to_end/program.hpp"
 #include "support/memory_units.hpp"
 

@@ -158,53 +158,6 @@ TEST(FixedFields, NonFiniteValuesAreNamedWhereTheyFit) {
   EXPECT_EQ(fixed(kNotANumber, 2, 1), "**");
 }
 
-/// The fixed notation of the C++ library.
-std::string library_fixed(double value, int decimals) {
-  std::array<char, 400> buffer{};
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                          std::chars_format::fixed, decimals);
-  return {buffer.data(), end};
-}
-
-std::string plain_fixed(double value, int decimals) {
-  std::string text;
-  append_fixed(text, value, decimals);
-  return text;
-}
-
-TEST(FixedNotation, IsThatOfTheLibraryForValuesOfEverySize) {
-  std::mt19937_64 random(20240229);
-  for (int k = 0; k < 200000; ++k) {
-    const int exponent = static_cast<int>(random() % 140) - 100;  // 2^-100 to 2^39
-    const double fraction = 1.0 + static_cast<double>(random() >> 12U) * 0x1p-52;
-    const double value = std::ldexp(random() % 2 == 0 ? fraction : -fraction, exponent);
-    const int decimals = static_cast<int>(random() % 12);
-    ASSERT_EQ(plain_fixed(value, decimals), library_fixed(value, decimals))
-        << std::hexfloat << value;
-  }
-}
-
-TEST(FixedNotation, TiesGoToTheEvenDigit) {
-  EXPECT_EQ(plain_fixed(0.5, 0), "0");
-  EXPECT_EQ(plain_fixed(1.5, 0), "2");
-  EXPECT_EQ(plain_fixed(2.5, 0), "2");
-  EXPECT_EQ(plain_fixed(0.125, 2), "0.12");
-  EXPECT_EQ(plain_fixed(0.375, 2), "0.38");
-  EXPECT_EQ(plain_fixed(-0.001953125, 8), "-0.00195312");
-  EXPECT_EQ(plain_fixed(0.005859375, 8), "0.00585938");
-}
-
-TEST(FixedNotation, EndsOfItsRange) {
-  constexpr double kSmallest = std::numeric_limits<double>::denorm_min();
-  for (const double value :
-       {0.0, -0.0, kSmallest, -kSmallest, std::numeric_limits<double>::min(), 2147483647.9999998,
-        2147483648.0, -2147483647.9999998, 0x1p-84, 0x1.8p-31, 0.999999999, 0.9999999999,
-        std::numeric_limits<double>::max(), kInfinity, -kInfinity})
-    for (const int decimals : {0, 1, 8, 9, 10})
-      EXPECT_EQ(plain_fixed(value, decimals), library_fixed(value, decimals));
-  EXPECT_EQ(plain_fixed(kNotANumber, 3), "nan");
-}
-
 TEST(TextFields, ShorterIsRightAlignedAndLongerCutOnTheRight) {
   EXPECT_EQ(text("C ", 2), "C ");
   EXPECT_EQ(text("C", 2), " C");

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "driver/input_stops.hpp"
+#include "driver/run_stop.hpp"
 #include "support/message_of.hpp"
 #include "support/text_lines.hpp"
 
@@ -49,9 +51,9 @@ std::string row_of_hydrogens(int N, const std::string& n1) {
 
 /// Reads a text into tables of 16 rows.
 struct Reading {
-  InputGeometry operator()(const std::string& text) {
+  RunInput operator()(const std::string& text) {
     FreeFormatReader reader("QN-input-GEOMETRY.xyz", text);
-    return read_input(reader, icoo_and_m, newcoo_and_m, isymbol, screen);
+    return read_input_or_stop(reader, icoo_and_m, newcoo_and_m, isymbol, screen);
   }
 
   AtomStorage<16> input_storage{};
@@ -89,7 +91,7 @@ constexpr auto kTooMany = "  max number of atoms -150000 -exceeded \n";
 
 void expect_water_pair(const std::string& text) {
   Reading reading;
-  const InputGeometry geometry = reading(text);
+  const RunInput geometry = reading(text);
   EXPECT_EQ(reading.screen.text(), "");
   EXPECT_EQ(geometry.split.N, 6);
   EXPECT_EQ(geometry.split.n1, 3);
@@ -217,7 +219,7 @@ TEST(InputReader, AppliesTheBetaZeroRule) {
   std::vector<std::string> lines = water_pair();
   lines[kBeta] = "0.4";
   lines[kGamma] = "500";
-  const InputGeometry geometry = Reading{}(joined(lines));
+  const RunInput geometry = Reading{}(joined(lines));
   // The single-precision value 0.09 in degrees.
   EXPECT_EQ(geometry.user.gamma, 0.09000000357627869 * 0.017453292519943295);
 }
@@ -238,10 +240,10 @@ struct Capacity : testing::Test {
     for (auto* storage : {&tables().input_storage, &tables().working_storage}) storage->fill(0.0);
     tables().labels.fill({'-', '-'});
   }
-  InputGeometry read(const std::string& text) {
+  RunInput read(const std::string& text) {
     FreeFormatReader reader("QN-input-GEOMETRY.xyz", text);
-    return read_input(reader, icoo_and_m, newcoo_and_m, std::span(tables().labels).first(kMaxAtoms),
-                      screen);
+    return read_input_or_stop(reader, icoo_and_m, newcoo_and_m,
+                              std::span(tables().labels).first(kMaxAtoms), screen);
   }
 
   AtomTable icoo_and_m{tables().input_storage};
@@ -250,7 +252,7 @@ struct Capacity : testing::Test {
 };
 
 TEST_F(Capacity, AFullTableIsRead) {
-  const InputGeometry geometry = read(row_of_hydrogens(150000, "75000"));
+  const RunInput geometry = read(row_of_hydrogens(150000, "75000"));
   EXPECT_EQ(screen.text(), "");
   EXPECT_EQ(geometry.split.N, 150000);
   EXPECT_EQ(geometry.split.n1, 75000);

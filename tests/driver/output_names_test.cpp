@@ -6,6 +6,8 @@
 #include <string>
 
 #include "common/errors.hpp"
+#include "driver/input_stops.hpp"
+#include "driver/run_stop.hpp"
 
 namespace dravo {
 namespace {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "driver/run_stop.hpp"
 #include "driver/user_parameters.hpp"
 #include "orientation/rotations.hpp"
 #include "output/placement.hpp"

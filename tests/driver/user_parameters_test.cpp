@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "driver/input_stops.hpp"
+#include "driver/run_stop.hpp"
 
 namespace dravo {
 namespace {

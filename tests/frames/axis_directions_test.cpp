@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "frames/axis_directions_log.hpp"
 #include "frames/symmetric_molecule.hpp"
 #include "frames/upright.hpp"
 #include "inertia/centre_of_mass.hpp"

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "frames/axis_directions.hpp"
+#include "frames/higher_z_reflection_log.hpp"
 #include "frames/upright.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"

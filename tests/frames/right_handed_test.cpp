@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "frames/right_handed_log.hpp"
 #include "support/records.hpp"
 
 namespace dravo {

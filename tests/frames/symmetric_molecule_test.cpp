@@ -5,8 +5,10 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/errors.hpp"
+#include "frames/symmetric_molecule_log.hpp"
 #include "support/records.hpp"
 
 namespace dravo {
@@ -91,37 +93,54 @@ TEST(IsSymmetric, DoesNotDependOnTheDirections) {
   EXPECT_TRUE(is_symmetric({{10.0, 0.0, 0.0}, {-1.0, -1.0, -1.0}}));
 }
 
-TEST(SymmetricStop, GoesOnSilentlyWhenBothMoleculesAreUnique) {
-  RecordStream screen;
-  RecordStream log;
-  EXPECT_NO_THROW(
-      stop_for_symmetric_molecules({kUnique, with_distinguishable(10.0, 10.0, 10.0)}, screen, log));
-  EXPECT_EQ(screen.text(), "");
-  EXPECT_EQ(log.text(), "");
+TEST(SymmetricMolecules, AreNoneWhenBothAreUnique) {
+  EXPECT_NO_THROW(refuse_symmetric_molecules({kUnique, with_distinguishable(10.0, 10.0, 10.0)}));
 }
 
+TEST(SymmetricMolecules, AreNamedWithAReasonEach) {
+  const struct {
+    PairOfFlags flags;
+    std::vector<int> molecules;
+  } cases[] = {{{kSymmetric, kUnique}, {1}},
+               {{kUnique, kSymmetric}, {2}},
+               {{AxisFlags{}, kSymmetric}, {1, 2}}};
+  for (const auto& c : cases) {
+    try {
+      refuse_symmetric_molecules(c.flags);
+      ADD_FAILURE() << "not refused";
+    } catch (const NoUniqueFrame& failure) {
+      EXPECT_EQ(failure.molecules(), c.molecules);
+      ASSERT_EQ(failure.reasons().size(), c.molecules.size());
+      for (std::size_t k = 0; k < c.molecules.size(); ++k)
+        EXPECT_TRUE(failure.reasons()[k].starts_with("molecule " + std::to_string(c.molecules[k])));
+    }
+  }
+}
+
+/// What the screen and the log say of symmetric molecules.
+struct Stop {
+  explicit Stop(const std::vector<int>& molecules) {
+    write_symmetric_molecules(molecules, screen, log);
+  }
+  RecordStream screen, log;
+};
+
 TEST(SymmetricStop, OfMolecule1WritesTheSameMessageTwice) {
-  RecordStream screen;
-  RecordStream log;
-  EXPECT_THROW(stop_for_symmetric_molecules({kSymmetric, kUnique}, screen, log), RunStop);
-  EXPECT_EQ(screen.text(), kMolecule1 + kStopOnScreen);
-  EXPECT_EQ(log.text(), kMolecule1 + kStopInLog);
+  const Stop stop({1});
+  EXPECT_EQ(stop.screen.text(), kMolecule1 + kStopOnScreen);
+  EXPECT_EQ(stop.log.text(), kMolecule1 + kStopInLog);
 }
 
 TEST(SymmetricStop, OfMolecule2NamesXYZOnTheScreenAndZYZInTheLog) {
-  RecordStream screen;
-  RecordStream log;
-  EXPECT_THROW(stop_for_symmetric_molecules({kUnique, kSymmetric}, screen, log), RunStop);
-  EXPECT_EQ(screen.text(), kMolecule2OnScreen + kStopOnScreen);
-  EXPECT_EQ(log.text(), kMolecule2InLog + kStopInLog);
+  const Stop stop({2});
+  EXPECT_EQ(stop.screen.text(), kMolecule2OnScreen + kStopOnScreen);
+  EXPECT_EQ(stop.log.text(), kMolecule2InLog + kStopInLog);
 }
 
 TEST(SymmetricStop, OfBothWritesMolecule1FirstAndStopsOnce) {
-  RecordStream screen;
-  RecordStream log;
-  EXPECT_THROW(stop_for_symmetric_molecules({AxisFlags{}, kSymmetric}, screen, log), RunStop);
-  EXPECT_EQ(screen.text(), kMolecule1 + kMolecule2OnScreen + kStopOnScreen);
-  EXPECT_EQ(log.text(), kMolecule1 + kMolecule2InLog + kStopInLog);
+  const Stop stop({1, 2});
+  EXPECT_EQ(stop.screen.text(), kMolecule1 + kMolecule2OnScreen + kStopOnScreen);
+  EXPECT_EQ(stop.log.text(), kMolecule1 + kMolecule2InLog + kStopInLog);
 }
 
 }  // namespace

@@ -6,7 +6,8 @@
 #include <string_view>
 
 #include "common/errors.hpp"
-#include "driver/input_reader.hpp"
+#include "driver/input_stops.hpp"
+#include "driver/run_stop.hpp"
 
 namespace {
 
@@ -37,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   RecordStream screen;
   FreeFormatReader reader(kInputFileName, text);
   try {
-    const InputGeometry geometry = read_input(reader, icoo_and_m, newcoo_and_m, isymbol, screen);
+    const RunInput geometry = read_input_or_stop(reader, icoo_and_m, newcoo_and_m, isymbol, screen);
     require(geometry.split.N >= 6 && geometry.split.N <= kRows && geometry.split.n1 >= 3);
   } catch (const RunStop&) {
     require(!screen.text().empty());

@@ -7,6 +7,7 @@
 
 #include "common/errors.hpp"
 #include "driver/run.hpp"
+#include "driver/run_stop.hpp"
 #include "support/memory_units.hpp"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "identify/identification.hpp"
+#include "dravo/identify.hpp"
 #include "identify/poses.hpp"
 
 namespace dravo::test {
@@ -17,13 +17,13 @@ constexpr FixedBy angle = FixedBy::reference_angle;
 constexpr FixedBy hand = FixedBy::right_handedness;
 constexpr FixedBy over = FixedBy::right_handedness_over_reference;
 
-Fixing fixing_of(const IdentifiedMolecule& molecule) {
+Fixing fixing_of(const PrincipalFrame& molecule) {
   return {molecule.axes[0].fixed_by, molecule.axes[1].fixed_by, molecule.axes[2].fixed_by};
 }
 
-std::string letters_of(const IdentifiedMolecule& molecule) {
+std::string letters_of(const PrincipalFrame& molecule) {
   std::string letters;
-  for (const IdentifiedAxis& axis : molecule.axes) letters += axis.letter;
+  for (const PrincipalAxis& axis : molecule.axes) letters += axis.letter;
   return letters;
 }
 
@@ -35,7 +35,7 @@ TEST(Axes, HaveLettersByMomentAndMolecule) {
 
 TEST(Axes, AcrossThePlaneOfAMoleculeAreFixedByRightHandedness) {
   const Identification found = identify(pair_of(sample("formamide-dimer")));
-  for (const IdentifiedMolecule& molecule : found.molecules) {
+  for (const PrincipalFrame& molecule : found.molecules) {
     EXPECT_EQ(fixing_of(molecule), (Fixing{angle, angle, hand}));
     EXPECT_NEAR(std::abs(molecule.axes[2].direction.z), 1.0, 1e-6) << "the dimer lies in z = 0";
   }
@@ -51,8 +51,8 @@ TEST(Axes, PointToTheReferenceUnlessRightHandednessFixesThem) {
   std::vector<Pair> pairs{pair_of(kChiral, kChiral)};
   for (const char* name : kPlaceable) pairs.push_back(pair_of(reposed(sample(name), 3)));
   for (const Pair& pair : pairs)
-    for (const IdentifiedMolecule& molecule : identify(pair).molecules)
-      for (const IdentifiedAxis& axis : molecule.axes) {
+    for (const PrincipalFrame& molecule : identify(pair).molecules)
+      for (const PrincipalAxis& axis : molecule.axes) {
         EXPECT_NEAR(axis.angles.along + axis.angles.reversed, 180.0, 1e-4);
         const double difference = axis.angles.reversed - axis.angles.along;
         const bool holds = axis.fixed_by == angle  ? difference > 10.0
@@ -88,7 +88,7 @@ TEST(Reference, IsTheHeaviestElement) {
 
 TEST(Reference, LiesAsFarFromTheCentreOfMassAsItsAtomsDo) {
   const SampleInput given = sample("formamide-dimer");
-  const IdentifiedMolecule molecule = identify(pair_of(given)).molecules[0];
+  const PrincipalFrame molecule = identify(pair_of(given)).molecules[0];
   const Vec3 oxygen = given.atoms[1].position;
   EXPECT_NEAR(molecule.reference.distance, modulus(oxygen - molecule.cm), 1e-12);
   // cm x: (12.011 * -0.60412015 + 14.007 * -0.03527368 + 1.008 * (-0.62084753 + 0.98235653 -

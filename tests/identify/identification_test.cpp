@@ -1,6 +1,4 @@
 /// A pair whose parameters are identified is built from them again.
-#include "identify/identification.hpp"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "common/constants.hpp"
+#include "dravo/identify.hpp"
 #include "driver/param.hpp"
 #include "identify/poses.hpp"
 #include "support/memory_units.hpp"
@@ -51,7 +50,7 @@ TEST_P(IdentifyThenBuild, GivesThePairBack) {
     const Identification found = identify(pair_of(poses[pose]));
     EXPECT_LE(rmsd(positions_of(poses[pose]), built(poses[pose], found.parameters)), 1e-3)
         << "pose " << pose;
-    EXPECT_LE(found.deviation, 0.01) << "pose " << pose;
+    EXPECT_LE(found.missed, 0.01) << "pose " << pose;
   }
 }
 
@@ -89,18 +88,18 @@ TEST_P(IdentifyThenBuild, TellsTheParametersOfABuiltPair) {
 
 TEST_P(IdentifyThenBuild, FindsWhatParamFindsInIdentificationMode) {
   const Pair pair = pair_of(reposed(sample(GetParam()), 5));
-  std::vector<double> storage(kColumns * pair.labels.size());
-  AtomTable table(storage, pair.split.N);
-  for (std::int32_t i = 0; i < pair.split.N; ++i)
-    table.set_position(i, pair.positions[static_cast<std::size_t>(i)]);
-  std::vector<Label> labels = pair.labels;
+  std::vector<double> storage(kColumns * pair.labels().size());
+  AtomTable table(storage, pair.size());
+  for (std::int32_t i = 0; i < pair.size(); ++i)
+    table.set_position(i, pair.positions()[static_cast<std::size_t>(i)]);
+  std::vector<Label> labels = pair.labels();
   MemoryUnits out;
   WorkText work{};
   PoseDegrees found;
   double unused_alpha = 0, unused_beta = 0, unused_gamma = 0, r = 0, theta = 0, phi = 0;
-  param(work, pair.split.N, pair.split.n1, labels, table, r, unused_alpha, unused_beta,
-        unused_gamma, 'n', theta, phi, found.theta, found.phi, found.alpha, found.beta, found.gamma,
-        found.r, out.units);
+  param(work, pair.size(), pair.n1(), labels, table, r, unused_alpha, unused_beta, unused_gamma,
+        'n', theta, phi, found.theta, found.phi, found.alpha, found.beta, found.gamma, found.r,
+        out.units);
   const PoseDegrees p = identify(pair).parameters;
   EXPECT_NEAR(p.r, r, 1e-9);
   EXPECT_NEAR(p.theta, theta / kDegree, 1e-9);
@@ -133,7 +132,7 @@ TEST(Search, ThatMissesInThisPoseIsMadeInAnother) {
       SampleInput tilted = aligned;
       move(tilted, 0, tilted.atoms.size(), turn_about(axis, degrees), {});
       const Identification found = identify(pair_of(tilted));
-      EXPECT_LE(found.deviation, 0.01);
+      EXPECT_LE(found.missed, 0.01);
       expect_parameters(found.parameters, expected);
     }
 }

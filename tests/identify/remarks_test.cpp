@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "identify/identification.hpp"
+#include "dravo/identify.hpp"
 #include "support/pairs.hpp"
 #include "support/sample_input.hpp"
 
@@ -15,7 +15,7 @@ namespace {
 struct RemarkCase {
   const char* name;
   PoseDegrees parameters;
-  double deviation;
+  double missed;
   std::vector<std::string> remarks;
 };
 
@@ -74,7 +74,7 @@ class Remarks : public ::testing::TestWithParam<RemarkCase> {};
 TEST_P(Remarks, TellWhatTheParametersDoNot) {
   Identification identification = identify(pair_of(sample("formamide-dimer")));
   identification.parameters = GetParam().parameters;
-  identification.deviation = GetParam().deviation;
+  identification.missed = GetParam().missed;
   EXPECT_EQ(remarks_on(identification), GetParam().remarks);
 }
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "identify/identification.hpp"
+#include "dravo/identify.hpp"
 #include "identify/poses.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"
@@ -92,12 +92,11 @@ TEST(Moments, AreThoseOfTheAtomsInBothUnits) {
         }
       }
       double sum = 0.0;
-      for (const IdentifiedAxis& axis : found.molecules[first ? 0 : 1].axes) {
+      for (const PrincipalAxis& axis : found.molecules[first ? 0 : 1].axes) {
         sum += axis.moment_amu;
-        // 1 amu = 1.66053907e-24 g; h / (8 pi^2) = 505.379 GHz amu Angstrom^2, and the factor of
-        // the constants is 0.07 percent larger.
+        // 1 amu = 1.66053907e-24 g; h / (8 pi^2) = 505379.0 MHz amu Angstrom^2 (CODATA 2018).
         EXPECT_NEAR(axis.moment / axis.moment_amu, 1.66053907e-40, 1e-46);
-        EXPECT_NEAR(axis.constant * axis.moment_amu, 505.379, 0.001 * 505.379);
+        EXPECT_NEAR(axis.constant * axis.moment_amu, 505.3790, 1e-9 * 505.3790);
       }
       EXPECT_NEAR(sum, 2.0 * pairs / mass, 1e-9 * sum) << name;
     }

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "inertia/mass_centre_log.hpp"
 #include "support/atoms.hpp"
 #include "support/records.hpp"
 

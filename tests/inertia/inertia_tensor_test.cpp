@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "inertia/centre_of_mass.hpp"
+#include "inertia/inertia_tensor_log.hpp"
 #include "support/atoms.hpp"
 
 namespace dravo::test {

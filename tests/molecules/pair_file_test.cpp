@@ -1,5 +1,3 @@
-#include "molecules/pair_file.hpp"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "common/atom_table.hpp"
 #include "common/errors.hpp"
+#include "dravo/molecule.hpp"
 #include "support/message_of.hpp"
 #include "support/sample_input.hpp"
 #include "support/temporary_folder.hpp"
@@ -80,8 +80,8 @@ class PairFiles : public ::testing::Test {
 
 std::vector<std::string> labels_of(const Pair& pair) {
   std::vector<std::string> labels;
-  labels.reserve(pair.labels.size());
-  for (const Label& label : pair.labels)
+  labels.reserve(pair.labels().size());
+  for (const Label& label : pair.labels())
     labels.emplace_back(text_of(label).substr(0, text_of(label).find(' ')));
   return labels;
 }
@@ -95,12 +95,12 @@ std::vector<std::string> labels_of(const std::vector<SampleInput::Atom>& atoms) 
 
 void expect_atoms(const Pair& pair, const std::vector<SampleInput::Atom>& atoms, std::int32_t n1,
                   double error = 0.0) {
-  EXPECT_EQ(pair.split.N, static_cast<std::int32_t>(atoms.size()));
-  EXPECT_EQ(pair.split.n1, n1);
+  EXPECT_EQ(pair.size(), static_cast<std::int32_t>(atoms.size()));
+  EXPECT_EQ(pair.n1(), n1);
   EXPECT_EQ(labels_of(pair), labels_of(atoms));
-  ASSERT_EQ(pair.positions.size(), atoms.size());
+  ASSERT_EQ(pair.positions().size(), atoms.size());
   for (std::size_t i = 0; i < atoms.size(); ++i)
-    EXPECT_LE(modulus(pair.positions[i] - atoms[i].position), error) << i;
+    EXPECT_LE(modulus(pair.positions()[i] - atoms[i].position), error) << i;
 }
 
 using Remarks = std::vector<std::string>;
@@ -223,8 +223,8 @@ TEST_F(PairFiles, ARequestedSplitMayRepeatTheOneOfTheFile) {
   write(kQnInput, formamide_.text());
   write("input-GEOMETRY.xyz", with_trailer(xyz_text(formamide_.atoms), 6));
   for (const std::string& name : {kQnInput, std::string("input-GEOMETRY.xyz")}) {
-    EXPECT_EQ(read(asking(name, "", 6)).pair.split.n1, 6);
-    EXPECT_EQ(read(asking(name, "", SplitByBonds{})).pair.split.n1, 6);
+    EXPECT_EQ(read(asking(name, "", 6)).pair.n1(), 6);
+    EXPECT_EQ(read(asking(name, "", SplitByBonds{})).pair.n1(), 6);
     EXPECT_EQ(failure_of(asking(name, "", 7)),
               name + ": the file gives molecule 1 6 atoms, --split 7");
   }
@@ -367,7 +367,7 @@ const std::vector<Failure> kFailures{
      "pair.xyz: a pair has at most 150000 atoms, found 150001"},
     {"QN input, parameter out of range", asking("pair.xyz"),
      changed([](SampleInput& pair) { pair.parameters[2] = "360.5"; }),
-     "pair.xyz: azimuth angle out of range. Allowed: 0<phi<360 degrees User value : 361"},
+     "pair.xyz: azimuth angle out of range. Allowed: 0<phi<360 degrees, found 360.5"},
     {"QN input, label", asking("pair.xyz"), changed([](SampleInput& pair) {
        pair.atoms[1] = {"Carbon", {1.0, 2.0, 3.0}};
      }),
@@ -387,10 +387,20 @@ const std::vector<Failure> kFailures{
     {"QN input, no number", asking("pair.xyz"),
      [](const SampleInput& pair) {
        std::string text = pair.text();
-       text.replace(text.find(' ', text.find('\n') + 3) + 1, 1, "nan ");
+       text.replace(0, text.find('\n', text.find('\n') + 1), "12\nC nan 0 0");
        return text;
      },
-     "pair.xyz: atom 1 is at no point in space"},
+     "pair.xyz:2: expected a coordinate from -99999 to 999999 Angstrom, found \"nan\"\n"
+     "C nan 0 0\n  ^^^"},
+    {"QN input, a coordinate too large", asking("pair.xyz"),
+     [](const SampleInput& pair) {
+       std::string text = pair.text();
+       const std::size_t second = text.find('\n', text.find('\n') + 1);
+       text.replace(0, text.find('\n', second + 1), "12\nC 1 0 0\nH 0 0 -1e200");
+       return text;
+     },
+     "pair.xyz:3: expected a coordinate from -99999 to 999999 Angstrom, found \"-1e200\"\n"
+     "H 0 0 -1e200\n      ^^^^^^"},
     {"QN input, unreadable", asking("pair.xyz"),
      changed([](SampleInput& pair) { pair.parameters[2] = "9o"; }),
      "pair.xyz:19: expected the azimuth phi in degrees (a number), found \"9o\"\n9o\n^^"},

@@ -161,6 +161,37 @@ TEST(UnreadableXyz, IsOneMessageWithThePlace) {
   for (const auto& [text, message] : kFailures) EXPECT_EQ(failure_of(text), message) << text;
 }
 
+TEST(UnreadableXyz, IsACoordinateThatNoFileOfEightDecimalsHolds) {
+  const auto message = [](const char* found, const char* place) {
+    return std::string("w.xyz:3: expected a coordinate from -99999 to 999999 Angstrom, found \"") +
+           found + "\"\n" + place;
+  };
+  EXPECT_EQ(failure_of("1\n\nH 1e200 0 0\n"), message("1e200", "H 1e200 0 0\n  ^^^^^"));
+  EXPECT_EQ(failure_of("1\n\nH 0 999999.1 0\n"),
+            message("999999.1", "H 0 999999.1 0\n    ^^^^^^^^"));
+  EXPECT_EQ(failure_of("1\n\nH 0 0 -99999.1\n"),
+            message("-99999.1", "H 0 0 -99999.1\n      ^^^^^^^^"));
+  EXPECT_EQ(shown(read("1\n\nH 999999 -99999 0\n")), "H 999999 -99999 0");
+}
+
+TEST(UnreadableXyz, JudgesACoordinateInAngstromWhateverTheUnitOfTheFile) {
+  constexpr double kBohr = 0.529177210903;
+  const std::string text = "1\n\nH 1000000 0 0\n";
+  EXPECT_EQ(read_xyz({"w.xyz", text}, 1, kBohr).positions[0].x, kBohr * 1000000.0);
+  EXPECT_THROW(read_xyz({"w.xyz", text}, 1), InvalidInput);
+}
+
+TEST(UnreadableXyz, TellsItsPlaceToPrograms) {
+  try {
+    read("2\n\nH 0 0 0\nC1 0 0 1\n");
+    FAIL() << "accepted";
+  } catch (const InvalidInput& failure) {
+    EXPECT_EQ(failure.file(), "w.xyz");
+    EXPECT_EQ(failure.line(), 4);
+    EXPECT_EQ(failure.column(), 1);
+  }
+}
+
 TEST(UnreadableXyz, WhatOnlyResemblesATrailerIsAFrame) {
   EXPECT_EQ(failure_of("1\n\nH 0 0 0\n\n 3\n\nm\n"),
             "w.xyz:8: expected atom 2 of the 3 that line 5 announces, found the end of the file");

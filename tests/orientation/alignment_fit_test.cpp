@@ -11,6 +11,10 @@
 #include <string>
 
 #include "common/errors.hpp"
+#include "driver/run_stop.hpp"
+#include "orientation/alignment_fit_log.hpp"
+#include "orientation/pair_analysis.hpp"
+#include "orientation/pair_analysis_log.hpp"
 #include "support/atoms.hpp"
 
 namespace dravo {
@@ -192,7 +196,8 @@ TEST(AlignmentCycle, FirstAndThirdGoOnAfterTenWarnings) {
   for (const int cycle : {0, 2}) {
     RecordStream screen;
     RecordStream log;
-    const AlignmentFit fit = fit_alignment(left_handed_frame(), cycle, screen, log);
+    PairAnalysisLog observer(screen, log);
+    const AlignmentFit fit = fit_alignment_of_cycle(left_handed_frame(), cycle, observer);
     EXPECT_FALSE(fit.found);
     for (const RecordStream* unit : {&screen, &log}) {
       EXPECT_EQ(occurrences(unit->text(), " WARNING - NO GUESS ANGLE FOUND"), 10U) << cycle;
@@ -204,7 +209,14 @@ TEST(AlignmentCycle, FirstAndThirdGoOnAfterTenWarnings) {
 TEST(AlignmentCycle, SecondStopsAfterOneWarning) {
   RecordStream screen;
   RecordStream log;
-  EXPECT_THROW(fit_alignment(left_handed_frame(), 1, screen, log), RunStop);
+  PairAnalysisLog observer(screen, log);
+  try {
+    fit_alignment_of_cycle(left_handed_frame(), 1, observer);
+    FAIL() << "a rotation was found";
+  } catch (const NoRotationFound& failure) {
+    EXPECT_EQ(failure.search(), NoRotationFound::Search::alignment);
+    write_stop(failure, screen, log);
+  }
   for (const RecordStream* unit : {&screen, &log}) {
     EXPECT_EQ(occurrences(unit->text(), " WARNING - NO GUESS ANGLE FOUND"), 1U);
     EXPECT_EQ(occurrences(unit->text(), " AFTER SECOND AXES ALIGNMENT "), 1U);
@@ -215,7 +227,9 @@ TEST(AlignmentCycle, SecondStopsAfterOneWarning) {
 TEST(AlignmentCycle, SaysNothingWhenACandidateIsFound) {
   RecordStream screen;
   RecordStream log;
-  EXPECT_TRUE(fit_alignment(frame_of({1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}), 1, screen, log).found);
+  PairAnalysisLog observer(screen, log);
+  EXPECT_TRUE(
+      fit_alignment_of_cycle(frame_of({1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}), 1, observer).found);
   EXPECT_EQ(screen.text() + log.text(), "");
 }
 

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "orientation/euler_search_log.hpp"
+
 namespace dravo {
 namespace {
 
@@ -285,7 +287,7 @@ TEST(EulerSearchLog, AcceptedPointShowsTheCosineOfZTwice) {
   // acos(1) = 0, acos(0) = 90, acos(-1) = 180 degrees; pi and its half are 180 and 90 degrees.
   RecordStream log;
   const AxesMatch match{90, {{{1.0, 0.25}, {0.0, 0.125}, {-1.0, 0.5}}}, 0.875};
-  search_log(log).accepted({kHalfTurn, kHalfTurn / 2.0, 0.0}, match, 1.0);
+  write_accepted_point(log, {kHalfTurn, kHalfTurn / 2.0, 0.0}, match, 1.0);
   EXPECT_EQ(log.text(),
             "   \n"
             "   \n"
@@ -320,7 +322,7 @@ TEST(EulerSearchLog, EndOfAPassShowsTheBestPointAndTheNextStart) {
   // One radian is 57.29577951308232 degrees, 57.295779513082323 as a 17-digit double.
   RecordStream log;
   const BestPoint best{kHalfTurn, 1.0, 0.0, {0.25, 0.125, 0.5}, 0.875};
-  search_log(log).pass_done(3, best, {-kHalfTurn, 0.5, 0.125, 0.0625, 105}, 1.0);
+  write_pass(log, 3, best, {-kHalfTurn, 0.5, 0.125, 0.0625, 105}, 1.0);
   EXPECT_EQ(log.text(),
             " alpha fit ALIGNMENT           0\n"
             " alpha fit ALIGNMENT   0.0000000000000000     \n"
@@ -357,7 +359,7 @@ TEST(EulerSearchLog, EndOfAPassShowsTheBestPointAndTheNextStart) {
 TEST(EulerSearchLog, DegreesOfTheBestPointAndOfTheNextStartMayDifferInTheLastDigit) {
   RecordStream log;
   const BestPoint best{4.2, 4.2, 4.2, {0.0, 0.0, 0.0}, 0.0};
-  search_log(log).pass_done(1, best, {4.2, 4.2, 0.125, 0.0625, 105}, 4.2);
+  write_pass(log, 1, best, {4.2, 4.2, 0.125, 0.0625, 105}, 4.2);
   for (const char* record : {" alpha fit ALIGNMENT   240.64227395494578     \n",
                              " beta  fit ALIGNMENT   240.64227395494578     \n",
                              " gamma fit ALIGNMENT   240.64227395494578     \n",

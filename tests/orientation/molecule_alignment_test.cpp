@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <random>
 
+#include "orientation/molecule_alignment_log.hpp"
 #include "orientation/rotations.hpp"
 #include "support/atoms.hpp"
 

@@ -12,6 +12,7 @@
 
 #include "common/errors.hpp"
 #include "driver/element_table.hpp"
+#include "orientation/pair_analysis_log.hpp"
 #include "support/atoms.hpp"
 #include "support/sample_input.hpp"
 
@@ -21,7 +22,7 @@ namespace {
 using test::SmallTable;
 
 struct Analysis {
-  SmallTable newcoo_and_m, originalcoo_and_m, auxiliar, inicial;
+  SmallTable newcoo_and_m, originalcoo_and_m, auxiliar, inicial, auxiliar_paralelas;
   PairOfFrames frames;
   EulerAngles angles;
   RecordStream screen;
@@ -32,11 +33,13 @@ struct Analysis {
   void run(const test::SampleInput& pair) {
     for (const auto& atom : pair.atoms) newcoo_and_m.add({atom.label, atom.position});
     AnalysisTables tables{newcoo_and_m.table(), originalcoo_and_m.table(), auxiliar.table(),
-                          inicial.table()};
+                          inicial.table(), auxiliar_paralelas.table()};
     const MoleculeSplit split{static_cast<std::int32_t>(pair.atoms.size()),
                               static_cast<std::int32_t>(pair.n1)};
-    frames = align_pair(split, tables, screen, log);
-    angles = find_euler_angles(frames, screen, log);
+    PairAnalysisLog observer(screen, log);
+    const AnalysedPair analysed = analyse_pair(split, tables, observer);
+    frames = analysed.frames;
+    angles = analysed.found;
   }
 };
 
@@ -91,7 +94,14 @@ TEST(LeftHandedFrame, StopsTheEulerSearchWithItsTextFourTimes) {
   tip = reflected(tip, frames[0].cm);
   RecordStream screen;
   RecordStream log;
-  EXPECT_THROW(find_euler_angles(frames, screen, log), RunStop);
+  PairAnalysisLog observer(screen, log);
+  try {
+    find_euler_angles(frames, observer);
+    FAIL() << "angles were found";
+  } catch (const NoRotationFound& failure) {
+    EXPECT_EQ(failure.search(), NoRotationFound::Search::euler);
+    write_stop(failure, screen, log);
+  }
   std::string expected;
   for (int i = 0; i < 4; ++i) expected += "  ERROR - EULER ANGLES NOT FOUND \n";
   EXPECT_EQ(screen.text(), expected);
@@ -156,7 +166,7 @@ TEST(AlignedPair, AxisThatWasToldFromItsOppositeOnceStaysSo) {
     Analysis analysis;
     try {
       analysis.run(pair);
-    } catch (const RunStop&) {
+    } catch (const Error&) {
       // Fewer than two axes of molecule 1 have a direction, or the search finds no rotation.
     }
     const auto tables = flag_tables(analysis.log.text());

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "output/placement_log.hpp"
 #include "support/atoms.hpp"
 
 namespace dravo {

@@ -14,6 +14,7 @@
 
 #include "common/errors.hpp"
 #include "driver/run.hpp"
+#include "driver/run_stop.hpp"
 #include "properties/molecules.hpp"
 #include "properties/placed_pair.hpp"
 #include "support/memory_units.hpp"
@@ -22,7 +23,7 @@
 namespace dravo {
 namespace {
 
-using test::AnalysedPair;
+using test::AlignedPair;
 using test::any_pair;
 using test::any_parameters;
 using test::Axes;
@@ -62,10 +63,10 @@ struct Share {
 constexpr double kFinePlace = 1e-3;            // Angstrom
 constexpr double kFineAngle = 0.01 * kDegree;  // radians
 
-std::optional<AnalysedPair> analysed(const MoleculePair& pair) {
+std::optional<AlignedPair> analysed(const MoleculePair& pair) {
   try {
-    return std::optional<AnalysedPair>(std::in_place, pair);
-  } catch (const RunStop&) {
+    return std::optional<AlignedPair>(std::in_place, pair);
+  } catch (const Error&) {
     return std::nullopt;
   }
 }
@@ -132,7 +133,7 @@ TEST(PlacedPair, IsTheOneThatTheFramesAndTheParametersDefine) {
     const Matrix3 A = test::rotation_by(user);
     for (test::Atom& atom : expected.one) atom.position = A * atom.position + expected_centre(user);
 
-    const MoleculePair found = AnalysedPair(pair).placed(pair, user);
+    const MoleculePair found = AlignedPair(pair).placed(pair, user);
     const double one = expect_same_places(found.one, expected.one, kMolecule1Off);
     const double two = expect_same_places(found.two, expected.two, kMolecule2Off);
     share.count(one <= kFinePlace && two <= kFinePlace);
@@ -155,8 +156,8 @@ TEST(PlacedPair, DependsNeitherOnThePosesNorOnTheOrderOfTheAtoms) {
     const MoleculePair given{posed(pair.one, pose1), posed(pair.two, pose2)};
     RC_PRE(is_decided(pair) && is_decided(given));
 
-    const MoleculePair first = AnalysedPair(pair).placed(pair, user);
-    const MoleculePair second = AnalysedPair(given).placed(given, user);
+    const MoleculePair first = AlignedPair(pair).placed(pair, user);
+    const MoleculePair second = AlignedPair(given).placed(given, user);
     const double one =
         expect_same_places(second.one, reordered(first.one, pose1.order), 2.0 * kMolecule1Off);
     const double two =
@@ -209,9 +210,9 @@ RC_GTEST_PROP(AlignedPair, FramesAreRightHandedAndOrthonormal, ()) {
 RC_GTEST_PROP(AlignedPair, Molecule2LiesOnTheLaboratoryAxesWithItsCentreAtTheOrigin, ()) {
   const MoleculePair pair = *any_pair();
   RC_PRE(is_decided(pair));
-  AnalysedPair analysis(pair);
+  AlignedPair analysis(pair);
   const MoleculeFrame& frame = analysis.frames[1];
-  const Molecule atoms = AnalysedPair::molecules(pair, analysis.aligned.table()).two;
+  const Molecule atoms = AlignedPair::molecules(pair, analysis.aligned.table()).two;
 
   expect_near(frame.cm, {0.0, 0.0, 0.0}, 0.0);
   expect_near(test::centre_of(atoms), {0.0, 0.0, 0.0}, 1e-9);
@@ -304,7 +305,7 @@ TEST(BuiltPair, IsIdentifiedAgainByTheParametersAskedFor) {
     RC_PRE(is_decided(given));
 
     const PoseRadians user = radians_of(degrees);
-    const PoseRadians found = AnalysedPair(given).parameters();
+    const PoseRadians found = AlignedPair(given).parameters();
     const double line = line_off(found, user), rotation = rotation_off(found, user);
     RC_ASSERT(std::abs(found.r - user.r) <= 1e-3);
     RC_ASSERT(line <= 2.0 * kMolecule2Off);

@@ -1,8 +1,6 @@
 /// A pair taken through the stages, with everything that they hand on in memory.
 #pragma once
 
-#include "common/record_stream.hpp"
-#include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "output/placement.hpp"
 #include "properties/molecules.hpp"
@@ -10,17 +8,19 @@
 namespace dravo::test {
 
 /// A pair whose frames and Euler angles are known.
-struct AnalysedPair {
-  /// Lets RunStop through.
-  explicit AnalysedPair(const MoleculePair& pair)
+struct AlignedPair {
+  /// Lets NoUniqueFrame and NoRotationFound through.
+  explicit AlignedPair(const MoleculePair& pair)
       : split{static_cast<std::int32_t>(pair.one.size() + pair.two.size()),
               static_cast<std::int32_t>(pair.one.size())} {
     for (const Molecule& molecule : {pair.one, pair.two})
       for (const Atom& atom : molecule) newcoo_and_m.add(atom);
     AnalysisTables tables{newcoo_and_m.table(), originalcoo_and_m.table(), aligned.table(),
-                          inicial.table()};
-    frames = align_pair(split, tables, screen, log);
-    found = find_euler_angles(frames, screen, log);
+                          inicial.table(), parallel.table()};
+    AnalysisObserver nobody;
+    const AnalysedPair analysed = analyse_pair(split, tables, nobody);
+    frames = analysed.frames;
+    found = analysed.found;
   }
 
   /// The six parameters of the pair as it stands, angles in radians.
@@ -31,16 +31,14 @@ struct AnalysedPair {
 
   /// Molecule 1 and molecule 2, placed by the user's parameters, angles in radians.
   MoleculePair placed(const MoleculePair& pair, const PoseRadians& user) {
-    SmallTable parallel, placed;
-    parallel.table().copy_rows(aligned.table(), split.N);
-    align_molecule1(parallel.table(), split.molecule1(), found, frames[0].cm);
+    SmallTable placed;
     place_by_user(parallel.table(), split, frames[0], {user.alpha, user.beta, user.gamma},
                   {user.r, user.theta, user.phi}, placed.table());
     return molecules(pair, placed.table());
   }
 
   /// The atoms of a pair at the positions of a table's rows.
-  [[nodiscard]] static MoleculePair molecules(MoleculePair pair, const AtomTable& table) {
+  [[nodiscard]] static MoleculePair molecules(MoleculePair pair, const ConstAtomTable& table) {
     std::int32_t row = 0;
     for (Molecule* molecule : {&pair.one, &pair.two})
       for (Atom& atom : *molecule) atom.position = table.position(row++);
@@ -48,11 +46,9 @@ struct AnalysedPair {
   }
 
   MoleculeSplit split;
-  SmallTable newcoo_and_m, originalcoo_and_m, aligned, inicial;
+  SmallTable newcoo_and_m, originalcoo_and_m, aligned, inicial, parallel;
   PairOfFrames frames;
   EulerAngles found;
-  RecordStream screen;
-  RecordStream log;
 };
 
 }  // namespace dravo::test

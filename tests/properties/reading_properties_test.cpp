@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "driver/element_table.hpp"
-#include "driver/input_reader.hpp"
+#include "driver/input_stops.hpp"
 #include "properties/molecules.hpp"
 
 namespace dravo {
@@ -152,7 +152,7 @@ struct ReadInput {
   explicit ReadInput(const std::string& text) {
     FreeFormatReader reader("input", text);
     RecordStream screen;
-    input = read_input(reader, table, second_table, labels, screen);
+    input = read_input_or_stop(reader, table, second_table, labels, screen);
   }
 
   std::vector<Label> labels = std::vector<Label>(64);
@@ -160,7 +160,7 @@ struct ReadInput {
   AtomStorage<64> second_storage{};
   AtomTable table{storage};
   AtomTable second_table{second_storage};
-  InputGeometry input{};
+  RunInput input{};
 };
 
 void expect_read_as_written(const std::string& text, const Values& values) {

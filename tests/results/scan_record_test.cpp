@@ -217,12 +217,13 @@ TEST(Origin, TellsPlansAndPairsApart) {
   EXPECT_EQ(origin_of(pair, plan), origin);
   EXPECT_EQ(origin.at("pair").substr(0, 11), "6+6 atoms, ");
 
-  std::vector<Pair> others(4, pair);
-  others[0].positions[7].y += 1e-12;
-  others[1].labels[2] = {'S', ' '};
-  others[2].split.n1 = 5;
-  std::swap(others[3].positions[1], others[3].positions[2]);
-  for (const Pair& other : others) EXPECT_NE(origin_of(other, plan).at("pair"), origin.at("pair"));
+  std::vector<SampleInput> others(4, sample("formamide-dimer"));
+  others[0].atoms[7].position.y += 1e-12;
+  others[1].atoms[2].label = "S";
+  others[2].n1 = 5;
+  std::swap(others[3].atoms[1].position, others[3].atoms[2].position);
+  for (const SampleInput& other : others)
+    EXPECT_NE(origin_of(pair_of(other), plan).at("pair"), origin.at("pair"));
   EXPECT_NE(origin_of(pair, plan_of({{"r", "3"}, {"random", "6"}})), origin);
 }
 

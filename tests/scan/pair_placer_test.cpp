@@ -11,6 +11,7 @@
 #include <string>
 
 #include "common/errors.hpp"
+#include "driver/input_stops.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
 #include "driver/run.hpp"
@@ -145,9 +146,9 @@ INSTANTIATE_TEST_SUITE_P(RealPairs, PairPlacerOf, ::testing::ValuesIn(kPairs));
 TEST(PairPlacer, KeepsLabelsAndDivision) {
   const Pair pair = pair_of(sample("acetamide-acrylonitrile"));
   const PairPlacer placer(pair);
-  EXPECT_EQ(placer.labels(), pair.labels);
-  EXPECT_EQ(placer.split().N, pair.split.N);
-  EXPECT_EQ(placer.split().n1, pair.split.n1);
+  EXPECT_EQ(placer.labels(), pair.labels());
+  EXPECT_EQ(placer.split().N, pair.size());
+  EXPECT_EQ(placer.split().n1, pair.n1());
 }
 
 TEST(PairPlacer, RefusesAPairWithASymmetricMolecule) {

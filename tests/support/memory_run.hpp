@@ -6,6 +6,7 @@
 #include <string>
 
 #include "driver/run.hpp"
+#include "driver/run_stop.hpp"
 #include "support/memory_units.hpp"
 
 namespace dravo::test {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "molecules/pair.hpp"
+#include "dravo/molecule.hpp"
 #include "support/atoms.hpp"
 #include "support/sample_input.hpp"
 
@@ -18,9 +18,7 @@ inline Label label_of(std::string_view symbol) {
 }
 
 inline Pair pair_of(std::size_t n1, std::vector<Label> labels, std::vector<Vec3> positions) {
-  const MoleculeSplit split{static_cast<std::int32_t>(labels.size()),
-                            static_cast<std::int32_t>(n1)};
-  return {split, std::move(labels), std::move(positions)};
+  return {static_cast<std::int32_t>(n1), Molecule(std::move(labels), std::move(positions))};
 }
 
 /// Its molecules; labels must be symbols.

@@ -1,0 +1,27 @@
+/// @file
+/// What molecules are made of.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace dravo {
+
+/// A point or a vector.
+struct Vec3 {
+  double x = 0.0;
+  double y = 0.0;
+  double z = 0.0;
+};
+
+/// Symbol of an element, blank-padded on the right: {'C', 'l'}, {'H', ' '}.
+using Label = std::array<char, 2>;
+
+/// Most atoms of a molecule or a pair.
+inline constexpr std::int32_t kMaxAtoms = 150000;
+
+/// Fewest atoms of both molecules of a pair together, and of molecule 1.
+inline constexpr std::int32_t kFewestAtoms = 6;
+inline constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
+
+}  // namespace dravo

@@ -1,0 +1,113 @@
+/// @file
+/// Molecules, pairs of them, and the files that hold them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "dravo/atoms.hpp"
+#include "dravo/pose.hpp"
+
+namespace dravo {
+
+/// Where a coordinate may lie, Angstrom: what a file with eight decimals in fifteen columns holds.
+inline constexpr double kLowestCoordinate = -99999.0;
+inline constexpr double kHighestCoordinate = 999999.0;
+
+/// One or more atoms, each of an element H to U and at a point with coordinates from
+/// `kLowestCoordinate` to `kHighestCoordinate`. Nothing else can be made.
+///
+/// @code
+/// const dravo::Molecule water({"O", "H", "H"},
+///                             {{0, 0, 0.117}, {0, 0.757, -0.469}, {0, -0.757, -0.469}});
+/// @endcode
+class Molecule {
+ public:
+  /// `symbols`: one for each position, in any case, or atomic numbers ("8"). `positions`: Angstrom.
+  /// Throws InvalidInput, which names the atom.
+  Molecule(const std::vector<std::string>& symbols, std::vector<Vec3> positions);
+
+  /// The same from labels, each the symbol of an element in its usual spelling.
+  Molecule(std::vector<Label> labels, std::vector<Vec3> positions);
+
+  [[nodiscard]] std::int32_t size() const { return static_cast<std::int32_t>(labels_.size()); }
+  [[nodiscard]] const std::vector<Label>& labels() const { return labels_; }
+  [[nodiscard]] const std::vector<Vec3>& positions() const { return positions_; }  ///< Angstrom
+
+  /// Symbol of atom `i`, from 0, without blanks. The view lives as long as the molecule.
+  [[nodiscard]] std::string_view symbol(std::int32_t i) const;
+
+ private:
+  std::vector<Label> labels_;
+  std::vector<Vec3> positions_;
+};
+
+/// Two molecules as somebody gave them, molecule 1 first: `kFewestAtoms` to `kMaxAtoms` atoms, at
+/// least `kFewestAtomsOfMolecule1` of them molecule 1's and one molecule 2's. Nothing else can be
+/// made.
+///
+/// @code
+/// const dravo::Pair dimer(formamide, ethanol);
+/// const dravo::Pair same = dravo::read_pair({.file = "dimer.xyz", .split = 6}).pair;
+/// @endcode
+class Pair {
+ public:
+  Pair(const Molecule& molecule1, const Molecule& molecule2);
+
+  /// The first `n1` atoms are molecule 1. Throws InvalidInput.
+  Pair(std::int32_t n1, Molecule atoms);
+
+  [[nodiscard]] std::int32_t size() const { return atoms_.size(); }  ///< N
+  [[nodiscard]] std::int32_t n1() const { return n1_; }  ///< atoms of molecule 1, the first ones
+
+  /// Of both molecules.
+  [[nodiscard]] const std::vector<Label>& labels() const { return atoms_.labels(); }
+  [[nodiscard]] const std::vector<Vec3>& positions() const { return atoms_.positions(); }
+
+ private:
+  Molecule atoms_;
+  std::int32_t n1_;
+};
+
+enum class LengthUnit { angstrom, bohr };
+
+/// The two molecules are the two bonded components.
+struct SplitByBonds {};
+
+/// How a file of both molecules divides into them: by bonds, or after so many atoms. Empty when the
+/// file tells it.
+using Split = std::optional<std::variant<SplitByBonds, std::int32_t>>;
+
+/// Which pair is wanted of which files.
+struct PairRequest {
+  std::string file;
+  std::string second_file = {};  ///< molecule 2, when `file` holds molecule 1 alone; else empty
+  Split split = std::nullopt;
+  std::int32_t frame = 1;  ///< of files with several, from 1
+  LengthUnit unit = LengthUnit::angstrom;
+};
+
+struct PairFile {
+  Pair pair;
+  /// As a QN-input-GEOMETRY.xyz states it; empty for other files.
+  std::optional<PoseDegrees> parameters;
+  /// What the user should know about the reading, one sentence each: atoms that were reordered, an
+  /// ignored frame, ...
+  std::vector<std::string> remarks;
+};
+
+/// Reads standard and extended xyz, `QN-input-GEOMETRY.xyz`, `input-GEOMETRY.xyz` with its trailer;
+/// told apart by their contents. Throws InvalidInput for whatever cannot be read, is no element, or
+/// is not two molecules, and IoFailure when the system refuses the file.
+PairFile read_pair(const PairRequest& request);
+
+/// Reads one molecule, all atoms of frame `frame` (from 1) of a standard or extended xyz file.
+/// Throws InvalidInput and IoFailure.
+Molecule read_molecule(const std::string& file, std::int32_t frame = 1,
+                       LengthUnit unit = LengthUnit::angstrom);
+
+}  // namespace dravo

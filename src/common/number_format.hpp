@@ -1,0 +1,33 @@
+/// Numbers as text, whatever the locale.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace dravo {
+
+/// Correctly rounded from the binary value, without padding: "-12.50" for two decimals. `nan` and
+/// `inf` for values that are not finite.
+void append_fixed(std::string& text, double value, int decimals);
+std::string fixed_text(double value, int decimals);
+
+/// The shortest text that reads back as the same number.
+void append_shortest(std::string& text, double value);
+void append_shortest(std::string& text, std::int64_t value);
+std::string shortest_text(double value);
+
+/// One digit before the point, so many decimals and an exponent without padding: "6.0221e-38".
+/// `nan` and `inf` for values that are not finite.
+std::string scientific_text(double value, int decimals);
+
+/// Room for the longest fixed notation of a double: sign, 309 digits, point and the decimals of a
+/// field.
+using FixedBuffer = std::array<char, 1100>;
+
+/// The text that `append_fixed` adds, within the buffer.
+std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals);
+
+}  // namespace dravo
