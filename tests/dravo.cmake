@@ -10,6 +10,7 @@ dravo_test_programs(molecules dravo_tools
   element_label_test.cpp
   fragments_test.cpp
   input_text_test.cpp
+  neighbour_grid_test.cpp
   pair_file_test.cpp
   xyz_file_test.cpp)
 

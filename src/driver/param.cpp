@@ -9,7 +9,7 @@
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "output/placement.hpp"
-#include "output/short_contacts.hpp"
+#include "output/short_contacts_log.hpp"
 #include "output/xyz_writer.hpp"
 
 namespace dravo {
