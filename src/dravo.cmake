@@ -7,6 +7,7 @@ find_package(tomlplusplus REQUIRED)
 set(DRAVO_TOOLS_SOURCES
   identify/identification.cpp
   identify/principal_frames.cpp
+  molecules/covalent_radii.cpp
   molecules/element_label.cpp
   molecules/fragments.cpp
   molecules/input_text.cpp

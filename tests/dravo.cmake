@@ -7,6 +7,7 @@ add_executable(dravo-cli-sanitized)
 target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_tools_sanitized)
 
 dravo_test_programs(molecules dravo_tools
+  covalent_radii_test.cpp
   element_label_test.cpp
   fragments_test.cpp
   input_text_test.cpp

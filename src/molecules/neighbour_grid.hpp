@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -73,7 +72,9 @@ class NeighbourGrid {
     Key key;
     std::int32_t row;
 
-    auto operator<=>(const KeyedRow&) const = default;
+    bool operator<(const KeyedRow& other) const {
+      return key < other.key || (key == other.key && row < other.row);
+    }
   };
 
   struct Cell {
@@ -95,7 +96,7 @@ class NeighbourGrid {
   std::vector<Member> members_;
   std::vector<Cell> cells_;             ///< by buckets, and one that begins where the last ends
   std::vector<std::uint32_t> buckets_;  ///< begins of 2^n buckets in `cells_`, and the last end
-  int shift_ = 0;                       ///< 64 - n
+  unsigned shift_ = 0;                  ///< 64 - n
   Vec3 lowest_;                         ///< corner of the box around all points
   Vec3 highest_;                        ///< its other corner
 };

@@ -69,13 +69,13 @@ struct ContactSurveyor::Nearness {
     reach = std::max(std::sqrt(shortest_square), kShortDistance);
   }
 
-  /// All that is up to `spread` from the ends of `d`, in all.
+  /// Whether all that is up to `spread`, in sum, from the ends of `d` is.
   [[nodiscard]] bool is_beyond(const Vec3& d, double spread) const {
     return dot(d, d) > square(reach + spread) * (1.0 + kMargin);
   }
 };
 
-/// Around the middle of the box around the points. None of it overflows that need not.
+/// Around the middle of the box around the points.
 template <class PositionOf>
 ContactSurveyor::Sphere ContactSurveyor::sphere_around(std::size_t points,
                                                        const PositionOf& position_of) {
@@ -127,8 +127,8 @@ void ContactSurveyor::survey_group(const Group& group, const AtomTable& placed, 
   }
 }
 
-/// Calls visit(group) for the groups of highest rank first: others need not be visited any more
-/// once something is known.
+/// Calls visit(group) for all groups, and first for the one of highest rank, whose atoms are to
+/// rule out most of the others.
 template <class Rank, class Visit>
 void ContactSurveyor::visit_first_and_others(const Rank& rank, const Visit& visit) const {
   const Group* first = nullptr;
@@ -144,7 +144,6 @@ void ContactSurveyor::visit_first_and_others(const Rank& rank, const Visit& visi
     if (&group != first) visit(group);
 }
 
-/// The group nearest to molecule 1 comes first, since the distances found there rule out the most.
 ContactSurvey ContactSurveyor::survey(const AtomTable& placed, RowRange molecule1) const {
   Nearness nearness;
   if (groups_.size() == 1) {
