@@ -142,6 +142,41 @@ TEST(NeighbourGrid, FindsPairsAsFarApartAsTheReachInAnyDirection) {
   }
 }
 
+TEST(NeighbourGrid, FindsPairsThatRoundingWouldPullApart) {
+  // One point just below the origin or 2^n reaches, the other as far as the reach from it: divided
+  // by the reach, the second may round up to the multiple after the next.
+  Random random(7);
+  std::size_t near_ones = 0;
+  for (int repeat = 0; repeat < 2000; ++repeat) {
+    const double reach = uniform(random, 0.5, 5.0);
+    for (int n = 0; n < 40; ++n) {
+      const double below = n == 0 ? -1e-20 : std::nextafter(std::ldexp(reach, n), 0.0);
+      const Points pair{{below, 0.0, 0.0}, {below + reach, 0.0, 0.0}};
+      const RowNumbers rows = near_one_by_one(pair, pair[0], reach);
+      ASSERT_EQ(near(NeighbourGrid(pair, reach), pair[0], reach).rows, rows) << reach << ' ' << n;
+      near_ones += rows.size() - 1;
+    }
+  }
+  EXPECT_GT(near_ones, 20000U);
+}
+
+TEST(NeighbourGrid, HasOneCellForPointsOfOnePlaceInWhateverOrderTheyCome) {
+  constexpr std::int32_t kPlaces = 500, kRounds = 7;
+  Random random(8);
+  Points places = cloud(random, kPlaces, {1e6, 1e6, 1e6});
+  for (Vec3& p : places)  // no two of them nearer than the reach
+    p = {10.0 * std::round(p.x / 10.0), 10.0 * std::round(p.y / 10.0),
+         10.0 * std::round(p.z / 10.0)};
+  Points points;
+  for (std::int32_t round = 0; round < kRounds; ++round)
+    points.insert(points.end(), places.begin(), places.end());
+  const NeighbourGrid grid(points, 3.0);
+  expect_all_in_cells(points, grid);
+  ASSERT_EQ(grid.cells(), kPlaces);
+  for (std::int32_t cell = 0; cell < kPlaces; ++cell)
+    EXPECT_EQ(grid.members(cell).size(), static_cast<std::size_t>(kRounds));
+}
+
 TEST(NeighbourGrid, TakesCoordinatesOfAnySize) {
   // From 1e16 on the coordinates are coarser than the reach; from 2e12 on cells are shared.
   Random random(3);
