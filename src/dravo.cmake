@@ -8,6 +8,7 @@ find_package(tomlplusplus REQUIRED)
 set(DRAVO_LIBRARY_SOURCES
   src/identify/identification.cpp
   src/identify/principal_frames.cpp
+  src/molecules/covalent_radii.cpp
   src/molecules/element_label.cpp
   src/molecules/fragments.cpp
   src/molecules/input_text.cpp

@@ -5,9 +5,11 @@ add_executable(dravo-cli-sanitized)
 target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_sanitized_results)
 
 dravo_test_programs(molecules protocol
+  covalent_radii_test.cpp
   element_label_test.cpp
   fragments_test.cpp
   input_text_test.cpp
+  neighbour_grid_test.cpp
   pair_file_test.cpp
   xyz_file_test.cpp)
 

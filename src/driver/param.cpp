@@ -13,6 +13,7 @@
 #include "output/placement.hpp"
 #include "output/placement_log.hpp"
 #include "output/short_contacts.hpp"
+#include "output/short_contacts_log.hpp"
 #include "output/xyz_writer.hpp"
 
 namespace dravo {

@@ -2,122 +2,196 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <limits>
-#include <utility>
 
+#include "molecules/neighbour_grid.hpp"
 #include "output/short_contacts.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr std::size_t kAtomsOfGroup = 32;
+/// To so few atoms all distances are taken sooner than any is ruled out.
+constexpr std::size_t kFewAtoms = 32;
 
-/// Far more than the rounding errors of a square or a power: below the one limit a distance is
-/// short, above the other it is not, and between them the distance itself is taken.
+/// Edge of the cells whose atoms are a group, Angstrom. Some 50 atoms of organic matter fill one.
+constexpr double kGroupEdge = 8.0;
+
+/// Far more than the rounding errors of distances, relative to them.
 constexpr double kMargin = 1e-12;
-constexpr double kSurelyShort = kShortDistance * kShortDistance * (1.0 - kMargin);
-constexpr double kSurelyNotShort = kShortDistance * kShortDistance * (1.0 + kMargin);
 
-bool is_short(double squared_distance) {
-  if (squared_distance < kSurelyShort) return true;
-  return squared_distance <= kSurelyNotShort && is_short_contact(half_power(squared_distance));
-}
+/// Far more than the rounding errors of a crossing, relative to the squares it is taken from.
+constexpr double kCrossingMargin = 1e-9;
 
 double square(double x) { return x * x; }
 
-/// Of the points at `offset` + r `direction`, the largest r at `reach` from the origin; the lowest
-/// number when the line passes by.
-double last_crossing(const Vec3& offset, const Vec3& direction, double reach) {
-  const double along = dot(offset, direction);
-  const double rest = square(reach) - (dot(offset, offset) - square(along));
+/// `rest` is the square of half the chord that a line cuts off; the line passes by when it is below
+/// zero, and what comes out is the lowest number.
+double end_of_chord(double along, double rest) {
   return rest < 0.0 ? std::numeric_limits<double>::lowest() : std::sqrt(rest) - along;
+}
+
+/// Of the points at `offset` + r `direction`, the largest r as near to the origin as a contact.
+double last_crossing(const Vec3& offset, const Vec3& direction) {
+  const double along = dot(offset, direction);
+  return end_of_chord(along, square(kShortDistance) - (dot(offset, offset) - square(along)));
+}
+
+/// No point around `offset` has its last crossing later, nor with any point around the origin, when
+/// `spread` is how far the points are from there in sum. Not a number where squares overflow.
+double latest_crossing(const Vec3& offset, const Vec3& direction, double spread) {
+  const double along = dot(offset, direction);
+  const double offset_square = dot(offset, offset);
+  const double reach_square = square(kShortDistance + spread);
+  const double margin = kCrossingMargin * (offset_square + reach_square);
+  return end_of_chord(along, reach_square - (offset_square - square(along)) + margin);
 }
 
 }  // namespace
 
-ContactSurveyor::ContactSurveyor(std::span<const Vec3> molecule2)
-    : atoms_(molecule2.begin(), molecule2.end()) {
-  std::vector<std::pair<std::size_t, std::size_t>> stretches{{0, atoms_.size()}};
-  while (!stretches.empty()) {
-    const auto [begin, end] = stretches.back();
-    stretches.pop_back();
-    if (end - begin <= kAtomsOfGroup) {
-      if (begin < end) add_group(begin, end);
-      continue;
+/// What is known so far of how close a molecule 1 comes.
+struct ContactSurveyor::Nearness {
+  double shortest_square = std::numeric_limits<double>::infinity();
+  std::int64_t contacts = 0;
+  double reach = shortest_square;  ///< beyond it is neither a shorter distance nor a contact
+
+  void add(const Vec3& p, std::span<const Vec3> atoms) {
+    double shortest = shortest_square;  // in registers
+    std::int64_t count = 0;
+    for (const Vec3& atom : atoms) {
+      const Vec3 d = p - atom;
+      const double square_of_distance = dot(d, d);
+      shortest = std::min(shortest, square_of_distance);
+      if (is_short_contact_of_square(square_of_distance)) ++count;
     }
-    const std::size_t middle = halve(begin, end);
-    stretches.emplace_back(begin, middle);
-    stretches.emplace_back(middle, end);
+    contacts += count;
+    if (!(shortest < shortest_square)) return;
+    shortest_square = shortest;
+    reach = std::max(std::sqrt(shortest_square), kShortDistance);
   }
+
+  /// Whether all that is up to `spread`, in sum, from the ends of `d` is.
+  [[nodiscard]] bool is_beyond(const Vec3& d, double spread) const {
+    return dot(d, d) > square(reach + spread) * (1.0 + kMargin);
+  }
+};
+
+/// Around the middle of the box around the points.
+template <class PositionOf>
+ContactSurveyor::Sphere ContactSurveyor::sphere_around(std::size_t points,
+                                                       const PositionOf& position_of) {
+  if (points == 0) return {};
+  Vec3 low = position_of(0), high = low;
+  for (std::size_t k = 1; k < points; ++k) {
+    const Vec3 p = position_of(k);
+    low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+    high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+  }
+  const Vec3 centre = 0.5 * low + 0.5 * high;
+  double farthest_square = 0.0;
+  for (std::size_t k = 0; k < points; ++k) {
+    const Vec3 d = position_of(k) - centre;
+    farthest_square = std::max(farthest_square, dot(d, d));
+  }
+  return {centre, std::sqrt(farthest_square) * (1.0 + kMargin)};
 }
 
-/// Sorts the atoms to both sides of the middle of the longest edge of their box.
-std::size_t ContactSurveyor::halve(std::size_t begin, std::size_t end) {
-  const auto first = atoms_.begin() + static_cast<std::ptrdiff_t>(begin);
-  const auto last = atoms_.begin() + static_cast<std::ptrdiff_t>(end);
-  double Vec3::*longest = &Vec3::x;
-  double length = -1.0;
-  for (double Vec3::*const axis : {&Vec3::x, &Vec3::y, &Vec3::z}) {
-    const auto [low, high] = std::minmax_element(
-        first, last, [&](const Vec3& a, const Vec3& b) { return a.*axis < b.*axis; });
-    const double extent = (*high).*axis - (*low).*axis;
-    if (extent > length) {
-      length = extent;
-      longest = axis;
-    }
+ContactSurveyor::ContactSurveyor(std::span<const Vec3> molecule2) {
+  if (molecule2.size() <= kFewAtoms) {
+    atoms_.assign(molecule2.begin(), molecule2.end());
+    if (!atoms_.empty()) add_group(0, atoms_.size());
+    return;
   }
-  const auto middle = first + (last - first) / 2;
-  std::nth_element(first, middle, last,
-                   [&](const Vec3& a, const Vec3& b) { return a.*longest < b.*longest; });
-  return static_cast<std::size_t>(middle - atoms_.begin());
+  const NeighbourGrid grid(molecule2, kGroupEdge);
+  for (const auto& [position, row] : grid.members()) atoms_.push_back(position);
+  for (std::int32_t cell = 0; cell < grid.cells(); ++cell) {
+    const auto [begin, end] = grid.stretch(cell);
+    add_group(begin, end);
+  }
 }
 
 void ContactSurveyor::add_group(std::size_t begin, std::size_t end) {
-  Group group{begin, end, {}, 0.0};
-  for (std::size_t k = begin; k < end; ++k) group.centre = group.centre + atoms_[k];
-  group.centre = (1.0 / static_cast<double>(end - begin)) * group.centre;
-  for (std::size_t k = begin; k < end; ++k)
-    group.radius = std::max(group.radius, modulus(atoms_[k] - group.centre));
-  group.radius *= 1.0 + kMargin;
-  groups_.push_back(group);
+  groups_.push_back(
+      {begin, end, sphere_around(end - begin, [&](std::size_t k) { return atoms_[begin + k]; })});
+}
+
+std::span<const Vec3> ContactSurveyor::atoms_of(const Group& group) const {
+  return std::span(atoms_).subspan(group.begin, group.end - group.begin);
+}
+
+void ContactSurveyor::survey_group(const Group& group, const ConstAtomTable& placed, RowRange molecule1,
+                                   Nearness& nearness) const {
+  for (std::int32_t i = molecule1.begin; i < molecule1.end; ++i) {
+    const Vec3 p = placed.position(i);
+    if (!nearness.is_beyond(p - group.sphere.centre, group.sphere.radius))
+      nearness.add(p, atoms_of(group));
+  }
+}
+
+/// Calls visit(group) for all groups, and first for the one of highest rank, whose atoms are to
+/// rule out most of the others.
+template <class Rank, class Visit>
+void ContactSurveyor::visit_first_and_others(const Rank& rank, const Visit& visit) const {
+  const Group* first = nullptr;
+  double highest = std::numeric_limits<double>::lowest();
+  for (const Group& group : groups_) {
+    const double rank_of_group = rank(group);
+    if (first != nullptr && !(rank_of_group > highest)) continue;
+    first = &group;
+    highest = rank_of_group;
+  }
+  if (first != nullptr) visit(*first);
+  for (const Group& group : groups_)
+    if (&group != first) visit(group);
 }
 
 ContactSurvey ContactSurveyor::survey(const ConstAtomTable& placed, RowRange molecule1) const {
-  double nearest = std::numeric_limits<double>::infinity();  // squared
-  std::int64_t contacts = 0;
-  for (std::int32_t i = molecule1.begin; i < molecule1.end; ++i) {
-    const Vec3 p = placed.position(i);
-    for (const Group& group : groups_) {
-      // Atoms of the group are farther than both the nearest so far and any contact.
-      const Vec3 to_centre = p - group.centre;
-      const double reach = std::max(std::sqrt(nearest), kShortDistance) + group.radius;
-      if (groups_.size() > 1 && dot(to_centre, to_centre) > square(reach) * (1.0 + kMargin))
-        continue;
-      for (std::size_t k = group.begin; k < group.end; ++k) {
-        const Vec3 d = p - atoms_[k];
-        const double squared = dot(d, d);
-        nearest = std::min(nearest, squared);
-        if (is_short(squared)) ++contacts;
-      }
-    }
+  Nearness nearness;
+  if (groups_.size() == 1) {
+    for (std::int32_t i = molecule1.begin; i < molecule1.end; ++i)
+      nearness.add(placed.position(i), atoms_);
+  } else {
+    const Sphere sphere = sphere_around(
+        static_cast<std::size_t>(molecule1.end - molecule1.begin), [&](std::size_t k) {
+          return placed.position(molecule1.begin + static_cast<std::int32_t>(k));
+        });
+    visit_first_and_others(
+        [&](const Group& group) {
+          const Vec3 d = group.sphere.centre - sphere.centre;
+          return -dot(d, d);
+        },
+        [&](const Group& group) {
+          if (!nearness.is_beyond(group.sphere.centre - sphere.centre,
+                                  group.sphere.radius + sphere.radius))
+            survey_group(group, placed, molecule1, nearness);
+        });
   }
-  return {half_power(nearest), contacts};
+  return {half_power(nearness.shortest_square), nearness.contacts};
 }
 
 double ContactSurveyor::touching_distance(std::span<const Vec3> offsets,
                                           const Vec3& direction) const {
   double farthest = 0.0;
-  for (const Vec3& offset : offsets) {
-    for (const Group& group : groups_) {
-      const double reach = kShortDistance + group.radius;
+  const auto approach = [&](const Group& group) {
+    for (const Vec3& offset : offsets) {
       if (groups_.size() > 1 &&
-          !(last_crossing(offset - group.centre, direction, reach) > farthest))
+          latest_crossing(offset - group.sphere.centre, direction, group.sphere.radius) <= farthest)
         continue;
-      for (std::size_t k = group.begin; k < group.end; ++k)
-        farthest = std::max(farthest, last_crossing(offset - atoms_[k], direction, kShortDistance));
+      for (const Vec3& atom : atoms_of(group))
+        farthest = std::max(farthest, last_crossing(offset - atom, direction));
     }
+  };
+  if (groups_.size() == 1) {
+    approach(groups_.front());
+    return farthest;
   }
+  const Sphere sphere = sphere_around(offsets.size(), [&](std::size_t k) { return offsets[k]; });
+  const auto latest = [&](const Group& group) {
+    return latest_crossing(sphere.centre - group.sphere.centre, direction,
+                           sphere.radius + group.sphere.radius);
+  };
+  visit_first_and_others(latest, [&](const Group& group) {
+    if (!(latest(group) <= farthest)) approach(group);
+  });
   return farthest;
 }
 

@@ -2,6 +2,7 @@
 /// that stays.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -29,16 +30,30 @@ class ContactSurveyor {
                                          const Vec3& direction) const;
 
  private:
-  /// Neighbouring atoms: [begin, end) of `atoms_`, and the sphere around them.
-  struct Group {
-    std::size_t begin;
-    std::size_t end;
+  struct Sphere {
     Vec3 centre;
     double radius;
   };
 
-  std::size_t halve(std::size_t begin, std::size_t end);
+  /// Neighbouring atoms: [begin, end) of `atoms_`, and a sphere around them.
+  struct Group {
+    std::size_t begin;
+    std::size_t end;
+    Sphere sphere;
+  };
+
+  /// What is known of a placed molecule 1 so far.
+  struct Nearness;
+
+  template <class PositionOf>
+  static Sphere sphere_around(std::size_t points, const PositionOf& position_of);
+
   void add_group(std::size_t begin, std::size_t end);
+  [[nodiscard]] std::span<const Vec3> atoms_of(const Group& group) const;
+  template <class Rank, class Visit>
+  void visit_first_and_others(const Rank& rank, const Visit& visit) const;
+  void survey_group(const Group& group, const ConstAtomTable& placed, RowRange molecule1,
+                    Nearness& nearness) const;
 
   std::vector<Vec3> atoms_;
   std::vector<Group> groups_;

@@ -1,38 +1,29 @@
 #include "output/short_contacts.hpp"
 
+#include <algorithm>
 #include <cstddef>
 
+#include "molecules/neighbour_grid.hpp"
+
 namespace dravo {
-namespace {
-
-constexpr auto kCheckTheSystem = " CHECK THE SUPRAMOLECULAR SYSTEM  ";
-
-/// Columns: symbol 2, atom number 6, " .. ", symbol 2, atom number 6, " dist:", distance 7.3.
-void write_pair(RecordStream& out, const ShortContact& contact, std::span<const Label> isymbol) {
-  const auto symbol = [&](std::int32_t row) {
-    return Aw{text_of(isymbol[static_cast<std::size_t>(row)]), 2};
-  };
-  out.formatted(symbol(contact.atom1), Iw{contact.atom1 + 1, 6}, Aw{" .. ", 4},
-                symbol(contact.atom2), Iw{contact.atom2 + 1, 6},
-                " dist:", Fwd{contact.distance, 7, 3});
-}
-
-}  // namespace
-
-void write_short_contacts(RecordStream& screen, RecordStream& log,
-                          std::span<const ShortContact> contacts, std::span<const Label> isymbol) {
-  for (const ShortContact& contact : contacts) {
-    log.record(" intermolecular distance ");
-    log.record(" smaller than 1.9 Angstrons");
-    log.record(kCheckTheSystem);
-    screen.record(kCheckTheSystem);
-    screen.record(" intermolecular dist <1.9 Angstrons");
-    write_pair(log, contact, isymbol);
-    write_pair(screen, contact, isymbol);
-    screen.blank(3);
-    screen.record(" >>>>   CHECK THE SUPRAMOLECULAR SYSTEM");
-    screen.record(" found intermolecular dist <1.9 Angstrons");
+std::vector<ShortContact> find_short_contacts(const ConstAtomTable& final_coo_and_m,
+                                              const MoleculeSplit& split) {
+  const NeighbourGrid molecule2(final_coo_and_m, split.molecule2(), kShortDistance);
+  std::vector<ShortContact> contacts;
+  const auto [begin, end] = split.molecule1();
+  for (std::int32_t i = begin; i < end; ++i) {
+    const Vec3 p = final_coo_and_m.position(i);
+    const auto first = static_cast<std::ptrdiff_t>(contacts.size());
+    for (const std::int32_t cell : molecule2.cells_around(p))
+      for (const auto& [position, row] : molecule2.members(cell)) {
+        const Vec3 d = p - position;
+        const double square = dot(d, d);
+        if (is_short_contact_of_square(square)) contacts.push_back({i, row, half_power(square)});
+      }
+    std::sort(contacts.begin() + first, contacts.end(),
+              [](const ShortContact& a, const ShortContact& b) { return a.atom2 < b.atom2; });
   }
+  return contacts;
 }
 
 }  // namespace dravo

@@ -2,12 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "common/atom_table.hpp"
 #include "common/constants.hpp"
-#include "common/record_stream.hpp"
 
 namespace dravo {
 
@@ -15,6 +13,15 @@ namespace dravo {
 inline constexpr double kShortDistance = widened(1.9F);
 
 inline bool is_short_contact(double distance) { return distance <= kShortDistance; }
+
+/// `is_short_contact` of the root of a square. Far from the threshold the square decides, with a
+/// margin much wider than the rounding errors of a square or a power, and no root is taken.
+inline bool is_short_contact_of_square(double square) {
+  constexpr double kThreshold = kShortDistance * kShortDistance;
+  constexpr double kMargin = 1e-12 * kThreshold;
+  if (square < kThreshold - kMargin) return true;
+  return square <= kThreshold + kMargin && is_short_contact(half_power(square));
+}
 
 struct ShortContact {
   std::int32_t atom1;  ///< row of an atom of molecule 1
@@ -26,9 +33,5 @@ struct ShortContact {
 /// of molecule 2.
 std::vector<ShortContact> find_short_contacts(const ConstAtomTable& final_coo_and_m,
                                               const MoleculeSplit& split);
-
-/// One report per contact, on the screen and in the log. A contact is a warning: the run goes on.
-void write_short_contacts(RecordStream& screen, RecordStream& log,
-                          std::span<const ShortContact> contacts, std::span<const Label> isymbol);
 
 }  // namespace dravo

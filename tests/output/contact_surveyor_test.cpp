@@ -123,6 +123,20 @@ TEST(ContactSurveyor, IsRightInLongAndFlatMolecules) {
     }
 }
 
+TEST(ContactSurveyor, IsRightAroundLargeMoleculesFarOut) {
+  // At 1e12 coordinates are multiples of a ten-thousandth of an Angstrom.
+  Random random(10);
+  std::int64_t contacts = 0;
+  for (const double far : {0.0, -1e3, 1e7, 1e12})
+    for (const double apart : {0.0, 10.0, 14.0, 18.0, 40.0, 1e5}) {
+      const Vec3 centre{far, -far, 0.3 * far};
+      const Cloud molecule2 = moved(cloud(random, 1500, 12.0), centre);
+      const Cloud molecule1 = moved(cloud(random, 30, 3.0), centre + apart * unit_vector(random));
+      contacts += expect_true_survey(molecule1, molecule2);
+    }
+  EXPECT_GT(contacts, 200);
+}
+
 TEST(ContactSurveyor, IsRightFromAtomsInOnePlace) {
   const Cloud molecule2(100, Vec3{1.0, 2.0, 3.0});
   EXPECT_EQ(expect_true_survey({{1.0, 2.0, 3.0 + kThreshold}, {1.0, 2.0, 9.0}}, molecule2), 100);
@@ -251,6 +265,30 @@ TEST(TouchingDistance, IsTheLastPlaceAsNearAsAContact) {
         EXPECT_GT(shortest_at(touching + beyond), kThreshold) << touching << " + " << beyond;
     }
   EXPECT_GT(touched, 300);
+}
+
+TEST(TouchingDistance, IsTheFarthestThatAnyTwoAtomsHaveToTheLastBit) {
+  Random random(9);
+  int touched = 0;
+  for (const double edge : {3.0, 12.0, 40.0})
+    for (const double far : {0.0, 50.0, 1e4, 1e8, 1e10})  // the last ones all rounding errors
+      for (int repeat = 0; repeat < 5; ++repeat) {
+        const Vec3 direction = unit_vector(random);
+        const Cloud molecule2 = moved(cloud(random, 200, edge), far * unit_vector(random));
+        // Half of the molecules are on the way to molecule 2.
+        const Cloud offsets =
+            moved(cloud(random, 20, 0.5 * edge),
+                  (repeat % 2 == 0 ? 1.0 : 0.0) * (molecule2[0] - (far + 80.0) * direction));
+        double farthest = 0.0;
+        for (const Vec3& atom : molecule2)
+          for (const Vec3& offset : offsets)
+            farthest = std::max(
+                farthest, ContactSurveyor(Cloud{atom}).touching_distance(Cloud{offset}, direction));
+        EXPECT_EQ(ContactSurveyor(molecule2).touching_distance(offsets, direction), farthest)
+            << edge << ' ' << far;
+        touched += farthest > 0.0 ? 1 : 0;
+      }
+  EXPECT_GT(touched, 30) << "or else the approaches show little";
 }
 
 struct Approach {

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "output/short_contacts_log.hpp"
 #include "support/atoms.hpp"
 
 namespace dravo {
