@@ -56,6 +56,7 @@ add_executable(cli_tests
   cli/spoilt_scans_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results)
 target_compile_options(cli_tests PRIVATE ${optimisation})
+target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo)
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"

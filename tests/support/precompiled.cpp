@@ -1,0 +1,1 @@
+// Nothing: the headers that all tests include are precompiled for this file.
