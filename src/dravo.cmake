@@ -19,16 +19,19 @@ set(DRAVO_TOOLS_SOURCES
   results/progress.cpp
   results/progress_file.cpp
   results/result_files.cpp
-  results/scan.cpp
   results/scan_files.cpp
   results/scan_record.cpp
+  results/scan_run.cpp
+  results/text_chunk.cpp
   scan/axis.cpp
-  scan/chunk_maker.cpp
-  scan/ordered_chunks.cpp
   scan/pair_placer.cpp
   scan/plan.cpp
   scan/plan_keys.cpp
+  scan/pose_maker.cpp
+  scan/pose_source.cpp
+  scan/poses.cpp
   scan/random_pose.cpp
+  scan/scan.cpp
   scan/zipped_list.cpp)
 list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 

@@ -18,19 +18,21 @@ dravo_test_programs(identify dravo_tools
 
 dravo_test_programs(scan dravo_tools
   axis_test.cpp
-  chunk_maker_test.cpp
   ordered_chunks_test.cpp
   pair_placer_test.cpp
   plan_keys_test.cpp
   plan_test.cpp
+  poses_test.cpp
   random_pose_test.cpp
+  scan_test.cpp
   zipped_list_test.cpp)
 
 dravo_test_programs(results dravo_tools
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
-  scan_record_test.cpp)
+  scan_record_test.cpp
+  text_chunk_test.cpp)
 
 # The built dravo, as it is and sanitized.
 add_executable(cli_tests

@@ -71,7 +71,7 @@ bool ScanFiles::take_up(const std::vector<ScanRecord>& records) {
   return true;
 }
 
-void ScanFiles::append(const Chunk& chunk) {
+void ScanFiles::append(const TextChunk& chunk) {
   results_->append_frames(chunk.frames, record_);
   results_->append_table(chunk.table, record_);
   record_.totals.add(chunk.totals);

@@ -11,7 +11,7 @@
 #include "results/progress_file.hpp"
 #include "results/result_files.hpp"
 #include "results/scan_record.hpp"
-#include "scan/chunk_maker.hpp"
+#include "results/text_chunk.hpp"
 
 namespace dravo {
 
@@ -35,7 +35,7 @@ class ScanFiles {
   /// Nothing is left to do: the results stand there.
   [[nodiscard]] bool finished() const { return !results_; }
 
-  void append(const Chunk& chunk);
+  void append(const TextChunk& chunk);
 
   /// All poses are in the files.
   void finish();

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "molecules/pair.hpp"
-#include "scan/chunk_maker.hpp"
+#include "results/scan_totals.hpp"
 #include "scan/plan.hpp"
 
 namespace dravo {

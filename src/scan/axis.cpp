@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "common/number_text.hpp"
 #include "common/record_format.hpp"
@@ -37,18 +38,31 @@ double Axis::Segment::at(std::int64_t i) const {
   return decimal_unit > 0.0 ? std::round(value * decimal_unit) / decimal_unit : value;
 }
 
-Axis::Axis(const std::vector<PlanWord>& words) {
-  for (const PlanWord& word : words)
-    for (const std::string_view part : parts_between(word.text, ',')) add(word, part);
+Axis::Axis(std::vector<PlanWord> words) : words_(std::move(words)) {
+  for (std::size_t k = 0; k < words_.size(); ++k)
+    for (const std::string_view part : parts_between(words_[k].text, ',')) add(k, part);
 }
 
-void Axis::add(const PlanWord& word, std::string_view text) {
-  const std::vector<std::string_view> parts = parts_between(text, ':');
-  if (parts.size() == 1) {
-    segments_.push_back({number_in(word, text), 0.0, 0.0, 1, size_, word});
-    ++size_;
-    return;
+Axis Axis::of_numbers(const std::vector<double>& numbers) {
+  if (numbers.empty()) throw InvalidInput("expected the values of a parameter, found none");
+  Axis axis;
+  for (const double number : numbers) {
+    if (!std::isfinite(number))
+      throw InvalidInput("expected finite values of a parameter, found " + shortest_text(number));
+    axis.add_number(0, number);
   }
+  return axis;
+}
+
+void Axis::add_number(std::size_t word, double number) {
+  segments_.push_back({number, 0.0, 0.0, 1, size_, word});
+  ++size_;
+}
+
+void Axis::add(std::size_t word_number, std::string_view text) {
+  const PlanWord& word = words_[word_number];
+  const std::vector<std::string_view> parts = parts_between(text, ':');
+  if (parts.size() == 1) return add_number(word_number, number_in(word, text));
   if (parts.size() != 3) word.refuse(text, "expected start:stop:step, found " + quoted(text));
   const double start = number_in(word, parts[0]);
   const double stop = number_in(word, parts[1]);
@@ -62,8 +76,8 @@ void Axis::add(const PlanWord& word, std::string_view text) {
   const double unit_of_start = decimal_unit_of(parts[0]), unit_of_step = decimal_unit_of(parts[2]);
   const bool decimal = unit_of_start > 0.0 && unit_of_step > 0.0;
   const auto count = static_cast<std::int64_t>(steps) + 1;
-  segments_.push_back(
-      {start, step, decimal ? std::max(unit_of_start, unit_of_step) : 0.0, count, size_, word});
+  segments_.push_back({start, step, decimal ? std::max(unit_of_start, unit_of_step) : 0.0, count,
+                       size_, word_number});
   size_ += count;
 }
 

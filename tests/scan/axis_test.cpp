@@ -95,7 +95,7 @@ TEST(Axis, SegmentsKnowTheirPlaceAndTheirWord) {
   for (std::size_t k = 0; k < 3; ++k) {
     EXPECT_EQ(axis.segments()[k].first, firsts[k]);
     EXPECT_EQ(axis.segments()[k].count, counts[k]);
-    EXPECT_EQ(axis.segments()[k].word.text, words[k]);
+    EXPECT_EQ(axis.word_of(axis.segments()[k]).text, words[k]);
   }
 }
 
@@ -151,7 +151,7 @@ TEST_P(AxisRefuses, AWordOfAFileWithItsLine) {
   const PlanWord good{"5", source, source->text.find('5')};
   const PlanWord bad{text, source, source->text.find(before) + before.size()};
   EXPECT_EQ(message_of([&] {
-              Axis({good, bad});
+              (void)Axis({good, bad});
             }),
             std::string("plans/grid.toml:3: ") + what + "\n" + before + text + "\"]\n" +
                 std::string(before.size(), ' ') + carets);

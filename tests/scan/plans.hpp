@@ -27,8 +27,8 @@ inline PlanKeys keys_of(const Options& options) {
 inline ScanPlan plan_of(const Options& options) { return ScanPlan(keys_of(options)); }
 
 inline std::vector<PoseDegrees> all_poses(const ScanPlan& plan) {
-  std::vector<PoseDegrees> poses(static_cast<std::size_t>(plan.poses()));
-  plan.fill(0, poses);
+  std::vector<PoseDegrees> poses(static_cast<std::size_t>(plan.poses().size()));
+  plan.poses().fill(0, poses);
   return poses;
 }
 

@@ -39,7 +39,7 @@ Row row_of(const PoseDegrees& pose) {
 
 std::vector<Row> read(const ZippedList& list, std::int64_t first, std::size_t count) {
   std::vector<PoseDegrees> poses(count);
-  list.read(first, poses);
+  list.fill(first, poses);
   std::vector<Row> rows;
   rows.reserve(poses.size());
   for (const PoseDegrees& pose : poses) rows.push_back(row_of(pose));

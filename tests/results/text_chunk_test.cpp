@@ -1,4 +1,4 @@
-#include "scan/chunk_maker.hpp"
+#include "results/text_chunk.hpp"
 
 #include <gtest/gtest.h>
 
@@ -24,9 +24,9 @@ struct Scan {
   explicit Scan(const Options& options, ScanOutput wanted = {ScanOutput::Kind::frames, ""})
       : plan(plan_of(options)), output(std::move(wanted)) {}
 
-  [[nodiscard]] Chunk all() const {
-    Chunk chunk;
-    ChunkMaker(placer, plan, output).make(0, plan.poses(), chunk);
+  [[nodiscard]] TextChunk all() const {
+    TextChunk chunk;
+    TextMaker(placer, plan, output).make(0, plan.poses().size(), chunk);
     return chunk;
   }
 
@@ -90,7 +90,7 @@ TEST(TwoMillionthsNearerThanContactPlusZero, IsAShortContact) {
     list += '\n';
   }
   folder.write("poses.csv", list);
-  const Chunk nearer = Scan({{"zip", (folder.path() / "poses.csv").string()}}).all();
+  const TextChunk nearer = Scan({{"zip", (folder.path() / "poses.csv").string()}}).all();
   EXPECT_EQ(nearer.totals.with_contacts, 300);
 }
 

@@ -1,4 +1,4 @@
-#include "results/scan.hpp"
+#include "results/scan_run.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -9,6 +9,7 @@
 #include "common/record_format.hpp"
 #include "common/shown_text.hpp"
 #include "driver/output_names.hpp"
+#include "results/text_chunk.hpp"
 #include "scan/ordered_chunks.hpp"
 #include "scan/pair_placer.hpp"
 
@@ -70,12 +71,12 @@ void require_file_name(const std::string& name) {
 ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
   const Shard shard = request.part.value_or(Shard{});
-  return {shard.first(plan.poses()) + done, shard.end(plan.poses()), poses_of_chunk(pair),
-          request.threads};
+  return {shard.first(plan.poses().size()) + done, shard.end(plan.poses().size()),
+          poses_of_chunk(pair), request.threads};
 }
 
 ScanRecord record_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
-  return {origin_of(pair, plan), plan.poses(), request.part.value_or(Shard{}), {}, 0, 0};
+  return {origin_of(pair, plan), plan.poses().size(), request.part.value_or(Shard{}), {}, 0, 0};
 }
 
 }  // namespace
@@ -84,7 +85,7 @@ std::string result_name(const ScanRequest& request) {
   return request.part ? request.part->name(request.name) : request.name;
 }
 
-ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
+ScanTotals run_scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
   const PairPlacer placer(pair);
   require_short_enough(placer, plan);
   const ScanOutput output = output_of(plan, request);
@@ -105,9 +106,9 @@ ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& reque
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
   if (files && files->finished()) return totals;
 
-  make_chunks(
-      job, [&] { return ChunkMaker(placer, plan, output); },
-      [&](const Chunk& chunk) {
+  make_chunks<TextChunk>(
+      job, [&] { return TextMaker(placer, plan, output); },
+      [&](const TextChunk& chunk) {
         if (files) files->append(chunk);
         totals.add(chunk.totals);
         progress.show(totals.poses);
