@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <optional>
 #include <utility>
 
 #include "common/number_text.hpp"
@@ -23,6 +26,63 @@ double decimal_unit_of(std::string_view number) {
   const std::size_t point = number.find('.');
   const std::size_t decimals = point == std::string_view::npos ? 0 : number.size() - point - 1;
   return decimals <= kMostDecimals ? std::pow(10.0, static_cast<double>(decimals)) : 0.0;
+}
+
+__extension__ using Wide = __int128;
+
+/// How many times 1e-9 a number is, in any notation; empty where that is no whole number, or more
+/// than anybody has steps for.
+std::optional<Wide> billionths_in(std::string_view number) {
+  constexpr Wide kMost = Wide{1'000'000'000'000'000'000} * 1'000'000'000;
+  constexpr std::int32_t kLongestExponent = 100;
+  const std::size_t letter = number.find_first_of("eEdD");
+  std::int32_t shift = 9;
+  if (letter != std::string_view::npos) {
+    const auto exponent = parse_integer(number.substr(letter + 1));
+    if (!exponent || std::abs(*exponent) > kLongestExponent) return std::nullopt;
+    shift += *exponent;
+  }
+  Wide value = 0;
+  const std::string_view digits = number.substr(0, letter);
+  for (const char c : digits) {
+    if (c >= '0' && c <= '9') value = 10 * value + (c - '0');
+    if (value > kMost) return std::nullopt;
+  }
+  const std::size_t point = digits.find('.');
+  if (point != std::string_view::npos)
+    shift -= static_cast<std::int32_t>(digits.size() - point - 1);
+  for (; shift > 0 && value <= kMost; --shift) value *= 10;
+  for (; shift < 0 && value % 10 == 0; ++shift) value /= 10;
+  if (shift != 0 || value > kMost) return std::nullopt;
+  return number.starts_with('-') ? -value : value;
+}
+
+/// A range as it was read, and the texts of its numbers.
+struct Range {
+  double start;
+  double stop;
+  double step;
+  const std::vector<std::string_view>& texts;
+};
+
+/// How many steps lead from start to the stop, or to the last value before it: exactly for short
+/// decimal numbers. Below zero where no step leads there.
+double steps_in(const Range& range) {
+  if (range.step == 0.0) return -1.0;
+  const auto start = billionths_in(range.texts[0]);
+  const auto stop = billionths_in(range.texts[1]);
+  const auto step = billionths_in(range.texts[2]);
+  const double distance = range.stop - range.start;
+  if (start && stop && step) {
+    const bool backwards = *stop != *start && (*stop < *start) != (*step < 0);
+    return backwards ? -1.0 : static_cast<double>((*stop - *start) / *step);
+  }
+  // Of a step: neither the digits that were cut off a long number nor rounding may lose the stop.
+  constexpr double kReached = 1e-9;
+  constexpr double kMostRounding = 0.5;
+  const double rounding = 4.0 * std::numeric_limits<double>::epsilon() *
+                          (std::abs(range.start) + std::abs(range.stop)) / std::abs(range.step);
+  return std::floor(distance / range.step + std::clamp(rounding, kReached, kMostRounding));
 }
 
 }  // namespace
@@ -67,9 +127,8 @@ void Axis::add(std::size_t word_number, std::string_view text) {
   const double start = number_in(word, parts[0]);
   const double stop = number_in(word, parts[1]);
   const double step = number_in(word, parts[2]);
-  constexpr double kReached = 1e-9;  // of a step: rounding must not lose the stop
-  const double steps = std::floor((stop - start) / step + kReached);
-  if (step == 0.0 || steps < 0.0)
+  const double steps = steps_in({start, stop, step, parts});
+  if (steps < 0.0)
     word.refuse(text, "the steps of " + quoted(text) + " do not lead from start to stop");
   if (!(steps + static_cast<double>(size_) < kMostValues))
     word.refuse(text, quoted(text) + " has too many values");
