@@ -15,6 +15,7 @@ set(DRAVO_TOOLS_SOURCES
   molecules/xyz_file.cpp
   results/growing_file.cpp
   results/merge.cpp
+  results/pose_folders.cpp
   results/pose_writer.cpp
   results/progress.cpp
   results/progress_file.cpp

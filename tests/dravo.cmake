@@ -38,6 +38,7 @@ dravo_test_programs(results dravo_tools
 add_executable(cli_tests
   cli/identify_test.cpp
   cli/merge_test.cpp
+  cli/pose_folders_test.cpp
   cli/prepare_test.cpp
   cli/resume_test.cpp
   cli/scan_test.cpp)

@@ -1,9 +1,5 @@
 #include "results/text_chunk.hpp"
 
-#include <filesystem>
-#include <system_error>
-
-#include "common/errors.hpp"
 #include "common/output_folder.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
@@ -12,10 +8,10 @@ namespace dravo {
 
 TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output)
     : placer_(&placer),
-      plan_(&plan),
       output_(&output),
       poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact()}),
       writer_(placer.labels(), plan.above_contact()),
+      folders_(output.pose_folder, plan.poses().size()),
       screen_(&nobody_) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
@@ -43,14 +39,7 @@ void TextMaker::write_files(const MadePose& pose) {
   const PairFiles files =
       pair_files(build_output_names(pose.radians, screen_), pose.numbers.contacts > 0,
                  placer_->split(), pose.atoms, pose.placement);
-  const std::string digits = std::to_string(plan_->poses().size());
-  std::string number = std::to_string(pose.numbers.index);
-  number.insert(0, digits.size() - number.size(), '0');
-  const std::string folder = output_->pose_folder + "/" + number;
-  std::error_code failure;
-  std::filesystem::remove_all(folder, failure);  // what a run before a kill left, or other poses
-  if (!failure) std::filesystem::create_directories(folder, failure);
-  if (failure) throw IoFailure(folder + ": cannot make the folder: " + failure.message());
+  const std::string folder = folders_.emptied(pose.numbers.index);
   WorkingDirectory files_of_pose;
   files_of_pose.replace(folder + "/" + files.geometry_name, files.geometry.text());
   files_of_pose.replace(folder + "/" + files.drawing_name, files.drawing.text());

@@ -6,6 +6,7 @@
 
 #include "common/record_stream.hpp"
 #include "molecules/discard.hpp"
+#include "results/pose_folders.hpp"
 #include "results/pose_writer.hpp"
 #include "results/scan_totals.hpp"
 #include "scan/pair_placer.hpp"
@@ -40,10 +41,10 @@ class TextMaker {
   void write_files(const MadePose& pose);
 
   const PairPlacer* placer_;
-  const ScanPlan* plan_;
   const ScanOutput* output_;
   PoseMaker poses_;
   PoseWriter writer_;
+  PoseFolders folders_;
   DiscardingSink nobody_;
   RecordStream screen_;
 };
