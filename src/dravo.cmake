@@ -1,8 +1,11 @@
 # dravo: prepares, identifies and scans pairs, on the stages of qn-dravo.
 find_package(CLI11 REQUIRED)
+find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
+find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
+find_library(XXHASH_LIBRARY xxhash REQUIRED)
 
 set(DRAVO_TOOLS_SOURCES
   identify/identification.cpp
@@ -13,6 +16,8 @@ set(DRAVO_TOOLS_SOURCES
   molecules/pair_file.cpp
   molecules/pair_table.cpp
   molecules/xyz_file.cpp
+  results/checksum.cpp
+  results/durable.cpp
   results/growing_file.cpp
   results/merge.cpp
   results/pose_folders.cpp
@@ -39,8 +44,9 @@ list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 # dravo_tools_library(name stages): pairs and scans, on a build of the stages.
 function(dravo_tools_library name stages)
   add_library(${name} STATIC ${DRAVO_TOOLS_SOURCES})
-  target_link_libraries(${name} PUBLIC ${stages} nlohmann_json::nlohmann_json Threads::Threads
-    tomlplusplus::tomlplusplus)
+  target_include_directories(${name} PRIVATE ${XXHASH_INCLUDE_DIR})
+  target_link_libraries(${name} PUBLIC ${stages} fmt::fmt nlohmann_json::nlohmann_json Threads::Threads
+    tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
 endfunction()
 
 dravo_tools_library(dravo_tools dravo)
@@ -53,7 +59,8 @@ add_library(dravo_cli OBJECT
   src/cli/pair_options.cpp
   src/cli/prepare.cpp
   src/cli/scan.cpp)
-target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 nlohmann_json::nlohmann_json)
+target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
+  nlohmann_json::nlohmann_json)
 target_compile_options(dravo_cli PRIVATE -O1)
 
 add_executable(dravo-cli)

@@ -28,6 +28,7 @@ dravo_test_programs(scan dravo_tools
   zipped_list_test.cpp)
 
 dravo_test_programs(results dravo_tools
+  checksum_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
@@ -35,7 +36,10 @@ dravo_test_programs(results dravo_tools
   text_chunk_test.cpp)
 
 # The built dravo, as it is and sanitized.
+add_library(watched_system MODULE cli/watched_system.cpp)
+target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
+  cli/durable_test.cpp
   cli/identify_test.cpp
   cli/merge_test.cpp
   cli/pose_folders_test.cpp
@@ -44,9 +48,10 @@ add_executable(cli_tests
   cli/scan_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_tools)
 target_compile_options(cli_tests PRIVATE ${optimisation})
-add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo)
+add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo watched_system)
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"
+  DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_DEFAULT_PROGRAM="$<TARGET_FILE:qn-dravo>")
 gtest_discover_tests(cli_tests TEST_PREFIX cli/)
 add_test(NAME sanitized/cli COMMAND cli_tests --gtest_brief=1 --gtest_filter=-KilledAt*)

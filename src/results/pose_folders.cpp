@@ -18,6 +18,7 @@
 #include "common/record_stream.hpp"
 #include "driver/output_names.hpp"
 #include "molecules/discard.hpp"
+#include "results/descriptor.hpp"
 
 namespace dravo {
 namespace {
@@ -155,14 +156,10 @@ void PoseFolders::require_own(std::int64_t first, std::int64_t end) const {
 }
 
 void PoseFolders::sync() const {
-  const int folder = ::open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder < 0 && errno == ENOENT) return;  // no pose was written yet
-  if (folder < 0) throw_system_failure(name_, "open");
-  const int done = ::syncfs(folder);
-  const int reason = errno;
-  ::close(folder);
-  errno = reason;
-  if (done != 0) throw_system_failure(name_, "write");
+  const Descriptor folder(::open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder.get() < 0 && errno == ENOENT) return;  // no pose was written yet
+  if (folder.get() < 0) throw_system_failure(name_, "open");
+  if (::syncfs(folder.get()) != 0) throw_system_failure(name_, "write");
 }
 
 }  // namespace dravo

@@ -126,7 +126,8 @@ ScanTotals run_scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& r
     }
     const PoseWriter writer(placer.labels(), plan.above_contact());
     files.emplace(result_name(request), record_of(pair, plan, request), writer.table_heading(),
-                  request.earlier);
+                  request.earlier,
+                  output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(pair, plan, request, totals.poses);

@@ -260,15 +260,13 @@ TEST(Resume, BeginsWhereNothingIsAndDoesNothingWhereAllIsDone) {
   EXPECT_EQ(fs::last_write_time(folder.path() / "scan.xyz"), written);
 }
 
-TEST(Resume, TakesUpWhatIsThereInsteadOfBeginningAnew) {
+TEST(Resume, MakesAnewWhatIsNotAsItWasWritten) {
   Files stopped = unfinished(kLongPlan, kAfterSomeRecords);
-  // Marks in bytes that a record has counted stay only when they are taken up.
-  Files expected = undisturbed(kLongPlan);
+  const Files expected = undisturbed(kLongPlan);
   for (const char* name : {"scan.xyz", "scan.csv"}) {
     std::string& part = stopped.at(std::string(name) + ".part");
     ASSERT_GT(part.size(), 100000U);
     part[50000] = '#';
-    expected.at(name)[50000] = '#';
   }
   const Dimer folder;
   folder.put(stopped);
@@ -282,8 +280,7 @@ void record_all(const Dimer& folder, const std::string& record) {
 }
 
 TEST(Resume, TakesUpResultsThatHaveTheirNamesAlready) {
-  Files expected = undisturbed(kPlan);
-  expected.at("scan.csv")[2] = '#';
+  const Files expected = undisturbed(kPlan);
   for (const char* csv : {"scan.csv", "scan.csv.part"}) {
     const Dimer folder;
     folder.put({{"scan.xyz", expected.at("scan.xyz")}, {csv, expected.at("scan.csv")}});
@@ -518,7 +515,8 @@ TEST(SpoiltProgress, GoesOnFromTheRecordThatIsWhole) {
 TEST(SpoiltProgress, WithoutAWholeRecordIsRefusedAndMayBeOverwritten) {
   const Files whole = undisturbed(kPlan);
   const Files stopped = unfinished(kPlan);
-  const std::string& progress = stopped.at("scan.progress");
+  const std::string progress =
+      stopped.at("scan.progress").substr(0, stopped.at("scan.progress").find('\n') + 1);
   for (const std::string& garbage :
        {std::string("garbage\n"), std::string("{}\n"), std::string("\n"), whole.at("scan.json"),
         progress.substr(0, progress.size() / 2), progress.substr(0, progress.size() - 1)}) {
