@@ -1,11 +1,15 @@
 # dravo: prepares, identifies and scans pairs, on the stages of qn-dravo.
 find_package(CLI11 REQUIRED)
+find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
+find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
+find_library(XXHASH_LIBRARY xxhash REQUIRED)
 
 # What the library holds besides the stages.
 set(DRAVO_LIBRARY_SOURCES
+  src/identify/contacts.cpp
   src/identify/identification.cpp
   src/identify/principal_frames.cpp
   src/molecules/covalent_radii.cpp
@@ -18,33 +22,43 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
   src/scan/pair_placer.cpp
+  src/scan/placer.cpp
   src/scan/plan.cpp
   src/scan/plan_keys.cpp
+  src/scan/pose_maker.cpp
+  src/scan/pose_source.cpp
+  src/scan/poses.cpp
   src/scan/random_pose.cpp
+  src/scan/scan.cpp
   src/scan/zipped_list.cpp)
 list(TRANSFORM DRAVO_LIBRARY_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
-set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads tomlplusplus::tomlplusplus)
+set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 
 # The bytes of scans.
 set(DRAVO_RESULTS_SOURCES
+  src/results/checksum.cpp
+  src/results/durable.cpp
   src/results/growing_file.cpp
   src/results/merge.cpp
+  src/results/pose_folders.cpp
   src/results/pose_writer.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
   src/results/result_files.cpp
-  src/results/scan.cpp
   src/results/scan_files.cpp
   src/results/scan_record.cpp
-  src/scan/chunk_maker.cpp
-  src/scan/ordered_chunks.cpp)
+  src/results/scan_run.cpp
+  src/results/text_chunk.cpp
+  src/scan/plan_file.cpp)
 list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
 
 # dravo_results_library(library): the bytes of scans, on a build of the library.
 function(dravo_results_library library)
   add_library(${library}_results STATIC ${DRAVO_RESULTS_SOURCES})
-  target_link_libraries(${library}_results PUBLIC
-    ${library}_protocol nlohmann_json::nlohmann_json)
+  target_include_directories(${library}_results PRIVATE ${XXHASH_INCLUDE_DIR})
+  target_link_libraries(${library}_results
+    PUBLIC ${library}_protocol nlohmann_json::nlohmann_json
+    PRIVATE tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
 endfunction()
 
 # dravo_program(library): the program dravo.
@@ -58,7 +72,8 @@ function(dravo_program library)
     src/cli/pair_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp)
-  target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 nlohmann_json::nlohmann_json)
+  target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
+    nlohmann_json::nlohmann_json)
   target_compile_options(dravo_cli PRIVATE -O1)
 
   add_executable(dravo-cli)

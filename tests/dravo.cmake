@@ -21,27 +21,34 @@ dravo_test_programs(identify protocol
 
 dravo_test_programs(scan results
   axis_test.cpp
-  chunk_maker_test.cpp
   ordered_chunks_test.cpp
   pair_placer_test.cpp
   plan_description_test.cpp
   plan_keys_test.cpp
   plan_refusals_test.cpp
   plan_test.cpp
+  poses_test.cpp
   random_pose_test.cpp
+  scan_test.cpp
   zipped_list_test.cpp)
 
 dravo_test_programs(results results
+  checksum_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
-  scan_record_test.cpp)
+  scan_record_test.cpp
+  text_chunk_test.cpp)
 
 # The built dravo, as it is and sanitized.
+add_library(watched_system MODULE cli/watched_system.cpp)
+target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
+  cli/durable_test.cpp
   cli/identify_test.cpp
   cli/merge_test.cpp
   cli/other_scans_test.cpp
+  cli/pose_folders_test.cpp
   cli/prepare_nudging_test.cpp
   cli/prepare_refusals_test.cpp
   cli/prepare_test.cpp
@@ -57,8 +64,9 @@ add_executable(cli_tests
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
-add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo)
+add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo watched_system)
 target_compile_definitions(cli_tests PRIVATE
+  DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"
   DRAVO_DEFAULT_PROGRAM="$<TARGET_FILE:qn-dravo>")
 gtest_discover_tests(cli_tests TEST_PREFIX cli/)
@@ -74,3 +82,10 @@ if(DRAVO_PYTHON)
     ${PROJECT_SOURCE_DIR}/examples/formamide-dimer/QN-input-GEOMETRY.xyz)
   set_tests_properties(cli/ase_read_back PROPERTIES SKIP_RETURN_CODE 77)
 endif()
+
+# What somebody else gets: an installed library, found in two ways, and nothing of records in it.
+add_test(NAME consumer/installed COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/consumer/run
+  ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} ${CMAKE_CXX_COMPILER})
+add_test(NAME consumer/symbols COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/consumer/symbols
+  $<TARGET_FILE:dravo> $<TARGET_FILE:dravo_protocol>)
+set_tests_properties(consumer/installed PROPERTIES COST 90)

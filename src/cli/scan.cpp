@@ -1,18 +1,16 @@
-#include "results/scan.hpp"
-
-#include <algorithm>
 #include <array>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "cli/commands.hpp"
 #include "cli/pair_options.hpp"
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
+#include "results/scan_run.hpp"
+#include "scan/plan_file.hpp"
 
 namespace dravo {
 namespace {
@@ -44,7 +42,7 @@ constexpr auto kFooter =
     "    --phi 0:350:10 --alpha 0 --beta 90 --gamma 0 --output formamide\n"
     "writes formamide.xyz, formamide.csv and formamide.json.";
 
-struct ScanOptions {
+struct ScanCommand {
   SharedRequest pair;
   std::string plan_file;
   std::map<std::string, std::string> keys;
@@ -66,7 +64,7 @@ Shard parse_shard(const std::string& text) {
   return {*number, *of};
 }
 
-ScanPlan plan_of(const ScanOptions& options) {
+ScanPlan plan_of(const ScanCommand& options) {
   PlanKeys keys;
   if (!options.plan_file.empty()) keys = read_plan_keys(options.plan_file);
   for (const auto& [key, value] : options.keys) set_plan_key(keys, key, value);
@@ -74,10 +72,8 @@ ScanPlan plan_of(const ScanOptions& options) {
   return ScanPlan(keys);
 }
 
-int all_threads() { return std::max(static_cast<int>(std::thread::hardware_concurrency()), 1); }
-
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
-void report(const ScanTotals& totals, const ScanOptions& options, bool files) {
+void report(const ScanTotals& totals, const ScanCommand& options, bool files) {
   if (options.json) {
     std::cout << json_text_of(totals) << '\n';
   } else if (options.request.count_only) {
@@ -88,7 +84,7 @@ void report(const ScanTotals& totals, const ScanOptions& options, bool files) {
   }
 }
 
-void run_scan(ScanOptions& options) {
+void run(ScanCommand& options) {
   ScanRequest& request = options.request;
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
@@ -98,10 +94,10 @@ void run_scan(ScanOptions& options) {
   const PairFile pair = read_pair(*options.pair);
   request.inputs = {options.pair->file, options.plan_file, plan.zip_file()};
   if (!options.quiet) tell(pair.remarks);
-  report(scan(pair.pair, plan, request), options, plan.files());
+  report(run_scan(pair.pair, plan, request), options, plan.files());
 }
 
-void add_plan_options(CLI::App& command, const std::shared_ptr<ScanOptions>& options) {
+void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {
   command
       .add_option("--plan", options->plan_file, "TOML file with these keys; options replace them")
       ->type_name("FILE");
@@ -116,7 +112,7 @@ void add_plan_options(CLI::App& command, const std::shared_ptr<ScanOptions>& opt
                    "the files of qn-dravo for each pose, in folders by index, instead of one xyz");
 }
 
-void add_run_options(CLI::App& command, const std::shared_ptr<ScanOptions>& options) {
+void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {
   ScanRequest& request = options->request;
   command.add_option("-o,--output", request.name, "name of the results without ending (scan)")
       ->type_name("NAME");
@@ -142,12 +138,11 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanOptions>& opti
 void add_scan(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("scan", "Place a pair many times");
   command.footer(kFooter);
-  auto options = std::make_shared<ScanOptions>();
-  options->request.threads = all_threads();
+  auto options = std::make_shared<ScanCommand>();
   options->pair = add_pair_options(command);
   add_plan_options(command, options);
   add_run_options(command, options);
-  command.callback([options] { run_scan(*options); });
+  command.callback([options] { run(*options); });
 }
 
 }  // namespace dravo

@@ -8,13 +8,9 @@
 #include <vector>
 
 #include "common/atom_table.hpp"
+#include "dravo/contacts.hpp"
 
 namespace dravo {
-
-struct ContactSurvey {
-  double shortest;        ///< intermolecular distance, Angstrom; infinite without atoms
-  std::int64_t contacts;  ///< pairs that `find_short_contacts` lists
-};
 
 /// Knows where the atoms of molecule 2 are. Finite positions only; may be used by several threads.
 class ContactSurveyor {

@@ -6,11 +6,11 @@
 
 #include "common/atom_table.hpp"
 #include "common/constants.hpp"
+#include "dravo/contacts.hpp"
 
 namespace dravo {
 
-/// The longest distance of a short contact, Angstrom.
-inline constexpr double kShortDistance = widened(1.9F);
+static_assert(kShortDistance == widened(1.9F));
 
 inline bool is_short_contact(double distance) { return distance <= kShortDistance; }
 
@@ -22,12 +22,6 @@ inline bool is_short_contact_of_square(double square) {
   if (square < kThreshold - kMargin) return true;
   return square <= kThreshold + kMargin && is_short_contact(half_power(square));
 }
-
-struct ShortContact {
-  std::int32_t atom1;  ///< row of an atom of molecule 1
-  std::int32_t atom2;  ///< row of an atom of molecule 2
-  double distance;     ///< Angstrom
-};
 
 /// Every intermolecular pair at `kShortDistance` or less, ordered by the atoms of molecule 1, then
 /// of molecule 2.

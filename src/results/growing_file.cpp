@@ -3,24 +3,38 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <utility>
+
 #include "common/errors.hpp"
-#include "common/output_folder.hpp"
+#include "results/durable.hpp"
 
 namespace dravo {
 
 GrowingFile::GrowingFile(const std::string& name)
     : name_(name), descriptor_(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-  if (descriptor_ < 0) throw_system_failure(name, "open for writing");
-  sink_ = sink_to_descriptor(descriptor_, name);
+  if (descriptor_.get() < 0) throw_system_failure(name, "open for writing");
 }
 
-GrowingFile::~GrowingFile() { ::close(descriptor_); }
+void GrowingFile::cut(std::int64_t size, Checksum checksum) {
+  if (::ftruncate(descriptor_.get(), size) != 0) throw_system_failure(name_, "write");
+  size_ = size;
+  checksum_ = std::move(checksum);
+}
 
-std::int64_t GrowingFile::size() const { return ::lseek(descriptor_, 0, SEEK_END); }
+void GrowingFile::append(std::string_view bytes) {
+  write_at(descriptor_.get(), name_, bytes, size_);
+  checksum_.add(bytes);
+  size_ += static_cast<std::int64_t>(bytes.size());
+}
 
-void GrowingFile::cut(std::int64_t size) {
-  if (::ftruncate(descriptor_, size) != 0 || ::lseek(descriptor_, size, SEEK_SET) != size)
-    throw_system_failure(name_, "write");
+void GrowingFile::sync() { sync_bytes(descriptor_.get(), name_); }
+
+/// Some file systems report only now that they could not keep the bytes.
+void GrowingFile::finish(const std::string& final_name) {
+  sync_file(descriptor_.get(), name_);
+  if (descriptor_.close() != 0 && errno != EINTR) throw_system_failure(name_, "write");
+  put_in_place(name_, final_name);
 }
 
 }  // namespace dravo

@@ -92,6 +92,9 @@ std::vector<ScanRecord> checked_records(const std::string& name, const std::vect
     expected.shard = shard;
     require_same_origin(part + kRecordEnding, expected, records.back());
   }
+  // Long reading comes last.
+  for (std::size_t k = 0; k < shards.size(); ++k)
+    require_unchanged(shards[k].name(name), records[k]);
   return records;
 }
 
@@ -134,19 +137,19 @@ ScanRecord merge_shards(const std::string& name, bool overwrite) {
   ScanRecord joined = records.front();
   joined.shard = {};
   joined.totals = {};
-  joined.frame_bytes = joined.table_bytes = 0;
   ResultFiles results(name, joined.with_frames());
-  results.cut(joined);
+  results.begin();
   for (std::size_t k = 0; k < shards.size(); ++k) {
     const std::string part = shards[k].name(name);
     const std::string table = part + kTableEnding;
     if (joined.with_frames())
       for_bytes(part + kFramesEnding, 0,
-                [&](std::string_view bytes) { results.append_frames(bytes, joined); });
+                [&](std::string_view bytes) { results.append_frames(bytes); });
     for_bytes(table, k == 0 ? 0 : heading_bytes(table),
-              [&](std::string_view bytes) { results.append_table(bytes, joined); });
+              [&](std::string_view bytes) { results.append_table(bytes); });
     joined.totals.add(records[k].totals);
   }
+  results.describe(joined);
   results.finish(joined);
   return joined;
 }

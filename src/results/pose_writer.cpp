@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "common/number_format.hpp"
@@ -39,8 +40,8 @@ constexpr std::array<Column, 16> kPoseColumns{{
     {"beta_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.beta, kAngle); }},
     {"gamma_applied",
      [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, kAngle); }},
-    {"shortest", [](auto& text, const auto& p) { append_fixed(text, p.survey.shortest, kLength); }},
-    {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.survey.contacts); }},
+    {"shortest", [](auto& text, const auto& p) { append_fixed(text, p.shortest, kLength); }},
+    {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.contacts); }},
 }};
 
 void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed) {

@@ -1,23 +1,13 @@
 /// Poses as text: frames of an extended xyz file and rows of a CSV table.
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <string>
 
 #include "common/atom_table.hpp"
-#include "driver/user_parameters.hpp"
-#include "output/contact_surveyor.hpp"
+#include "dravo/scan.hpp"
 
 namespace dravo {
-
-struct ScannedPose {
-  std::int64_t index;    ///< place in the plan, from 1
-  double above_contact;  ///< r less the distance of the first contact, where the plan asks so
-  PoseDegrees asked;     ///< Angstrom and degrees
-  PoseDegrees applied;   ///< as measured after the placement, phi from 0 to 360
-  ContactSurvey survey;
-};
 
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
 /// intermolecular distance, number of short contacts; and `above_contact` behind the index in plans

@@ -13,6 +13,7 @@
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
+#include "results/durable.hpp"
 #include "scan/fingerprint.hpp"
 
 namespace dravo {
@@ -44,22 +45,19 @@ bool has_progress(const std::string& scan) { return ::access((scan + kEnding).c_
 ProgressFile::ProgressFile(const std::string& scan)
     : name_(scan + kEnding),
       descriptor_(::open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-  if (descriptor_ < 0) throw_system_failure(name_, "open for writing");
+  if (descriptor_.get() < 0) throw_system_failure(name_, "open for writing");
   // Some file systems of clusters have no locks; there the user sees to it.
-  const bool held = ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  const bool held = ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   struct stat status {};
-  const bool known = ::fstat(descriptor_, &status) == 0;
+  const bool known = ::fstat(descriptor_.get(), &status) == 0;
   const bool just_removed = known && status.st_nlink == 0;
-  if (held || just_removed || !known) {
-    ::close(descriptor_);
+  if (held || just_removed || !known)
     throw IoFailure(name_ + ": another process is making this scan");
-  }
   size_ = status.st_size;
 }
 
 ProgressFile::~ProgressFile() {
   if (empty()) ::unlink(name_.c_str());
-  ::close(descriptor_);
 }
 
 std::vector<ScanRecord> ProgressFile::records() const {
@@ -85,15 +83,15 @@ void ProgressFile::write(const ScanRecord& record) {
   const std::string fingerprint = fingerprint_of(line);
   line.append(" ").append(fingerprint).append("\n");
   if (line.size() > kSlotBytes) throw std::length_error("the record of a scan is too long");
-  const auto offset = static_cast<off_t>(static_cast<std::size_t>(next_slot_) * kSlotBytes);
-  if (::pwrite(descriptor_, line.data(), line.size(), offset) != static_cast<ssize_t>(line.size()))
-    throw_system_failure(name_, "write");
+  const auto offset = static_cast<std::int64_t>(kSlotBytes) * next_slot_;
+  write_at(descriptor_.get(), name_, line, offset);
+  sync_bytes(descriptor_.get(), name_);
   next_slot_ = 1 - next_slot_;
   size_ = 1;
 }
 
 void ProgressFile::clear() {
-  if (::ftruncate(descriptor_, 0) != 0) throw_system_failure(name_, "write");
+  if (::ftruncate(descriptor_.get(), 0) != 0) throw_system_failure(name_, "write");
   size_ = 0;
   next_slot_ = 0;
 }

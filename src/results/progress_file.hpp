@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "results/descriptor.hpp"
 #include "results/scan_record.hpp"
 
 namespace dravo {
@@ -29,6 +30,7 @@ class ProgressFile {
   /// The whole ones, later first. Throws IoFailure when the file holds other things only.
   [[nodiscard]] std::vector<ScanRecord> records() const;
 
+  /// The record is on the disk when this returns; what it tells of must be there before.
   void write(const ScanRecord& record);
 
   /// The scan is finished, or begins anew.
@@ -36,7 +38,7 @@ class ProgressFile {
 
  private:
   std::string name_;
-  int descriptor_;
+  Descriptor descriptor_;
   std::int64_t size_ = 0;
   int next_slot_ = 0;
 };

@@ -10,7 +10,8 @@
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
-#include "common/output_folder.hpp"
+#include "results/checksum.hpp"
+#include "results/durable.hpp"
 
 namespace dravo {
 namespace {
@@ -33,6 +34,34 @@ void require_size(const std::string& name, std::int64_t bytes) {
                     std::to_string(size));
 }
 
+/// Of so many bytes, when they are there and have the checksum that a record tells of.
+std::optional<Checksum> checksum_in(const GrowingFile& file, std::int64_t bytes,
+                                    const std::optional<std::uint64_t>& expected) {
+  auto found = file.checksum_of_first(bytes);
+  return found && expected && found->value() != *expected ? std::nullopt : std::move(found);
+}
+
+void require_checksum(const std::string& record, const std::string& name, std::int64_t bytes,
+                      const std::optional<std::uint64_t>& expected) {
+  if (!expected) return;
+  if (checksum_of_first(bytes, name) == *expected) return;
+  throw IoFailure(name + ": has changed since it was written: its checksum is not that in " +
+                  record);
+}
+
+void write_record(const std::string& name, const std::string& text) {
+  const std::string part = name + std::string(kPart);
+  try {
+    GrowingFile file(part);
+    file.cut(0, {});
+    file.append(text);
+    file.finish(name);
+  } catch (const IoFailure&) {
+    ::unlink(part.c_str());
+    throw;
+  }
+}
+
 }  // namespace
 
 ResultFiles::ResultFiles(std::string name, bool with_frames) : name_(std::move(name)) {
@@ -48,34 +77,45 @@ ResultFiles::ResultFiles(std::string name, bool with_frames) : name_(std::move(n
   table_ = open(kTableEnding);
 }
 
-bool ResultFiles::have(const ScanRecord& record) const {
-  return (!frames_ || frames_->size() >= record.frame_bytes) &&
-         table_->size() >= record.table_bytes;
+void ResultFiles::begin() {
+  if (frames_) frames_->cut(0, {});
+  table_->cut(0, {});
 }
 
-void ResultFiles::cut(const ScanRecord& record) {
-  if (frames_) frames_->cut(record.frame_bytes);
-  table_->cut(record.table_bytes);
+bool ResultFiles::take_up(const ScanRecord& record) {
+  auto frames = frames_ ? checksum_in(*frames_, record.frame_bytes, record.frame_checksum)
+                        : std::optional(Checksum());
+  auto table = checksum_in(*table_, record.table_bytes, record.table_checksum);
+  if (!frames || !table) return false;
+  if (frames_) frames_->cut(record.frame_bytes, *std::move(frames));
+  table_->cut(record.table_bytes, *std::move(table));
+  return true;
 }
 
-void ResultFiles::append_frames(std::string_view bytes, ScanRecord& record) {
+void ResultFiles::append_frames(std::string_view bytes) {
   if (frames_) frames_->append(bytes);
-  record.frame_bytes += static_cast<std::int64_t>(bytes.size());
 }
 
-void ResultFiles::append_table(std::string_view bytes, ScanRecord& record) {
-  table_->append(bytes);
-  record.table_bytes += static_cast<std::int64_t>(bytes.size());
+void ResultFiles::append_table(std::string_view bytes) { table_->append(bytes); }
+
+void ResultFiles::describe(ScanRecord& record) const {
+  if (frames_) {
+    record.frame_bytes = frames_->size();
+    record.frame_checksum = frames_->checksum();
+  }
+  record.table_bytes = table_->size();
+  record.table_checksum = table_->checksum();
+}
+
+void ResultFiles::sync() {
+  if (frames_) frames_->sync();
+  table_->sync();
 }
 
 void ResultFiles::finish(const ScanRecord& record) {
-  for (auto* file : {&frames_, &table_}) {
-    if (!*file) continue;
-    const std::string part = (*file)->name();
-    file->reset();
-    rename_file(part, part.substr(0, part.size() - kPart.size()));
-  }
-  WorkingDirectory().replace(name_ + kRecordEnding, text_of(record) + "\n");
+  for (auto* file : {frames_.get(), table_.get()})
+    if (file != nullptr) file->finish(file->name().substr(0, file->name().size() - kPart.size()));
+  write_record(name_ + kRecordEnding, text_of(record) + "\n");
 }
 
 ScanRecord finished_record(const std::string& name) {
@@ -84,6 +124,13 @@ ScanRecord finished_record(const std::string& name) {
   if (record.with_frames()) require_size(name + kFramesEnding, record.frame_bytes);
   require_size(name + kTableEnding, record.table_bytes);
   return record;
+}
+
+void require_unchanged(const std::string& name, const ScanRecord& record) {
+  const std::string file = name + kRecordEnding;
+  if (record.with_frames())
+    require_checksum(file, name + kFramesEnding, record.frame_bytes, record.frame_checksum);
+  require_checksum(file, name + kTableEnding, record.table_bytes, record.table_checksum);
 }
 
 bool has_finished_record(const std::string& name) { return exists(name + kRecordEnding); }

@@ -22,16 +22,24 @@ class ResultFiles {
   /// Takes up what is there.
   ResultFiles(std::string name, bool with_frames);
 
-  /// Whether all bytes that a record tells of are there.
-  [[nodiscard]] bool have(const ScanRecord& record) const;
+  /// Whatever is there goes.
+  void begin();
 
-  /// Back to the bytes of a record.
-  void cut(const ScanRecord& record);
+  /// Back to the bytes that a record tells of. False, and nothing is done, when they are not all
+  /// there as they were written.
+  [[nodiscard]] bool take_up(const ScanRecord& record);
 
-  /// Adds to the results and to the byte counts of the record.
-  void append_frames(std::string_view bytes, ScanRecord& record);
-  void append_table(std::string_view bytes, ScanRecord& record);
+  void append_frames(std::string_view bytes);  ///< nothing for a scan without frames
+  void append_table(std::string_view bytes);
 
+  /// Byte counts and checksums of what was appended.
+  void describe(ScanRecord& record) const;
+
+  /// All bytes are on the disk when this returns.
+  void sync();
+
+  /// The complete files get their names for good, each on the disk before it has its name, and the
+  /// record last.
   void finish(const ScanRecord& record);
 
  private:
@@ -42,6 +50,10 @@ class ResultFiles {
 
 /// Reads NAME.json and checks the sizes of the results. Throws IoFailure.
 ScanRecord finished_record(const std::string& name);
+
+/// Reads the results and throws IoFailure when a checksum is not that of the record. Records of
+/// earlier versions have none: their results are taken as they are.
+void require_unchanged(const std::string& name, const ScanRecord& record);
 
 [[nodiscard]] bool has_finished_record(const std::string& name);
 

@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "results/durable.hpp"
 
 namespace dravo {
 namespace {
 
-/// What a kill may cost at most, besides the chunks in work.
-constexpr std::int64_t kMostUnrecordedBytes = 1 << 20;
-constexpr auto kMostUnrecordedTime = std::chrono::milliseconds(100);
+/// What a kill may cost at most, besides the chunks in work. The disk is not troubled more often.
+constexpr auto kMostUnclaimedTime = std::chrono::seconds(1);
 
 }  // namespace
 
@@ -20,11 +20,15 @@ bool has_earlier_scan(const std::string& name) {
 }
 
 ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const std::string& table_heading,
-                     Earlier earlier)
-    : name_(std::move(name)), record_(plan), progress_(std::make_unique<ProgressFile>(name_)) {
+                     Earlier earlier, std::optional<PoseFolders> folders)
+    : name_(std::move(name)),
+      folders_(std::move(folders)),
+      record_(plan),
+      progress_(std::make_unique<ProgressFile>(name_)) {
   if (earlier == Earlier::resume && has_finished_record(name_)) {
     record_ = finished_record(name_);
     require_same_origin(name_ + kRecordEnding, record_, plan);
+    require_unchanged(name_, record_);
     progress_->clear();  // a kill in the last step left it
     progress_.reset();
     return;
@@ -37,6 +41,16 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const std::string
   }
   results_ = std::make_unique<ResultFiles>(name_, plan.with_frames());
   if (!take_up(records)) begin(table_heading);
+}
+
+/// What was appended before something failed is claimed too, so that nobody makes it again. Not
+/// after a claim that failed: what the disk has then, nobody knows.
+ScanFiles::~ScanFiles() {
+  try {
+    if (claimable_) claim();
+  } catch (...) {
+    // The claims before hold.
+  }
 }
 
 /// The files of an unfinished scan are not in the way of one that goes on with it.
@@ -56,39 +70,46 @@ void ScanFiles::clear_the_way(Earlier earlier) {
 
 void ScanFiles::begin(const std::string& table_heading) {
   progress_->clear();
-  results_->cut(record_);
-  results_->append_table(table_heading, record_);
-  record_progress();
+  results_->begin();
+  results_->append_table(table_heading);
+  results_->describe(record_);
+  sync_folder_of(name_);
+  claim();
 }
 
-/// From the last record whose bytes have all arrived. False when there is none.
+/// From the last record whose bytes are all there. False when there is none.
 bool ScanFiles::take_up(const std::vector<ScanRecord>& records) {
-  const auto whole = std::find_if(records.begin(), records.end(),
-                                  [&](const ScanRecord& record) { return results_->have(record); });
+  const auto whole = std::find_if(records.begin(), records.end(), [&](const ScanRecord& record) {
+    return results_->take_up(record);
+  });
   if (whole == records.end()) return false;
   record_ = *whole;
-  results_->cut(record_);
+  sync_folder_of(name_);
+  claimable_ = true;
   return true;
 }
 
-void ScanFiles::append(const Chunk& chunk) {
-  results_->append_frames(chunk.frames, record_);
-  results_->append_table(chunk.table, record_);
+void ScanFiles::append(const TextChunk& chunk) {
+  results_->append_frames(chunk.frames);
+  results_->append_table(chunk.table);
   record_.totals.add(chunk.totals);
-  unrecorded_bytes_ += static_cast<std::int64_t>(chunk.frames.size() + chunk.table.size());
-  const auto now = std::chrono::steady_clock::now();
-  if (unrecorded_bytes_ >= kMostUnrecordedBytes || now - recorded_ >= kMostUnrecordedTime)
-    record_progress();
+  results_->describe(record_);
+  if (std::chrono::steady_clock::now() - claimed_ >= kMostUnclaimedTime) claim();
 }
 
-void ScanFiles::record_progress() {
+/// What a record tells of is on the disk before the record is.
+void ScanFiles::claim() {
+  claimable_ = false;
+  if (folders_) folders_->sync();
+  results_->sync();
   progress_->write(record_);
-  unrecorded_bytes_ = 0;
-  recorded_ = std::chrono::steady_clock::now();
+  claimed_ = std::chrono::steady_clock::now();
+  claimable_ = true;
 }
 
 void ScanFiles::finish() {
-  record_progress();  // a kill among the next steps must not make poses again
+  claim();  // a kill among the next steps must not make poses again
+  claimable_ = false;
   results_->finish(record_);
   results_.reset();
   progress_->clear();

@@ -1,17 +1,18 @@
 /// The files of a scan: results that grow chunk by chunk, and the progress that a later run needs
-/// to go on after a kill.
+/// to go on after a kill or a power failure.
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "results/pose_folders.hpp"
 #include "results/progress_file.hpp"
 #include "results/result_files.hpp"
 #include "results/scan_record.hpp"
-#include "scan/chunk_maker.hpp"
+#include "results/text_chunk.hpp"
 
 namespace dravo {
 
@@ -26,8 +27,12 @@ class ScanFiles {
   /// `plan` is the record of a scan that has done nothing; `name` is without an ending. Takes up an
   /// unfinished scan of the same origin with Earlier::resume. Throws IoFailure when files are in
   /// the way, when the earlier scan was another one, or while another process makes this one.
+  /// `folders` are those of poses that have files of their own, whoever writes them.
   ScanFiles(std::string name, const ScanRecord& plan, const std::string& table_heading,
-            Earlier earlier);
+            Earlier earlier, std::optional<PoseFolders> folders = std::nullopt);
+  ScanFiles(const ScanFiles&) = delete;
+  ScanFiles& operator=(const ScanFiles&) = delete;
+  ~ScanFiles();
 
   /// Of the poses in the files.
   [[nodiscard]] const ScanTotals& totals() const { return record_.totals; }
@@ -35,7 +40,7 @@ class ScanFiles {
   /// Nothing is left to do: the results stand there.
   [[nodiscard]] bool finished() const { return !results_; }
 
-  void append(const Chunk& chunk);
+  void append(const TextChunk& chunk);
 
   /// All poses are in the files.
   void finish();
@@ -44,12 +49,13 @@ class ScanFiles {
   void clear_the_way(Earlier earlier);
   void begin(const std::string& table_heading);
   bool take_up(const std::vector<ScanRecord>& records);
-  void record_progress();
+  void claim();
 
   std::string name_;
+  std::optional<PoseFolders> folders_;
   ScanRecord record_;
-  std::int64_t unrecorded_bytes_ = 0;
-  std::chrono::steady_clock::time_point recorded_;
+  std::chrono::steady_clock::time_point claimed_ = std::chrono::steady_clock::now();
+  bool claimable_ = false;  ///< `record_` tells of what the files have
   std::unique_ptr<ProgressFile> progress_;
   std::unique_ptr<ResultFiles> results_;
 };

@@ -1,9 +1,13 @@
 #include "results/scan_record.hpp"
 
+#include <fmt/format.h>
+
+#include <charconv>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
 #include "common/version.hpp"
@@ -33,6 +37,23 @@ std::int64_t whole(const Json& json, const char* key, std::int64_t lowest = 0) {
 /// JSON has no infinity, which stands for "no pose yet".
 double distance_in(const Json& json) {
   return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
+}
+
+constexpr auto kFrameChecksum = "frame_xxh3";
+constexpr auto kTableChecksum = "table_xxh3";
+
+/// As checksums are written everywhere: sixteen digits.
+std::string hexadecimal(std::uint64_t number) { return fmt::format("{:016x}", number); }
+
+/// Empty without the key.
+std::optional<std::uint64_t> checksum_in(const Json& json, const char* key) {
+  const auto found = json.find(key);
+  if (found == json.end()) return std::nullopt;
+  const auto text = found->get<std::string>();
+  std::uint64_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  if (hexadecimal(number) != text) throw std::out_of_range(key);
+  return number;
 }
 
 }  // namespace
@@ -102,11 +123,13 @@ std::string sentence_about(const ScanTotals& totals) {
 std::string json_text_of(const ScanTotals& totals) { return json_of(totals).dump(); }
 
 std::string text_of(const ScanRecord& record) {
-  return Json{{"origin", record.origin},          {"poses", record.poses},
-              {"shard", record.shard.number},     {"shards", record.shard.of},
-              {"totals", json_of(record.totals)}, {"frame_bytes", record.frame_bytes},
-              {"table_bytes", record.table_bytes}}
-      .dump();
+  Json json{{"origin", record.origin},          {"poses", record.poses},
+            {"shard", record.shard.number},     {"shards", record.shard.of},
+            {"totals", json_of(record.totals)}, {"frame_bytes", record.frame_bytes},
+            {"table_bytes", record.table_bytes}};
+  if (record.frame_checksum) json[kFrameChecksum] = hexadecimal(*record.frame_checksum);
+  if (record.table_checksum) json[kTableChecksum] = hexadecimal(*record.table_checksum);
+  return json.dump();
 }
 
 ScanRecord parse_record(const std::string& name, const std::string& text) {
@@ -122,6 +145,8 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
                      whole(totals, "shortest_index")};
     record.frame_bytes = whole(json, "frame_bytes");
     record.table_bytes = whole(json, "table_bytes");
+    record.frame_checksum = checksum_in(json, kFrameChecksum);
+    record.table_checksum = checksum_in(json, kTableChecksum);
     if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
     return record;
   } catch (const std::exception&) {

@@ -3,11 +3,12 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "dravo/molecule.hpp"
-#include "scan/chunk_maker.hpp"
+#include "results/scan_totals.hpp"
 #include "scan/plan.hpp"
 
 namespace dravo {
@@ -31,6 +32,9 @@ struct ScanRecord {
   ScanTotals totals;
   std::int64_t frame_bytes = 0;
   std::int64_t table_bytes = 0;
+  /// Of those bytes. Not in records of earlier versions; of frames, not without frames.
+  std::optional<std::uint64_t> frame_checksum = std::nullopt;
+  std::optional<std::uint64_t> table_checksum = std::nullopt;
 
   /// Not when each pose has files of its own.
   [[nodiscard]] bool with_frames() const;

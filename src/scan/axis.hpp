@@ -1,6 +1,7 @@
 /// The values that one parameter takes in a scan.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,8 +18,11 @@ class Axis {
   Axis() = default;
 
   /// Reads the words of a plan, each a number, a range, or several of them with commas between. The
-  /// stop belongs to a range when a step ends on it. Throws IoFailure.
-  explicit Axis(const std::vector<PlanWord>& words);
+  /// stop belongs to a range when a step ends on it. Throws InvalidInput.
+  explicit Axis(std::vector<PlanWord> words);
+
+  /// Throws InvalidInput without numbers, and for one that is not finite.
+  static Axis of_numbers(const std::vector<double>& numbers);
 
   [[nodiscard]] std::int64_t size() const { return size_; }
 
@@ -26,30 +30,37 @@ class Axis {
   /// values: 0:1:0.1 contains 0.3 and not 0.30000000000000004.
   [[nodiscard]] double at(std::int64_t i) const;
 
-  /// A number or range with the word it came from. Values lie between its first and its last.
+  /// A number or range. Values lie between its first and its last.
   struct Segment {
     double start;
     double step;
     double decimal_unit;  ///< values times this are whole numbers; 0 when not known to be
     std::int64_t count;
     std::int64_t first;  ///< index of its first value on the axis
-    PlanWord word;
+    std::size_t word;    ///< that it came from, from 0
 
     [[nodiscard]] double at(std::int64_t i) const;
   };
   [[nodiscard]] const std::vector<Segment>& segments() const { return segments_; }
 
+  /// The word that a segment of a plan came from.
+  [[nodiscard]] const PlanWord& word_of(const Segment& segment) const {
+    return words_[segment.word];
+  }
+
   /// The same for the same numbers and ranges, in whatever notation.
   [[nodiscard]] std::string description() const;
 
  private:
-  void add(const PlanWord& word, std::string_view text);
+  void add(std::size_t word, std::string_view text);
+  void add_number(std::size_t word, double number);
 
+  std::vector<PlanWord> words_;
   std::vector<Segment> segments_;
   std::int64_t size_ = 0;
 };
 
-/// The finite number that stands in a part of a word; throws IoFailure for anything else.
+/// The finite number that stands in a part of a word; throws InvalidInput for anything else.
 double number_in(const PlanWord& word, std::string_view text);
 
 }  // namespace dravo

@@ -1,10 +1,17 @@
 /// Makes chunks with several threads and hands them on one by one, in order.
 #pragma once
 
+#include <algorithm>
+#include <condition_variable>
+#include <cstddef>
 #include <cstdint>
-#include <functional>
-
-#include "scan/chunk_maker.hpp"
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
 
 namespace dravo {
 
@@ -12,13 +19,105 @@ struct ChunkJob {
   std::int64_t first = 0;  ///< pose, from 0
   std::int64_t end = 0;    ///< before this one
   std::int64_t size = 1;   ///< poses of a chunk
-  int threads = 1;
+  int threads = 1;         ///< 0 for as many as the machine has cores
 };
 
-/// Calls `take` for every chunk of the job, each call from some thread after the one before it is
-/// done. A few chunks a thread are in memory at most. `new_maker` gives a thread its maker. The
-/// first exception of a maker or of `take` ends the work and is thrown here.
-void make_chunks(const ChunkJob& job, const std::function<ChunkMaker()>& new_maker,
-                 const std::function<void(const Chunk&)>& take);
+/// Threads ask for the number of a chunk, make it, and deliver it. Whoever delivers the one that is
+/// next in order takes it, and all that wait behind it, while the others go on.
+template <class Payload, class Take>
+class OrderedChunks {
+ public:
+  OrderedChunks(std::int64_t chunks, int threads, Take& take)
+      : chunks_(chunks), slots_(2 * static_cast<std::size_t>(threads) + 1), take_(&take) {}
+
+  /// Empty when nothing is left to make. Waits while too much waits to be taken.
+  std::optional<std::int64_t> claim(Payload& memory) {
+    std::unique_lock lock(mutex_);
+    const auto window = static_cast<std::int64_t>(slots_.size());
+    changed_.wait(lock, [&] { return failure_ || next_to_make_ < next_to_take_ + window; });
+    if (failure_ || next_to_make_ == chunks_) return std::nullopt;
+    if (!spare_.empty()) {
+      memory = std::move(spare_.back());
+      spare_.pop_back();
+    }
+    return next_to_make_++;
+  }
+
+  void deliver(std::int64_t number, Payload&& chunk) {
+    std::unique_lock lock(mutex_);
+    slot(number) = std::move(chunk);
+    // The slot of a chunk that somebody takes is empty, and nobody else comes past it.
+    while (slot(next_to_take_) && !failure_) {
+      Payload next = std::move(*slot(next_to_take_));
+      slot(next_to_take_).reset();
+      lock.unlock();
+      (*take_)(std::as_const(next));
+      lock.lock();
+      ++next_to_take_;
+      spare_.push_back(std::move(next));
+      changed_.notify_all();
+    }
+  }
+
+  void fail(std::exception_ptr failure) {
+    const std::lock_guard lock(mutex_);
+    if (!failure_) failure_ = std::move(failure);
+    changed_.notify_all();
+  }
+
+  void rethrow() const {
+    if (failure_) std::rethrow_exception(failure_);
+  }
+
+ private:
+  std::optional<Payload>& slot(std::int64_t number) {
+    return slots_[static_cast<std::size_t>(number) % slots_.size()];
+  }
+
+  const std::int64_t chunks_;
+  std::vector<std::optional<Payload>> slots_;
+  Take* take_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::int64_t next_to_make_ = 0;
+  std::int64_t next_to_take_ = 0;
+  std::vector<Payload> spare_;
+  std::exception_ptr failure_;
+};
+
+/// Calls `take(const Payload&)` for every chunk of the job, each call from some thread after the
+/// one before it is done. A few chunks a thread are in memory at most, and their memory is used
+/// again. `new_maker()` gives a thread its maker, whose `make(first, end, payload)` makes a chunk.
+/// The first exception of a maker or of `take` ends the work and is thrown here.
+template <class Payload, class NewMaker, class Take>
+void make_chunks(const ChunkJob& job, const NewMaker& new_maker, Take take) {
+  const int cores = std::max(static_cast<int>(std::thread::hardware_concurrency()), 1);
+  const int threads = job.threads == 0 ? cores : job.threads;
+  OrderedChunks<Payload, Take> chunks((job.end - job.first + job.size - 1) / job.size, threads,
+                                      take);
+  const auto work = [&] {
+    try {
+      auto maker = new_maker();
+      Payload chunk;
+      while (const auto number = chunks.claim(chunk)) {
+        const std::int64_t first = job.first + *number * job.size;
+        maker.make(first, std::min(first + job.size, job.end), chunk);
+        chunks.deliver(*number, std::move(chunk));
+      }
+    } catch (...) {
+      chunks.fail(std::current_exception());
+    }
+  };
+  {
+    std::vector<std::jthread> others;
+    try {
+      for (int k = 1; k < threads; ++k) others.emplace_back(work);
+    } catch (const std::system_error&) {
+      // The system gives no more threads: those that run do the work.
+    }
+    work();
+  }
+  chunks.rethrow();
+}
 
 }  // namespace dravo

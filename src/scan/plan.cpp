@@ -2,21 +2,22 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <memory>
 #include <string_view>
+#include <utility>
 
-#include "common/errors.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
-#include "driver/user_parameters.hpp"
+#include "dravo/error.hpp"
+#include "dravo/pose.hpp"
 #include "scan/fingerprint.hpp"
-#include "scan/random_pose.hpp"
+#include "scan/pose_source.hpp"
+#include "scan/zipped_list.hpp"
 
 namespace dravo {
 namespace {
-
-constexpr std::int64_t kMostPoses = 1'000'000'000'000'000;  // indices stay whole as doubles
 
 constexpr std::array<std::string_view, 5> kOtherKeys{"zip", "random", "seed", "contacts", "files"};
 
@@ -74,14 +75,16 @@ constexpr std::array<std::pair<std::string_view, ContactRule>, 3> kContactRules{
 constexpr std::array<std::pair<std::string_view, bool>, 2> kTruth{
     {{"true", true}, {"false", false}}};
 
-/// Both ends of every stretch of the axis; what lies between them is in range when they are.
 void check_range(const Axis& axis, const PoseParameter& parameter) {
+  if (const auto fault = find_axis_fault(axis, parameter))
+    axis.word_of(*fault->segment).refuse(fault->complaint.what());
+}
+
+double longest_of(const Axis& axis) {
+  double longest = 0.0;
   for (const Axis::Segment& segment : axis.segments())
-    for (const std::int64_t i : {std::int64_t{0}, segment.count - 1}) {
-      PoseDegrees degrees;
-      degrees.*parameter.value = segment.at(i);
-      if (const auto complaint = complaint_about(degrees)) segment.word.refuse(complaint->what());
-    }
+    longest = std::max({longest, segment.at(0), segment.at(segment.count - 1)});
+  return longest;
 }
 
 /// The text, or its fingerprint where it is long.
@@ -97,61 +100,67 @@ constexpr std::string_view kContact = "contact";
 
 }  // namespace
 
-ScanPlan::ScanPlan(const PlanKeys& keys) {
-  refuse_unknown_keys(keys);
-  read_sampling(keys);
-  read_axes(keys);
-  count_poses();
+ScanPlan::ScanPlan(const PlanKeys& keys) : poses_(read_poses(keys)) {
   if (const PlanWord* rule = single(keys, "contacts")) contacts_ = choice(*rule, kContactRules);
   if (const PlanWord* files = single(keys, "files")) files_ = choice(*files, kTruth);
   description_["contacts"] = kContactRules[static_cast<std::size_t>(contacts_)].first;
   description_["files"] = kTruth[files_ ? 0 : 1].first;
 }
 
-void ScanPlan::read_sampling(const PlanKeys& keys) {
+Poses ScanPlan::read_poses(const PlanKeys& keys) {
+  refuse_unknown_keys(keys);
   const PlanWord* zip = single(keys, "zip");
   const PlanWord* random = single(keys, "random");
   const PlanWord* seed = single(keys, "seed");
   if (zip != nullptr && random != nullptr) random->refuse("zip and random exclude each other");
   if (seed != nullptr && random == nullptr) seed->refuse("a seed is for random poses alone");
-  if (zip != nullptr) {
-    sampling_ = Sampling::zipped;
-    zip_file_ = zip->path();
-    zipped_ = std::make_shared<const ZippedList>(zip_file_);
-    description_["zip"] =
-        std::to_string(zipped_->size()) + " rows, " + std::to_string(zipped_->fingerprint());
-  }
-  if (random != nullptr) {
-    sampling_ = Sampling::random;
-    directions_ = whole_number<std::int64_t>(*random, 1, kMostPoses);
-    if (seed != nullptr)
-      seed_ = whole_number<std::uint64_t>(*seed, 0, std::numeric_limits<std::uint64_t>::max());
-    description_["random"] = std::to_string(directions_);
-    description_["seed"] = std::to_string(seed_);
-  }
+  if (zip != nullptr) return read_list(*zip, keys);
+  if (random != nullptr) return read_random(*random, seed, keys);
+  return Poses(grid_source(read_axes(keys, kPoseParameters.size(), "")));
 }
 
-/// A grid needs all six parameters, a random scan r alone, a zipped one none.
-void ScanPlan::read_axes(const PlanKeys& keys) {
+Poses ScanPlan::read_list(const PlanWord& zip, const PlanKeys& keys) {
+  zip_file_ = zip.path();
+  auto list = std::make_shared<const ZippedList>(zip_file_);
+  description_["zip"] =
+      std::to_string(list->size()) + " rows, " + std::to_string(list->fingerprint());
+  (void)read_axes(keys, 0, "the zipped list");
+  return Poses(std::move(list));
+}
+
+Poses ScanPlan::read_random(const PlanWord& random, const PlanWord* seed, const PlanKeys& keys) {
+  const auto directions = whole_number<std::int64_t>(random, 1, kMostPoses);
+  std::uint64_t number = 0;
+  if (seed != nullptr)
+    number = whole_number<std::uint64_t>(*seed, 0, std::numeric_limits<std::uint64_t>::max());
+  description_["random"] = std::to_string(directions);
+  description_["seed"] = std::to_string(number);
+  return Poses(random_source(directions, read_axes(keys, 1, "random numbers")[0], number));
+}
+
+/// The first parameters, as many as are needed; the rest have their values from `others`.
+std::array<Axis, 6> ScanPlan::read_axes(const PlanKeys& keys, std::size_t needed,
+                                        const char* others) {
+  std::array<Axis, 6> axes;
   std::string missing;
-  for (std::size_t k = 0; k < axes_.size(); ++k) {
+  for (std::size_t k = 0; k < axes.size(); ++k) {
     const PoseParameter& parameter = kPoseParameters[k];
-    const bool needed = sampling_ == Sampling::grid || (sampling_ == Sampling::random && k == 0);
     const auto* words = find(keys, parameter.name);
-    if (words != nullptr && !needed)
-      (*words)[0].refuse(std::string(parameter.name) + " has its values from " +
-                         (sampling_ == Sampling::zipped ? "the zipped list" : "random numbers"));
-    if (words == nullptr && needed)
+    if (words != nullptr && k >= needed)
+      (*words)[0].refuse(std::string(parameter.name) + " has its values from " + others);
+    if (words == nullptr && k < needed)
       missing.append(missing.empty() ? "" : ", ").append(parameter.name);
-    if (words == nullptr || !needed) continue;
-    axes_[k] = Axis(k == 0 ? without_contact(*words) : *words);
-    check_range(axes_[k], parameter);
+    if (words == nullptr) continue;
+    axes[k] = Axis(k == 0 ? without_contact(*words) : *words);
+    check_range(axes[k], parameter);
     const std::string from = k == 0 && above_contact_ ? "contact + " : "";
-    description_[parameter.name] = shortened(from + axes_[k].description());
+    description_[parameter.name] = shortened(from + axes[k].description());
   }
   if (!missing.empty())
     throw InvalidInput("the plan lacks " + missing +
                        ": give a number, a list (0,30,60) or start:stop:step for each");
+  longest_r_ = longest_of(axes[0]);
+  return axes;
 }
 
 /// Takes the words "contact +" off the values of r and remembers that they were there.
@@ -168,66 +177,6 @@ std::vector<PlanWord> ScanPlan::without_contact(std::vector<PlanWord> words) {
   const auto taken = static_cast<std::size_t>(distances.data() - first.text.data());
   first = {std::string(distances), first.source, first.begin + taken};
   return words;
-}
-
-void ScanPlan::count_poses() {
-  poses_ = sampling_ == Sampling::zipped ? zipped_->size() : 1;
-  if (sampling_ == Sampling::random) poses_ = directions_;
-  for (const Axis& axis : axes_) {
-    const std::int64_t values = std::max<std::int64_t>(axis.size(), 1);
-    if (poses_ > kMostPoses / values)
-      throw InvalidInput("the plan has more than " + std::to_string(kMostPoses) + " poses");
-    poses_ *= values;
-  }
-}
-
-void ScanPlan::fill(std::int64_t first, std::span<PoseDegrees> poses) const {
-  switch (sampling_) {
-    case Sampling::grid:
-      fill_grid(first, poses);
-      break;
-    case Sampling::zipped:
-      zipped_->read(first, poses);
-      break;
-    case Sampling::random:
-      fill_random(first, poses);
-      break;
-  }
-}
-
-void ScanPlan::fill_grid(std::int64_t first, std::span<PoseDegrees> poses) const {
-  std::array<std::int64_t, 6> place{};
-  PoseDegrees pose;
-  std::int64_t rest = first;
-  for (std::size_t k = axes_.size(); k-- > 0;) {
-    place[k] = rest % axes_[k].size();
-    rest /= axes_[k].size();
-    pose.*kPoseParameters[k].value = axes_[k].at(place[k]);
-  }
-  for (PoseDegrees& filled : poses) {
-    filled = pose;
-    for (std::size_t k = axes_.size(); k-- > 0;) {
-      place[k] = place[k] + 1 < axes_[k].size() ? place[k] + 1 : 0;
-      pose.*kPoseParameters[k].value = axes_[k].at(place[k]);
-      if (place[k] != 0) break;
-    }
-  }
-}
-
-void ScanPlan::fill_random(std::int64_t first, std::span<PoseDegrees> poses) const {
-  std::int64_t index = first;
-  for (PoseDegrees& filled : poses) {
-    filled = random_pose(seed_, index % directions_);
-    filled.r = axes_[0].at(index / directions_);
-    ++index;
-  }
-}
-
-double ScanPlan::longest_r() const {
-  double longest = 0.0;
-  for (const Axis::Segment& segment : axes_[0].segments())
-    longest = std::max({longest, segment.at(0), segment.at(segment.count - 1)});
-  return longest;
 }
 
 }  // namespace dravo

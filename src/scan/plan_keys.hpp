@@ -22,8 +22,8 @@ struct PlanWord {
   std::shared_ptr<const PlanSource> source;
   std::size_t begin;  ///< where the text stands in the source
 
-  /// Throws IoFailure: what is wrong with a part of the text, with the place. `part` is a view into
-  /// `text`.
+  /// Throws InvalidInput: what is wrong with a part of the text, with the place. `part` is a view
+  /// into `text`.
   [[noreturn]] void refuse(std::string_view part, const std::string& what_is_wrong) const;
   [[noreturn]] void refuse(const std::string& what_is_wrong) const { refuse(text, what_is_wrong); }
 
@@ -33,10 +33,6 @@ struct PlanWord {
 
 /// A single value is a list of one word.
 using PlanKeys = std::map<std::string, std::vector<PlanWord>, std::less<>>;
-
-/// Reads a TOML file of values and arrays of values. Throws IoFailure for what is no TOML or more
-/// deeply nested.
-PlanKeys read_plan_keys(const std::string& file);
 
 /// A key by its option, "--" and the key.
 void set_plan_key(PlanKeys& keys, const std::string& key, const std::string& value);

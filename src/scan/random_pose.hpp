@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "driver/user_parameters.hpp"
+#include "dravo/pose.hpp"
 
 namespace dravo {
 

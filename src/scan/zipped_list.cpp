@@ -112,7 +112,7 @@ void ZippedList::refuse(std::string_view line, std::int64_t number, std::string_
   throw invalid_input_in({file_, number, line}, begin, begin + part.size(), what_is_wrong);
 }
 
-void ZippedList::read(std::int64_t first, std::span<PoseDegrees> rows) const {
+void ZippedList::fill(std::int64_t first, std::span<PoseDegrees> rows) const {
   const std::int64_t end = first + static_cast<std::int64_t>(rows.size());
   for (std::int64_t block = first / kRowsOfBlock; block * kRowsOfBlock < end; ++block) {
     const std::vector<PoseDegrees> all = read_block(block);

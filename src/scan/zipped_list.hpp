@@ -10,26 +10,27 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/user_parameters.hpp"
+#include "dravo/pose.hpp"
 #include "scan/fingerprint.hpp"
+#include "scan/pose_source.hpp"
 
 namespace dravo {
 
 /// The rows stay in the file, so a long list takes little memory. May be used by several threads.
-class ZippedList {
+class ZippedList final : public PoseSource {
  public:
   /// Checks every row. The first line may name the columns, in any order and with others between
-  /// them; without names each has six, r to gamma. Blank lines are passed over. Throws IoFailure.
+  /// them; without names each has six, r to gamma. Blank lines are passed over. Throws InvalidInput
+  /// with the place, and IoFailure for a file that cannot be read.
   explicit ZippedList(std::string file);
 
-  [[nodiscard]] std::int64_t size() const { return size_; }
+  [[nodiscard]] std::int64_t size() const override { return size_; }
 
   /// Differs for files with different rows.
   [[nodiscard]] std::uint64_t fingerprint() const { return fingerprint_; }
 
-  /// Rows `first` and following, Angstrom and degrees; as many as `rows` has. Throws IoFailure when
-  /// the file has changed.
-  void read(std::int64_t first, std::span<PoseDegrees> rows) const;
+  /// Throws InvalidInput when the file has changed.
+  void fill(std::int64_t first, std::span<PoseDegrees> rows) const override;
 
  private:
   /// Rows that are read together, and again.

@@ -13,7 +13,8 @@ namespace {
 TEST(SpoiltProgress, GoesOnFromTheRecordThatIsWhole) {
   const Files expected = undisturbed(kLongPlan);
   const Files stopped = unfinished(kLongPlan, kAfterSomeRecords);
-  const std::string& progress = stopped.at("scan.progress");
+  const std::string progress =
+      stopped.at("scan.progress").substr(0, stopped.at("scan.progress").find('\n') + 1);
   std::vector<std::size_t> records;
   for (std::size_t at = progress.find('{'); at != std::string::npos;
        at = progress.find("{\"origin\"", at + 1))
@@ -32,7 +33,8 @@ TEST(SpoiltProgress, GoesOnFromTheRecordThatIsWhole) {
 TEST(SpoiltProgress, WithoutAWholeRecordIsRefusedAndMayBeOverwritten) {
   const Files whole = undisturbed(kPlan);
   const Files stopped = unfinished(kPlan);
-  const std::string& progress = stopped.at("scan.progress");
+  const std::string progress =
+      stopped.at("scan.progress").substr(0, stopped.at("scan.progress").find('\n') + 1);
   for (const std::string& garbage :
        {std::string("garbage\n"), std::string("{}\n"), std::string("\n"), whole.at("scan.json"),
         progress.substr(0, progress.size() / 2), progress.substr(0, progress.size() - 1)}) {

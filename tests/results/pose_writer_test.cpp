@@ -25,7 +25,8 @@ ScannedPose hand_made() {
   pose.above_contact = 0.25;
   pose.asked = {3.5, 90.0, 45.0, 0.1, 1e-7, 359.99};
   pose.applied = {3.4999999951, 89.9999996, 45.0, 0.09, 179.99, 359.9899999};
-  pose.survey = {1.8999999762, 3};
+  pose.shortest = 1.8999999762;
+  pose.contacts = 3;
   return pose;
 }
 
@@ -64,7 +65,8 @@ TEST(PoseTable, GrowsAtItsEnd) {
 TEST(PoseTable, ShowsDirectionsThatHaveNoMeaning) {
   ScannedPose pose = hand_made();
   pose.applied.theta = std::numeric_limits<double>::quiet_NaN();
-  pose.survey = {kInfinity, 0};
+  pose.shortest = kInfinity;
+  pose.contacts = 0;
   EXPECT_EQ(row_of(pose),
             "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,nan,45.000000,0.090000,179.990000,"
             "359.990000,inf,0\n");

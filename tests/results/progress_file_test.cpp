@@ -1,7 +1,10 @@
 #include "results/progress_file.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -135,6 +138,38 @@ TEST(ProgressFile, WithoutAWholeRecordIsRefused) {
                   ": expected the progress of a scan, found something else; --overwrite begins "
                   "anew");
     EXPECT_TRUE(scan.text() == text) << "a file of somebody else stays";
+  }
+}
+
+/// Sizes of files are limited while this lives.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &limit_before_);
+    const rlimit limit{bytes, limit_before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &limit_before_);
+    (void)std::signal(SIGXFSZ, before_);
+  }
+
+ private:
+  void (*before_)(int);
+  rlimit limit_before_{};
+};
+
+/// Of a record that does not fit, the system takes what does, without an error.
+TEST(ProgressFile, ThatIsFullTellsTheReason) {
+  const Progressed scan;
+  scan.write({100});
+  for (const rlim_t bytes : {1U, 50U, 100U}) {
+    const FileSizeLimit limit(bytes);
+    errno = ENOENT;  // of some call before
+    EXPECT_EQ(message_of([&] { scan.write({200}); }),
+              scan.file() + ": cannot write: File too large");
   }
 }
 

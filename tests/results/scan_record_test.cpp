@@ -60,7 +60,9 @@ ScanRecord record() {
           {3, 7},
           {1000, 900, 100, 1.8999999761581421, 17},
           std::int64_t{5'000'000'000},
-          654321};
+          654321,
+          0x0123456789ABCDEFU,
+          std::numeric_limits<std::uint64_t>::max()};
 }
 
 void expect_same(const ScanRecord& a, const ScanRecord& b) {
@@ -75,6 +77,8 @@ void expect_same(const ScanRecord& a, const ScanRecord& b) {
   EXPECT_EQ(a.totals.shortest_index, b.totals.shortest_index);
   EXPECT_EQ(a.frame_bytes, b.frame_bytes);
   EXPECT_EQ(a.table_bytes, b.table_bytes);
+  EXPECT_EQ(a.frame_checksum, b.frame_checksum);
+  EXPECT_EQ(a.table_checksum, b.table_checksum);
 }
 
 TEST(ScanRecord, IsReadBackFromItsText) {
@@ -139,6 +143,25 @@ TEST(ScanRecord, HasWholeCountsThatAreNotNegative) {
   EXPECT_EQ(parse_record("a.json", with_value("poses", "0")).poses, 0);
   EXPECT_EQ(parse_record("a.json", with_value("table_bytes", "9223372036854775807")).table_bytes,
             std::numeric_limits<std::int64_t>::max());
+}
+
+TEST(ScanRecord, HasNoChecksumsWhenAnEarlierVersionWroteIt) {
+  ScanRecord older = record();
+  older.frame_checksum.reset();
+  older.table_checksum.reset();
+  EXPECT_EQ(text_of(older).find("xxh3"), std::string::npos);
+  expect_same(parse_record("a.json", text_of(older)), older);
+}
+
+TEST(ScanRecord, HasChecksumsOfSixteenDigits) {
+  EXPECT_NE(text_of(record()).find("\"frame_xxh3\":\"0123456789abcdef\",\"table_xxh3\":"
+                                   "\"ffffffffffffffff\""),
+            std::string::npos);
+  for (const char* value : {"\"\"", "\"123456789abcdef\"", "\"00123456789abcdef\"", "17", "null",
+                            "\"0123456789ABCDEF\"", "\"0123456789abcdeg\"", "\"-123456789abcdef\""})
+    EXPECT_EQ(message_of([&] { (void)parse_record("a.json", with_value("frame_xxh3", value)); }),
+              "a.json: expected the record of a scan by dravo, found something else")
+        << value;
 }
 
 TEST(ScanRecord, IsOfOneOfItsParts) {

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <ostream>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -95,7 +97,7 @@ TEST(Axis, SegmentsKnowTheirPlaceAndTheirWord) {
   for (std::size_t k = 0; k < 3; ++k) {
     EXPECT_EQ(axis.segments()[k].first, firsts[k]);
     EXPECT_EQ(axis.segments()[k].count, counts[k]);
-    EXPECT_EQ(axis.segments()[k].word.text, words[k]);
+    EXPECT_EQ(axis.word_of(axis.segments()[k]).text, words[k]);
   }
 }
 
@@ -127,6 +129,59 @@ TEST(Axis, TakesNoMemoryForItsValues) {
   EXPECT_EQ(axis.at(9'999'000'000'000), 9999.0);
 }
 
+/// `units` of the given number of decimals as text: -1234 of 3 is "-1.234".
+std::string decimal_text(std::int64_t units, int decimals) {
+  std::string digits = std::to_string(units < 0 ? -units : units);
+  const auto shown = static_cast<std::size_t>(decimals);
+  if (digits.size() <= shown) digits.insert(0, shown + 1 - digits.size(), '0');
+  if (decimals > 0) digits.insert(digits.size() - shown, ".");
+  return (units < 0 ? "-" : "") + digits;
+}
+
+TEST(Axis, LongDecimalRangesReachTheirStop) {
+  const Axis axis = axis_of("0:300:0.00001");
+  EXPECT_EQ(axis.size(), 30'000'001);
+  EXPECT_EQ(axis.at(30'000'000), 300.0);
+  EXPECT_EQ(axis_of("300:0:-1e-5").size(), 30'000'001);
+  EXPECT_EQ(axis_of("0:360:3D-6").size(), 120'000'001);
+}
+
+/// Start, stop and step are whole numbers of some decimal unit, so their quotient is known.
+TEST(Axis, DecimalRangesReachTheirStopAndNothingBeyond) {
+  std::mt19937_64 random(20240611);
+  const auto number = [&](std::int64_t most) {
+    return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(most + 1));
+  };
+  for (int k = 0; k < 20000; ++k) {
+    const int decimals = static_cast<int>(number(9));
+    const std::int64_t step = (number(1) == 0 ? 1 : -1) * (1 + number(number(1) == 0 ? 9 : 99999));
+    const std::int64_t steps = number(number(1) == 0 ? 100 : 10'000'000'000'000 / std::abs(step));
+    const std::int64_t start = number(1'000'000'000) - 500'000'000;
+    for (const std::int64_t before : {0, 1}) {
+      if (before > std::abs(step) - 1) continue;  // still on its way to the same last value
+      const std::int64_t stop = start + steps * step + before * (step > 0 ? 1 : -1);
+      const std::string text = decimal_text(start, decimals) + ":" + decimal_text(stop, decimals) +
+                               ":" + decimal_text(step, decimals);
+      const Axis axis = axis_of(text);
+      ASSERT_EQ(axis.size(), steps + 1) << text;
+      ASSERT_EQ(axis.at(steps), std::stod(decimal_text(start + steps * step, decimals))) << text;
+    }
+    if (steps == 0) continue;
+    const std::string short_of =
+        decimal_text(start, decimals) + ":" +
+        decimal_text(start + steps * step - (step > 0 ? 1 : -1), decimals) + ":" +
+        decimal_text(step, decimals);
+    ASSERT_EQ(axis_of(short_of).size(), steps) << short_of << " ends before its stop";
+  }
+}
+
+/// Thirds have no end, and rounding their digits up must not lose the stop.
+TEST(Axis, RangesOfLongNumbersReachTheirStop) {
+  EXPECT_EQ(axis_of("0:360:0.3333333333333333").size(), 1081);
+  EXPECT_EQ(axis_of("0:360:0.3333333333333334").size(), 1081);
+  EXPECT_EQ(axis_of("0:300:0.000013333333333333333").size(), 22'500'001);
+}
+
 struct Wrong {
   const char* text;
   const char* what;
@@ -151,7 +206,7 @@ TEST_P(AxisRefuses, AWordOfAFileWithItsLine) {
   const PlanWord good{"5", source, source->text.find('5')};
   const PlanWord bad{text, source, source->text.find(before) + before.size()};
   EXPECT_EQ(message_of([&] {
-              Axis({good, bad});
+              (void)Axis({good, bad});
             }),
             std::string("plans/grid.toml:3: ") + what + "\n" + before + text + "\"]\n" +
                 std::string(before.size(), ' ') + carets);

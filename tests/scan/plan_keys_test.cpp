@@ -1,3 +1,4 @@
+#include "scan/plan_file.hpp"
 #include "scan/plan_keys.hpp"
 
 #include <gtest/gtest.h>

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "scan/plan.hpp"
+#include "scan/plan_file.hpp"
 #include "scan/plan_keys.hpp"
 #include "support/message_of.hpp"
 #include "support/pairs.hpp"
@@ -35,8 +36,8 @@ inline Options one_pose(const Options& changes = {}) {
 }
 
 inline std::vector<PoseDegrees> all_poses(const ScanPlan& plan) {
-  std::vector<PoseDegrees> poses(static_cast<std::size_t>(plan.poses()));
-  plan.fill(0, poses);
+  std::vector<PoseDegrees> poses(static_cast<std::size_t>(plan.poses().size()));
+  plan.poses().fill(0, poses);
   return poses;
 }
 

@@ -31,7 +31,7 @@ struct ListFile {
 
 std::vector<PoseRow> read(const ZippedList& list, std::int64_t first, std::size_t count) {
   std::vector<PoseDegrees> poses(count);
-  list.read(first, poses);
+  list.fill(first, poses);
   std::vector<PoseRow> rows;
   rows.reserve(poses.size());
   for (const PoseDegrees& pose : poses) rows.push_back(row_of(pose));

@@ -1,10 +1,11 @@
-#include "scan/chunk_maker.hpp"
+#include "results/text_chunk.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
@@ -24,9 +25,9 @@ struct Scan {
   explicit Scan(const Options& options, ScanOutput wanted = {ScanOutput::Kind::frames, ""})
       : plan(plan_of(options)), output(std::move(wanted)) {}
 
-  [[nodiscard]] Chunk all() const {
-    Chunk chunk;
-    ChunkMaker(placer, plan, output).make(0, plan.poses(), chunk);
+  [[nodiscard]] TextChunk all() const {
+    TextChunk chunk;
+    TextMaker(placer, plan, output).make(0, plan.poses().size(), chunk);
     return chunk;
   }
 
@@ -90,7 +91,7 @@ TEST(TwoMillionthsNearerThanContactPlusZero, IsAShortContact) {
     list += '\n';
   }
   folder.write("poses.csv", list);
-  const Chunk nearer = Scan({{"zip", (folder.path() / "poses.csv").string()}}).all();
+  const TextChunk nearer = Scan({{"zip", (folder.path() / "poses.csv").string()}}).all();
   EXPECT_EQ(nearer.totals.with_contacts, 300);
 }
 
@@ -114,21 +115,59 @@ std::vector<std::string> files_in(const fs::path& folder) {
   return names;
 }
 
-TEST(FolderOfAPose, IsEmptiedBeforeItIsWritten) {
+const Options kNearAndFar{{"r", "6,3.1,7"}, {"theta", "90"}, {"phi", "9"},        {"alpha", "8"},
+                          {"beta", "9"},    {"gamma", "7"},  {"contacts", "drop"}};
+
+TEST(FolderOfAPose, LosesTheFilesOfAnEarlierRun) {
   const TemporaryFolder folder;
-  fs::create_directories(folder.path() / "1" / "within");
-  fs::create_directories(folder.path() / "2");
+  for (const char* name : {"1", "2", "3"}) fs::create_directory(folder.path() / name);
   folder.write("1/[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz", "of another pose");
-  folder.write("1/within/note.txt", "of another pose");
+  folder.write("1/[0000.1-NAD-NAD]-(214-152-306)-QN-DRAVO-UCSF-Chimera.bild.part", "of a kill");
   folder.write("2/note.txt", "no pose of this scan");
-  folder.write("3", "a file where the folder shall be");
-  const Options near_and_far{{"r", "6,3.1,7"}, {"theta", "90"}, {"phi", "9"},        {"alpha", "8"},
-                             {"beta", "9"},    {"gamma", "7"},  {"contacts", "drop"}};
-  const Scan scan(near_and_far, {ScanOutput::Kind::files, folder.path().string()});
+  const Scan scan(kNearAndFar, {ScanOutput::Kind::files, folder.path().string()});
   EXPECT_EQ(scan.all().totals.written, 2) << "the second has contacts";
   EXPECT_EQ(files_in(folder.path() / "1").size(), 2U);
   EXPECT_EQ(files_in(folder.path() / "2"), std::vector<std::string>{"note.txt"});
   EXPECT_EQ(files_in(folder.path() / "3").size(), 2U);
+}
+
+TEST(FolderOfAPose, WithAnythingElseIsRefusedAndKeepsIt) {
+  const std::string earlier = "1/[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz";
+  for (const char* other :
+       {"1/thesis.txt", "1/[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz.bak", "1/QN-DRAVO.log",
+        "1/[0009.0-084-011]-(214-152-306)-QN-DRAVO", "1/within/note.txt", "1/.hidden",
+        "1/[009.0-084-011]-(214-152-306)-QN-DRAVO.xyz",
+        "1/[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz/note.txt"}) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.path() / other;
+    fs::create_directories(file.parent_path());
+    folder.write(other, "precious");
+    const bool earlier_too = !std::string(other).starts_with(earlier + "/");
+    if (earlier_too) folder.write(earlier, "of an earlier run");
+    const Scan scan(kNearAndFar, {ScanOutput::Kind::files, folder.path().string()});
+    const std::string top = (folder.path() / "1" / *std::next(fs::path(other).begin())).string();
+    EXPECT_EQ(message_of([&] { (void)scan.all(); }),
+              top + ": is in the way and of no scan; move it, or choose another --output");
+    EXPECT_EQ(file_text(file.string()), "precious");
+    EXPECT_EQ(fs::exists(folder.path() / earlier), true) << "nothing was removed";
+  }
+}
+
+TEST(FolderOfAPose, IsNoFileAndNoLink) {
+  const TemporaryFolder elsewhere;
+  const std::string linked = "[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz";
+  elsewhere.write(linked, "precious");
+  const TemporaryFolder folder;
+  const Scan scan(kNearAndFar, {ScanOutput::Kind::files, folder.path().string()});
+  const std::string message = (folder.path() / "1").string() +
+                              ": is in the way and of no scan; move it, or choose another --output";
+  folder.write("1", "a file where the folder shall be");
+  EXPECT_EQ(message_of([&] { (void)scan.all(); }), message);
+  EXPECT_EQ(file_text((folder.path() / "1").string()), "a file where the folder shall be");
+  fs::remove(folder.path() / "1");
+  fs::create_directory_symlink(elsewhere.path(), folder.path() / "1");
+  EXPECT_EQ(message_of([&] { (void)scan.all(); }), message);
+  EXPECT_EQ(file_text((elsewhere.path() / linked).string()), "precious");
 }
 
 TEST(FolderOfAPose, ThatCannotBeMadeIsRefused) {

@@ -1,4 +1,4 @@
-#include "results/scan.hpp"
+#include "results/scan_run.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -9,6 +9,8 @@
 #include "common/number_format.hpp"
 #include "common/shown_text.hpp"
 #include "driver/user_parameters.hpp"
+#include "results/pose_folders.hpp"
+#include "results/text_chunk.hpp"
 #include "scan/ordered_chunks.hpp"
 #include "scan/pair_placer.hpp"
 
@@ -34,11 +36,36 @@ bool exists(const std::string& name) {
   return std::filesystem::exists(name, ignored);
 }
 
+/// Poses of a part of the plan.
+struct Stretch {
+  std::int64_t first;
+  std::int64_t end;
+};
+
+Stretch stretch_of(const ScanPlan& plan, const ScanRequest& request) {
+  const Shard shard = request.part.value_or(Shard{});
+  return {shard.first(plan.poses().size()), shard.end(plan.poses().size())};
+}
+
+bool begins_anew(const ScanRequest& request) {
+  return request.earlier == Earlier::overwrite || !has_earlier_scan(result_name(request));
+}
+
 /// Files of other poses would stand among the new ones. The parts of a scan share the folder.
 void refuse_earlier_folder(const ScanRequest& request) {
-  const bool begins = request.earlier != Earlier::overwrite && !has_earlier_scan(request.name);
+  const bool begins = request.earlier != Earlier::overwrite && begins_anew(request);
   if (begins && !request.part && exists(request.name))
     throw IoFailure(request.name + ": exists already; remove it, or choose another --output");
+}
+
+/// Before a scan begins. No two parts share the folder of a pose.
+void refuse_earlier_poses(const ScanRequest& request, const PoseFolders& folders,
+                          const Stretch& poses) {
+  if (!begins_anew(request)) return;
+  folders.require_own(poses.first, poses.end);
+  const auto used = folders.used(poses.first, poses.end);
+  if (used && request.earlier != Earlier::overwrite)
+    throw IoFailure(*used + ": exists already; --overwrite replaces it");
 }
 
 /// r counts from the contact, so only the molecules tell how far it reaches.
@@ -49,7 +76,7 @@ void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
                     " Angstrom, too long for the names of files. Allowed: r<9999.9");
 }
 
-/// The folders of poses are emptied before they are filled.
+/// Files of an earlier scan are removed from the folder of a pose before it is filled.
 void refuse_inputs_in_folder(const ScanRequest& request) {
   std::error_code ignored;  // what cannot be found has been refused before
   const auto folder = std::filesystem::weakly_canonical(request.name, ignored);
@@ -69,13 +96,12 @@ void require_file_name(const std::string& name) {
 
 ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
-  const Shard shard = request.part.value_or(Shard{});
-  return {shard.first(plan.poses()) + done, shard.end(plan.poses()), poses_of_chunk(pair),
-          request.threads};
+  const Stretch poses = stretch_of(plan, request);
+  return {poses.first + done, poses.end, poses_of_chunk(pair), request.threads};
 }
 
 ScanRecord record_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
-  return {origin_of(pair, plan), plan.poses(), request.part.value_or(Shard{}), {}, 0, 0};
+  return {origin_of(pair, plan), plan.poses().size(), request.part.value_or(Shard{}), {}, 0, 0};
 }
 
 }  // namespace
@@ -84,10 +110,11 @@ std::string result_name(const ScanRequest& request) {
   return request.part ? request.part->name(request.name) : request.name;
 }
 
-ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
+ScanTotals run_scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
   const PairPlacer placer(pair);
   require_short_enough(placer, plan);
   const ScanOutput output = output_of(plan, request);
+  const PoseFolders folders(output.pose_folder, plan.poses().size());
   std::optional<ScanFiles> files;
   if (output.kind != ScanOutput::Kind::counted) {
     require_file_name(request.name);
@@ -95,19 +122,22 @@ ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& reque
     if (output.kind == ScanOutput::Kind::files) {
       refuse_earlier_folder(request);
       refuse_inputs_in_folder(request);
+      refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
     const PoseWriter writer(placer.labels(), plan.above_contact());
     files.emplace(result_name(request), record_of(pair, plan, request), writer.table_heading(),
-                  request.earlier);
+                  request.earlier,
+                  output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(pair, plan, request, totals.poses);
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
   if (files && files->finished()) return totals;
+  if (output.kind == ScanOutput::Kind::files) folders.require_own(job.first, job.end);
 
-  make_chunks(
-      job, [&] { return ChunkMaker(placer, plan, output); },
-      [&](const Chunk& chunk) {
+  make_chunks<TextChunk>(
+      job, [&] { return TextMaker(placer, plan, output); },
+      [&](const TextChunk& chunk) {
         if (files) files->append(chunk);
         totals.add(chunk.totals);
         progress.show(totals.poses);

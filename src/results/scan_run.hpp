@@ -19,7 +19,7 @@ struct ScanRequest {
   Earlier earlier = Earlier::refuse;
   std::optional<Shard> part;        ///< the whole scan without it
   std::vector<std::string> inputs;  ///< files that results must not replace
-  int threads = 1;
+  int threads = 0;                  ///< as many as the machine has cores
   Progress::Kind progress = Progress::Kind::none;
 };
 
@@ -28,6 +28,6 @@ std::string result_name(const ScanRequest& request);
 
 /// Throws NoUniqueFrame for a pair that cannot be placed, IoFailure when the results cannot be
 /// written.
-ScanTotals scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request);
+ScanTotals run_scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request);
 
 }  // namespace dravo

@@ -1,0 +1,65 @@
+/// @file
+/// A pair that is analysed once and placed as often as one likes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "dravo/contacts.hpp"
+#include "dravo/molecule.hpp"
+#include "dravo/pose.hpp"
+
+namespace dravo {
+
+class PairPlacer;
+
+/// What a placement leaves beside the atoms.
+struct Placed {
+  /// As measured after the placement; the Euler angles are those applied. Singular values have been
+  /// moved off: theta 0 is applied as 0.049.
+  PoseDegrees applied;
+  ContactSurvey survey;
+};
+
+/// Immutable, cheap to copy, and usable from several threads at once.
+///
+/// @code
+/// const dravo::Placer placer(dravo::read_pair({.file = "dimer.xyz", .split = 6}).pair);
+/// const std::vector<dravo::Vec3> atoms = placer.positions({.r = 4.0, .theta = 90.0});
+/// @endcode
+class Placer {
+ public:
+  /// Throws NoUniqueFrame and NoRotationFound for a pair that cannot be placed.
+  explicit Placer(const Pair& pair);
+
+  [[nodiscard]] std::int32_t size() const;                 ///< N, atoms of both molecules
+  [[nodiscard]] std::int32_t n1() const;                   ///< atoms of molecule 1
+  [[nodiscard]] const std::vector<Label>& labels() const;  ///< of all atoms
+
+  /// By how much the searches of the analysis missed the axes, degrees: poses are that uncertain.
+  [[nodiscard]] double missed() const;
+
+  /// Places molecule 1, as `qn-dravo` does digit for digit. `positions`: x, y, z of each atom one
+  /// behind the other, 3 N doubles, Angstrom; molecule 2's centre of mass is the origin and its
+  /// principal axes are X, Y, Z. Throws OutOfRange for a parameter out of its range, and
+  /// InvalidInput for a span of another length.
+  Placed place(const PoseDegrees& pose, std::span<double> positions) const;
+
+  /// The atoms alone. Throws OutOfRange.
+  [[nodiscard]] std::vector<Vec3> positions(const PoseDegrees& pose) const;
+
+  /// Distance of the centres of mass at which the pair, in this direction and orientation, first
+  /// has a short contact on its way from afar; zero when it has none on the way. `pose.r` is not
+  /// looked at. Throws OutOfRange.
+  [[nodiscard]] double touching_distance(const PoseDegrees& pose) const;
+
+  /// For the library itself.
+  [[nodiscard]] const PairPlacer& inside() const { return *placer_; }
+
+ private:
+  std::shared_ptr<const PairPlacer> placer_;
+};
+
+}  // namespace dravo

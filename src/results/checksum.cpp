@@ -1,0 +1,55 @@
+#include "results/checksum.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <xxhash.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <new>
+
+#include "common/errors.hpp"
+#include "results/descriptor.hpp"
+
+namespace dravo {
+
+Checksum::Checksum() : state_(XXH3_createState()) {
+  if (!state_) throw std::bad_alloc();
+  XXH3_64bits_reset(state_.get());
+}
+
+void Checksum::add(std::string_view bytes) {
+  XXH3_64bits_update(state_.get(), bytes.data(), bytes.size());
+}
+
+std::uint64_t Checksum::value() const { return XXH3_64bits_digest(state_.get()); }
+
+void Checksum::Release::operator()(XXH3_state_s* state) const { XXH3_freeState(state); }
+
+std::optional<Checksum> checksum_of_first(std::int64_t bytes, int descriptor,
+                                          const std::string& name) {
+  constexpr std::int64_t kBlock = 1 << 20;
+  std::string block(kBlock, '\0');
+  Checksum checksum;
+  std::int64_t done = 0;
+  while (done < bytes) {
+    const auto wanted = static_cast<std::size_t>(std::min(kBlock, bytes - done));
+    const ssize_t got = ::pread(descriptor, block.data(), wanted, done);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw_system_failure(name, "read");
+    if (got == 0) return std::nullopt;
+    checksum.add(std::string_view(block).substr(0, static_cast<std::size_t>(got)));
+    done += got;
+  }
+  return checksum;
+}
+
+std::optional<std::uint64_t> checksum_of_first(std::int64_t bytes, const std::string& name) {
+  const Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0) throw_system_failure(name, "read");
+  const auto checksum = checksum_of_first(bytes, file.get(), name);
+  return checksum ? std::optional(checksum->value()) : std::nullopt;
+}
+
+}  // namespace dravo

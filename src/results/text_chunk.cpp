@@ -1,0 +1,47 @@
+#include "results/text_chunk.hpp"
+
+#include "common/output_folder.hpp"
+#include "driver/output_names.hpp"
+#include "driver/pair_files.hpp"
+
+namespace dravo {
+
+TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output)
+    : placer_(&placer),
+      output_(&output),
+      poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact()}),
+      writer_(placer.labels(), plan.above_contact()),
+      folders_(output.pose_folder, plan.poses().size()) {}
+
+void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
+  chunk.frames.clear();
+  chunk.table.clear();
+  chunk.totals = {};
+  poses_.make(first, end, [&](const MadePose& pose) {
+    const ScannedPose& numbers = pose.numbers;
+    chunk.totals.add(
+        {1, pose.wanted ? 1 : 0, numbers.contacts > 0 ? 1 : 0, numbers.shortest, numbers.index});
+    if (pose.wanted && output_->kind != ScanOutput::Kind::counted) write(pose, chunk);
+  });
+}
+
+void TextMaker::write(const MadePose& pose, TextChunk& chunk) {
+  writer_.append_row(chunk.table, pose.numbers);
+  if (output_->kind == ScanOutput::Kind::files)
+    write_files(pose);
+  else
+    writer_.append_frame(chunk.frames, pose.numbers, pose.atoms);
+}
+
+/// Names hold whole degrees, so poses may share theirs: each gets a folder of its own, by index.
+void TextMaker::write_files(const MadePose& pose) {
+  const PairFiles files =
+      pair_files(output_names(pose.radians), pose.numbers.contacts > 0,
+                 placer_->split(), pose.atoms, pose.placement);
+  const std::string folder = folders_.emptied(pose.numbers.index);
+  WorkingDirectory files_of_pose;
+  files_of_pose.replace(folder + "/" + files.geometry_name, files.geometry.text());
+  files_of_pose.replace(folder + "/" + files.drawing_name, files.drawing.text());
+}
+
+}  // namespace dravo

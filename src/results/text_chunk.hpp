@@ -1,0 +1,48 @@
+/// Poses by the chunk, as the bytes that a scan writes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "results/pose_folders.hpp"
+#include "results/pose_writer.hpp"
+#include "results/scan_totals.hpp"
+#include "scan/pair_placer.hpp"
+#include "scan/plan.hpp"
+#include "scan/pose_maker.hpp"
+
+namespace dravo {
+
+struct TextChunk {
+  std::string frames;
+  std::string table;
+  ScanTotals totals;
+};
+
+/// What becomes of the poses.
+struct ScanOutput {
+  enum class Kind { counted, frames, files };
+  Kind kind = Kind::counted;
+  std::string pose_folder;  ///< of Kind::files: it gets a folder for each pose
+};
+
+/// One per thread.
+class TextMaker {
+ public:
+  TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output);
+
+  /// Poses `first` to before `end`, from 0, into `chunk`, whose memory is used again.
+  void make(std::int64_t first, std::int64_t end, TextChunk& chunk);
+
+ private:
+  void write(const MadePose& pose, TextChunk& chunk);
+  void write_files(const MadePose& pose);
+
+  const PairPlacer* placer_;
+  const ScanOutput* output_;
+  PoseMaker poses_;
+  PoseWriter writer_;
+  PoseFolders folders_;
+};
+
+}  // namespace dravo

@@ -1,0 +1,67 @@
+#include <cstddef>
+#include <string>
+
+#include "dravo/error.hpp"
+#include "dravo/place.hpp"
+#include "dravo/scan.hpp"
+#include "driver/user_parameters.hpp"
+#include "molecules/pair_table.hpp"
+#include "scan/pair_placer.hpp"
+#include "scan/pose_maker.hpp"
+#include "scan/scan.hpp"
+
+namespace dravo {
+namespace {
+
+PoseRadians used_parameters(const PoseDegrees& pose) {
+  if (const auto complaint = complaint_about(pose)) throw OutOfRange(*complaint);
+  return in_radians(nudged_parameters(pose));
+}
+
+}  // namespace
+
+Placer::Placer(const Pair& pair) : placer_(std::make_shared<const PairPlacer>(pair)) {}
+
+std::int32_t Placer::size() const { return placer_->split().N; }
+std::int32_t Placer::n1() const { return placer_->split().n1; }
+const std::vector<Label>& Placer::labels() const { return placer_->labels(); }
+double Placer::missed() const { return placer_->missed(); }
+
+Placed Placer::place(const PoseDegrees& pose, std::span<double> positions) const {
+  const auto expected = 3 * static_cast<std::size_t>(size());
+  if (positions.size() != expected)
+    throw InvalidInput("expected room for " + std::to_string(expected) + " coordinates, found " +
+                       std::to_string(positions.size()));
+  const PoseRadians used = used_parameters(pose);
+  OwnedTable placed(size());
+  const Placement placement = placer_->place(used, placed.table());
+  std::size_t k = 0;
+  for (std::int32_t i = 0; i < size(); ++i) {
+    const Vec3 p = placed.table().position(i);
+    positions[k++] = p.x;
+    positions[k++] = p.y;
+    positions[k++] = p.z;
+  }
+  return {applied_parameters(placement, used), placer_->survey(placed.table())};
+}
+
+std::vector<Vec3> Placer::positions(const PoseDegrees& pose) const {
+  OwnedTable placed(size());
+  placer_->place(used_parameters(pose), placed.table());
+  std::vector<Vec3> atoms;
+  for (std::int32_t i = 0; i < size(); ++i) atoms.push_back(placed.table().position(i));
+  return atoms;
+}
+
+double Placer::touching_distance(const PoseDegrees& pose) const {
+  PoseDegrees anywhere = pose;
+  anywhere.r = 0.0;
+  return placer_->touching_distance(used_parameters(anywhere));
+}
+
+void scan(const Placer& placer, const Poses& poses, const ScanOptions& options,
+          const std::function<void(const ScanBatch&)>& take) {
+  scan(placer.inside(), poses, options, take);
+}
+
+}  // namespace dravo

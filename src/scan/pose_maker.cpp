@@ -1,0 +1,55 @@
+#include "scan/pose_maker.hpp"
+
+#include <cmath>
+
+#include "common/constants.hpp"
+#include "driver/user_parameters.hpp"
+
+namespace dravo {
+namespace {
+
+/// The touching distance rounded up to a millionth of an Angstrom, so that rounding does not decide
+/// whether a pose that touches has a short contact: it has none. The sum without a tail of digits.
+double distance_beyond(double touching, double distance) {
+  constexpr double kMillion = 1e6;
+  constexpr double kBillion = 1e9;
+  return std::round((std::ceil(touching * kMillion) / kMillion + distance) * kBillion) / kBillion;
+}
+
+bool is_wanted(ContactRule rule, bool has_contacts) {
+  return rule == ContactRule::keep || has_contacts == (rule == ContactRule::only);
+}
+
+}  // namespace
+
+PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& radians) {
+  PoseDegrees applied;
+  applied.r = placement.applied.r;
+  applied.theta = placement.applied.theta * kDegreesPerRadian;
+  applied.phi = placement.applied.phi * kDegreesPerRadian;
+  if (applied.phi < 0.0) applied.phi += 360.0;
+  applied.alpha = radians.alpha * kDegreesPerRadian;
+  applied.beta = radians.beta * kDegreesPerRadian;
+  applied.gamma = radians.gamma * kDegreesPerRadian;
+  return applied;
+}
+
+MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& asked) {
+  MadePose pose{{index, asked.r, asked, {}, 0.0, 0},
+                false,
+                in_radians(nudged_parameters(asked)),
+                {},
+                placed_.table()};
+  if (rules_.above_contact)
+    pose.numbers.asked.r = pose.radians.r =
+        distance_beyond(placer_->touching_distance(pose.radians), asked.r);
+  pose.placement = placer_->place(pose.radians, placed_.table());
+  const ContactSurvey survey = placer_->survey(placed_.table());
+  pose.numbers.applied = applied_parameters(pose.placement, pose.radians);
+  pose.numbers.shortest = survey.shortest;
+  pose.numbers.contacts = survey.contacts;
+  pose.wanted = is_wanted(rules_.contacts, survey.contacts > 0);
+  return pose;
+}
+
+}  // namespace dravo

@@ -1,0 +1,60 @@
+/// Makes the poses of a scan, as numbers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "common/atom_table.hpp"
+#include "dravo/scan.hpp"
+#include "molecules/pair_table.hpp"
+#include "output/placement.hpp"
+#include "scan/pair_placer.hpp"
+
+namespace dravo {
+
+/// What is the same for all poses.
+struct PoseRules {
+  ContactRule contacts = ContactRule::keep;
+  bool above_contact = false;  ///< r counts from the first contact
+};
+
+/// What was found in a pose, and how it came about.
+struct MadePose {
+  ScannedPose numbers;
+  bool wanted;  ///< by the rule about contacts
+  PoseRadians radians;
+  Placement placement;
+  const ConstAtomTable& atoms;  ///< the placed pair, until the next pose is made
+};
+
+/// What a run reports as applied: the position measured after the placement, the rotation used.
+/// phi from 0 to 360.
+PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& radians);
+
+/// One per thread.
+class PoseMaker {
+ public:
+  PoseMaker(const PairPlacer& placer, const Poses& poses, const PoseRules& rules)
+      : placer_(&placer), poses_(poses), rules_(rules), placed_(placer.split().N) {}
+
+  /// Makes poses `first` to before `end`, from 0, and hands each to `take` as soon as it is made.
+  template <class Take>
+  void make(std::int64_t first, std::int64_t end, Take&& take) {
+    asked_.resize(static_cast<std::size_t>(end - first));
+    poses_.fill(first, asked_);
+    std::int64_t index = first;
+    for (const PoseDegrees& asked : asked_) take(made(++index, asked));
+  }
+
+ private:
+  MadePose made(std::int64_t index, const PoseDegrees& asked);
+
+  const PairPlacer* placer_;
+  Poses poses_;
+  PoseRules rules_;
+  OwnedTable placed_;
+  std::vector<PoseDegrees> asked_;
+};
+
+}  // namespace dravo
