@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <array>
 #include <iostream>
 #include <map>
@@ -60,7 +62,8 @@ Shard parse_shard(const std::string& text) {
   const auto number = parse_integer(text.substr(0, slash));
   const auto of = parse_integer(slash == std::string::npos ? "" : text.substr(slash + 1));
   if (!number || !of || *number < 1 || *number > *of)
-    throw InvalidInput("--shard: expected I/N with I from 1 to N, found " + dravo::quoted(text));
+    throw InvalidInput(
+        fmt::format("--shard: expected I/N with I from 1 to N, found {}", dravo::quoted(text)));
   return {*number, *of};
 }
 
@@ -79,8 +82,8 @@ void report(const ScanTotals& totals, const ScanCommand& options, bool files) {
   } else if (options.request.count_only) {
     std::cout << sentence_about(totals) << '\n';
   } else if (!options.quiet) {
-    tell({sentence_about(totals),
-          "written: " + result_name(options.request) + (files ? ".csv" : ".xyz and .csv")});
+    tell({sentence_about(totals), fmt::format("written: {}{}", result_name(options.request),
+                                              files ? ".csv" : ".xyz and .csv")});
   }
 }
 

@@ -118,8 +118,8 @@ std::span<const Vec3> ContactSurveyor::atoms_of(const Group& group) const {
   return std::span(atoms_).subspan(group.begin, group.end - group.begin);
 }
 
-void ContactSurveyor::survey_group(const Group& group, const ConstAtomTable& placed, RowRange molecule1,
-                                   Nearness& nearness) const {
+void ContactSurveyor::survey_group(const Group& group, const ConstAtomTable& placed,
+                                   RowRange molecule1, Nearness& nearness) const {
   for (std::int32_t i = molecule1.begin; i < molecule1.end; ++i) {
     const Vec3 p = placed.position(i);
     if (!nearness.is_beyond(p - group.sphere.centre, group.sphere.radius))

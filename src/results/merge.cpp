@@ -1,5 +1,7 @@
 #include "results/merge.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -46,7 +48,8 @@ std::vector<Shard> shards_with(const std::string& name, std::string_view ending)
     if (const auto shard =
             shard_of(entry.path().filename().string(), path.filename().string(), ending))
       shards.push_back(*shard);
-  if (failure) throw IoFailure(folder.string() + ": cannot read: " + failure.message());
+  if (failure)
+    throw IoFailure(fmt::format("{}: cannot read: {}", folder.string(), failure.message()));
   std::sort(shards.begin(), shards.end(), [](const Shard& a, const Shard& b) {
     return a.of != b.of ? a.of < b.of : a.number < b.number;
   });
@@ -69,16 +72,18 @@ std::string missing_parts(const std::string& name, const std::vector<Shard>& sha
     text.append(text.empty() ? "" : ", ").append(Shard{number, of}.name(name));
     ++named;
   }
-  return missing > named ? text + " and " + std::to_string(missing - named) + " more" : text;
+  return missing > named ? fmt::format("{} and {} more", text, missing - named) : text;
 }
 
 void require_all(const std::string& name, const std::vector<Shard>& shards) {
-  if (shards.empty()) throw IoFailure(name + ": found no finished part " + name + "-I-of-N.json");
+  if (shards.empty())
+    throw IoFailure(fmt::format("{0}: found no finished part {0}-I-of-N.json", name));
   if (shards.front().of != shards.back().of)
-    throw IoFailure(name + ": parts of different divisions: " + shards.front().name(name) +
-                    " and " + shards.back().name(name));
+    throw IoFailure(fmt::format("{}: parts of different divisions: {} and {}", name,
+                                shards.front().name(name), shards.back().name(name)));
   const std::string missing = missing_parts(name, shards);
-  if (!missing.empty()) throw IoFailure(name + ": missing or unfinished parts: " + missing);
+  if (!missing.empty())
+    throw IoFailure(fmt::format("{}: missing or unfinished parts: {}", name, missing));
 }
 
 /// The records of all parts, once their results are seen to be those that they tell of.

@@ -1,6 +1,7 @@
 #include "results/pose_folders.hpp"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -78,14 +79,15 @@ Contents contents_of(const std::string& folder) {
     else
       contents.other = entry.path();
   }
-  if (failure) throw IoFailure(folder + ": cannot read: " + failure.message());
+  if (failure) throw IoFailure(fmt::format("{}: cannot read: {}", folder, failure.message()));
   return contents;
 }
 
 void refuse_other(const Contents& contents) {
   if (contents.other)
-    throw IoFailure(contents.other->string() +
-                    ": is in the way and of no scan; move it, or choose another --output");
+    throw IoFailure(
+        fmt::format("{}: is in the way and of no scan; move it, or choose another --output",
+                    contents.other->string()));
 }
 
 }  // namespace
@@ -94,9 +96,7 @@ PoseFolders::PoseFolders(std::string name, std::int64_t poses)
     : name_(std::move(name)), poses_(poses), digits_(std::to_string(poses).size()) {}
 
 std::string PoseFolders::folder_of(std::int64_t index) const {
-  std::string number = std::to_string(index);
-  number.insert(0, digits_ - number.size(), '0');
-  return name_ + "/" + number;
+  return fmt::format("{}/{:0{}}", name_, index, digits_);
 }
 
 std::string PoseFolders::emptied(std::int64_t index) const {

@@ -1,5 +1,6 @@
 #include "results/progress.hpp"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,9 +13,9 @@ namespace {
 std::string time_left(double seconds) {
   constexpr double kLongest = 1e9;
   const auto whole = static_cast<std::int64_t>(std::ceil(std::min(seconds, kLongest)));
-  if (whole < 60) return std::to_string(whole) + " s";
-  if (whole < 3600) return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
-  return std::to_string(whole / 3600) + " h " + std::to_string(whole / 60 % 60) + " min";
+  if (whole < 60) return fmt::format("{} s", whole);
+  if (whole < 3600) return fmt::format("{} min {} s", whole / 60, whole % 60);
+  return fmt::format("{} h {} min", whole / 3600, whole / 60 % 60);
 }
 
 }  // namespace
@@ -22,19 +23,18 @@ std::string time_left(double seconds) {
 std::string progress_line(std::int64_t poses, std::int64_t done, std::int64_t made,
                           double seconds) {
   const double rate = seconds > 0.0 ? static_cast<double>(made) / seconds : 0.0;
-  std::string line = std::to_string(100 * done / std::max<std::int64_t>(poses, 1)) + " %, " +
-                     std::to_string(done) + " of " + std::to_string(poses) + " poses";
+  std::string line = fmt::format("{} %, {} of {} poses",
+                                 100 * done / std::max<std::int64_t>(poses, 1), done, poses);
   if (rate > 0.0)
-    line += ", " + std::to_string(std::llround(rate)) + " a second, " +
-            time_left(static_cast<double>(poses - done) / rate) + " left";
+    line += fmt::format(", {} a second, {} left", std::llround(rate),
+                        time_left(static_cast<double>(poses - done) / rate));
   return line;
 }
 
 Progress::Progress(Kind kind, std::int64_t poses, std::int64_t done)
     : kind_(kind), poses_(poses), done_before_(done) {
   if (kind_ != Kind::none && done > 0)
-    std::cerr << "dravo: " + std::to_string(done) + " of " + std::to_string(poses) +
-                     " poses were made earlier\n"
+    std::cerr << fmt::format("dravo: {} of {} poses were made earlier\n", done, poses)
               << std::flush;
 }
 

@@ -1,6 +1,7 @@
 #include "results/progress_file.hpp"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -79,9 +80,8 @@ std::vector<ScanRecord> ProgressFile::records() const {
 }
 
 void ProgressFile::write(const ScanRecord& record) {
-  std::string line = text_of(record);
-  const std::string fingerprint = fingerprint_of(line);
-  line.append(" ").append(fingerprint).append("\n");
+  const std::string text = text_of(record);
+  const std::string line = fmt::format("{} {}\n", text, fingerprint_of(text));
   if (line.size() > kSlotBytes) throw std::length_error("the record of a scan is too long");
   const auto offset = static_cast<std::int64_t>(kSlotBytes) * next_slot_;
   write_at(descriptor_.get(), name_, line, offset);

@@ -1,5 +1,6 @@
 #include "results/result_files.hpp"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <array>
@@ -28,10 +29,9 @@ void rename_file(const std::string& from, const std::string& to) {
 void require_size(const std::string& name, std::int64_t bytes) {
   std::error_code failure;
   const auto size = std::filesystem::file_size(name, failure);
-  if (failure) throw IoFailure(name + ": cannot read: " + failure.message());
+  if (failure) throw IoFailure(fmt::format("{}: cannot read: {}", name, failure.message()));
   if (size != static_cast<std::uintmax_t>(bytes))
-    throw IoFailure(name + ": expected " + std::to_string(bytes) + " bytes, found " +
-                    std::to_string(size));
+    throw IoFailure(fmt::format("{}: expected {} bytes, found {}", name, bytes, size));
 }
 
 /// Of so many bytes, when they are there and have the checksum that a record tells of.
@@ -45,8 +45,8 @@ void require_checksum(const std::string& record, const std::string& name, std::i
                       const std::optional<std::uint64_t>& expected) {
   if (!expected) return;
   if (checksum_of_first(bytes, name) == *expected) return;
-  throw IoFailure(name + ": has changed since it was written: its checksum is not that in " +
-                  record);
+  throw IoFailure(fmt::format(
+      "{}: has changed since it was written: its checksum is not that in {}", name, record));
 }
 
 void write_record(const std::string& name, const std::string& text) {
@@ -138,7 +138,7 @@ bool has_finished_record(const std::string& name) { return exists(name + kRecord
 void refuse_earlier_results(const std::string& name) {
   for (const char* ending : kEndings)
     if (exists(name + ending))
-      throw IoFailure(name + ending + ": exists already; --overwrite replaces it");
+      throw IoFailure(fmt::format("{}{}: exists already; --overwrite replaces it", name, ending));
 }
 
 void remove_earlier_results(const std::string& name) {

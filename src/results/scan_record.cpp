@@ -66,7 +66,7 @@ std::int64_t Shard::first(std::int64_t poses) const {
 std::int64_t Shard::end(std::int64_t poses) const { return Shard{number + 1, of}.first(poses); }
 
 std::string Shard::name(const std::string& scan) const {
-  return scan + "-" + std::to_string(number) + "-of-" + std::to_string(of);
+  return fmt::format("{}-{}-of-{}", scan, number, of);
 }
 
 bool ScanRecord::with_frames() const {
@@ -81,8 +81,8 @@ std::map<std::string, std::string> origin_of(const Pair& pair, const ScanPlan& p
     for (const double coordinate : {p.x, p.y, p.z}) atoms.add(coordinate);
   auto origin = plan.description();
   origin["version"] = DRAVO_VERSION;
-  origin["pair"] = std::to_string(pair.n1()) + "+" + std::to_string(pair.size() - pair.n1()) +
-                   " atoms, " + std::to_string(atoms.value());
+  origin["pair"] =
+      fmt::format("{}+{} atoms, {}", pair.n1(), pair.size() - pair.n1(), atoms.value());
   return origin;
 }
 
@@ -93,15 +93,14 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
   };
   std::string text;
   const auto compare = [&](const std::string& key, const std::string& was, const std::string& is) {
-    if (was != is) text.append(text.empty() ? "" : "; ").append(key + " was " + was + ", is " + is);
+    if (was != is)
+      text += fmt::format("{}{} was {}, is {}", text.empty() ? "" : "; ", key, was, is);
   };
   auto keys = earlier.origin;
   keys.insert(now.origin.begin(), now.origin.end());
   for (const auto& [key, ignored] : keys)
     compare(key, value(earlier.origin, key), value(now.origin, key));
-  const auto part = [](const Shard& shard) {
-    return std::to_string(shard.number) + "/" + std::to_string(shard.of);
-  };
+  const auto part = [](const Shard& shard) { return fmt::format("{}/{}", shard.number, shard.of); };
   compare("shard", part(earlier.shard), part(now.shard));
   return text;
 }
@@ -109,15 +108,15 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
 void require_same_origin(const std::string& name, const ScanRecord& earlier,
                          const ScanRecord& now) {
   const std::string differs = difference(earlier, now);
-  if (!differs.empty()) throw IoFailure(name + ": is of another scan: " + differs);
+  if (!differs.empty()) throw IoFailure(fmt::format("{}: is of another scan: {}", name, differs));
 }
 
 std::string sentence_about(const ScanTotals& totals) {
   if (totals.poses == 0) return "no poses";
-  return std::to_string(totals.poses) + " poses, " + std::to_string(totals.with_contacts) +
-         " with short contacts, " + std::to_string(totals.written) + " wanted; shortest distance " +
-         fixed_text(totals.shortest, 4) + " Angstrom in pose " +
-         std::to_string(totals.shortest_index);
+  return fmt::format(
+      "{} poses, {} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
+      totals.poses, totals.with_contacts, totals.written, fixed_text(totals.shortest, 4),
+      totals.shortest_index);
 }
 
 std::string json_text_of(const ScanTotals& totals) { return json_of(totals).dump(); }

@@ -1,5 +1,7 @@
 #include "results/scan_run.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -72,8 +74,9 @@ void refuse_earlier_poses(const ScanRequest& request, const PoseFolders& folders
 void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
   const double longest = placer.longest_touching_distance() + plan.longest_r();
   if (plan.above_contact() && longest > kLongestDistance)
-    throw IoFailure("r may become " + fixed_text(longest, 1) +
-                    " Angstrom, too long for the names of files. Allowed: r<9999.9");
+    throw IoFailure(
+        fmt::format("r may become {} Angstrom, too long for the names of files. Allowed: r<9999.9",
+                    fixed_text(longest, 1)));
 }
 
 /// Files of an earlier scan are removed from the folder of a pose before it is filled.

@@ -35,9 +35,8 @@ void TextMaker::write(const MadePose& pose, TextChunk& chunk) {
 
 /// Names hold whole degrees, so poses may share theirs: each gets a folder of its own, by index.
 void TextMaker::write_files(const MadePose& pose) {
-  const PairFiles files =
-      pair_files(output_names(pose.radians), pose.numbers.contacts > 0,
-                 placer_->split(), pose.atoms, pose.placement);
+  const PairFiles files = pair_files(output_names(pose.radians), pose.numbers.contacts > 0,
+                                     placer_->split(), pose.atoms, pose.placement);
   const std::string folder = folders_.emptied(pose.numbers.index);
   WorkingDirectory files_of_pose;
   files_of_pose.replace(folder + "/" + files.geometry_name, files.geometry.text());

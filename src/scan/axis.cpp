@@ -1,5 +1,7 @@
 #include "scan/axis.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -129,7 +131,7 @@ void Axis::add(std::size_t word_number, std::string_view text) {
   const double step = number_in(word, parts[2]);
   const double steps = steps_in({start, stop, step, parts});
   if (steps < 0.0)
-    word.refuse(text, "the steps of " + quoted(text) + " do not lead from start to stop");
+    word.refuse(text, fmt::format("the steps of {} do not lead from start to stop", quoted(text)));
   if (!(steps + static_cast<double>(size_) < kMostValues))
     word.refuse(text, quoted(text) + " has too many values");
   const double unit_of_start = decimal_unit_of(parts[0]), unit_of_step = decimal_unit_of(parts[2]);

@@ -1,5 +1,7 @@
 #include "scan/plan.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -43,7 +45,7 @@ const std::vector<PlanWord>* find(const PlanKeys& keys, std::string_view key) {
 const PlanWord* single(const PlanKeys& keys, std::string_view key) {
   const auto* words = find(keys, key);
   if (words == nullptr) return nullptr;
-  if (words->size() > 1) (*words)[1].refuse("expected one value for " + std::string(key));
+  if (words->size() > 1) (*words)[1].refuse(fmt::format("expected one value for {}", key));
   return words->data();
 }
 
@@ -53,8 +55,8 @@ Integer whole_number(const PlanWord& word, Integer lowest, Integer highest) {
   const char* const end = word.text.data() + word.text.size();
   const auto [stop, error] = std::from_chars(word.text.data(), end, value);
   if (error != std::errc{} || stop != end || value < lowest || value > highest)
-    word.refuse("expected a whole number from " + std::to_string(lowest) + " to " +
-                std::to_string(highest) + ", found " + quoted(word.text));
+    word.refuse(fmt::format("expected a whole number from {} to {}, found {}", lowest, highest,
+                            quoted(word.text)));
   return value;
 }
 
@@ -67,7 +69,7 @@ Value choice(const PlanWord& word,
     if (word.text == name) return value;
     names.append(names.empty() ? "" : " or ").append(name);
   }
-  word.refuse("expected " + names + ", found " + quoted(word.text));
+  word.refuse(fmt::format("expected {}, found {}", names, quoted(word.text)));
 }
 
 constexpr std::array<std::pair<std::string_view, ContactRule>, 3> kContactRules{
@@ -93,7 +95,7 @@ std::string shortened(const std::string& text) {
   if (text.size() <= kLongest) return text;
   Fingerprint fingerprint;
   fingerprint.add(text);
-  return std::to_string(text.size()) + " characters, " + std::to_string(fingerprint.value());
+  return fmt::format("{} characters, {}", text.size(), fingerprint.value());
 }
 
 constexpr std::string_view kContact = "contact";
@@ -122,8 +124,7 @@ Poses ScanPlan::read_poses(const PlanKeys& keys) {
 Poses ScanPlan::read_list(const PlanWord& zip, const PlanKeys& keys) {
   zip_file_ = zip.path();
   auto list = std::make_shared<const ZippedList>(zip_file_);
-  description_["zip"] =
-      std::to_string(list->size()) + " rows, " + std::to_string(list->fingerprint());
+  description_["zip"] = fmt::format("{} rows, {}", list->size(), list->fingerprint());
   (void)read_axes(keys, 0, "the zipped list");
   return Poses(std::move(list));
 }
@@ -147,7 +148,7 @@ std::array<Axis, 6> ScanPlan::read_axes(const PlanKeys& keys, std::size_t needed
     const PoseParameter& parameter = kPoseParameters[k];
     const auto* words = find(keys, parameter.name);
     if (words != nullptr && k >= needed)
-      (*words)[0].refuse(std::string(parameter.name) + " has its values from " + others);
+      (*words)[0].refuse(fmt::format("{} has its values from {}", parameter.name, others));
     if (words == nullptr && k < needed)
       missing.append(missing.empty() ? "" : ", ").append(parameter.name);
     if (words == nullptr) continue;
@@ -157,8 +158,8 @@ std::array<Axis, 6> ScanPlan::read_axes(const PlanKeys& keys, std::size_t needed
     description_[parameter.name] = shortened(from + axes[k].description());
   }
   if (!missing.empty())
-    throw InvalidInput("the plan lacks " + missing +
-                       ": give a number, a list (0,30,60) or start:stop:step for each");
+    throw InvalidInput(fmt::format(
+        "the plan lacks {}: give a number, a list (0,30,60) or start:stop:step for each", missing));
   longest_r_ = longest_of(axes[0]);
   return axes;
 }

@@ -1,5 +1,7 @@
 #include "scan/plan_keys.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <utility>
@@ -15,8 +17,8 @@ void PlanWord::refuse(std::string_view part, const std::string& what_is_wrong) c
   const std::size_t last = std::min(first + part.size(), source->text.size());
   if (source->is_file)
     throw invalid_input_at({source->name, source->text}, first, last, what_is_wrong);
-  throw InvalidInput(source->name + ": " + what_is_wrong + "\n" +
-                     shown_place(source->text, first, last));
+  throw InvalidInput(fmt::format("{}: {}\n{}", source->name, what_is_wrong,
+                                 shown_place(source->text, first, last)));
 }
 
 std::string PlanWord::path() const {

@@ -1,5 +1,7 @@
 #include "scan/pose_source.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -14,7 +16,7 @@ namespace {
 /// How many combinations there are.
 std::int64_t combinations(std::int64_t some, std::int64_t others) {
   if (others > 0 && some > kMostPoses / others)
-    throw InvalidInput("the plan has more than " + std::to_string(kMostPoses) + " poses");
+    throw InvalidInput(fmt::format("the plan has more than {} poses", kMostPoses));
   return some * others;
 }
 

@@ -1,10 +1,11 @@
+#include <fmt/format.h>
+
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <string>
 #include <utility>
 
-#include "common/number_format.hpp"
 #include "dravo/error.hpp"
 #include "dravo/scan.hpp"
 #include "driver/user_parameters.hpp"
@@ -22,8 +23,8 @@ void require_range(const PoseDegrees& pose) {
   for (const PoseParameter& parameter : kPoseParameters) {
     const double value = pose.*parameter.value;
     if (!std::isfinite(value))
-      throw InvalidInput(std::string(parameter.name) + ": expected a finite number, found " +
-                         shortest_text(value));
+      throw InvalidInput(
+          fmt::format("{}: expected a finite number, found {}", parameter.name, value));
   }
   if (const auto complaint = complaint_about(pose)) throw OutOfRange(*complaint);
 }
@@ -60,7 +61,7 @@ Poses Poses::list(std::vector<PoseDegrees> poses) {
 
 Poses Poses::random(std::int64_t count, const PoseAxis& r, std::uint64_t seed) {
   if (count < 1)
-    throw InvalidInput("expected one random direction or more, found " + std::to_string(count));
+    throw InvalidInput(fmt::format("expected one random direction or more, found {}", count));
   require_range(r.axis(), kPoseParameters[0]);
   return Poses(random_source(count, r.axis(), seed));
 }
@@ -72,8 +73,8 @@ std::int64_t Poses::size() const { return source_->size(); }
 void Poses::fill(std::int64_t first, std::span<PoseDegrees> poses) const {
   const auto count = static_cast<std::int64_t>(poses.size());
   if (first < 0 || first > size() - count)
-    throw InvalidInput("there are " + std::to_string(size()) + " poses, not " +
-                       std::to_string(count) + " from number " + std::to_string(first) + " on");
+    throw InvalidInput(
+        fmt::format("there are {} poses, not {} from number {} on", size(), count, first));
   source_->fill(first, poses);
 }
 

@@ -1,5 +1,7 @@
 #include "scan/scan.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -66,8 +68,8 @@ std::int64_t poses_of_batch(const PairPlacer& placer, const ScanOptions& options
 void scan(const PairPlacer& placer, const Poses& poses, const ScanOptions& options,
           const std::function<void(const ScanBatch&)>& take) {
   if (options.threads < 0)
-    throw InvalidInput("expected a number of threads, or 0 for all, found " +
-                       std::to_string(options.threads));
+    throw InvalidInput(
+        fmt::format("expected a number of threads, or 0 for all, found {}", options.threads));
   make_chunks<OwnedBatch>(
       {0, poses.size(), poses_of_batch(placer, options), options.threads},
       [&] { return BatchMaker(placer, poses, options); },

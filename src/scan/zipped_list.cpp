@@ -1,5 +1,7 @@
 #include "scan/zipped_list.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -72,8 +74,8 @@ bool ZippedList::take_names(std::string_view line, std::int64_t number) {
     const auto found = std::find(names.begin(), names.end(), kPoseParameters[k].name);
     if (found == names.end())
       refuse(line, number, names[0],
-             std::string("expected numbers, or the names of columns with ") +
-                 kPoseParameters[k].name + " among them");
+             fmt::format("expected numbers, or the names of columns with {} among them",
+                         kPoseParameters[k].name));
     columns_[k] = static_cast<std::size_t>(found - names.begin());
   }
   named_ = true;
@@ -84,16 +86,20 @@ PoseDegrees ZippedList::parsed(std::string_view line, std::int64_t number) const
   const std::vector<std::string_view> parts = parts_between(line, ',');
   if (!named_ && parts.size() != columns_.size())
     refuse(line, number, line,
-           "expected six numbers, or a first line that names the columns, found " +
-               std::to_string(parts.size()) + " columns");
+           fmt::format(
+               "expected six numbers, or a first line that names the columns, found {} columns",
+               parts.size()));
   PoseDegrees row;
   for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
-    const std::string expected = std::string("expected ") + kPoseParameters[k].name;
+    const char* const name = kPoseParameters[k].name;
     if (columns_[k] >= parts.size())
-      refuse(line, number, line.substr(line.size()), expected + ", found the end of the line");
+      refuse(line, number, line.substr(line.size()),
+             fmt::format("expected {}, found the end of the line", name));
     const std::string_view part = parts[columns_[k]];
     const auto value = parse_plain_real(part);
-    if (!value) refuse(line, number, part, expected + " (a number), found " + quoted(part));
+    if (!value)
+      refuse(line, number, part,
+             fmt::format("expected {} (a number), found {}", name, quoted(part)));
     row.*kPoseParameters[k].value = *value;
   }
   return row;

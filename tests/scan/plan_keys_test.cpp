@@ -1,4 +1,3 @@
-#include "scan/plan_file.hpp"
 #include "scan/plan_keys.hpp"
 
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "scan/plan_file.hpp"
 #include "scan/plans.hpp"
 #include "support/temporary_folder.hpp"
 
