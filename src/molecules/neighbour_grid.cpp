@@ -44,48 +44,61 @@ NeighbourGrid::NeighbourGrid(const ConstAtomTable& atoms, RowRange rows, double 
 
 template <class PositionOf>
 void NeighbourGrid::fill(RowRange rows, const PositionOf& position_of) {
-  std::vector<KeyedRow> keyed;
-  keyed.reserve(static_cast<std::size_t>(rows.end - rows.begin));
-  for (std::int32_t k = rows.begin; k < rows.end; ++k) {
-    const Vec3 p = position_of(k);
-    if (!is_finite(p)) continue;
-    if (keyed.empty()) lowest_ = highest_ = p;
-    extend_box(p);
-    keyed.push_back({key_of(p), k});
-  }
-
-  members_.reserve(keyed.size());
-  cells_.reserve(keyed.size() + 1);
-  for (const auto& [key, row] : sorted_by_cells(keyed)) {
+  const std::vector<KeyedMember> sorted = sorted_by_cells(rows, position_of);
+  members_.reserve(sorted.size());
+  cells_.reserve(sorted.size() + 1);
+  for (const auto& [key, member] : sorted) {
     if (cells_.empty() || cells_.back().key != key)
       cells_.push_back({key, static_cast<std::uint32_t>(members_.size())});
-    members_.push_back({position_of(row), row});
+    members_.push_back(member);
   }
   find_buckets_of_cells();
   cells_.push_back({0, static_cast<std::uint32_t>(members_.size())});
 }
 
-void NeighbourGrid::extend_box(const Vec3& p) {
-  lowest_ = {std::min(lowest_.x, p.x), std::min(lowest_.y, p.y), std::min(lowest_.z, p.z)};
-  highest_ = {std::max(highest_.x, p.x), std::max(highest_.y, p.y), std::max(highest_.z, p.z)};
-}
-
 /// A stable counting sort by buckets, which leaves each one's begin where its end was counted. Few
 /// buckets have several cells.
-std::vector<NeighbourGrid::KeyedRow> NeighbourGrid::sorted_by_cells(
-    std::span<const KeyedRow> rows) {
-  const std::size_t buckets = std::bit_ceil(std::max<std::size_t>(rows.size(), 2));
-  buckets_.assign(buckets + 1, 0);
-  shift_ = 64U - static_cast<unsigned>(std::countr_zero(buckets));
-  for (const KeyedRow& row : rows) ++buckets_[bucket_of(row.key)];
+template <class PositionOf>
+std::vector<NeighbourGrid::KeyedMember> NeighbourGrid::sorted_by_cells(
+    RowRange rows, const PositionOf& position_of) {
+  const auto count = static_cast<std::size_t>(rows.end - rows.begin);
+  make_buckets(count);
+  std::vector<Key> keys;  // of the finite points
+  keys.reserve(count);
+  for (std::int32_t row = rows.begin; row < rows.end; ++row) {
+    const Vec3 p = position_of(row);
+    if (!is_finite(p)) continue;
+    if (keys.empty()) lowest_ = highest_ = p;
+    extend_box(p);
+    keys.push_back(key_of(p));
+    ++buckets_[bucket_of(keys.back())];
+  }
   std::partial_sum(buckets_.begin(), buckets_.end(), buckets_.begin());
-  std::vector<KeyedRow> sorted(rows.size());
-  for (std::size_t k = rows.size(); k-- > 0;) sorted[--buckets_[bucket_of(rows[k].key)]] = rows[k];
+
+  std::vector<KeyedMember> sorted(keys.size());
+  for (std::int32_t row = rows.end; row-- > rows.begin;) {
+    const Vec3 p = position_of(row);
+    if (!is_finite(p)) continue;
+    sorted[--buckets_[bucket_of(keys.back())]] = {keys.back(), {p, row}};
+    keys.pop_back();
+  }
   for (std::size_t b = 0; b + 1 < buckets_.size(); ++b) {
     const auto begin = sorted.begin() + buckets_[b], end = sorted.begin() + buckets_[b + 1];
     if (!std::is_sorted(begin, end)) std::sort(begin, end);
   }
   return sorted;
+}
+
+/// As many as points, or up to twice as many.
+void NeighbourGrid::make_buckets(std::size_t points) {
+  const std::size_t buckets = std::bit_ceil(std::max<std::size_t>(points, 2));
+  buckets_.assign(buckets + 1, 0);
+  shift_ = 64U - static_cast<unsigned>(std::countr_zero(buckets));
+}
+
+void NeighbourGrid::extend_box(const Vec3& p) {
+  lowest_ = {std::min(lowest_.x, p.x), std::min(lowest_.y, p.y), std::min(lowest_.z, p.z)};
+  highest_ = {std::max(highest_.x, p.x), std::max(highest_.y, p.y), std::max(highest_.z, p.z)};
 }
 
 void NeighbourGrid::find_buckets_of_cells() {

@@ -68,12 +68,12 @@ class NeighbourGrid {
   /// are one cell.
   using Key = std::uint64_t;
 
-  struct KeyedRow {
+  struct KeyedMember {
     Key key;
-    std::int32_t row;
+    Member member;
 
-    bool operator<(const KeyedRow& other) const {
-      return key < other.key || (key == other.key && row < other.row);
+    bool operator<(const KeyedMember& other) const {
+      return key < other.key || (key == other.key && member.row < other.member.row);
     }
   };
 
@@ -85,7 +85,9 @@ class NeighbourGrid {
   template <class PositionOf>
   void fill(RowRange rows, const PositionOf& position_of);
   void extend_box(const Vec3& p);
-  std::vector<KeyedRow> sorted_by_cells(std::span<const KeyedRow> rows);
+  template <class PositionOf>
+  std::vector<KeyedMember> sorted_by_cells(RowRange rows, const PositionOf& position_of);
+  void make_buckets(std::size_t points);
   void find_buckets_of_cells();
 
   [[nodiscard]] Key key_of(const Vec3& p) const;
