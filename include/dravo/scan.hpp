@@ -35,18 +35,17 @@ class PoseSource;
 class PoseAxis {
  public:
   /// One value. Throws InvalidInput for one that is not finite.
-  PoseAxis(double value);  // NOLINT(google-explicit-constructor): .phi = 45
+  PoseAxis(double value);
 
   /// These values, in this order. Throws InvalidInput without any, or when one is not finite.
-  PoseAxis(const std::vector<double>& values);  // NOLINT(google-explicit-constructor)
+  PoseAxis(const std::vector<double>& values);
 
   /// Values as the plan of a scan has them: "45", "0,45,90", "3:7:0.1" (start:stop:step), or
   /// several of these with commas between. The stop belongs to a range when a step ends on it, and
   /// the values of a range are the doubles nearest to its decimal numbers. Throws InvalidInput with
   /// the place in the text.
   template <std::convertible_to<std::string_view> Text>
-  PoseAxis(const Text& text)  // NOLINT(google-explicit-constructor): .theta = "0:180:10"
-      : PoseAxis(of_text(text)) {}
+  PoseAxis(const Text& text) : PoseAxis(of_text(text)) {}
 
   [[nodiscard]] std::int64_t size() const;
 
