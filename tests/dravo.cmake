@@ -9,6 +9,7 @@ dravo_test_programs(molecules protocol
   element_label_test.cpp
   fragments_test.cpp
   input_text_test.cpp
+  molecule_test.cpp
   neighbour_grid_test.cpp
   pair_file_test.cpp
   xyz_file_test.cpp)
@@ -27,6 +28,7 @@ dravo_test_programs(scan results
   plan_keys_test.cpp
   plan_refusals_test.cpp
   plan_test.cpp
+  placer_test.cpp
   poses_test.cpp
   random_pose_test.cpp
   scan_test.cpp
@@ -47,6 +49,7 @@ add_executable(cli_tests
   cli/durable_test.cpp
   cli/identify_test.cpp
   cli/merge_test.cpp
+  cli/missed_axes_test.cpp
   cli/other_scans_test.cpp
   cli/pose_folders_test.cpp
   cli/prepare_nudging_test.cpp

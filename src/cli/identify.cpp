@@ -1,5 +1,7 @@
 #include "dravo/identify.hpp"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <iostream>
 #include <memory>
@@ -29,44 +31,37 @@ constexpr std::array<std::string_view, 3> kMoments{"I_A", "I_B", "I_C"};
 
 // --- text -------------------------------------------------------------------------------------
 
-std::string right(std::string_view text, std::size_t width) {
-  return std::string(width > text.size() ? width - text.size() : 0, ' ').append(text);
-}
-
-std::string left(std::string_view text, std::size_t width) {
-  return std::string(text).append(width > text.size() ? width - text.size() : 0, ' ');
-}
-
 std::string vector_text(const Vec3& v, int count) {
-  return fixed_text(v.x, count) + " " + fixed_text(v.y, count) + " " + fixed_text(v.z, count);
+  return fmt::format("{} {} {}", fixed_text(v.x, count), fixed_text(v.y, count),
+                     fixed_text(v.z, count));
 }
 
 /// As the end of an input file. Eight decimals: far more than the searches find, and no tail of
 /// digits that mean nothing.
 std::string parameter_block(const PoseDegrees& p) {
   const auto line = [](double value, const char* name) {
-    return right(fixed_text(value, 8), 14) + "  " + name + '\n';
+    return fmt::format("{:>14}  {}\n", fixed_text(value, 8), name);
   };
-  return "position\n" + line(p.r, "r, Angstrom") + line(p.theta, "theta, degrees") +
-         line(p.phi, "phi") + "rotation\n" + line(p.alpha, "alpha, degrees") +
-         line(p.beta, "beta") + line(p.gamma, "gamma") + "end\n";
+  return fmt::format("position\n{}{}{}rotation\n{}{}{}end\n",  //
+                     line(p.r, "r, Angstrom"), line(p.theta, "theta, degrees"), line(p.phi, "phi"),
+                     line(p.alpha, "alpha, degrees"), line(p.beta, "beta"), line(p.gamma, "gamma"));
 }
 
 std::string axis_row(const PrincipalAxis& axis, std::string_view moment) {
-  return "  " + left(std::string(1, axis.letter).append("  ").append(moment), 8) +
-         right(fixed_text(axis.moment_amu, 5), 14) + right(scientific_text(axis.moment, 4), 14) +
-         right(fixed_text(axis.constant, 5), 14) + right(fixed_text(axis.angles.along, 2), 10) +
-         right(fixed_text(axis.angles.reversed, 2), 10) + "  " +
-         std::string(name_of(axis.fixed_by)) + '\n';
+  return fmt::format("  {}  {:<5}{:>14}{:>14}{:>14}{:>10}{:>10}  {}\n", axis.letter, moment,
+                     fixed_text(axis.moment_amu, 5), scientific_text(axis.moment, 4),
+                     fixed_text(axis.constant, 5), fixed_text(axis.angles.along, 2),
+                     fixed_text(axis.angles.reversed, 2), name_of(axis.fixed_by));
 }
 
 std::string molecule_text(std::size_t index, const PrincipalFrame& m) {
-  std::string text = "\nmolecule " + std::to_string(index + 1) + ": " + std::to_string(m.atoms) +
-                     " atoms, " + std::string(name_of(m.rotor)) + "\n  centre of mass  " +
-                     vector_text(m.cm, 6) + " Angstrom\n  reference       " +
-                     std::string(m.reference.symbol) + ", " + std::to_string(m.reference.atoms) +
-                     (m.reference.atoms == 1 ? " atom" : " atoms") + ", centre " +
-                     fixed_text(m.reference.distance, 4) + " Angstrom from the centre of mass\n";
+  std::string text = fmt::format(
+      "\nmolecule {}: {} atoms, {}\n"
+      "  centre of mass  {} Angstrom\n"
+      "  reference       {}, {} {}, centre {} Angstrom from the centre of mass\n",
+      index + 1, m.atoms, name_of(m.rotor), vector_text(m.cm, 6), m.reference.symbol,
+      m.reference.atoms, m.reference.atoms == 1 ? "atom" : "atoms",
+      fixed_text(m.reference.distance, 4));
   text +=
       "  axis            moment        moment      constant  reference  reversed  fixed by\n"
       "             amu Angstrom^2     g cm^2           GHz    degrees   degrees\n";
@@ -76,7 +71,7 @@ std::string molecule_text(std::size_t index, const PrincipalFrame& m) {
 
 std::string text_of(const Identification& found) {
   std::string text = parameter_block(found.parameters);
-  for (const std::string& remark : remarks_on(found)) text += "note: " + remark + '\n';
+  for (const std::string& remark : remarks_on(found)) text += fmt::format("note: {}\n", remark);
   for (std::size_t m = 0; m < 2; ++m) text += molecule_text(m, found.molecules[m]);
   return text;
 }

@@ -1,5 +1,7 @@
 #include "cli/pair_options.hpp"
 
+#include <fmt/format.h>
+
 #include <cstdint>
 #include <iostream>
 #include <limits>
@@ -16,10 +18,9 @@ void add_split_options(CLI::App& command, const SharedRequest& request) {
     }
     const auto n1 = parse_integer(text);
     if (!n1 || *n1 < 1)
-      throw CLI::ValidationError("--split",
-                                 "expected the number of atoms of molecule 1 or auto, "
-                                 "found \"" +
-                                     text + "\"");
+      throw CLI::ValidationError(
+          "--split",
+          fmt::format("expected the number of atoms of molecule 1 or auto, found \"{}\"", text));
     request->split = *n1;
   };
   command

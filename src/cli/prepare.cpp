@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -68,7 +70,7 @@ std::string number_text(Real value) {
 
 PoseDegrees stated_values(const Preparation& wanted, const std::optional<PoseDegrees>& of_file) {
   if (!wanted.given[0] && !of_file)
-    throw InvalidInput("--r is required: " + wanted.request->file + " states no distance");
+    throw InvalidInput(fmt::format("--r is required: {} states no distance", wanted.request->file));
   PoseDegrees degrees = of_file.value_or(PoseDegrees{});
   for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
     degrees.*kPoseParameters[k].value = wanted.given[k].value_or(degrees.*kPoseParameters[k].value);
@@ -78,7 +80,8 @@ PoseDegrees stated_values(const Preparation& wanted, const std::optional<PoseDeg
 /// "--theta 190" or, when it was not given there, "pair.xyz: theta 190".
 std::string place_of(std::size_t k, const PoseDegrees& degrees, const Preparation& wanted) {
   const std::string source = wanted.given[k] ? "--" : wanted.request->file + ": ";
-  return source + kPoseParameters[k].name + " " + number_text(degrees.*kPoseParameters[k].value);
+  return fmt::format("{}{} {}", source, kPoseParameters[k].name,
+                     number_text(degrees.*kPoseParameters[k].value));
 }
 
 void require_usable(const PoseDegrees& degrees, const Preparation& wanted) {
@@ -86,8 +89,8 @@ void require_usable(const PoseDegrees& degrees, const Preparation& wanted) {
     if (!std::isfinite(degrees.*kPoseParameters[k].value))
       throw InvalidInput(place_of(k, degrees, wanted) + ": expected a finite number");
   if (const auto complaint = complaint_about(degrees))
-    throw InvalidInput(place_of(pose_parameter(complaint->name()), degrees, wanted) + ": " +
-                       complaint->what());
+    throw InvalidInput(fmt::format(
+        "{}: {}", place_of(pose_parameter(complaint->name()), degrees, wanted), complaint->what()));
 }
 
 /// A value that an angle is moved off because another one has no meaning there.
@@ -128,8 +131,8 @@ std::vector<std::string> nudging_remarks(const PoseDegrees& degrees) {
     const double given = degrees.*angle;
     const std::string shown = number_text(static_cast<float>(used.*angle));
     if (used.*angle == given || shown == number_text(given)) continue;
-    remarks.push_back(std::string(name) + " " + number_text(given) + " will be used as " + shown +
-                      ": " + reason_of_nudge(angle, degrees));
+    remarks.push_back(fmt::format("{} {} will be used as {}: {}", name, number_text(given), shown,
+                                  reason_of_nudge(angle, degrees)));
   }
   return remarks;
 }
@@ -147,8 +150,8 @@ void require_replaceable(const std::string& name, bool overwrite) {
 }
 
 std::string written_line(const std::string& name, const Pair& pair) {
-  return "wrote " + name + ": molecule 1 has " + std::to_string(pair.n1()) +
-         " atoms, molecule 2 has " + std::to_string(pair.size() - pair.n1());
+  return fmt::format("wrote {}: molecule 1 has {} atoms, molecule 2 has {}", name, pair.n1(),
+                     pair.size() - pair.n1());
 }
 
 /// Better now than when the run stops.

@@ -11,6 +11,7 @@
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
+#include "dravo/identify.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
 
@@ -97,7 +98,10 @@ void run(ScanCommand& options) {
   const PairFile pair = read_pair(*options.pair);
   request.inputs = {options.pair->file, options.plan_file, plan.zip_file()};
   if (!options.quiet) tell(pair.remarks);
-  report(run_scan(pair.pair, plan, request), options, plan.files());
+  const PairPlacer placer(pair.pair);
+  const std::string missed = remark_on_missed_axes(placer.missed(), "the poses");
+  if (!options.quiet && !missed.empty()) tell({missed});
+  report(run_scan(placer, pair.pair, plan, request), options, plan.files());
 }
 
 void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {

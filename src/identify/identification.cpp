@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -145,12 +147,11 @@ std::string advice_for_beta_zero(const PoseDegrees& found) {
 
 void remark_on_euler_angles(const PoseDegrees& p, std::vector<std::string>& remarks) {
   if (near(p.beta, 0.0))
-    remarks.push_back(
-        "beta is near 0: only alpha + gamma = " + shown(folded_turn(p.alpha + p.gamma)) +
-        " has a meaning" + advice_for_beta_zero(p));
+    remarks.push_back(fmt::format("beta is near 0: only alpha + gamma = {} has a meaning{}",
+                                  shown(folded_turn(p.alpha + p.gamma)), advice_for_beta_zero(p)));
   if (near(p.beta, 180.0))
-    remarks.push_back("beta is near 180: only alpha - gamma = " +
-                      shown(folded_turn(p.alpha - p.gamma)) + " has a meaning");
+    remarks.push_back(fmt::format("beta is near 180: only alpha - gamma = {} has a meaning",
+                                  shown(folded_turn(p.alpha - p.gamma))));
 }
 
 void remark_on_position(const PoseDegrees& p, std::vector<std::string>& remarks) {
@@ -183,8 +184,8 @@ std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& degrees) {
 
 std::string remark_on_missed_axes(double missed, std::string_view what_is_uncertain) {
   if (missed <= kMissed) return "";
-  return "the search missed the axes by " + fixed_text(missed, 3) +
-         " degrees: " + std::string(what_is_uncertain) + " are that uncertain";
+  return fmt::format("the search missed the axes by {} degrees: {} are that uncertain",
+                     fixed_text(missed, 3), what_is_uncertain);
 }
 
 std::vector<std::string> remarks_on(const Identification& identification) {
@@ -195,8 +196,8 @@ std::vector<std::string> remarks_on(const Identification& identification) {
   const std::string missed = remark_on_missed_axes(identification.missed, "the parameters");
   if (!missed.empty()) remarks.push_back(missed);
   for (const auto& [name, given, used] : nudged_in_a_build(found))
-    remarks.push_back("a build uses " + fixed_text(used, 3) + " for " + std::string(name) + " " +
-                      shown(given) + ", and its pair differs by that");
+    remarks.push_back(fmt::format("a build uses {} for {} {}, and its pair differs by that",
+                                  fixed_text(used, 3), name, shown(given)));
   return remarks;
 }
 

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <cmath>
 #include <cstddef>
 #include <span>
@@ -102,22 +104,22 @@ PrincipalFrame identified(std::size_t index, RowRange rows, const MoleculeAnalys
 
 std::string describe_undecided(const MoleculeAnalysis& m, std::size_t axis, char letter) {
   const auto& [along, reversed] = (*m.angles)[axis];
-  return std::string(1, letter) + " (" + fixed_text(along, 1) + " degrees from it, " +
-         fixed_text(reversed, 1) + " when reversed: these differ by " +
-         fixed_text(std::abs(along - reversed), 1) + " degrees)";
+  return fmt::format("{} ({} degrees from it, {} when reversed: these differ by {} degrees)",
+                     letter, fixed_text(along, 1), fixed_text(reversed, 1),
+                     fixed_text(std::abs(along - reversed), 1));
 }
 
 /// Why a molecule with fewer than two distinguishable axes has no frame.
 std::string describe_symmetry(std::size_t index, const MoleculeAnalysis& m) {
   const ReferenceElement reference = reference_element(m.centre);
-  std::string text = "molecule " + std::to_string(index + 1) +
-                     " has no unique frame: the centre of its heaviest element, " +
-                     std::string(reference.symbol) + " (" + std::to_string(reference.atoms) +
-                     (reference.atoms == 1 ? " atom)" : " atoms)");
+  std::string text = fmt::format(
+      "molecule {} has no unique frame: the centre of its heaviest element, {} ({} {})", index + 1,
+      reference.symbol, reference.atoms, reference.atoms == 1 ? "atom" : "atoms");
   if (!m.angles)
-    return text + ", lies " + fixed_text(reference.distance, 3) +
-           " Angstrom from the centre of mass, and more than " +
-           fixed_text(kUsableElementDistance, 1) + " are needed to give the axes a direction";
+    return fmt::format(
+        "{}, lies {} Angstrom from the centre of mass, and more than {} are needed to give the "
+        "axes a direction",
+        text, fixed_text(reference.distance, 3), fixed_text(kUsableElementDistance, 1));
   text += ", gives no direction to";
   const char* separator = " axis ";
   for (std::size_t k = 0; k < 3; ++k) {
@@ -125,7 +127,8 @@ std::string describe_symmetry(std::size_t index, const MoleculeAnalysis& m) {
     text += separator + describe_undecided(m, k, kLetters[index][k]);
     separator = " and axis ";
   }
-  return text + "; more than " + fixed_text(diferenca_detectavel, 0) + " degrees are needed";
+  return fmt::format("{}; more than {} degrees are needed", text,
+                     fixed_text(diferenca_detectavel, 0));
 }
 
 /// `first` is the place of the first analysis: 0 for molecule 1.

@@ -1,5 +1,7 @@
 #include "molecules/element_label.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -87,8 +89,8 @@ std::string candidates(std::string_view text) {
     if (letters.size() < length) continue;
     const auto symbol = symbol_in_any_case(letters.substr(0, length));
     if (!symbol) continue;
-    found.append(found.empty() ? "\"" : " or \"").append(text_of(*symbol).substr(0, length));
-    found.append("\"");
+    found +=
+        fmt::format("{}\"{}\"", found.empty() ? "" : " or ", text_of(*symbol).substr(0, length));
   }
   return found;
 }
@@ -114,9 +116,9 @@ std::string label_fault(std::string_view text) {
   if (is_beyond_uranium(text))
     return name + " is beyond uranium: elements H to U, atomic numbers 1 to 92, are known";
   if (may_be_atom_name(text) && symbol_in_any_case(text))
-    return name + " may be the element " + capitalized(text) + " or the name of an atom of " +
-           std::string(text.substr(0, 1)) + ": write " + instead;
-  if (!instead.empty()) return name + " is no element symbol: write " + instead;
+    return fmt::format("{} may be the element {} or the name of an atom of {}: write {}", name,
+                       capitalized(text), text.substr(0, 1), instead);
+  if (!instead.empty()) return fmt::format("{} is no element symbol: write {}", name, instead);
   return name + " is no element: write a symbol H to U or an atomic number 1 to 92";
 }
 

@@ -1,5 +1,7 @@
 #include "molecules/fragments.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -98,6 +100,10 @@ std::vector<Rows> bonded_components(std::span<const Label> labels,
   return components;
 }
 
+std::string atoms_text(std::int32_t count) {
+  return fmt::format("{} {}", count, count == 1 ? "atom" : "atoms");
+}
+
 std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows) {
   std::map<std::string_view, std::size_t> counts;  // in alphabetical order
   Rows atoms;
@@ -118,8 +124,8 @@ std::string describe_atoms(std::span<const Label> labels, std::span<const std::i
     append("H");
   }
   while (!counts.empty()) append(counts.begin()->first);
-  return std::to_string(rows.size()) + (rows.size() == 1 ? " atom " : " atoms ") + formula + " (" +
-         ranges_of(atoms) + ")";
+  return fmt::format("{} {} ({})", atoms_text(static_cast<std::int32_t>(rows.size())), formula,
+                     ranges_of(atoms));
 }
 
 }  // namespace dravo

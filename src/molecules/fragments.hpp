@@ -18,6 +18,9 @@ using Rows = std::vector<std::int32_t>;
 /// finite and in Angstrom.
 std::vector<Rows> bonded_components(std::span<const Label> labels, std::span<const Vec3> positions);
 
+/// "6 atoms", "1 atom".
+std::string atoms_text(std::int32_t count);
+
 /// "6 atoms CH3NO (1-6)": number, formula in Hill's order, numbers of the atoms.
 std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows);
 

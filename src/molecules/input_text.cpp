@@ -1,5 +1,7 @@
 #include "molecules/input_text.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -71,8 +73,7 @@ void append_atom(std::string& text, const Label& label, const Vec3& position,
   std::size_t column = kLabelWidth;
   for (const auto& [whole, after_point] : coordinates_of(position)) {
     line.resize(std::max(column, line.size()), ' ');
-    line.append(kWholeWidth - whole.size(), ' ');
-    line.append(whole).append(1, '.').append(after_point);
+    line += fmt::format("{:>{}}.{}", whole, kWholeWidth, after_point);
     column += kWholeWidth + 1 + decimals;
   }
   text.append(line).append(1, '\n');
@@ -132,10 +133,10 @@ class ReadBack {
 
 std::string input_text(const Pair& pair, const PoseDegrees& degrees) {
   const std::size_t decimals = aligned_decimals(pair);
-  std::string text = std::to_string(pair.size()) + '\n';
+  std::string text = fmt::format("{}\n", pair.size());
   for (std::size_t i = 0; i < pair.labels().size(); ++i)
     append_atom(text, pair.labels()[i], pair.positions()[i], decimals);
-  text.append("n1\n").append(std::to_string(pair.n1())).append("\nposition\n");
+  text += fmt::format("n1\n{}\nposition\n", pair.n1());
   append_values(text, degrees, kPosition);
   text.append("rotation\n");
   append_values(text, degrees, kRotation);
@@ -150,8 +151,8 @@ void require_same_when_read(const std::string& name, std::string_view text, cons
     throw InvalidInput(name + ": qn-dravo would read other values");
   const PoseDegrees ruled = with_beta_zero_rule(degrees);
   if (const auto fault = find_range_fault(ruled))
-    throw InvalidInput(name +
-                       ": qn-dravo would refuse this: " + out_of_range(*fault, ruled).what());
+    throw InvalidInput(fmt::format("{}: qn-dravo would refuse this: {}", name,
+                                   out_of_range(*fault, ruled).what()));
 }
 
 }  // namespace dravo

@@ -1,5 +1,7 @@
 #include "dravo/molecule.hpp"
 
+#include <fmt/format.h>
+
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -9,13 +11,10 @@
 #include "driver/element_table.hpp"
 #include "molecules/coordinate.hpp"
 #include "molecules/element_label.hpp"
+#include "molecules/fragments.hpp"
 
 namespace dravo {
 namespace {
-
-std::string atoms_text(std::int32_t count) {
-  return std::to_string(count) + (count == 1 ? " atom" : " atoms");
-}
 
 std::string name_of_atom(std::size_t i) { return "atom " + std::to_string(i + 1); }
 
@@ -23,7 +22,8 @@ std::vector<Label> labels_of(const std::vector<std::string>& symbols) {
   std::vector<Label> labels;
   for (const std::string& symbol : symbols) {
     const auto label = element_of(symbol);
-    if (!label) throw InvalidInput(name_of_atom(labels.size()) + ": " + label_fault(symbol));
+    if (!label)
+      throw InvalidInput(fmt::format("{}: {}", name_of_atom(labels.size()), label_fault(symbol)));
     labels.push_back(*label);
   }
   return labels;
@@ -47,19 +47,20 @@ Molecule::Molecule(const std::vector<std::string>& symbols, std::vector<Vec3> po
 Molecule::Molecule(std::vector<Label> labels, std::vector<Vec3> positions)
     : labels_(std::move(labels)), positions_(std::move(positions)) {
   if (labels_.size() != positions_.size())
-    throw InvalidInput("expected a position for each symbol, found " +
-                       std::to_string(labels_.size()) + " symbols and " +
-                       std::to_string(positions_.size()) + " positions");
+    throw InvalidInput(
+        fmt::format("expected a position for each symbol, found {} symbols and {} positions",
+                    labels_.size(), positions_.size()));
   if (labels_.empty()) throw InvalidInput("a molecule needs at least one atom");
   if (labels_.size() > static_cast<std::size_t>(kMaxAtoms))
-    throw InvalidInput("a molecule has at most " + atoms_text(kMaxAtoms) + ", found " +
-                       std::to_string(labels_.size()));
+    throw InvalidInput(
+        fmt::format("a molecule has at most {}, found {}", atoms_text(kMaxAtoms), labels_.size()));
   for (std::size_t i = 0; i < labels_.size(); ++i) {
     if (!atomic_number_of_symbol(labels_[i]))
-      throw InvalidInput(name_of_atom(i) + ": " + label_fault(text_of(labels_[i])));
+      throw InvalidInput(fmt::format("{}: {}", name_of_atom(i), label_fault(text_of(labels_[i]))));
     const Vec3& p = positions_[i];
     if (!is_coordinate(p.x) || !is_coordinate(p.y) || !is_coordinate(p.z))
-      throw InvalidInput(name_of_atom(i) + ": expected coordinates " + kCoordinateRange);
+      throw InvalidInput(
+          fmt::format("{}: expected coordinates {}", name_of_atom(i), kCoordinateRange));
   }
 }
 
@@ -74,14 +75,14 @@ Pair::Pair(const Molecule& molecule1, const Molecule& molecule2)
 
 Pair::Pair(std::int32_t n1, Molecule atoms) : atoms_(std::move(atoms)), n1_(n1) {
   if (size() < kFewestAtoms)
-    throw InvalidInput("a pair needs at least " + atoms_text(kFewestAtoms) + ", found " +
-                       std::to_string(size()));
+    throw InvalidInput(
+        fmt::format("a pair needs at least {}, found {}", atoms_text(kFewestAtoms), size()));
   if (n1 < kFewestAtomsOfMolecule1)
-    throw InvalidInput("molecule 1 needs at least " + atoms_text(kFewestAtomsOfMolecule1) +
-                       ", found " + std::to_string(n1));
+    throw InvalidInput(fmt::format("molecule 1 needs at least {}, found {}",
+                                   atoms_text(kFewestAtomsOfMolecule1), n1));
   if (n1 >= size())
-    throw InvalidInput("no atoms are left for molecule 2: " + atoms_text(size()) + " in all, " +
-                       std::to_string(n1) + " of molecule 1");
+    throw InvalidInput(fmt::format("no atoms are left for molecule 2: {} in all, {} of molecule 1",
+                                   atoms_text(size()), n1));
 }
 
 }  // namespace dravo

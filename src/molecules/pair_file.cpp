@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -38,17 +40,13 @@ struct Contents {
   [[nodiscard]] std::int32_t N() const { return static_cast<std::int32_t>(labels.size()); }
 };
 
-std::string atoms_text(std::int32_t count) {
-  return std::to_string(count) + (count == 1 ? " atom" : " atoms");
-}
-
 void require_atoms(const std::string& name, std::int32_t N) {
   if (N < kFewestAtoms)
-    throw InvalidInput(name + ": a pair needs at least " + atoms_text(kFewestAtoms) + ", found " +
-                       std::to_string(N));
+    throw InvalidInput(
+        fmt::format("{}: a pair needs at least {}, found {}", name, atoms_text(kFewestAtoms), N));
   if (N > kMaxAtoms)
-    throw InvalidInput(name + ": a pair has at most " + atoms_text(kMaxAtoms) + ", found " +
-                       std::to_string(N));
+    throw InvalidInput(
+        fmt::format("{}: a pair has at most {}, found {}", name, atoms_text(kMaxAtoms), N));
 }
 
 // --- QN-input-GEOMETRY.xyz --------------------------------------------------------------------
@@ -126,8 +124,7 @@ void require_elements(const NamedText& source, std::vector<Label>& labels) {
       continue;
     }
     if (!in_place)
-      throw InvalidInput(std::string(source.name) + ": atom " + std::to_string(i + 1) + ": " +
-                         label_fault(label));
+      throw InvalidInput(fmt::format("{}: atom {}: {}", source.name, i + 1, label_fault(label)));
     const auto begin = static_cast<std::size_t>(whole.data() - source.text.data());
     throw invalid_input_at(source, begin, begin + whole.size(), label_fault(label));
   }
@@ -155,8 +152,8 @@ void require_coordinates(const NamedText& source, const std::vector<Vec3>& posit
 void require_in_range(const std::string& name, const PoseDegrees& stated) {
   const PoseDegrees ruled = with_beta_zero_rule(stated);
   if (const auto fault = find_range_fault(ruled))
-    throw InvalidInput(name + ": " + out_of_range(*fault, ruled).what() + ", found " +
-                       shortest_text(ruled.*fault->parameter));
+    throw InvalidInput(fmt::format("{}: {}, found {}", name, out_of_range(*fault, ruled).what(),
+                                   shortest_text(ruled.*fault->parameter)));
 }
 
 Contents read_qn_input(const NamedText& source, std::int32_t N) {
@@ -184,8 +181,8 @@ Contents read_qn_input(const NamedText& source, std::int32_t N) {
 /// A file that tells n1 holds one pair, in Angstrom.
 void require_plain_request(const std::string& name, const PairRequest& request) {
   if (request.frame != 1)
-    throw InvalidInput(name + ": there is no frame " + std::to_string(request.frame) +
-                       ": the file holds one pair");
+    throw InvalidInput(
+        fmt::format("{}: there is no frame {}: the file holds one pair", name, request.frame));
   if (request.unit != LengthUnit::angstrom)
     throw InvalidInput(name + ": files of this format are in Angstrom, not in bohr");
 }
@@ -207,8 +204,7 @@ Contents read_contents(const std::string& name, const PairRequest& request) {
 void remark_on_frames(const std::string& name, const Contents& contents, std::int32_t frame,
                       std::vector<std::string>& remarks) {
   if (contents.frames > 1)
-    remarks.push_back(name + ": frame " + std::to_string(frame) + " of " +
-                      std::to_string(contents.frames) + " is used");
+    remarks.push_back(fmt::format("{}: frame {} of {} is used", name, frame, contents.frames));
 }
 
 // --- two molecules ----------------------------------------------------------------------------
@@ -221,15 +217,15 @@ std::string shortened(std::string text) {
 }
 
 std::string molecule_text(std::size_t number, std::span<const Label> labels, const Rows& rows) {
-  return "molecule " + std::to_string(number) + ": " + shortened(describe_atoms(labels, rows));
+  return fmt::format("molecule {}: {}", number, shortened(describe_atoms(labels, rows)));
 }
 
 [[noreturn]] void refuse_components(const std::string& name, std::span<const Label> labels,
                                     const std::vector<Rows>& components) {
   constexpr std::size_t kMostListed = 10;
-  std::string text = name + ": the bonds make " + std::to_string(components.size()) +
-                     (components.size() == 1 ? " molecule" : " molecules") +
-                     ", not two; use --split N1";
+  std::string text =
+      fmt::format("{}: the bonds make {} {}, not two; use --split N1", name, components.size(),
+                  components.size() == 1 ? "molecule" : "molecules");
   for (std::size_t k = 0; k < std::min(components.size(), kMostListed); ++k)
     text += "\n  " + molecule_text(k + 1, labels, components[k]);
   if (components.size() > kMostListed) text += "\n  ...";
@@ -255,16 +251,17 @@ std::int32_t split_by_bonds(const std::string& name, Contents& contents,
   const auto n1 = static_cast<std::int32_t>(components[0].size());
   const bool mixed = components[0].back() >= n1;
   if (contents.n1 && (mixed || *contents.n1 != n1))
-    throw InvalidInput(name + ": the file gives molecule 1 its first " + atoms_text(*contents.n1) +
-                       ", but the bonds make " + remarks[remarks.size() - 2]);
+    throw InvalidInput(
+        fmt::format("{}: the file gives molecule 1 its first {}, but the bonds make {}", name,
+                    atoms_text(*contents.n1), remarks[remarks.size() - 2]));
   if (mixed) {
     Rows order = components[0];
     order.insert(order.end(), components[1].begin(), components[1].end());
     contents.labels = reordered(contents.labels, order);
     contents.positions = reordered(contents.positions, order);
     for (std::int32_t& row : order) ++row;
-    remarks.push_back(name + ": the atoms of the molecules alternate; their new order is " +
-                      shortened(ranges_of(order)));
+    remarks.push_back(fmt::format("{}: the atoms of the molecules alternate; their new order is {}",
+                                  name, shortened(ranges_of(order))));
   }
   return n1;
 }
@@ -282,8 +279,8 @@ std::int32_t split_of(const PairRequest& request, Contents& contents,
     return split_by_bonds(request.file, contents, remarks);
   const std::int32_t n1 = std::get<std::int32_t>(*request.split);
   if (contents.n1.value_or(n1) != n1)
-    throw InvalidInput(request.file + ": the file gives molecule 1 " + atoms_text(*contents.n1) +
-                       ", --split " + std::to_string(n1));
+    throw InvalidInput(fmt::format("{}: the file gives molecule 1 {}, --split {}", request.file,
+                                   atoms_text(*contents.n1), n1));
   return n1;
 }
 
@@ -291,7 +288,7 @@ Pair pair_of(const std::string& name, Contents& contents, std::int32_t n1) {
   try {
     return Pair(n1, Molecule(std::move(contents.labels), std::move(contents.positions)));
   } catch (const InvalidInput& fault) {
-    throw InvalidInput(name + ": " + fault.what(), {name});
+    throw InvalidInput(fmt::format("{}: {}", name, fault.what()), {name});
   }
 }
 

@@ -1,5 +1,7 @@
 #include "molecules/xyz_file.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -142,9 +144,9 @@ std::int32_t XyzReader::read_count(std::int32_t frame) {
   Part line = next_line();
   const Part item = next_item(line);
   const auto N = parse_integer(view(item));
-  if (!N) refuse(item, "expected " + what + ", found " + found(item));
+  if (!N) refuse(item, fmt::format("expected {}, found {}", what, found(item)));
   if (*N < 1 || *N > kMaxAtoms)
-    refuse(item, "expected 1 to " + std::to_string(kMaxAtoms) + " atoms, found " + found(item));
+    refuse(item, fmt::format("expected 1 to {} atoms, found {}", kMaxAtoms, found(item)));
   const Part surplus = next_item(line);
   if (!surplus.empty())
     refuse(surplus, "expected nothing after the number of atoms, found " + found(surplus));
@@ -158,8 +160,8 @@ Part XyzReader::read_comment() {
 
 void XyzReader::require_atom_line(std::int32_t atom, std::int32_t N) const {
   if (at_end())
-    refuse_end("atom " + std::to_string(atom) + " of the " + std::to_string(N) + " that line " +
-               std::to_string(line_number(text_, count_begin_)) + " announces");
+    refuse_end(fmt::format("atom {} of the {} that line {} announces", atom, N,
+                           line_number(text_, count_begin_)));
 }
 
 void XyzReader::skip_atoms(std::int32_t N) {
@@ -180,18 +182,18 @@ void XyzReader::read_atoms(std::int32_t N, XyzFrame& frame) {
 
 void XyzReader::read_atom(std::int32_t atom, const Columns& columns, XyzFrame& frame) {
   const auto name_of = [&](std::size_t column) {
-    const std::string of_atom = " of atom " + std::to_string(atom);
-    if (column == columns.label) return "the element" + of_atom;
+    if (column == columns.label) return fmt::format("the element of atom {}", atom);
     if (column >= columns.x && column < columns.x + 3)
-      return std::string("the ") + kCoordinates[column - columns.x] + " coordinate (a number)" +
-             of_atom;
-    return "column " + std::to_string(column + 1) + of_atom;
+      return fmt::format("the {} coordinate (a number) of atom {}",
+                         kCoordinates[column - columns.x], atom);
+    return fmt::format("column {} of atom {}", column + 1, atom);
   };
   Part line = next_line();
   std::array<double, 3> position{};
   for (std::size_t column = 0; column < columns.count(); ++column) {
     const Part item = next_item(line);
-    if (item.empty()) refuse(item, "expected " + name_of(column) + ", found " + found(item));
+    if (item.empty())
+      refuse(item, fmt::format("expected {}, found {}", name_of(column), found(item)));
     if (column == columns.label) {
       const auto label = element_of(view(item));
       if (!label) refuse(item, label_fault(view(item)));
@@ -199,11 +201,11 @@ void XyzReader::read_atom(std::int32_t atom, const Columns& columns, XyzFrame& f
     } else if (column >= columns.x && column < columns.x + 3) {
       const auto value = parse_real(view(item));
       if (!value || !std::isfinite(*value))
-        refuse(item, "expected " + name_of(column) + ", found " + found(item));
+        refuse(item, fmt::format("expected {}, found {}", name_of(column), found(item)));
       position[column - columns.x] = unit_ * *value;
       if (!is_coordinate(position[column - columns.x]))
         refuse(item,
-               std::string("expected a coordinate ") + kCoordinateRange + ", found " + found(item));
+               fmt::format("expected a coordinate {}, found {}", kCoordinateRange, found(item)));
     }
   }
   frame.positions.push_back({position[0], position[1], position[2]});
@@ -254,9 +256,9 @@ std::optional<Part> XyzReader::properties_in(Part comment) const {
 bool XyzReader::is_property(Part name, Part form, const Property& property) const {
   if (view(name) != property.name) return false;
   if (view(form) != property.form)
-    refuse({name.begin, form.end}, "expected " + std::string(property.name) + ":" +
-                                       std::string(property.form) + ", found " +
-                                       quoted(view({name.begin, form.end})));
+    refuse({name.begin, form.end},
+           fmt::format("expected {}:{}, found {}", property.name, property.form,
+                       quoted(view({name.begin, form.end}))));
   return true;
 }
 
@@ -294,9 +296,9 @@ Columns XyzReader::columns_of(Part comment) const {
 void XyzReader::refuse_end(const std::string& expected) const {
   const bool line_open = !text_.empty() && text_.back() != '\n';
   const std::int64_t missing = line_number(text_, text_.size()) + (line_open ? 1 : 0);
-  throw InvalidInput(std::string(source_.name) + ":" + std::to_string(missing) + ": expected " +
-                         expected + ", found the end of the file",
-                     {std::string(source_.name), missing});
+  throw InvalidInput(
+      fmt::format("{}:{}: expected {}, found the end of the file", source_.name, missing, expected),
+      {std::string(source_.name), missing});
 }
 
 XyzFrame XyzReader::read(std::int32_t wanted) {
@@ -313,9 +315,8 @@ XyzFrame XyzReader::read(std::int32_t wanted) {
     if (frame.frames == 1) frame.n1 = trailer();
   } while (skip_blank_lines());
   if (frame.frames < wanted)
-    throw InvalidInput(std::string(source_.name) + ": there is no frame " + std::to_string(wanted) +
-                       ": the file holds " + std::to_string(frame.frames) +
-                       (frame.frames == 1 ? " frame" : " frames"));
+    throw InvalidInput(fmt::format("{}: there is no frame {}: the file holds {} {}", source_.name,
+                                   wanted, frame.frames, frame.frames == 1 ? "frame" : "frames"));
   return frame;
 }
 

@@ -113,8 +113,8 @@ std::string result_name(const ScanRequest& request) {
   return request.part ? request.part->name(request.name) : request.name;
 }
 
-ScanTotals run_scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
-  const PairPlacer placer(pair);
+ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+                    const ScanRequest& request) {
   require_short_enough(placer, plan);
   const ScanOutput output = output_of(plan, request);
   const PoseFolders folders(output.pose_folder, plan.poses().size());

@@ -9,6 +9,7 @@
 #include "results/progress.hpp"
 #include "results/scan_files.hpp"
 #include "results/scan_record.hpp"
+#include "scan/pair_placer.hpp"
 #include "scan/plan.hpp"
 
 namespace dravo {
@@ -26,8 +27,8 @@ struct ScanRequest {
 /// Of the results, without ending.
 std::string result_name(const ScanRequest& request);
 
-/// Throws NoUniqueFrame for a pair that cannot be placed, IoFailure when the results cannot be
-/// written.
-ScanTotals run_scan(const Pair& pair, const ScanPlan& plan, const ScanRequest& request);
+/// `placer` places `pair`. Throws IoFailure when the results cannot be written.
+ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+                    const ScanRequest& request);
 
 }  // namespace dravo

@@ -24,14 +24,14 @@ Files tree_of(const TemporaryFolder& folder) {
   return files;
 }
 
-Outcome run_scan(const TemporaryFolder& folder, const Words& more,
-                 const std::function<void()>& prepare = {}) {
+Outcome scan_files(const TemporaryFolder& folder, const Words& more,
+                   const std::function<void()>& prepare = {}) {
   return run_command(folder, Words{"scan", kInput} + kPlan + more, Screen::kept, prepare);
 }
 
 void expect_refusal(const Dimer& folder, const Words& words, const std::string& message) {
   const Files before = tree_of(folder);
-  const Outcome outcome = run_scan(folder, words);
+  const Outcome outcome = scan_files(folder, words);
   const std::string when = ::testing::PrintToString(words);
   EXPECT_EQ(outcome.status, 2) << when;
   EXPECT_EQ(outcome.messages, "dravo: " + message + "\n") << when;
@@ -62,7 +62,7 @@ TEST(FolderOfSomebody, IsLeftAloneWhereNoPoseOfThePartIs) {
   fs::create_directories(folder.path() / "results" / "17");
   for (const char* name : {"results/1/thesis.txt", "results/17/thesis.txt", "results/notes.txt"})
     folder.write(name, "three years");
-  EXPECT_EQ(run_scan(folder, {"--shard", "2/2"}).status, 0);  // poses 2 and 3
+  EXPECT_EQ(scan_files(folder, {"--shard", "2/2"}).status, 0);  // poses 2 and 3
   const Files files = tree_of(folder);
   EXPECT_EQ(files.size(), 3U + 2U * 2U + 2U) << "table and record";
   for (const char* name : {"results/1/thesis.txt", "results/17/thesis.txt", "results/notes.txt"})
@@ -76,14 +76,14 @@ TEST(FolderOfAnEarlierPart, IsReplacedOnlyWhenTheUserSaysSo) {
   for (const Words& how : {Words{}, Words{"--resume"}})
     expect_refusal(folder, how + Words{"--shard", "2/2"},
                    "results/2: exists already; --overwrite replaces it");
-  EXPECT_EQ(run_scan(folder, {"--shard", "2/2", "--overwrite"}).status, 0);
+  EXPECT_EQ(scan_files(folder, {"--shard", "2/2", "--overwrite"}).status, 0);
   EXPECT_EQ(tree_of(folder).count("results/2/" + kNameOfOurs), 0U);
 }
 
 /// A kill behind the record that a scan begins with, anywhere in the folders.
 TEST(FolderOfAStoppedPart, IsTakenUp) {
   const Dimer whole;
-  for (const char* part : {"1/2", "2/2"}) ASSERT_EQ(run_scan(whole, {"--shard", part}).status, 0);
+  for (const char* part : {"1/2", "2/2"}) ASSERT_EQ(scan_files(whole, {"--shard", part}).status, 0);
   const Files expected = tree_of(whole);
   for (const char* how : {"--resume", "--overwrite"}) {
     const Dimer folder;
@@ -92,12 +92,12 @@ TEST(FolderOfAStoppedPart, IsTakenUp) {
       const rlimit limit{900, 900};
       if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(126);
     };
-    ASSERT_EQ(run_scan(folder, {"--shard", "1/2"}).status, 0);
-    ASSERT_EQ(run_scan(folder, {"--shard", "2/2"}, limited).status, 2);
+    ASSERT_EQ(scan_files(folder, {"--shard", "1/2"}).status, 0);
+    ASSERT_EQ(scan_files(folder, {"--shard", "2/2"}, limited).status, 2);
     ASSERT_TRUE(fs::exists(folder.path() / "results-2-of-2.progress"));
     fs::create_directories(folder.path() / "results" / "3");
     folder.write("results/3/" + kNameOfOurs + ".part", "half");
-    ASSERT_EQ(run_scan(folder, {"--shard", "2/2", how}).status, 0) << how;
+    ASSERT_EQ(scan_files(folder, {"--shard", "2/2", how}).status, 0) << how;
     expect_files(tree_of(folder), expected, how);
   }
 }
@@ -108,13 +108,13 @@ TEST(FolderOfAStoppedPart, WithAnythingElseIsRefusedBeforeItGoesOn) {
     const rlimit limit{900, 900};
     if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(126);
   };
-  ASSERT_EQ(run_scan(folder, {}, limited).status, 2);
+  ASSERT_EQ(scan_files(folder, {}, limited).status, 2);
   ASSERT_TRUE(fs::exists(folder.path() / "results.progress"));
   fs::create_directories(folder.path() / "results" / "3");
   folder.write("results/3/thesis.txt", "three years");
   const Files before = tree_of(folder);
   for (const char* how : {"--resume", "--overwrite"}) {
-    const Outcome outcome = run_scan(folder, {how});
+    const Outcome outcome = scan_files(folder, {how});
     EXPECT_EQ(outcome.status, 2) << how;
     EXPECT_EQ(outcome.messages,
               "dravo: results/3/thesis.txt: is in the way and of no scan; move it, or choose "

@@ -111,7 +111,7 @@ TEST(FolderOfPoses, IsUsedAgainWhenTheUserSaysSo) {
   EXPECT_EQ(run_scan(whole, plan + Words{"--resume"}).status, 0) << "finished";
   EXPECT_EQ(run_scan(whole, plan + Words{"--overwrite"}).status, 0);
   EXPECT_EQ(poses_in(whole), expected);
-  // Whatever stands in the folder of a pose goes, so that no file of another pose is among them.
+  // Files of another pose go, so that none is among those of this one.
   whole.write("scan/2/[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz", "of another pose");
   EXPECT_EQ(run_scan(whole, plan + Words{"--overwrite"}).status, 0);
   EXPECT_EQ(poses_in(whole), expected);

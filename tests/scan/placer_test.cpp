@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/vector.hpp"
+#include "dravo/error.hpp"
+#include "dravo/identify.hpp"
+#include "dravo/place.hpp"
+#include "dravo/scan.hpp"
+#include "support/pairs.hpp"
+#include "support/sample_input.hpp"
+
+namespace dravo::test {
+namespace {
+
+constexpr PoseDegrees kPose{4.5, 70.0, 200.0, 30.0, 60.0, 100.0};
+
+Pair moved_pair(const Placer& placer, const PoseDegrees& pose) {
+  return {placer.n1(), Molecule(placer.labels(), placer.positions(pose))};
+}
+
+TEST(Placer, MakesThePairThatIsIdentifiedByThePose) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  const PoseDegrees found = identify(moved_pair(placer, kPose)).parameters;
+  EXPECT_NEAR(found.r, kPose.r, 1e-6);
+  for (const auto& [name, value] : kPoseParameters)
+    EXPECT_NEAR(found.*value, kPose.*value, 0.02) << name;
+}
+
+TEST(Placer, TellsPlaceAndContactsOfWhatItMade) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  std::vector<double> numbers(36);
+  const Placed placed = placer.place(kPose, numbers);
+  EXPECT_NEAR(placed.applied.r, kPose.r, 1e-9);
+  EXPECT_NEAR(placed.applied.theta, kPose.theta, 1e-6);
+  EXPECT_NEAR(placed.applied.gamma, kPose.gamma, 1e-12);
+  const std::vector<Vec3> atoms = placer.positions(kPose);
+  double shortest = 1e9;
+  for (std::size_t i = 0; i < 6; ++i)
+    for (std::size_t k = 6; k < 12; ++k)
+      shortest = std::min(shortest, modulus(atoms[i] - atoms[k]));
+  EXPECT_NEAR(placed.survey.shortest, shortest, 1e-12);
+  for (std::size_t i = 0; i < atoms.size(); ++i)
+    EXPECT_EQ(atoms[i], (Vec3{numbers[3 * i], numbers[3 * i + 1], numbers[3 * i + 2]}));
+  EXPECT_EQ(placed.survey.contacts,
+            static_cast<std::int64_t>(short_contacts(moved_pair(placer, kPose)).size()));
+}
+
+TEST(Placer, FindsWhereThePairBeginsToTouch) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  PoseDegrees pose = kPose;
+  pose.r = placer.touching_distance(kPose);
+  ASSERT_GT(pose.r, 1.0);
+  std::vector<double> numbers(36);
+  EXPECT_NEAR(placer.place(pose, numbers).survey.shortest, kShortDistance, 1e-9);
+}
+
+TEST(Placer, RefusesPosesOutOfRangeWithNameValueAndBounds) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  PoseDegrees pose = kPose;
+  pose.theta = 190.0;
+  try {
+    (void)placer.positions(pose);
+    FAIL() << "placed";
+  } catch (const OutOfRange& failure) {
+    EXPECT_EQ(failure.name(), "theta");
+    EXPECT_EQ(failure.value(), 190.0);
+    EXPECT_EQ(failure.lowest(), 0.0);
+    EXPECT_EQ(failure.highest(), 180.0);
+  }
+}
+
+TEST(Placer, RefusesRoomForAnotherNumberOfAtoms) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  std::vector<double> numbers(35);
+  EXPECT_THROW(placer.place(kPose, numbers), InvalidInput);
+}
+
+TEST(Placer, IsTheSameInSeveralThreads) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  const std::vector<Vec3> alone = placer.positions(kPose);
+  std::array<std::vector<Vec3>, 4> together;
+  {
+    std::vector<std::jthread> threads;
+    for (auto& atoms : together)
+      threads.emplace_back([&placer, &atoms] { atoms = placer.positions(kPose); });
+  }
+  for (const auto& atoms : together) EXPECT_TRUE(atoms == alone);
+}
+
+TEST(Placer, KnowsByHowMuchTheSearchMissedTheAxes) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  EXPECT_LT(placer.missed(), 0.01);
+  // Angles just below a full turn lie past the end of the grid.
+  const Placer misled(moved_pair(placer, {6.5, 84.0, 11.0, 359.8, 10.0, 306.0}));
+  EXPECT_GT(misled.missed(), 0.01);
+  // What it places is off by about as much.
+  const PoseDegrees asked{6.5, 84.0, 11.0, 30.0, 70.0, 100.0};
+  const PoseDegrees found = identify(moved_pair(misled, asked)).parameters;
+  const double off =
+      std::max({std::abs(found.alpha - asked.alpha), std::abs(found.beta - asked.beta),
+                std::abs(found.gamma - asked.gamma)});
+  EXPECT_GT(off, 0.01);
+  EXPECT_LT(off, misled.missed());
+}
+
+TEST(Scan, OfThePublicInterfaceHandsOnThePosesOfThePlacer) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  std::vector<double> numbers(36);
+  const Placed placed = placer.place(kPose, numbers);
+  int batches = 0;
+  scan(placer, Poses::list({kPose}), {.positions = true}, [&](const ScanBatch& batch) {
+    ++batches;
+    ASSERT_EQ(batch.poses.size(), 1U);
+    EXPECT_EQ(batch.poses[0].shortest, placed.survey.shortest);
+    EXPECT_EQ(std::vector<double>(batch.positions.begin(), batch.positions.end()), numbers);
+  });
+  EXPECT_EQ(batches, 1);
+}
+
+}  // namespace
+}  // namespace dravo::test
