@@ -77,7 +77,8 @@ double steps_in(const Range& range) {
   const double distance = range.stop - range.start;
   if (start && stop && step) {
     const bool backwards = *stop != *start && (*stop < *start) != (*step < 0);
-    return backwards ? -1.0 : static_cast<double>((*stop - *start) / *step);
+    const Wide whole_steps = (*stop - *start) / *step;
+    return backwards ? -1.0 : static_cast<double>(whole_steps);
   }
   // Of a step: neither the digits that were cut off a long number nor rounding may lose the stop.
   constexpr double kReached = 1e-9;

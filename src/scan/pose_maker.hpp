@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "common/atom_table.hpp"
@@ -35,8 +36,8 @@ PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& ra
 /// One per thread.
 class PoseMaker {
  public:
-  PoseMaker(const PairPlacer& placer, const Poses& poses, const PoseRules& rules)
-      : placer_(&placer), poses_(poses), rules_(rules), placed_(placer.split().N) {}
+  PoseMaker(const PairPlacer& placer, Poses poses, const PoseRules& rules)
+      : placer_(&placer), poses_(std::move(poses)), rules_(rules), placed_(placer.split().N) {}
 
   /// Makes poses `first` to before `end`, from 0, and hands each to `take` as soon as it is made.
   template <class Take>
