@@ -36,12 +36,10 @@ void read_input(benchmark::State& state) {
   std::vector<double> second(kColumns * rows);
   std::vector<Label> labels(rows);
   for ([[maybe_unused]] auto _ : state) {
-    RecordStream screen;
     FreeFormatReader reader(kInputFileName, text);
     AtomTable icoo_and_m(first);
     AtomTable newcoo_and_m(second);
-    const InputGeometry geometry =
-        dravo::read_input(reader, icoo_and_m, newcoo_and_m, labels, screen);
+    const InputGeometry geometry = dravo::read_input(reader, icoo_and_m, newcoo_and_m, labels);
     if (geometry.split.N != atoms) return state.SkipWithError("atoms are missing");
     benchmark::ClobberMemory();
   }

@@ -6,6 +6,8 @@ find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
 find_library(XXHASH_LIBRARY xxhash REQUIRED)
+include(CheckLibraryExists)
+check_library_exists(${XXHASH_LIBRARY} XXH3_64bits_update_dispatch "" XXHASH_DISPATCHES)
 
 # What the library holds besides the stages.
 set(DRAVO_LIBRARY_SOURCES
@@ -56,6 +58,8 @@ list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
 function(dravo_results_library library)
   add_library(${library}_results STATIC ${DRAVO_RESULTS_SOURCES})
   target_include_directories(${library}_results PRIVATE ${XXHASH_INCLUDE_DIR})
+  target_compile_definitions(${library}_results PRIVATE
+    $<$<BOOL:${XXHASH_DISPATCHES}>:DRAVO_XXHASH_DISPATCHES>)
   target_link_libraries(${library}_results
     PUBLIC ${library}_protocol nlohmann_json::nlohmann_json
     PRIVATE tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})

@@ -26,7 +26,7 @@ struct MadePose {
   bool wanted;  ///< by the rule about contacts
   PoseRadians radians;
   Placement placement;
-  const ConstAtomTable& atoms;  ///< the placed pair, until the next pose is made
+  ConstAtomTable atoms;  ///< the placed pair, until the next pose is made
 };
 
 /// What a run reports as applied: the position measured after the placement, the rotation used.
