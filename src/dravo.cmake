@@ -6,6 +6,8 @@ find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
 find_library(XXHASH_LIBRARY xxhash REQUIRED)
+include(CheckLibraryExists)
+check_library_exists(${XXHASH_LIBRARY} XXH3_64bits_update_dispatch "" XXHASH_DISPATCHES)
 
 set(DRAVO_TOOLS_SOURCES
   identify/identification.cpp
@@ -45,6 +47,7 @@ list(TRANSFORM DRAVO_TOOLS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
 function(dravo_tools_library name stages)
   add_library(${name} STATIC ${DRAVO_TOOLS_SOURCES})
   target_include_directories(${name} PRIVATE ${XXHASH_INCLUDE_DIR})
+  target_compile_definitions(${name} PRIVATE $<$<BOOL:${XXHASH_DISPATCHES}>:DRAVO_XXHASH_DISPATCHES>)
   target_link_libraries(${name} PUBLIC ${stages} fmt::fmt nlohmann_json::nlohmann_json Threads::Threads
     tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
 endfunction()
