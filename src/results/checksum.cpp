@@ -2,7 +2,11 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#ifdef DRAVO_XXHASH_DISPATCHES
+#include <xxh_x86dispatch.h>  // takes the widest registers that the processor has
+#else
 #include <xxhash.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
