@@ -137,9 +137,11 @@ InvalidInput invalid_input_in(const NamedLine& line, std::size_t begin, std::siz
   std::string message(line.name);
   message.append(":").append(std::to_string(line.number)).append(": ");
   message.append(what_is_wrong).append("\n").append(shown_place(line.text, begin, end));
-  const auto columns_before = printable(line.text.substr(0, begin), begin).columns;
-  return InvalidInput(message, {std::string(line.name), line.number,
-                                static_cast<std::int64_t>(columns_before) + 1});
+  const std::string_view before = line.text.substr(0, begin);
+  const auto characters = std::count_if(before.begin(), before.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;  // not a further byte of UTF-8
+  });
+  return InvalidInput(message, {std::string(line.name), line.number, characters + 1});
 }
 
 }  // namespace dravo

@@ -24,7 +24,7 @@ std::string placed_dimer(const PoseDegrees& pose) {
   return text;
 }
 
-constexpr PoseDegrees kMisleading{6.5, 84.0, 11.0, 359.8, 10.0, 306.0};
+constexpr PoseDegrees kMisleading{6.5, 84.0, 11.0, 359.8, 10.0, 50.0};
 constexpr PoseDegrees kPlain{6.5, 84.0, 11.0, 214.0, 152.0, 306.0};
 
 Outcome count_poses(const PoseDegrees& own, const Words& more = {}) {

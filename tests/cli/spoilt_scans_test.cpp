@@ -13,8 +13,7 @@ namespace {
 TEST(SpoiltProgress, GoesOnFromTheRecordThatIsWhole) {
   const Files expected = undisturbed(kLongPlan);
   const Files stopped = unfinished(kLongPlan, kAfterSomeRecords);
-  const std::string progress =
-      stopped.at("scan.progress").substr(0, stopped.at("scan.progress").find('\n') + 1);
+  const std::string& progress = stopped.at("scan.progress");
   std::vector<std::size_t> records;
   for (std::size_t at = progress.find('{'); at != std::string::npos;
        at = progress.find("{\"origin\"", at + 1))

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <dravo/contacts.hpp>
 #include <dravo/error.hpp>
 #include <dravo/identify.hpp>
