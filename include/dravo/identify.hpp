@@ -37,7 +37,7 @@ struct NudgedParameter {
 };
 
 /// Those of a pose in range. Angstrom and degrees.
-std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& pose);
+std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& degrees);
 
 /// What the parameters do not tell, or tell badly: angles without a meaning, a search that missed.
 /// One sentence each, without full stop.
