@@ -286,7 +286,7 @@ std::int32_t split_of(const PairRequest& request, Contents& contents,
 
 Pair pair_of(const std::string& name, Contents& contents, std::int32_t n1) {
   try {
-    return Pair(n1, Molecule(std::move(contents.labels), std::move(contents.positions)));
+    return {n1, Molecule(std::move(contents.labels), std::move(contents.positions))};
   } catch (const InvalidInput& fault) {
     throw InvalidInput(fmt::format("{}: {}", name, fault.what()), {name});
   }
