@@ -49,6 +49,7 @@ std::vector<Vec3> Placer::positions(const PoseDegrees& pose) const {
   OwnedTable placed(size());
   placer_->place(used_parameters(pose), placed.table());
   std::vector<Vec3> atoms;
+  atoms.reserve(placer_->labels().size());
   for (std::int32_t i = 0; i < size(); ++i) atoms.push_back(placed.table().position(i));
   return atoms;
 }
