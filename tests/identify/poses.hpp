@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iomanip>
-#include <numbers>
 #include <random>
 #include <sstream>
 #include <string>
@@ -20,10 +19,9 @@
 #include "support/memory_run.hpp"
 #include "support/pairs.hpp"
 #include "support/sample_input.hpp"
+#include "support/turns.hpp"
 
 namespace dravo::test {
-
-inline constexpr double kDegree = std::numbers::pi / 180.0;
 
 /// What qn-dravo makes of the molecules and the parameters, degrees.
 inline std::vector<Vec3> built(SampleInput molecules, const PoseDegrees& p) {
@@ -75,17 +73,6 @@ inline double rmsd(const std::vector<Vec3>& first, const std::vector<Vec3>& seco
   std::array<double, 4> eigenvalues{};
   diasym(q, eigenvalues, 4);
   return std::sqrt(std::max(0.0, squares - 2.0 * eigenvalues[3]) / static_cast<double>(a.size()));
-}
-
-/// A rotation matrix by Rodrigues' formula, about any axis.
-inline Matrix3 turn_about(const Vec3& axis, double degrees) {
-  const Vec3 u = (1.0 / modulus(axis)) * axis;
-  const double c = std::cos(degrees * kDegree);
-  const double s = std::sin(degrees * kDegree);
-  const double t = 1.0 - c;
-  return {{{{t * u.x * u.x + c, t * u.x * u.y - s * u.z, t * u.x * u.z + s * u.y},
-            {t * u.x * u.y + s * u.z, t * u.y * u.y + c, t * u.y * u.z - s * u.x},
-            {t * u.x * u.z - s * u.y, t * u.y * u.z + s * u.x, t * u.z * u.z + c}}}};
 }
 
 inline void move(SampleInput& sample, std::size_t begin, std::size_t end, const Matrix3& rotation,
