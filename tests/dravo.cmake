@@ -20,6 +20,23 @@ dravo_test_programs(identify protocol
   remarks_test.cpp
   rotors_test.cpp)
 
+# Molecules for the tests of a folder: published ones and made ones.
+add_library(test_molecules OBJECT support/made_molecules.cpp support/molecule_sets.cpp)
+target_link_libraries(test_molecules PRIVATE dravo_test_support)
+target_compile_options(test_molecules PRIVATE ${optimisation})
+target_precompile_headers(test_molecules REUSE_FROM precompiled_test_headers)
+function(dravo_test_molecules folder)
+  foreach(program ${folder}_tests ${folder}_tests_sanitized)
+    target_link_libraries(${program} PRIVATE test_molecules)
+  endforeach()
+endfunction()
+
+dravo_test_programs(symmetry protocol
+  made_molecules_test.cpp
+  molecule_sets_test.cpp
+  turned_test.cpp)
+dravo_test_molecules(symmetry)
+
 dravo_test_programs(scan results
   axis_test.cpp
   ordered_chunks_test.cpp
