@@ -11,9 +11,14 @@ check_library_exists(${XXHASH_LIBRARY} XXH3_64bits_update_dispatch "" XXHASH_DIS
 
 # What the library holds besides the stages.
 set(DRAVO_LIBRARY_SOURCES
+  src/identify/axis_data.cpp
+  src/identify/carried_frames.cpp
+  src/identify/closed_form.cpp
   src/identify/contacts.cpp
+  src/identify/frame_words.cpp
   src/identify/identification.cpp
   src/identify/principal_frames.cpp
+  src/identify/strict_frame.cpp
   src/molecules/covalent_radii.cpp
   src/molecules/element_label.cpp
   src/molecules/fragments.cpp
@@ -32,7 +37,15 @@ set(DRAVO_LIBRARY_SOURCES
   src/scan/poses.cpp
   src/scan/random_pose.cpp
   src/scan/scan.cpp
-  src/scan/zipped_list.cpp)
+  src/scan/zipped_list.cpp
+  src/symmetry/candidate_frames.cpp
+  src/symmetry/centred_atoms.cpp
+  src/symmetry/extended_frame.cpp
+  src/symmetry/facts.cpp
+  src/symmetry/first_atom.cpp
+  src/symmetry/matrices.cpp
+  src/symmetry/operation_search.cpp
+  src/symmetry/operations.cpp)
 list(TRANSFORM DRAVO_LIBRARY_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
 set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 

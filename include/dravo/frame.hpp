@@ -3,12 +3,36 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "dravo/molecule.hpp"
 
 namespace dravo {
+
+/// Which molecules have a frame.
+///
+///     strict    as for `qn-dravo`: those whose heaviest element gives two axes a direction
+///     extended  all; the strict frame where there is one
+enum class FrameRule { strict, extended };
+
+/// Number of the extended rule. Results that were made by different rules do not belong together.
+inline constexpr int kFrameRule = 1;
+
+/// Where a frame comes from.
+enum class FrameKind {
+  strict,    ///< the heaviest element, as for `qn-dravo`
+  extended,  ///< one of the frames that the molecule's rotations make equal
+  carried,   ///< carried along from the same molecule in a reference
+};
+
+std::string_view name_of(FrameKind kind);
+
+/// How many directions a molecule has: none, one, or three.
+enum class Shape { atom, linear, general };
 
 enum class RotorType { linear, spherical, prolate, oblate, asymmetric };
 
@@ -28,12 +52,30 @@ enum class FixedBy {
   right_handedness,
   /// All three axes have a direction, and the frame is right-handed with or without this one's.
   right_handedness_over_reference,
+  lever,            ///< from the centre of all other atoms to the centre of an element's
+  product,          ///< mean product of an element's coordinates along the other two axes
+  third_moment,     ///< of an element, or of all atoms
+  fourth_moment,    ///< of an element, or of all atoms
+  atom,             ///< lies over an atom; its equals would do as well
+  first_atom,       ///< the first atoms that differ between the choices
+  rotation,         ///< nothing: a rotation of the molecule reverses it
+  broken_symmetry,  ///< what makes such a rotation miss by more than 0.002 Angstrom
+  nothing,          ///< any direction across the axis of a linear molecule; any at all of an atom
+  reference_molecule,  ///< the same molecule in a reference
 };
 
 std::string_view name_of(FixedBy reason);
 
+/// What decided about a direction.
+struct AxisReason {
+  FixedBy by = FixedBy::right_handedness;
+  std::int32_t element = 0;  ///< atomic number; 0 for all atoms
+  double size = 0.0;         ///< how strongly it decided, Angstrom
+};
+
 /// Angle between an axis and the line from the centre of mass to the centre of the heaviest
-/// element, and between the reversed axis and that line, degrees.
+/// element, and between the reversed axis and that line, degrees. Not-a-number where those centres
+/// are 0.1 Angstrom or less apart.
 struct ReferenceAngles {
   double along = 0.0;
   double reversed = 0.0;
@@ -45,8 +87,9 @@ struct PrincipalAxis {
   double moment_amu;  ///< amu Angstrom^2
   double constant;    ///< rotational constant, GHz (CODATA 2018); infinite for a moment of zero
   Vec3 direction;     ///< unit vector, in the coordinates of the molecule as given
-  ReferenceAngles angles;  ///< of that direction and its opposite
-  FixedBy fixed_by;
+  ReferenceAngles angles = {};  ///< of that direction and its opposite
+  FixedBy fixed_by = FixedBy::right_handedness;
+  AxisReason reason = {};
 };
 
 /// The heaviest element of a molecule.
@@ -56,30 +99,61 @@ struct ReferenceElement {
   double distance;  ///< of their centre from the centre of mass, Angstrom
 };
 
+/// Turns a molecule onto itself, about its centre of mass.
+struct MoleculeRotation {
+  std::array<Vec3, 3> rows;  ///< of the matrix, in the coordinates of the molecule as given
+  double residual;  ///< largest distance between an atom and where another one was, Angstrom
+};
+
 /// Right-handed frame of the principal axes.
 struct PrincipalFrame {
   std::int32_t atoms;
+  FrameKind kind;
+  Shape shape;
   RotorType rotor;
   Vec3 cm;  ///< centre of mass as given, Angstrom
   ReferenceElement reference;
-  std::array<PrincipalAxis, 3> axes;  ///< I_A, I_B, I_C, ascending
+  /// I_A, I_B, I_C, ascending. I_B and I_C of a linear molecule, and all axes of an atom, are any.
+  std::array<PrincipalAxis, 3> axes;
+  /// Those that hold within 0.002 Angstrom, the identity first. Of a linear molecule the identity,
+  /// and the reversal where it holds; the free turn is not among them.
+  std::vector<MoleculeRotation> rotations;
+  /// What makes the frame uncertain, one sentence each without full stop.
+  std::vector<std::string> warnings;
+  double rmsd = 0.0;  ///< of a carried frame: by mass, from the reference, Angstrom
 };
 
-/// Which molecule of a pair. The same molecule can have different axes in the two places: molecule
-/// 1 gives up x for the handedness of its frame, molecule 2 gives up Y.
+/// What fixed the direction of axis `k` (0 for I_A), in words: "points to O (its centre is 0.60
+/// Angstrom from that of the rest)".
+std::string words_of_axis(const PrincipalFrame& frame, std::size_t k);
+
+/// The rotations in words: "C6 about I_C, 6 C2, exact to 0.0000 Angstrom"; empty without any.
+std::string words_of_rotations(const PrincipalFrame& frame);
+
+/// Which molecule of a pair. The same molecule can have different axes in the two places where all
+/// three are given a direction by the heaviest element: molecule 1 then gives up x for the
+/// handedness of its frame, molecule 2 gives up Y.
 enum class Role { molecule1, molecule2 };
 
-/// Throws NoUniqueFrame for a molecule with fewer than two axes that have a direction.
+/// Throws NoUniqueFrame, by the strict rule alone, for a molecule with fewer than two axes that
+/// have a direction.
 ///
 /// @code
 /// const auto frame = dravo::principal_frame(dravo::read_molecule("ethanol.xyz"),
 ///                                           dravo::Role::molecule1);
 /// std::cout << frame.axes[0].constant << " GHz\n";
 /// @endcode
-PrincipalFrame principal_frame(const Molecule& molecule, Role role);
+PrincipalFrame principal_frame(const Molecule& molecule, Role role,
+                               FrameRule rule = FrameRule::extended);
 
-/// Molecule 1, then molecule 2. Throws NoUniqueFrame, with the reasons of both where both have
-/// none.
-std::array<PrincipalFrame, 2> principal_frames(const Pair& pair);
+/// Molecule 1, then molecule 2. Throws NoUniqueFrame, by the strict rule alone, with the reasons of
+/// both where both have none.
+std::array<PrincipalFrame, 2> principal_frames(const Pair& pair,
+                                               FrameRule rule = FrameRule::extended);
+
+/// The axes of the same molecules in a reference, carried along by the best superposition: proper,
+/// weighted by mass, about the centre of mass. The atoms must stand in the same order. Throws
+/// InvalidInput when the molecules of the reference are others.
+std::array<PrincipalFrame, 2> frames_like(const Pair& pair, const Pair& reference);
 
 }  // namespace dravo

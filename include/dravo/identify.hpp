@@ -15,19 +15,35 @@ namespace dravo {
 
 struct Identification {
   PoseDegrees parameters;  ///< theta and beta 0 to 180, the other angles from 0 to below 360
-  double missed;           ///< by how much the searches missed the axes, degrees
   std::array<PrincipalFrame, 2> molecules;
+  /// All parameters that make this pair, `parameters` first: rotations of the molecules make them
+  /// equal.
+  std::vector<PoseDegrees> equivalent;
 };
 
-/// The parameters by which `Placer::place` makes this pair, turned and moved as a whole. Throws
-/// NoUniqueFrame for a molecule without a frame, and NoRotationFound when no rotation relates the
-/// two frames.
+struct IdentifyOptions {
+  FrameRule frames = FrameRule::extended;
+  /// The axes of each molecule are those of the same molecule here, carried along; parameters are
+  /// then not reduced by symmetry. Not owned; null for none.
+  const Pair* like = nullptr;
+};
+
+/// The parameters by which `Placer::place` makes this pair, turned and moved as a whole, in closed
+/// form. Those that its molecules' rotations make equal are one, so a pair has one set of
+/// parameters, whatever its pose and the order of its atoms. Angles without a meaning are 0, but
+/// theta beside a linear molecule 2, which is 90.
+///
+/// Throws NoUniqueFrame for a molecule without a frame, by the strict rule alone, and InvalidInput
+/// for a reference of other molecules.
 ///
 /// @code
 /// const auto found = dravo::identify(dravo::read_pair({.file = "dimer.xyz", .split = 6}).pair);
 /// std::cout << found.parameters.r << " Angstrom\n";
 /// @endcode
-Identification identify(const Pair& pair);
+Identification identify(const Pair& pair, const IdentifyOptions& options = {});
+
+/// Whether `qn-dravo` can build the pair: both molecules have strict frames.
+bool is_for_qn_dravo(const Identification& identification);
 
 /// A parameter that a build moves off the value given, because angles lose their meaning there.
 struct NudgedParameter {
@@ -39,8 +55,8 @@ struct NudgedParameter {
 /// Those of a pose in range. Angstrom and degrees.
 std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& degrees);
 
-/// What the parameters do not tell, or tell badly: angles without a meaning, a search that missed.
-/// One sentence each, without full stop.
+/// What the parameters do not tell, or tell badly: angles without a meaning, uncertain frames. One
+/// sentence each, without full stop.
 std::vector<std::string> remarks_on(const Identification& identification);
 
 /// The sentence about a search that missed the axes by so many degrees, and thus about what is

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,7 +26,8 @@ constexpr auto kExample =
     "Example: frames and parameters of a pair as it stands, from an xyz file of both molecules\n"
     "  dravo identify dimer.xyz --split 6\n"
     "The first lines of the answer can end a QN-input-GEOMETRY.xyz as they stand.\n"
-    "Exit status 1 when the pair has no parameters: a molecule is symmetric.";
+    "With --frames strict, exit status 1 when qn-dravo would refuse the pair: a molecule is\n"
+    "symmetric.";
 
 /// The orders of moments.
 constexpr std::array<std::string_view, 3> kMoments{"I_A", "I_B", "I_C"};
@@ -47,32 +50,91 @@ std::string parameter_block(const PoseDegrees& p) {
                      line(p.alpha, "alpha, degrees"), line(p.beta, "beta"), line(p.gamma, "gamma"));
 }
 
-std::string axis_row(const PrincipalAxis& axis, std::string_view moment) {
-  return fmt::format("  {}  {:<5}{:>14}{:>14}{:>14}{:>10}{:>10}  {}\n", axis.letter, moment,
+/// Fixed notation; a dash for what does not exist.
+std::string number_or_dash(double value, int count) {
+  return std::isfinite(value) ? fixed_text(value, count) : "-";
+}
+
+std::string axis_row(const PrincipalFrame& m, std::size_t k) {
+  const PrincipalAxis& axis = m.axes[k];
+  return fmt::format("  {}  {:<5}{:>14}{:>14}{:>14}{:>10}{:>10}  {}\n", axis.letter, kMoments[k],
                      fixed_text(axis.moment_amu, 5), scientific_text(axis.moment, 4),
-                     fixed_text(axis.constant, 5), fixed_text(axis.angles.along, 2),
-                     fixed_text(axis.angles.reversed, 2), name_of(axis.fixed_by));
+                     number_or_dash(axis.constant, 5), number_or_dash(axis.angles.along, 2),
+                     number_or_dash(axis.angles.reversed, 2), words_of_axis(m, k));
+}
+
+std::string atoms_text(std::int32_t atoms) {
+  return fmt::format("{} {}", atoms, atoms == 1 ? "atom" : "atoms");
+}
+
+std::string kind_of(const PrincipalFrame& m) {
+  return m.shape == Shape::atom ? "no axes"
+                                : fmt::format("{}, {} frame", name_of(m.rotor), name_of(m.kind));
+}
+
+std::string rotations_text(const PrincipalFrame& m) {
+  switch (m.shape) {
+    case Shape::atom:
+      return "any";
+    case Shape::linear:
+      return m.rotations.size() > 1
+                 ? fmt::format("any about its axis, and its reversal, exact to {} Angstrom",
+                               fixed_text(m.rotations.back().residual, 4))
+                 : "any about its axis";
+    case Shape::general:
+      break;
+  }
+  const std::string words = words_of_rotations(m);
+  return fmt::format("{}{}", m.rotations.size(), words.empty() ? "" : ": " + words);
 }
 
 std::string molecule_text(std::size_t index, const PrincipalFrame& m) {
   std::string text = fmt::format(
-      "\nmolecule {}: {} atoms, {}\n"
-      "  centre of mass  {} Angstrom\n"
-      "  reference       {}, {} {}, centre {} Angstrom from the centre of mass\n",
-      index + 1, m.atoms, name_of(m.rotor), vector_text(m.cm, 6), m.reference.symbol,
-      m.reference.atoms, m.reference.atoms == 1 ? "atom" : "atoms",
-      fixed_text(m.reference.distance, 4));
+      "\nmolecule {}: {}, {}\n"
+      "  centre of mass  {} Angstrom\n",
+      index + 1, atoms_text(m.atoms), kind_of(m), vector_text(m.cm, 6));
+  if (m.shape != Shape::atom)
+    text += fmt::format("  reference       {}, {}, centre {} Angstrom from the centre of mass\n",
+                        m.reference.symbol, atoms_text(m.reference.atoms),
+                        fixed_text(m.reference.distance, 4));
+  if (m.kind != FrameKind::carried)
+    text += fmt::format("  rotations       {}\n", rotations_text(m));
+  if (m.shape == Shape::atom) return text;
   text +=
       "  axis            moment        moment      constant  reference  reversed  fixed by\n"
       "             amu Angstrom^2     g cm^2           GHz    degrees   degrees\n";
-  for (std::size_t k = 0; k < 3; ++k) text += axis_row(m.axes[k], kMoments[k]);
+  for (std::size_t k = 0; k < m.axes.size(); ++k) text += axis_row(m, k);
   return text;
 }
 
-std::string text_of(const Identification& found) {
+/// One line a set, with the digits of the parameter block.
+std::string equivalent_text(const std::vector<PoseDegrees>& sets) {
+  std::string text = "\nequivalent sets\n";
+  text += fmt::format("{:>14}{:>15}{:>15}{:>15}{:>15}{:>15}\n", "r", "theta", "phi", "alpha",
+                      "beta", "gamma");
+  for (const PoseDegrees& set : sets) {
+    for (const auto& [name, value] : kPoseParameters)
+      text += fmt::format("{:>{}}", fixed_text(set.*value, 8), value == &PoseDegrees::r ? 14 : 15);
+    text += '\n';
+  }
+  return text;
+}
+
+std::string number_of_sets(const Identification& found) {
+  const std::size_t sets = found.equivalent.size();
+  if (sets == 1) return "one set of parameters makes this pair";
+  return fmt::format(
+      "{} sets of parameters make this pair, equal by rotations of its molecules; "
+      "these are the preferred ones",
+      sets);
+}
+
+std::string text_of(const Identification& found, bool all_sets) {
   std::string text = parameter_block(found.parameters);
+  text += fmt::format("note: {}\n", number_of_sets(found));
   for (const std::string& remark : remarks_on(found)) text += fmt::format("note: {}\n", remark);
   for (std::size_t m = 0; m < 2; ++m) text += molecule_text(m, found.molecules[m]);
+  if (all_sets) text += equivalent_text(found.equivalent);
   return text;
 }
 
@@ -80,68 +142,101 @@ std::string text_of(const Identification& found) {
 
 Json json_of(const Vec3& v) { return {v.x, v.y, v.z}; }
 
-Json json_of(const PrincipalAxis& axis, std::string_view moment) {
+Json json_of(const PrincipalFrame& m, std::size_t k) {
+  const PrincipalAxis& axis = m.axes[k];
   return {{"axis", std::string(1, axis.letter)},
-          {"moment", moment},
+          {"moment", kMoments[k]},
           {"moment_amu_angstrom2", axis.moment_amu},
           {"moment_g_cm2", axis.moment},
           {"rotational_constant_ghz", axis.constant},
           {"reference_angle", axis.angles.along},
           {"reversed_reference_angle", axis.angles.reversed},
           {"fixed_by", name_of(axis.fixed_by)},
+          {"words", words_of_axis(m, k)},
           {"direction", json_of(axis.direction)}};
+}
+
+constexpr std::array<std::string_view, 3> kShapes{"atom", "linear", "general"};
+
+Json rotations_of(const PrincipalFrame& m) {
+  Json rotations = Json::array();
+  for (const MoleculeRotation& rotation : m.rotations) {
+    const auto& [first, second, third] = rotation.rows;
+    rotations.push_back({{"matrix", {json_of(first), json_of(second), json_of(third)}},
+                         {"residual", rotation.residual}});
+  }
+  return rotations;
 }
 
 Json json_of(const PrincipalFrame& m) {
   Json axes = Json::array();
-  for (std::size_t k = 0; k < 3; ++k) axes.push_back(json_of(m.axes[k], kMoments[k]));
-  return {{"atoms", m.atoms},
-          {"rotor", name_of(m.rotor)},
-          {"centre_of_mass", json_of(m.cm)},
-          {"reference",
-           {{"element", m.reference.symbol},
-            {"atoms", m.reference.atoms},
-            {"distance", m.reference.distance}}},
-          {"axes", std::move(axes)}};
+  if (m.shape != Shape::atom)
+    for (std::size_t k = 0; k < m.axes.size(); ++k) axes.push_back(json_of(m, k));
+  Json json{{"atoms", m.atoms},
+            {"frame", name_of(m.kind)},
+            {"shape", kShapes[static_cast<std::size_t>(m.shape)]},
+            {"rotor", name_of(m.rotor)},
+            {"centre_of_mass", json_of(m.cm)},
+            {"reference",
+             {{"element", m.reference.symbol},
+              {"atoms", m.reference.atoms},
+              {"distance", m.reference.distance}}},
+            {"axes", std::move(axes)},
+            {"proper_rotations", m.rotations.size()},
+            {"rotations", rotations_of(m)},
+            {"warnings", m.warnings}};
+  if (m.kind == FrameKind::carried) json["rmsd"] = m.rmsd;
+  return json;
+}
+
+Json json_of(const PoseDegrees& p) {
+  Json json = Json::object();
+  for (const auto& [name, value] : kPoseParameters) json[name] = p.*value;
+  return json;
 }
 
 /// Lengths in Angstrom and angles in degrees, unless the name of a value tells its unit.
-Json json_of(const Identification& found) {
-  const PoseDegrees& p = found.parameters;
+Json json_of(const Identification& found, bool all_sets) {
   Json nudged = Json::object();
-  for (const auto& [name, given, used] : nudged_in_a_build(p)) nudged[std::string(name)] = used;
-  return {{"parameters",
-           {{"r", p.r},
-            {"theta", p.theta},
-            {"phi", p.phi},
-            {"alpha", p.alpha},
-            {"beta", p.beta},
-            {"gamma", p.gamma}}},
-          {"remarks", remarks_on(found)},
-          {"nudged_in_a_build", std::move(nudged)},
-          {"molecules", {json_of(found.molecules[0]), json_of(found.molecules[1])}}};
+  if (is_for_qn_dravo(found))
+    for (const auto& [name, given, used] : nudged_in_a_build(found.parameters))
+      nudged[std::string(name)] = used;
+  Json json{{"frame_rule", kFrameRule},
+            {"parameters", json_of(found.parameters)},
+            {"equivalent_sets", found.equivalent.size()},
+            {"remarks", remarks_on(found)},
+            {"nudged_in_a_build", std::move(nudged)},
+            {"molecules", {json_of(found.molecules[0]), json_of(found.molecules[1])}}};
+  if (!all_sets) return json;
+  Json sets = Json::array();
+  for (const PoseDegrees& set : found.equivalent) sets.push_back(json_of(set));
+  json["equivalent"] = std::move(sets);
+  return json;
 }
 
 std::string refused_json(const std::vector<std::string>& reasons) {
   return Json{{"refused", reasons}}.dump(2) + '\n';
 }
 
-/// Without the advice below it.
-std::string first_line(std::string_view message) {
-  return std::string(message.substr(0, message.find('\n')));
-}
+/// As the options say.
+struct IdentifyCommand {
+  SharedRequest request;
+  bool json = false;
+  bool all_sets = false;
+  FrameRule frames = FrameRule::extended;
+  std::string like;
+};
 
-void show(const PairRequest& request, bool as_json) {
-  const PairFile file = read_pair(request);
+void show(const IdentifyCommand& command) {
+  const PairFile file = read_pair(*command.request);
   tell(file.remarks);
+  const std::optional<Pair> like = reference_pair(command.like, *command.request);
   try {
-    const Identification found = identify(file.pair);
-    std::cout << (as_json ? json_of(found).dump(2) + '\n' : text_of(found));
+    const Identification found = identify(file.pair, {command.frames, like ? &*like : nullptr});
+    std::cout << (command.json ? json_of(found, command.all_sets).dump(2) + '\n'
+                               : text_of(found, command.all_sets));
   } catch (const NoUniqueFrame& refusal) {
-    if (as_json) std::cout << refused_json(refusal.reasons());
-    throw;
-  } catch (const NoRotationFound& refusal) {
-    if (as_json) std::cout << refused_json({first_line(refusal.what())});
+    if (command.json) std::cout << refused_json(refusal.reasons());
     throw;
   }
 }
@@ -152,10 +247,23 @@ void add_identify(CLI::App& program) {
   CLI::App& command = *program.add_subcommand(
       "identify", "Tell the six parameters of a pair as it stands, and the frames behind them");
   command.footer(kExample);
-  const SharedRequest request = add_pair_options(command);
-  const auto as_json = std::make_shared<bool>(false);
-  command.add_flag("--json", *as_json, "one JSON object instead of text");
-  command.callback([request, as_json] { show(*request, *as_json); });
+  const auto options = std::make_shared<IdentifyCommand>();
+  options->request = add_pair_options(command);
+  command.add_flag("--json", options->json, "one JSON object instead of text");
+  command.add_flag("--equivalent", options->all_sets,
+                   "list all sets of parameters that make this pair");
+  command
+      .add_option_function<std::string>(
+          "--frames",
+          [options](const std::string& rule) {
+            options->frames = rule == "strict" ? FrameRule::strict : FrameRule::extended;
+          },
+          "strict refuses the molecules that qn-dravo refuses")
+      ->type_name("RULE")
+      ->check(CLI::IsMember({"extended", "strict"}))
+      ->default_str("extended");
+  add_like_option(command, options->like);
+  command.callback([options] { show(*options); });
 }
 
 }  // namespace dravo

@@ -44,6 +44,22 @@ SharedRequest add_pair_options(CLI::App& command) {
   return request;
 }
 
+void add_like_option(CLI::App& command, std::string& file) {
+  command
+      .add_option("--like", file,
+                  "xyz file of the same pair: its axes are carried along, by best superposition")
+      ->type_name("FILE");
+}
+
+std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request) {
+  if (file.empty()) return std::nullopt;
+  PairRequest of_reference = request;
+  of_reference.file = file;
+  of_reference.second_file.clear();
+  of_reference.frame = 1;
+  return read_pair(of_reference).pair;
+}
+
 void tell(const std::vector<std::string>& messages) {
   for (const std::string& message : messages) std::cerr << "dravo: " << message << '\n';
 }

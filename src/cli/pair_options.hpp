@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,13 @@ void add_split_options(CLI::App& command, const SharedRequest& request);
 
 /// The file of a pair as first argument, `--split` and `--frame`.
 SharedRequest add_pair_options(CLI::App& command);
+
+/// `--like FILE`, the file of the same pair whose axes are carried along.
+void add_like_option(CLI::App& command, std::string& file);
+
+/// The pair of `--like`, read with the split of the pair; empty without the option. Throws
+/// InvalidInput and IoFailure.
+std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request);
 
 /// Every message on a line of its own on standard error.
 void tell(const std::vector<std::string>& messages);

@@ -157,7 +157,7 @@ std::string written_line(const std::string& name, const Pair& pair) {
 /// Better now than when the run stops.
 void tell_of_refusal(const Pair& pair) {
   try {
-    (void)principal_frames(pair);
+    (void)principal_frames(pair, FrameRule::strict);
   } catch (const NoUniqueFrame& refusal) {
     tell({"qn-dravo will not place this pair:"});
     tell(refusal.reasons());

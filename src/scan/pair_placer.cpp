@@ -14,7 +14,7 @@ namespace {
 
 /// The steps of a run up to the place where the user's parameters come in.
 ReadyPair made_ready(const Pair& pair) {
-  (void)principal_frames(pair);  // knows why a molecule has no frame
+  (void)principal_frames(pair, FrameRule::strict);  // knows why a molecule has no frame
   const MoleculeSplit split = split_of(pair);
   OwnedTable newcoo_and_m = table_of(pair);
   OwnedTable originalcoo_and_m(split.N), auxiliar(split.N),
