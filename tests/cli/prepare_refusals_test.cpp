@@ -110,7 +110,7 @@ const std::vector<Refused> kBadInput{
     {"no distance", {"pair.xyz", "--split", "6"}, "--r is required: pair.xyz states no distance"},
     {"two atoms in molecule 1",
      {"pair.xyz", "--r", "4", "--split", "2"},
-     "pair.xyz: molecule 1 needs at least 3 atoms, found 2"},
+     "QN-input-GEOMETRY.xyz: molecule 1 needs at least 3 atoms"},
 };
 
 class BadInput : public ::testing::TestWithParam<Refused> {};
