@@ -20,8 +20,4 @@ using Label = std::array<char, 2>;
 /// Most atoms of a molecule or a pair.
 inline constexpr std::int32_t kMaxAtoms = 150000;
 
-/// Fewest atoms of both molecules of a pair together, and of molecule 1.
-inline constexpr std::int32_t kFewestAtoms = 6;
-inline constexpr std::int32_t kFewestAtomsOfMolecule1 = 3;
-
 }  // namespace dravo

@@ -46,9 +46,8 @@ class Molecule {
   std::vector<Vec3> positions_;
 };
 
-/// Two molecules as somebody gave them, molecule 1 first: `kFewestAtoms` to `kMaxAtoms` atoms, at
-/// least `kFewestAtomsOfMolecule1` of them molecule 1's and one molecule 2's. Nothing else can be
-/// made.
+/// Two molecules as somebody gave them, molecule 1 first: at least one atom each, and together at
+/// most `kMaxAtoms`. Nothing else can be made.
 ///
 /// @code
 /// const dravo::Pair dimer(formamide, ethanol);

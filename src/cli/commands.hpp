@@ -1,14 +1,22 @@
 /// The subcommands of `dravo`. Each adds its options to the program; its work is done while the
 /// arguments are parsed.
 ///
-/// The work throws NoUniqueFrame or NoRotationFound (exit status 1) for what cannot be done, any
-/// other Error (exit status 2) for wrong input, files or usage. Results go to standard output,
-/// messages to standard error.
+/// The work throws NoUniqueFrame, NoRotationFound or CannotBeDone (exit status 1) for what cannot
+/// be done, any other Error (exit status 2) for wrong input, files or usage. Results go to standard
+/// output, messages to standard error.
 #pragma once
 
 #include <CLI/CLI.hpp>
 
+#include "dravo/error.hpp"
+
 namespace dravo {
+
+/// Nothing is wrong with the input, but what was asked for does not exist.
+class CannotBeDone : public Error {
+ public:
+  using Error::Error;
+};
 
 void add_prepare(CLI::App& program);
 void add_identify(CLI::App& program);

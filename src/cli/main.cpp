@@ -86,6 +86,8 @@ int main(int argc, char** argv) {
     return failed(kCannotBeDone, refusal.what());
   } catch (const dravo::NoRotationFound& refusal) {
     return failed(kCannotBeDone, refusal.what());
+  } catch (const dravo::CannotBeDone& refusal) {
+    return failed(kCannotBeDone, refusal.what());
   } catch (const dravo::Error& failure) {
     return failed(kBadUsageOrInput, failure.what());
   } catch (const std::exception& failure) {

@@ -21,6 +21,7 @@
 #include "dravo/molecule.hpp"
 #include "driver/input_reader.hpp"
 #include "driver/user_parameters.hpp"
+#include "molecules/fragments.hpp"
 #include "molecules/input_text.hpp"
 
 namespace dravo {
@@ -154,28 +155,46 @@ std::string written_line(const std::string& name, const Pair& pair) {
                      pair.size() - pair.n1());
 }
 
-/// Better now than when the run stops.
-void tell_of_refusal(const Pair& pair) {
+// --- pairs that qn-dravo refuses --------------------------------------------------------------
+
+/// Why `qn-dravo` would not place a pair, one sentence each; none for a pair that it places.
+std::vector<std::string> reasons_of_refusal(const Pair& pair) {
+  std::vector<std::string> reasons;
+  if (pair.n1() < kFewestAtomsOfARun.n1)
+    reasons.push_back(fmt::format("molecule 1 needs at least {}, found {}",
+                                  atoms_text(kFewestAtomsOfARun.n1), pair.n1()));
+  if (pair.size() < kFewestAtomsOfARun.N)
+    reasons.push_back(fmt::format("a pair needs at least {}, found {}",
+                                  atoms_text(kFewestAtomsOfARun.N), pair.size()));
   try {
     (void)principal_frames(pair, FrameRule::strict);
   } catch (const NoUniqueFrame& refusal) {
-    tell({"qn-dravo will not place this pair:"});
-    tell(refusal.reasons());
+    reasons.insert(reasons.end(), refusal.reasons().begin(), refusal.reasons().end());
   }
+  return reasons;
+}
+
+/// A file that no run can use would only hide this.
+void require_placeable(const Pair& pair) {
+  const std::vector<std::string> reasons = reasons_of_refusal(pair);
+  if (reasons.empty()) return;
+  tell({"qn-dravo will not place this pair:"});
+  tell(reasons);
+  throw CannotBeDone("nothing written; dravo place places every pair");
 }
 
 void prepare(const Preparation& wanted) {
   const PairFile file = read_pair(*wanted.request);
+  tell(file.remarks);
+  require_placeable(file.pair);
   const PoseDegrees degrees = stated_values(wanted, file.parameters);
   require_usable(degrees, wanted);
   require_replaceable(wanted.output, wanted.overwrite);
   const std::string text = input_text(file.pair, degrees);
   require_same_when_read(wanted.output, text, file.pair, degrees);
-  tell(file.remarks);
   tell(nudging_remarks(degrees));
   WorkingDirectory().replace(wanted.output, text);
   tell({written_line(wanted.output, file.pair)});
-  tell_of_refusal(file.pair);
 }
 
 // --- options ----------------------------------------------------------------------------------

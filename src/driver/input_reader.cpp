@@ -80,17 +80,16 @@ std::string note_line(const FreeFormatReader& input, std::int32_t N) {
 }
 
 void require_suitable_counts(const FreeFormatReader& input, const MoleculeSplit& split,
-                             std::int32_t capacity) {
+                             const FewestAtoms& fewest, std::int32_t capacity) {
   using Fault = UnsuitableCount::Fault;
   const auto refuse = [&](Fault fault, const std::string& sentence) {
     throw UnsuitableCount(fault, input.name() + ": " + sentence);
   };
-  if (split.n1 < kFewestAtomsOfMolecule1)
+  if (split.n1 < fewest.n1)
     refuse(Fault::molecule1_too_small,
-           "molecule 1 needs at least " + std::to_string(kFewestAtomsOfMolecule1) + " atoms");
-  if (split.N < kFewestAtoms)
-    refuse(Fault::pair_too_small,
-           "a pair needs at least " + std::to_string(kFewestAtoms) + " atoms");
+           "molecule 1 needs at least " + std::to_string(fewest.n1) + " atoms");
+  if (split.N < fewest.N)
+    refuse(Fault::pair_too_small, "a pair needs at least " + std::to_string(fewest.N) + " atoms");
   if (split.N > capacity)
     refuse(Fault::too_many_atoms, "a pair has at most " + std::to_string(capacity) + " atoms");
 }
@@ -110,7 +109,8 @@ PoseDegrees read_parameters(FreeFormatReader& input) {
 }
 
 InputGeometry read_lines(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol, MoleculeSplit& split) {
+                         std::span<Label> isymbol, const FewestAtoms& fewest,
+                         MoleculeSplit& split) {
   split.N = read_integer_line(input, "the total number of atoms (an integer)");
   const std::int32_t capacity = icoo_and_m.rows();
   icoo_and_m.shorten(std::clamp(split.N, 0, capacity));
@@ -119,7 +119,7 @@ InputGeometry read_lines(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTab
   input.skip_line({"the line before the number of atoms of molecule 1"});
   split.n1 = read_integer_line(input, "the number of atoms of molecule 1 (an integer)");
 
-  require_suitable_counts(input, split, capacity);
+  require_suitable_counts(input, split, fewest, capacity);
   // No stage reads a row past N.
   newcoo_and_m.copy_rows(icoo_and_m, split.N);
 
@@ -129,10 +129,10 @@ InputGeometry read_lines(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTab
 }  // namespace
 
 InputGeometry read_input(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol) {
+                         std::span<Label> isymbol, const FewestAtoms& fewest) {
   MoleculeSplit split{};
   try {
-    return read_lines(input, icoo_and_m, newcoo_and_m, isymbol, split);
+    return read_lines(input, icoo_and_m, newcoo_and_m, isymbol, fewest, split);
   } catch (const UnreadableItem& failure) {
     throw InvalidInput(failure.what() + note_line(input, split.N),
                        {failure.file(), failure.line(), failure.column()});

@@ -26,6 +26,15 @@ class UnsuitableCount : public InvalidInput {
   Fault fault_;
 };
 
+/// The smallest counts that a reader takes.
+struct FewestAtoms {
+  std::int32_t N;   ///< of both molecules together
+  std::int32_t n1;  ///< of molecule 1
+};
+
+/// Those of `qn-dravo`.
+inline constexpr FewestAtoms kFewestAtomsOfARun{6, 3};
+
 struct InputGeometry {
   MoleculeSplit split;
   PoseDegrees stated;  ///< as the file has them; may be out of range
@@ -49,6 +58,6 @@ struct InputGeometry {
 /// InvalidInput, whose text may end with a line "note: ..." about the likely reason, when that lies
 /// elsewhere in the file.
 InputGeometry read_input(FreeFormatReader& input, AtomTable& icoo_and_m, AtomTable& newcoo_and_m,
-                         std::span<Label> isymbol);
+                         std::span<Label> isymbol, const FewestAtoms& fewest = kFewestAtomsOfARun);
 
 }  // namespace dravo

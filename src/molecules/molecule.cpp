@@ -74,12 +74,7 @@ Pair::Pair(const Molecule& molecule1, const Molecule& molecule2)
                                       joined(molecule1.positions(), molecule2.positions()))) {}
 
 Pair::Pair(std::int32_t n1, Molecule atoms) : atoms_(std::move(atoms)), n1_(n1) {
-  if (size() < kFewestAtoms)
-    throw InvalidInput(
-        fmt::format("a pair needs at least {}, found {}", atoms_text(kFewestAtoms), size()));
-  if (n1 < kFewestAtomsOfMolecule1)
-    throw InvalidInput(fmt::format("molecule 1 needs at least {}, found {}",
-                                   atoms_text(kFewestAtomsOfMolecule1), n1));
+  if (n1 < 1) throw InvalidInput(fmt::format("molecule 1 needs at least 1 atom, found {}", n1));
   if (n1 >= size())
     throw InvalidInput(fmt::format("no atoms are left for molecule 2: {} in all, {} of molecule 1",
                                    atoms_text(size()), n1));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -39,15 +40,6 @@ struct Contents {
 
   [[nodiscard]] std::int32_t N() const { return static_cast<std::int32_t>(labels.size()); }
 };
-
-void require_atoms(const std::string& name, std::int32_t N) {
-  if (N < kFewestAtoms)
-    throw InvalidInput(
-        fmt::format("{}: a pair needs at least {}, found {}", name, atoms_text(kFewestAtoms), N));
-  if (N > kMaxAtoms)
-    throw InvalidInput(
-        fmt::format("{}: a pair has at most {}, found {}", name, atoms_text(kMaxAtoms), N));
-}
 
 // --- QN-input-GEOMETRY.xyz --------------------------------------------------------------------
 
@@ -156,9 +148,15 @@ void require_in_range(const std::string& name, const PoseDegrees& stated) {
                                    shortest_text(ruled.*fault->parameter)));
 }
 
+/// A `Pair` knows which counts it takes.
+constexpr FewestAtoms kAnyCounts{std::numeric_limits<std::int32_t>::min(),
+                                 std::numeric_limits<std::int32_t>::min()};
+
 Contents read_qn_input(const NamedText& source, std::int32_t N) {
   const std::string name(source.name);
-  require_atoms(name, N);
+  if (N > kMaxAtoms)
+    throw InvalidInput(
+        fmt::format("{}: a pair has at most {}, found {}", name, atoms_text(kMaxAtoms), N));
   const auto rows = static_cast<std::size_t>(N);
   std::vector<double> storage(2 * kColumns * rows);
   AtomTable atoms{std::span(storage).first(kColumns * rows), N};
@@ -166,7 +164,7 @@ Contents read_qn_input(const NamedText& source, std::int32_t N) {
   Contents contents;
   contents.labels.resize(rows);
   FreeFormatReader reader(name, source.text);
-  const InputGeometry input = read_input(reader, atoms, copy, contents.labels);
+  const InputGeometry input = read_input(reader, atoms, copy, contents.labels, kAnyCounts);
   contents.n1 = input.split.n1;
   contents.parameters = input.stated;
   require_in_range(name, input.stated);

@@ -6,9 +6,11 @@
 #include <filesystem>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/prepared.hpp"
+#include "support/regular_expression.hpp"
 
 namespace dravo::test {
 namespace {
@@ -108,9 +110,9 @@ const std::vector<Refused> kBadInput{
     {"no such file", Words{"none.xyz"} + kSplitAtSix,
      "none.xyz: cannot read: No such file or directory"},
     {"no distance", {"pair.xyz", "--split", "6"}, "--r is required: pair.xyz states no distance"},
-    {"two atoms in molecule 1",
-     {"pair.xyz", "--r", "4", "--split", "2"},
-     "pair.xyz: molecule 1 needs at least 3 atoms, found 2"},
+    {"no atoms for molecule 2",
+     {"pair.xyz", "--r", "4", "--split", "12"},
+     "pair.xyz: no atoms are left for molecule 2: 12 atoms in all, 12 of molecule 1"},
 };
 
 class BadInput : public ::testing::TestWithParam<Refused> {};
@@ -133,6 +135,78 @@ TEST(UnreadableLine, IsShownWithItsPlace) {
   EXPECT_EQ(message[1], "H 0 1 zero");
   EXPECT_EQ(message[2], "      ^^^^");
   EXPECT_FALSE(has_input(folder));
+}
+
+// --- a pair that qn-dravo refuses --------------------------------------------------------------
+
+std::string o_near_centre(int molecule) {
+  return "dravo: molecule " + std::to_string(molecule) +
+         " has no unique frame: the centre of its heaviest element, O \\(1 atom\\), lies "
+         "0\\.[0-9]+ Angstrom from the centre of mass, and more than 0\\.1 are needed to give the "
+         "axes a direction\n";
+}
+
+constexpr auto kNothingWritten = "dravo: nothing written; dravo place places every pair\n";
+
+/// Nothing is written: status 1, the reasons, and an earlier file as it was.
+class PairThatARunRefuses : public ::testing::Test {
+ protected:
+  PairThatARunRefuses() {
+    folder_.write("water.xyz", xyz(atoms_of("water-dimer", 1, 3)));
+    folder_.write("formamide.xyz", xyz(atoms_of("formamide-dimer", 1, 6)));
+    folder_.write("argon.xyz", xyz({"Ar 0 0 0"}));
+    folder_.write("hcl.xyz", xyz({"H 0 0 0", "Cl 0 0 1.27"}));
+  }
+
+  void expect_nothing(const Words& words, const std::string& reasons) const {
+    const Outcome outcome = run_command(folder_, Words{"prepare"} + words);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.screen, "");
+    EXPECT_TRUE(matches(outcome.messages,
+                        "dravo: qn-dravo will not place this pair:\n" + reasons + kNothingWritten))
+        << outcome.messages;
+  }
+
+  const TemporaryFolder folder_;
+};
+
+TEST_F(PairThatARunRefuses, IsNotWrittenAndTheReasonsAreThoseOfBothMolecules) {
+  const Words values = Words{"--r", "6.5"} + kPlainAngles;
+  const std::size_t files_before = 4;
+  for (const auto& [files, reasons] :
+       {std::pair{Words{"water.xyz", "water.xyz"}, o_near_centre(1) + o_near_centre(2)},
+        {Words{"water.xyz", "formamide.xyz"}, o_near_centre(1)},
+        {Words{"formamide.xyz", "water.xyz"}, o_near_centre(2)}}) {
+    expect_nothing(files + values, reasons);
+    expect_nothing(files, reasons);  // also where something else is missing
+  }
+  EXPECT_EQ(run_command(folder_, {"--version"}).files.size(), files_before);
+}
+
+TEST_F(PairThatARunRefuses, IsOneThatARunRefuses) {
+  folder_.write("start.xyz", bundled("water-dimer"));
+  expect_nothing({"start.xyz"}, o_near_centre(1) + o_near_centre(2));
+  const Outcome run = run_on(bundled("water-dimer"));
+  EXPECT_NE(run.screen.find("Molecule 1 is symmetric concerning"), std::string::npos) << run.screen;
+}
+
+TEST_F(PairThatARunRefuses, LeavesAnEarlierFileAlone) {
+  folder_.write(kInput, "precious\n");
+  for (const Words& more : {Words{}, Words{"--overwrite"}}) {
+    expect_nothing(Words{"water.xyz", "formamide.xyz", "--r", "6.5"} + more, o_near_centre(1));
+    EXPECT_EQ(input_in(folder_), "precious\n");
+  }
+}
+
+TEST_F(PairThatARunRefuses, MayHaveTooFewAtoms) {
+  const std::string few = "dravo: molecule 1 needs at least 3 atoms, found ";
+  const std::string small = "dravo: a pair needs at least 6 atoms, found ";
+  const std::string no_frames = "(dravo: molecule [12] has no unique frame: .*\n){2}";
+  expect_nothing({"argon.xyz", "argon.xyz", "--r", "4"}, few + "1\n" + small + "2\n" + no_frames);
+  expect_nothing({"water.xyz", "hcl.xyz", "--r", "4"}, small + "5\n" + no_frames);
+  // Formamide has a frame.
+  expect_nothing({"hcl.xyz", "formamide.xyz", "--r", "4"},
+                 few + "2\ndravo: molecule 1 has no unique frame: .*\n");
 }
 
 // --- the place of the file --------------------------------------------------------------------

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "cli/prepared.hpp"
-#include "support/regular_expression.hpp"
 
 namespace dravo::test {
 namespace {
@@ -55,7 +54,7 @@ TEST(Prepare, FindsTheMoleculesByTheirBondsAlsoWhereTheirAtomsAlternate) {
 TEST(Prepare, ConvertsBohr) {
   const TemporaryFolder folder;
   folder.write("pair.xyz",
-               xyz({"C 1 0 0", "O 2 0 0", "H 0 0.5 0", "C 0 0 -4", "O 0 0 -1", "H 0 -2 0"}));
+               xyz({"C 1 0 0", "O 2 0 0", "N 0 4 0.5", "C 0 0 -4", "O 0 0 -1", "H 0 -2 0"}));
   const Words words{"pair.xyz", "--split", "3", "--unit", "bohr", "--r", "4"};
   // One bohr is 0.529177210903 Angstrom, and a power of two times it has the same digits in binary.
   // Thirteen decimals are the most, so the points are 21 columns apart.
@@ -63,7 +62,7 @@ TEST(Prepare, ConvertsBohr) {
             "6\n"
             "C       0.529177210903       0.00000000           0.00000000\n"
             "O       1.058354421806       0.00000000           0.00000000\n"
-            "H       0.00000000           0.2645886054515      0.00000000\n"
+            "N       0.00000000           2.116708843612       0.2645886054515\n"
             "C       0.00000000           0.00000000          -2.116708843612\n"
             "O       0.00000000           0.00000000          -0.529177210903\n"
             "H       0.00000000          -1.058354421806       0.00000000\n"
@@ -165,49 +164,6 @@ TEST_P(CompleteRuns, GiveTheSameFilesAsTheBundledInput) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, CompleteRuns, ::testing::ValuesIn(kPlaceable));
-
-// --- a pair that cannot be placed --------------------------------------------------------------
-
-std::string o_near_centre(int molecule) {
-  return "dravo: molecule " + std::to_string(molecule) +
-         " has no unique frame: the centre of its heaviest element, O \\(1 atom\\), lies "
-         "0\\.[0-9]+ Angstrom from the centre of mass, and more than 0\\.1 are needed to give the "
-         "axes a direction\n";
-}
-
-/// It is written all the same: another program may want it, or the user may change it.
-TEST(SymmetricMolecule, IsToldBeforeTheRunStops) {
-  const TemporaryFolder folder;
-  folder.write("water.xyz", xyz(atoms_of("water-dimer", 1, 3)));
-  folder.write("formamide.xyz", xyz(atoms_of("formamide-dimer", 1, 6)));
-  struct Pair {
-    Words files;
-    std::string reasons;
-    std::string atoms;
-  };
-  for (const auto& [files, reasons, atoms] : {Pair{{"water.xyz", "water.xyz"},
-                                                   o_near_centre(1) + o_near_centre(2),
-                                                   "molecule 1 has 3 atoms, molecule 2 has 3"},
-                                              Pair{{"water.xyz", "formamide.xyz"},
-                                                   o_near_centre(1),
-                                                   "molecule 1 has 3 atoms, molecule 2 has 6"},
-                                              Pair{{"formamide.xyz", "water.xyz"},
-                                                   o_near_centre(2),
-                                                   "molecule 1 has 6 atoms, molecule 2 has 3"}}) {
-    const Outcome outcome =
-        run_command(folder, Words{"prepare", "--overwrite", "--r", "6.5"} + files + kPlainAngles);
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.screen, "");
-    EXPECT_TRUE(matches(outcome.messages, "dravo: wrote QN-input-GEOMETRY\\.xyz: " + atoms +
-                                              "\ndravo: qn-dravo will not place this pair:\n" +
-                                              reasons))
-        << outcome.messages;
-    EXPECT_TRUE(has_input(folder));
-    const Outcome run = run_in(folder);
-    EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.screen.find("is symmetric concerning"), std::string::npos) << run.screen;
-  }
-}
 
 // --- help -------------------------------------------------------------------------------------
 

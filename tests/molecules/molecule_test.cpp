@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/vector.hpp"
@@ -73,13 +74,22 @@ TEST(Pair, IsMadeOfTwoMoleculesOrOfOneTableOfAtoms) {
   EXPECT_EQ(Pair(3, hydrogens(7)).n1(), 3);
 }
 
+TEST(Pair, MayHaveMoleculesOfAnySize) {
+  for (const auto& [n1, n2] : {std::pair{1, 1}, {1, 3}, {2, 1}, {1, 149999}, {149999, 1}}) {
+    const Pair pair(hydrogens(n1), hydrogens(n2));
+    EXPECT_EQ(pair.n1(), n1);
+    EXPECT_EQ(pair.size(), n1 + n2);
+  }
+}
+
 TEST(Pair, CannotExistOtherwise) {
   const struct {
     int n1, atoms;
     const char* message;
-  } cases[] = {{3, 5, "a pair needs at least 6 atoms, found 5"},
-               {2, 6, "molecule 1 needs at least 3 atoms, found 2"},
-               {-1, 6, "molecule 1 needs at least 3 atoms, found -1"},
+  } cases[] = {{0, 6, "molecule 1 needs at least 1 atom, found 0"},
+               {-1, 6, "molecule 1 needs at least 1 atom, found -1"},
+               {0, 1, "molecule 1 needs at least 1 atom, found 0"},
+               {1, 1, "no atoms are left for molecule 2: 1 atom in all, 1 of molecule 1"},
                {6, 6, "no atoms are left for molecule 2: 6 atoms in all, 6 of molecule 1"},
                {7, 6, "no atoms are left for molecule 2: 6 atoms in all, 7 of molecule 1"}};
   for (const auto& c : cases)

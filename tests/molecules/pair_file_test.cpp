@@ -181,6 +181,69 @@ TEST_F(PairFiles, TheWrittenGeometryOfARunReadsBackWithItsSplit) {
   expect_atoms(read(asking("input-GEOMETRY.xyz")).pair, formamide_.atoms, 5);
 }
 
+// --- small molecules --------------------------------------------------------------------------
+
+/// A pair whose molecules are as small as they can be, or nearly so, at van der Waals distances.
+struct SmallPair {
+  const char* name;
+  std::vector<SampleInput::Atom> one, two;
+};
+
+const std::vector<SampleInput::Atom> kHelium{{"He", {0.0, 0.0, -3.5}}};
+const std::vector<SampleInput::Atom> kArgon{{"Ar", {0.0, 0.5, 4.4}}};
+const std::vector<SampleInput::Atom> kNitrogen{{"N", {0.0, 0.0, -0.55}}, {"N", {0.0, 0.0, 0.55}}};
+const std::vector<SampleInput::Atom> kHydrogenCyanide{
+    {"H", {0.0, 0.0, 1.63}}, {"C", {0.0, 0.0, 0.56}}, {"N", {0.0, 0.0, -0.59}}};
+const std::vector<SampleInput::Atom> kHydrogen{{"H", {3.0, 0.37, 1.0}}, {"H", {3.0, -0.37, 1.0}}};
+
+const std::vector<SmallPair> kSmallPairs{
+    {"He-Ar", kHelium, kArgon},           {"Ar-HCN", kArgon, kHydrogenCyanide},
+    {"HCN-Ar", kHydrogenCyanide, kArgon}, {"He-N2", kHelium, kNitrogen},
+    {"N2-He", kNitrogen, kHelium},        {"N2-H2", kNitrogen, kHydrogen}};
+
+TEST_F(PairFiles, MoleculesOfOneAtomAreReadFromEveryFormat) {
+  for (const auto& [name, one, two] : kSmallPairs) {
+    SampleInput pair = formamide_;
+    pair.atoms = one;
+    pair.atoms.insert(pair.atoms.end(), two.begin(), two.end());
+    pair.n1 = one.size();
+    const auto n1 = static_cast<std::int32_t>(one.size());
+    write("pair.xyz", xyz_text(pair.atoms));
+    write(kQnInput, pair.text());
+    write("input-GEOMETRY.xyz", with_trailer(xyz_text(pair.atoms), n1));
+    write("one.xyz", xyz_text(one));
+    write("two.xyz", xyz_text(two));
+    for (const PairRequest& request :
+         {asking("pair.xyz", "", n1), asking(kQnInput), asking("input-GEOMETRY.xyz"),
+          asking("one.xyz", "two.xyz")}) {
+      SCOPED_TRACE(name + (" " + request.file));
+      const PairFile file = read(request);
+      expect_atoms(file.pair, pair.atoms, n1);
+      EXPECT_EQ(file.parameters.has_value(), request.file == kQnInput);
+    }
+  }
+}
+
+TEST_F(PairFiles, BondsFindMoleculesOfOneAtom) {
+  for (const auto& [name, one, two] : kSmallPairs) {
+    std::vector<SampleInput::Atom> atoms = one;
+    atoms.insert(atoms.end(), two.begin(), two.end());
+    write("pair.xyz", xyz_text(atoms));
+    SCOPED_TRACE(name);
+    expect_atoms(read(asking("pair.xyz", "", SplitByBonds{})).pair, atoms,
+                 static_cast<std::int32_t>(one.size()));
+  }
+  write("pair.xyz", xyz_text({{"He", {}}, {"He", {0.0, 0.0, 2.97}}}));
+  EXPECT_EQ(read(asking("pair.xyz", "", SplitByBonds{})).remarks,
+            (Remarks{"molecule 1: 1 atom He (1)", "molecule 2: 1 atom He (2)"}));
+}
+
+TEST_F(PairFiles, AnAtomBetweenThoseOfTheOtherMoleculeAlternates) {
+  write("mixed.xyz", xyz_text({kNitrogen[0], kHelium[0], kNitrogen[1]}));
+  const PairFile file = read(asking("mixed.xyz", "", SplitByBonds{}));
+  expect_atoms(file.pair, {kNitrogen[0], kNitrogen[1], kHelium[0]}, 2);
+}
+
 // --- two files --------------------------------------------------------------------------------
 
 TEST_F(PairFiles, TwoFilesAreMolecule1AndMolecule2) {
@@ -301,13 +364,13 @@ const std::vector<Failure> kFailures{
     {"no split", asking("pair.xyz"), plain,
      "pair.xyz: where molecule 2 begins is not known; use --split N1, the number of atoms of "
      "molecule 1, or --split auto, by bonds"},
-    {"molecule 1 too small", asking("pair.xyz", "", 2), plain,
-     "pair.xyz: molecule 1 needs at least 3 atoms, found 2"},
+    {"molecule 1 empty", asking("pair.xyz", "", 0), plain,
+     "pair.xyz: molecule 1 needs at least 1 atom, found 0"},
     {"molecule 2 empty", asking("pair.xyz", "", 12), plain,
      "pair.xyz: no atoms are left for molecule 2: 12 atoms in all, 12 of molecule 1"},
-    {"too few atoms", asking("pair.xyz", "", 3),
-     [](const SampleInput& pair) { return xyz_text(part(pair, 0, 5)); },
-     "pair.xyz: a pair needs at least 6 atoms, found 5"},
+    {"one atom", asking("pair.xyz", "", 1),
+     [](const SampleInput& pair) { return xyz_text(part(pair, 0, 1)); },
+     "pair.xyz: no atoms are left for molecule 2: 1 atom in all, 1 of molecule 1"},
     {"three components", asking("pair.xyz", "", SplitByBonds{}),
      [](const SampleInput& pair) {
        auto atoms = pair.atoms;
@@ -339,9 +402,9 @@ const std::vector<Failure> kFailures{
      "pair.xyz: the file holds both molecules; it cannot be one of two files"},
     {"two files and a split", asking("pair.xyz", "two.xyz", 6), plain,
      "--split does not go with two files: each of them is one molecule"},
-    {"two files, molecule 1 too small", asking("pair.xyz", "two.xyz"),
-     [](const SampleInput& pair) { return xyz_text(part(pair, 0, 2)); },
-     "pair.xyz, two.xyz: molecule 1 needs at least 3 atoms, found 2"},
+    {"two files, molecule 1 empty", asking("pair.xyz", "two.xyz"),
+     [](const SampleInput&) { return std::string("0\n\n"); },
+     "pair.xyz:1: expected 1 to 150000 atoms, found \"0\"\n0\n^"},
     {"frame of a QN input", asking("pair.xyz", "", {}, 2), qn_input,
      "pair.xyz: there is no frame 2: the file holds one pair"},
     {"frame of a file with trailer", asking("pair.xyz", "", {}, 2), with_its_split,
@@ -353,15 +416,17 @@ const std::vector<Failure> kFailures{
     {"trailer past the atoms", asking("pair.xyz"),
      [](const SampleInput& pair) { return with_trailer(xyz_text(pair.atoms), 12); },
      "pair.xyz: no atoms are left for molecule 2: 12 atoms in all, 12 of molecule 1"},
-    {"QN input, molecule 1 too small", asking("pair.xyz"),
-     changed([](SampleInput& pair) { pair.n1 = 2; }),
-     "pair.xyz: molecule 1 needs at least 3 atoms"},
+    {"QN input, molecule 1 empty", asking("pair.xyz"),
+     changed([](SampleInput& pair) { pair.n1 = 0; }),
+     "pair.xyz: molecule 1 needs at least 1 atom, found 0"},
     {"QN input, molecule 2 empty", asking("pair.xyz"),
      changed([](SampleInput& pair) { pair.n1 = 13; }),
      "pair.xyz: no atoms are left for molecule 2: 12 atoms in all, 13 of molecule 1"},
-    {"QN input, too few atoms", asking("pair.xyz"),
-     changed([](SampleInput& pair) { pair.atoms.resize(5); }),
-     "pair.xyz: a pair needs at least 6 atoms, found 5"},
+    {"QN input, one atom", asking("pair.xyz"), changed([](SampleInput& pair) {
+       pair.atoms.resize(1);
+       pair.n1 = 1;
+     }),
+     "pair.xyz: no atoms are left for molecule 2: 1 atom in all, 1 of molecule 1"},
     {"QN input, too many atoms", asking("pair.xyz"),
      [](const SampleInput& pair) { return "150001" + pair.text().substr(2); },
      "pair.xyz: a pair has at most 150000 atoms, found 150001"},
