@@ -28,6 +28,9 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/pair_table.cpp
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
+  src/scan/axis_lookup.cpp
+  src/scan/equal_poses.cpp
+  src/scan/grid_lookup.cpp
   src/scan/pair_placer.cpp
   src/scan/placer.cpp
   src/scan/plan.cpp

@@ -2,12 +2,15 @@
 /// A pair that is analysed once and placed as often as one likes.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "dravo/contacts.hpp"
+#include "dravo/frame.hpp"
 #include "dravo/molecule.hpp"
 #include "dravo/pose.hpp"
 
@@ -15,10 +18,25 @@ namespace dravo {
 
 class PairPlacer;
 
+/// How molecule 1 is placed.
+enum class Placing {
+  automatic,    ///< as `qn-dravo` where it places the pair, else exactly
+  exact,        ///< by closed form, with the parameters as they are given
+  as_qn_dravo,  ///< digit for digit as `qn-dravo`, for pairs that it places
+};
+
+struct PlacerOptions {
+  Placing placing = Placing::automatic;
+  /// The axes of each molecule are those of the same molecule here, carried along. Poses are then
+  /// exact. Not owned, and not needed after the placer is made; null for none.
+  const Pair* like = nullptr;
+};
+
 /// What a placement leaves beside the atoms.
 struct Placed {
-  /// As measured after the placement; the Euler angles are those applied. Singular values have been
-  /// moved off: theta 0 is applied as 0.049.
+  /// As given, by an exact placement. As `qn-dravo`: as measured after the placement; the Euler
+  /// angles are those applied, and singular values have been moved off (theta 0 is applied as
+  /// 0.049).
   PoseDegrees applied;
   ContactSurvey survey;
 };
@@ -31,17 +49,26 @@ struct Placed {
 /// @endcode
 class Placer {
  public:
-  /// Throws NoUniqueFrame and NoRotationFound for a pair that cannot be placed.
-  explicit Placer(const Pair& pair);
+  /// Throws NoUniqueFrame and NoRotationFound for a pair that `qn-dravo` cannot place, when it is
+  /// to be placed so; InvalidInput for a reference of other molecules, or one beside
+  /// Placing::as_qn_dravo.
+  explicit Placer(const Pair& pair, const PlacerOptions& options = {});
 
   [[nodiscard]] std::int32_t size() const;                 ///< N, atoms of both molecules
   [[nodiscard]] std::int32_t n1() const;                   ///< atoms of molecule 1
   [[nodiscard]] const std::vector<Label>& labels() const;  ///< of all atoms
 
+  /// Whether poses are exact, or as those of `qn-dravo`.
+  [[nodiscard]] bool exact() const;
+
+  /// The frames of molecule 1 and molecule 2.
+  [[nodiscard]] const std::array<PrincipalFrame, 2>& molecules() const;
+
   /// By how much the searches of the analysis missed the axes, degrees: poses are that uncertain.
+  /// Zero for exact ones.
   [[nodiscard]] double missed() const;
 
-  /// Places molecule 1, as `qn-dravo` does digit for digit. `positions`: x, y, z of each atom one
+  /// Places molecule 1. `positions`: x, y, z of each atom one
   /// behind the other, 3 N doubles, Angstrom; molecule 2's centre of mass is the origin and its
   /// principal axes are X, Y, Z. Throws OutOfRange for a parameter out of its range, and
   /// InvalidInput for a span of another length.
@@ -54,6 +81,10 @@ class Placer {
   /// has a short contact on its way from afar; zero when it has none on the way. `pose.r` is not
   /// looked at. Throws OutOfRange.
   [[nodiscard]] double touching_distance(const PoseDegrees& pose) const;
+
+  /// Parameters that change nothing in any pose: Euler angles where molecule 1 is an atom, alpha
+  /// where it is linear, all angles of two atoms.
+  [[nodiscard]] std::vector<std::string_view> idle_parameters() const;
 
   /// For the library itself.
   [[nodiscard]] const PairPlacer& inside() const { return *placer_; }

@@ -139,15 +139,6 @@ std::size_t preferred(const Shapes& shapes, const std::vector<PoseDegrees>& sets
   return left.front();
 }
 
-/// Rotations of a molecule in the coordinates of its own frame.
-std::vector<Matrix3> rotations_in(const Matrix3& rows, const PrincipalFrame& frame) {
-  std::vector<Matrix3> rotations;
-  rotations.reserve(frame.rotations.size());
-  for (const MoleculeRotation& rotation : frame.rotations)
-    rotations.push_back(rows * Matrix3{rotation.rows} * transposed(rows));
-  return rotations;
-}
-
 }  // namespace
 
 Shapes shapes_of(const std::array<PrincipalFrame, 2>& molecules) {
@@ -203,23 +194,37 @@ std::array<bool, 6> meaningful(const Shapes& shapes, const PoseDegrees& pose) {
           rotates && off_pole(pose.beta)};
 }
 
-std::vector<PoseDegrees> equivalent_parameters(const std::array<PrincipalFrame, 2>& molecules) {
-  const Shapes shapes = shapes_of(molecules);
-  const RelativePose own = relative_pose(molecules);
-  if (molecules[0].rotations.size() == 1 && molecules[1].rotations.size() == 1)
-    return {parameters_of(shapes, own)};
-  const auto of_molecule1 = rotations_in(frame_rows(molecules[0], 0), molecules[0]);
-  const auto of_molecule2 = rotations_in(frame_rows(molecules[1], 1), molecules[1]);
+PairSymmetry symmetry_of(const std::array<PrincipalFrame, 2>& molecules) {
+  PairSymmetry symmetry{shapes_of(molecules), {}};
+  for (std::size_t m = 0; m < molecules.size(); ++m) {
+    const Matrix3 rows = frame_rows(molecules[m], m);
+    for (const auto& [matrix, residual] : molecules[m].rotations)
+      symmetry.rotations[m].push_back({rows * Matrix3{matrix} * transposed(rows), residual});
+  }
+  return symmetry;
+}
+
+std::vector<PoseDegrees> equivalent_parameters(const PairSymmetry& symmetry,
+                                               const RelativePose& pose) {
+  const auto& [of_molecule1, of_molecule2] = symmetry.rotations;
   std::vector<PoseDegrees> sets;
-  for (const Matrix3& h : of_molecule2)
-    for (const Matrix3& g : of_molecule1) {
-      const PoseDegrees set = parameters_of(shapes, {h * own.place, h * own.turn * g});
+  for (const OwnRotation& h : of_molecule2)
+    for (const OwnRotation& g : of_molecule1) {
+      const PoseDegrees set =
+          parameters_of(symmetry.shapes, {h.matrix * pose.place, h.matrix * pose.turn * g.matrix});
       const bool known = std::any_of(
           sets.begin(), sets.end(), [&](const PoseDegrees& other) { return are_same(set, other); });
       if (!known) sets.push_back(set);
     }
-  std::swap(sets.front(), sets[preferred(shapes, sets)]);
+  if (sets.size() > 1) std::swap(sets.front(), sets[preferred(symmetry.shapes, sets)]);
   return sets;
+}
+
+std::vector<PoseDegrees> equivalent_parameters(const std::array<PrincipalFrame, 2>& molecules) {
+  const RelativePose own = relative_pose(molecules);
+  if (molecules[0].rotations.size() == 1 && molecules[1].rotations.size() == 1)
+    return {parameters_of(shapes_of(molecules), own)};
+  return equivalent_parameters(symmetry_of(molecules), own);
 }
 
 }  // namespace dravo

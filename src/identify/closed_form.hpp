@@ -54,9 +54,26 @@ PoseDegrees parameters_of(const Shapes& shapes, const RelativePose& pose);
 /// pair.
 std::array<bool, 6> meaningful(const Shapes& shapes, const PoseDegrees& pose);
 
-/// All different parameters of a pair whose molecules have these rotations, the preferred first:
-/// those that no build moves off singular values, then the smallest theta, phi, alpha, beta, gamma,
-/// to 1e-4 degree.
+/// A rotation of a molecule in the coordinates of its own frame.
+struct OwnRotation {
+  Matrix3 matrix;
+  double residual;  ///< Angstrom
+};
+
+/// What of a pair decides which parameters are equal.
+struct PairSymmetry {
+  Shapes shapes;
+  std::array<std::vector<OwnRotation>, 2> rotations;  ///< of molecule 1 in xyz, of 2 in XYZ
+};
+
+PairSymmetry symmetry_of(const std::array<PrincipalFrame, 2>& molecules);
+
+/// All different parameters of a pose, the preferred first: those that no build moves off singular
+/// values, then the smallest theta, phi, alpha, beta, gamma, to 1e-4 degree.
+std::vector<PoseDegrees> equivalent_parameters(const PairSymmetry& symmetry,
+                                               const RelativePose& pose);
+
+/// Of a pair as it stands.
 std::vector<PoseDegrees> equivalent_parameters(const std::array<PrincipalFrame, 2>& molecules);
 
 }  // namespace dravo

@@ -5,6 +5,7 @@
 
 #include "common/errors.hpp"
 #include "dravo/frame.hpp"
+#include "identify/closed_form.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "output/short_contacts.hpp"
@@ -13,8 +14,7 @@ namespace dravo {
 namespace {
 
 /// The steps of a run up to the place where the user's parameters come in.
-ReadyPair made_ready(const Pair& pair) {
-  (void)principal_frames(pair, FrameRule::strict);  // knows why a molecule has no frame
+ReadyPair ready_as_qn_dravo(const Pair& pair) {
   const MoleculeSplit split = split_of(pair);
   OwnedTable newcoo_and_m = table_of(pair);
   OwnedTable originalcoo_and_m(split.N), auxiliar(split.N),
@@ -23,7 +23,47 @@ ReadyPair made_ready(const Pair& pair) {
                         inicial_posicao_correta_coo_and_m.table(), auxiliar_paralelas.table()};
   AnalysisObserver nobody;
   const AnalysedPair analysed = analyse_pair(split, tables, nobody);
-  return {std::move(auxiliar_paralelas), analysed.frames, analysed.missed};
+  return {std::move(auxiliar_paralelas), analysed.frames[0], analysed.missed, false};
+}
+
+/// Both molecules in frames of their own, with their centres of mass at the origin.
+ReadyPair ready_by_closed_form(const Pair& pair, const std::array<PrincipalFrame, 2>& molecules) {
+  OwnedTable parallel = table_of(pair);
+  const auto rows = split_of(pair).molecules();
+  for (std::size_t m = 0; m < molecules.size(); ++m) {
+    translate_rows(parallel.table(), rows[m], -molecules[m].cm);
+    turn_rows(parallel.table(), rows[m], frame_rows(molecules[m], m), {});
+  }
+  const MoleculeFrame molecule1{{}, {Vec3{0.0, 0.0, 1.0}, {0.0, 1.0, 0.0}, {1.0, 0.0, 0.0}}};
+  return {std::move(parallel), molecule1, 0.0, true};
+}
+
+std::array<PrincipalFrame, 2> frames_for(const Pair& pair, const PlacerOptions& options) {
+  const bool as_qn_dravo = options.placing == Placing::as_qn_dravo;
+  if (options.like == nullptr)
+    return principal_frames(pair, as_qn_dravo ? FrameRule::strict : FrameRule::extended);
+  if (as_qn_dravo)
+    throw InvalidInput("axes carried along from a reference are not those of qn-dravo");
+  return frames_like(pair, *options.like);
+}
+
+ReadyPair made_ready(const Pair& pair, const std::array<PrincipalFrame, 2>& molecules,
+                     Placing placing) {
+  const bool strict =
+      molecules[0].kind == FrameKind::strict && molecules[1].kind == FrameKind::strict;
+  if (placing == Placing::as_qn_dravo) return ready_as_qn_dravo(pair);
+  if (placing == Placing::exact || !strict) return ready_by_closed_form(pair, molecules);
+  try {
+    return ready_as_qn_dravo(pair);
+  } catch (const NoRotationFound&) {  // qn-dravo places it in another pose at best
+    return ready_by_closed_form(pair, molecules);
+  }
+}
+
+/// Its axes as they stand after the turn.
+void turn_tips(MoleculeFrame& frame, const MoleculeFrame& before, const Matrix3& turn) {
+  for (std::size_t k = 0; k < frame.tips.size(); ++k)
+    frame.tips[k] = frame.cm + turn * before.axis(k);
 }
 
 std::vector<Vec3> positions(const ConstAtomTable& table, RowRange rows, const Vec3& origin) {
@@ -34,17 +74,23 @@ std::vector<Vec3> positions(const ConstAtomTable& table, RowRange rows, const Ve
 
 }  // namespace
 
-PairPlacer::PairPlacer(const Pair& pair)
+PairPlacer::PairPlacer(const Pair& pair, const PlacerOptions& options)
     : split_(split_of(pair)),
       labels_(pair.labels()),
-      ready_(made_ready(pair)),
-      offsets_(positions(ready_.parallel.table(), split_.molecule1(), ready_.frames[0].cm)),
+      molecules_(frames_for(pair, options)),
+      ready_(made_ready(pair, molecules_, options.placing)),
+      offsets_(positions(ready_.parallel.table(), split_.molecule1(), ready_.molecule1.cm)),
       surveyor_(positions(ready_.parallel.table(), split_.molecule2(), {})) {}
 
 Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const {
-  return place_by_user(ready_.parallel.table(), split_, ready_.frames[0],
-                       {radians.alpha, radians.beta, radians.gamma},
-                       {radians.r, radians.theta, radians.phi}, placed);
+  const EulerAngles rotation{radians.alpha, radians.beta, radians.gamma};
+  Placement placement = place_by_user(ready_.parallel.table(), split_, ready_.molecule1, rotation,
+                                      {radians.r, radians.theta, radians.phi}, placed);
+  // The drawing of qn-dravo shows axes that were moved and not turned.
+  if (exact())
+    turn_tips(placement.molecule1, ready_.molecule1,
+              euler_matrix(rotation.alpha, rotation.beta, rotation.gamma));
+  return placement;
 }
 
 double PairPlacer::touching_distance(const PoseRadians& radians) const {

@@ -1,10 +1,12 @@
 /// A pair that is analysed once and placed many times.
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "common/atom_table.hpp"
 #include "common/frame.hpp"
+#include "dravo/place.hpp"
 #include "driver/user_parameters.hpp"
 #include "molecules/pair_table.hpp"
 #include "output/contact_surveyor.hpp"
@@ -15,23 +17,32 @@ namespace dravo {
 /// The pair before the user's parameters come in.
 struct ReadyPair {
   OwnedTable parallel;  ///< aligned, molecule 1 in molecule 2's frame
-  PairOfFrames frames;
-  double missed;  ///< see `AnalysedPair`
+  MoleculeFrame molecule1;
+  double missed;  ///< see `AnalysedPair`; 0 by closed form
+  bool exact;
 };
 
 /// What is constant may be used by several threads, each with a table of its own for the atoms.
 class PairPlacer {
  public:
-  /// Throws NoUniqueFrame for a pair that cannot be placed, a symmetric molecule for example.
-  explicit PairPlacer(const Pair& pair);
+  /// Throws what a `Placer` throws.
+  explicit PairPlacer(const Pair& pair, const PlacerOptions& options = {});
 
   [[nodiscard]] const MoleculeSplit& split() const { return split_; }
   [[nodiscard]] const std::vector<Label>& labels() const { return labels_; }
 
+  [[nodiscard]] bool exact() const { return ready_.exact; }
+  [[nodiscard]] const std::array<PrincipalFrame, 2>& molecules() const { return molecules_; }
+
   /// By how much the searches of the analysis missed the axes, degrees: poses are that uncertain.
   [[nodiscard]] double missed() const { return ready_.missed; }
 
-  /// The pair by parameters as `prepare_parameters` leaves them, as `qn-dravo` places it.
+  /// The parameters that a pose in range is placed by: moved off singular values unless exact.
+  [[nodiscard]] PoseRadians used_parameters(const PoseDegrees& pose) const {
+    return in_radians(exact() ? pose : nudged_parameters(pose));
+  }
+
+  /// The pair by used parameters.
   Placement place(const PoseRadians& radians, AtomTable& placed) const;
 
   [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed) const {
@@ -48,6 +59,7 @@ class PairPlacer {
  private:
   MoleculeSplit split_;
   std::vector<Label> labels_;
+  std::array<PrincipalFrame, 2> molecules_;
   ReadyPair ready_;
   std::vector<Vec3> offsets_;  ///< molecule 1's analysed atoms, from its centre of mass
   ContactSurveyor surveyor_;

@@ -37,7 +37,7 @@ PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& ra
 MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& asked) {
   MadePose pose{{index, asked.r, asked, {}, 0.0, 0},
                 false,
-                in_radians(nudged_parameters(asked)),
+                placer_->used_parameters(asked),
                 {},
                 placed_.table()};
   if (rules_.above_contact)
@@ -45,7 +45,8 @@ MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& asked) {
         distance_beyond(placer_->touching_distance(pose.radians), asked.r);
   pose.placement = placer_->place(pose.radians, placed_.table());
   const ContactSurvey survey = placer_->survey(placed_.table());
-  pose.numbers.applied = applied_parameters(pose.placement, pose.radians);
+  pose.numbers.applied =
+      placer_->exact() ? pose.numbers.asked : applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
   pose.numbers.contacts = survey.contacts;
   pose.wanted = is_wanted(rules_.contacts, survey.contacts > 0);
