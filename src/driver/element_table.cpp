@@ -39,6 +39,28 @@ constexpr std::array<Element, kHighestAtomicNumber> kElements{{
 
 constexpr Label padded(std::string_view text) { return {text[0], text.size() > 1 ? text[1] : ' '}; }
 
+/// Labels of a capital letter and a small one or a blank, by their letters.
+constexpr std::size_t kSecondLetters = 27;
+constexpr std::size_t kPlaces = 26 * kSecondLetters;
+
+/// `kPlaces` for any other label.
+constexpr std::size_t place_of(const Label& label) {
+  const auto [first, second] = label;
+  if (first < 'A' || first > 'Z') return kPlaces;
+  if (second != ' ' && (second < 'a' || second > 'z')) return kPlaces;
+  const auto row = static_cast<std::size_t>(first - 'A');
+  return row * kSecondLetters + (second == ' ' ? 0 : static_cast<std::size_t>(second - 'a') + 1);
+}
+
+/// Atomic numbers by the places of their symbols; 0 for what is no symbol.
+constexpr auto kNumbers = [] {
+  std::array<signed char, kPlaces> numbers{};
+  for (int z = 1; z <= kHighestAtomicNumber; ++z)
+    numbers[place_of(padded(kElements[static_cast<std::size_t>(z - 1)].symbol))] =
+        static_cast<signed char>(z);
+  return numbers;
+}();
+
 std::optional<int> atomic_number_of_digits(const Label& label) {
   for (int z = 1; z <= kHighestAtomicNumber; ++z)
     if (padded(std::to_string(z)) == label) return z;
@@ -50,9 +72,9 @@ std::optional<int> atomic_number_of_digits(const Label& label) {
 std::span<const Element> element_table() { return kElements; }
 
 std::optional<int> atomic_number_of_symbol(const Label& label) {
-  for (int z = 1; z <= kHighestAtomicNumber; ++z)
-    if (padded(kElements[static_cast<std::size_t>(z - 1)].symbol) == label) return z;
-  return std::nullopt;
+  const std::size_t place = place_of(label);
+  const int z = place < kPlaces ? kNumbers[place] : 0;
+  return z > 0 ? std::optional(z) : std::nullopt;
 }
 
 std::vector<std::int32_t> resolve_elements(std::int32_t N, std::span<Label> isymbol,

@@ -43,8 +43,7 @@ void require_strict_frames(std::span<const MoleculeRows> molecules,
     throw NoUniqueFrame(std::move(symmetric), std::move(reasons), kTwoAxesAreNeeded);
 }
 
-ReferenceAngles angles_with(const StrictAnalysis& m, const Vec3& axis) {
-  const auto reference = reference_of(m.centre);
+ReferenceAngles angles_with(const ReferenceVector& reference, const Vec3& axis) {
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   if (!reference) return {kNone, kNone};
   return {degrees_by_pi(angle_between(axis, *reference)),
@@ -53,7 +52,7 @@ ReferenceAngles angles_with(const StrictAnalysis& m, const Vec3& axis) {
 
 PrincipalFrame extended_frame_of(std::size_t index, const CentredAtoms& atoms,
                                  const StrictAnalysis& m) {
-  const ExtendedFrame found = extended_frame(atoms);
+  const ExtendedFrame found = extended_frame(atoms, m.axes.eigenvectors);
   PrincipalFrame result;
   result.atoms = static_cast<std::int32_t>(atoms.size());
   result.kind = FrameKind::extended;
@@ -61,11 +60,12 @@ PrincipalFrame extended_frame_of(std::size_t index, const CentredAtoms& atoms,
   result.rotor = found.rotor;
   result.cm = m.centre.cm;
   result.reference = reference_element_of(m.centre);
+  const ReferenceVector reference = reference_of(m.centre);
   for (std::size_t k = 0; k < 3; ++k) {
     PrincipalAxis& axis = result.axes[k];
     const Vec3& direction = found.axes.row[k];
     axis = axis_of_moment(index, k, found.moments[k] * g_cm2_per_amu_angstrom2(), direction);
-    axis.angles = angles_with(m, direction);
+    axis.angles = angles_with(reference, direction);
     axis.fixed_by = found.reasons[k].by;
     axis.reason = found.reasons[k];
   }

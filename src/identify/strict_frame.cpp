@@ -82,12 +82,13 @@ PrincipalFrame strict_frame(std::size_t index, std::int32_t atoms, const StrictA
   result.rotor = rotor_type(m.axes.moments);
   result.cm = m.centre.cm;
   result.reference = reference_element_of(m.centre);
+  const std::int32_t element = reference_number(m.centre);
   for (std::size_t k = 0; k < 3; ++k) {
     PrincipalAxis& axis = result.axes[k];
     axis = axis_of_moment(index, k, m.axes.moments[k], frame.axis(k));
     axis.angles = angles[k];
     axis.fixed_by = reason_of(m, check, k);
-    axis.reason = {axis.fixed_by, reference_number(m.centre), result.reference.distance};
+    axis.reason = {axis.fixed_by, element, result.reference.distance};
   }
   // A rotation of the molecule would leave the centre of its heaviest element on its axis, and two
   // of the principal axes without a direction.

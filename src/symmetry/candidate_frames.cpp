@@ -176,18 +176,23 @@ std::vector<AxisRows> frames_of_spherical(const CentredAtoms& atoms, FrameChoice
 }  // namespace
 
 AveragedAxes averaged_axes(const Matrix3& tensor) {
-  const PrincipalAxes axes = principal_axes(tensor);
+  return axes_along(principal_axes(tensor).eigenvectors, tensor);
+}
+
+AveragedAxes axes_along(const std::array<Vec3, 3>& directions, const Matrix3& tensor) {
+  AveragedAxes axes{{}, directions, RotorType::asymmetric};
+  for (std::size_t k = 0; k < directions.size(); ++k)
+    axes.moments[k] = dot(directions[k], tensor * directions[k]);
   const auto equal = [&](std::size_t i, std::size_t j) {
     return axes.moments[j] - axes.moments[i] <= kEqualAveragedMoments * axes.moments[j];
   };
-  RotorType rotor = RotorType::asymmetric;
   if (equal(A, B) && equal(B, C))
-    rotor = RotorType::spherical;
+    axes.rotor = RotorType::spherical;
   else if (equal(A, B))
-    rotor = RotorType::oblate;
+    axes.rotor = RotorType::oblate;
   else if (equal(B, C))
-    rotor = RotorType::prolate;
-  return {axes.moments, axes.eigenvectors, rotor};
+    axes.rotor = RotorType::prolate;
+  return axes;
 }
 
 FrameChoices candidate_frames(const CentredAtoms& atoms, const AveragedAxes& axes) {

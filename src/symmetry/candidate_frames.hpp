@@ -23,6 +23,9 @@ struct AveragedAxes {
 
 AveragedAxes averaged_axes(const Matrix3& tensor);
 
+/// The same where the principal directions of the tensor are known, I_A first.
+AveragedAxes axes_along(const std::array<Vec3, 3>& directions, const Matrix3& tensor);
+
 /// All frames that a molecule which is not linear may have; `atoms` at their symmetrised positions.
 ///
 /// Asymmetric top: both directions of every axis, right-handed: four. Symmetric top: both

@@ -116,14 +116,14 @@ Operation reversal_of(const CentredAtoms& atoms, const AxisRows& rows) {
   return reversal;
 }
 
-ExtendedFrame frame_of_linear(const CentredAtoms& atoms) {
-  const PrincipalAxes axes = principal_axes(inertia_of(atoms));
+ExtendedFrame frame_of_linear(const CentredAtoms& atoms, const Vec3& axis) {
   ExtendedFrame frame{};
   frame.shape = Shape::linear;
   frame.rotor = RotorType::linear;
-  const double across = (axes.moments[1] + axes.moments[2]) / 2.0;
+  const AxisRows rows = any_axes_along(axis);
+  const Matrix3 tensor = inertia_of(atoms);
+  const double across = (trace(tensor) - dot(axis, tensor * axis)) / 2.0;
   frame.moments = {0.0, across, across};
-  const AxisRows rows = any_axes_along(axes.eigenvectors[0]);
   Operation identity{kIdentity, {}, 0.0};
   const Operation reversal = reversal_of(atoms, rows);
   for (std::size_t i = 0; i < atoms.size(); ++i)
@@ -143,7 +143,7 @@ ExtendedFrame frame_of_linear(const CentredAtoms& atoms) {
   return frame;
 }
 
-ExtendedFrame frame_of_general(const CentredAtoms& atoms) {
+ExtendedFrame frame_of_general(const CentredAtoms& atoms, const PrincipalDirections& directions) {
   ExtendedFrame frame{};
   frame.shape = Shape::general;
   const std::vector<Operation> found = find_operations(atoms, kNearlySymmetric);
@@ -153,7 +153,9 @@ ExtendedFrame frame_of_general(const CentredAtoms& atoms) {
       largest_residual(group) <= kSameMolecule ? group : exact_group(found, kSameMolecule));
   frame.nearly = nearly_holding(found);
 
-  const AveragedAxes axes = averaged_axes(averaged(inertia_of(atoms), group));
+  const Matrix3 tensor = inertia_of(atoms);
+  const AveragedAxes axes =
+      group.size() > 1 ? averaged_axes(averaged(tensor, group)) : axes_along(directions, tensor);
   frame.rotor = axes.rotor;
   frame.moments = axes.moments;
   const CentredAtoms symmetrised =
@@ -176,23 +178,20 @@ bool tells_apart(const Operation& operation, const AxisRows& rows, std::size_t j
 
 }  // namespace
 
-bool is_linear(const CentredAtoms& atoms) {
-  if (atoms.size() < 3) return true;
-  const auto farthest =
-      std::max_element(atoms.positions.begin(), atoms.positions.end(),
-                       [](const Vec3& p, const Vec3& q) { return dot(p, p) < dot(q, q); });
-  const Vec3 along = unit(*farthest);
-  constexpr double kSurelyBent = 4.0 * kSymmetryForAxes;
-  for (const Vec3& p : atoms.positions)
-    if (length(cross(along, p)) > kSurelyBent) return false;
-  const Vec3 axis = principal_axes(inertia_of(atoms)).eigenvectors[0];
-  return std::all_of(atoms.positions.begin(), atoms.positions.end(),
-                     [&](const Vec3& p) { return length(cross(axis, p)) <= kSymmetryForAxes; });
+PrincipalDirections principal_directions(const CentredAtoms& atoms) {
+  return principal_axes(inertia_of(atoms)).eigenvectors;
 }
 
-ExtendedFrame extended_frame(const CentredAtoms& atoms) {
+bool is_linear(const CentredAtoms& atoms, const PrincipalDirections& directions) {
+  return std::all_of(atoms.positions.begin(), atoms.positions.end(), [&](const Vec3& p) {
+    return length(cross(directions[0], p)) <= kSymmetryForAxes;
+  });
+}
+
+ExtendedFrame extended_frame(const CentredAtoms& atoms, const PrincipalDirections& directions) {
   if (atoms.size() == 1) return frame_of_atom();
-  return is_linear(atoms) ? frame_of_linear(atoms) : frame_of_general(atoms);
+  return is_linear(atoms, directions) ? frame_of_linear(atoms, directions[0])
+                                      : frame_of_general(atoms, directions);
 }
 
 std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& rows) {

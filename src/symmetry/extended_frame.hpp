@@ -46,12 +46,19 @@ struct ExtendedFrame {
       nearly;  ///< the operation that misses least of those that nearly hold
 };
 
-/// Of one atom or more.
-ExtendedFrame extended_frame(const CentredAtoms& atoms);
+/// Principal axes of the atoms as they stand, unit vectors, I_A first.
+using PrincipalDirections = std::array<Vec3, 3>;
+PrincipalDirections principal_directions(const CentredAtoms& atoms);
 
-/// All atoms lie on one line through the centre of mass within `kSymmetryForAxes`; so does one
-/// atom.
-bool is_linear(const CentredAtoms& atoms);
+/// Of one atom or more.
+ExtendedFrame extended_frame(const CentredAtoms& atoms, const PrincipalDirections& directions);
+
+inline ExtendedFrame extended_frame(const CentredAtoms& atoms) {
+  return extended_frame(atoms, principal_directions(atoms));
+}
+
+/// All atoms lie on I_A within `kSymmetryForAxes`; so does one atom.
+bool is_linear(const CentredAtoms& atoms, const PrincipalDirections& directions);
 
 /// Two axes that noise of 0.001 Angstrom in every coordinate turns about the third.
 struct LooseAxes {

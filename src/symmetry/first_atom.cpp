@@ -129,6 +129,7 @@ void choose_by_first_atom(const CentredAtoms& atoms, double tolerance, FrameChoi
 }
 
 AxisRows first_in_order(const CentredAtoms& atoms, const std::vector<AxisRows>& frames) {
+  if (frames.size() == 1) return frames.front();
   constexpr double kRounding = 1e-8;  // Angstrom, far above that of doubles
   const auto seen = seen_in(frames, atoms);
   AxisReason ignored;

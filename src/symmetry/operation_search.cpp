@@ -43,25 +43,19 @@ class OperationSearch {
 
   std::vector<Operation> found() {
     choose_seeds();
-    std::vector<Operation> operations;
-    for (const bool proper : {true, false}) {
+    std::vector<Operation> operations{identity()};
+    for (const bool proper : {true, false})
       for (const std::size_t a : alike(a_))
-        for (const std::size_t b : alike(b_)) try_images(a, b, proper, operations);
-    }
-    const auto identity = std::find_if(operations.begin(), operations.end(), is_identity);
-    if (identity != operations.end()) {
-      identity->matrix = kIdentity;
-      identity->residual = 0.0;
-      std::rotate(operations.begin(), identity, identity + 1);
-    }
+        for (const std::size_t b : alike(b_))
+          if (!proper || a != a_ || b != b_) try_images(a, b, proper, operations);
     return operations;
   }
 
  private:
-  static bool is_identity(const Operation& operation) {
-    for (std::size_t i = 0; i < operation.image.size(); ++i)
-      if (operation.image[i] != static_cast<std::int32_t>(i)) return false;
-    return operation.proper;
+  [[nodiscard]] Operation identity() const {
+    Operation identity{kIdentity, std::vector<std::int32_t>(atoms_.size())};
+    std::iota(identity.image.begin(), identity.image.end(), 0);
+    return identity;
   }
 
   /// Atoms that atom i may fall on: of its element and as far from the centre.
