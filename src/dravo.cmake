@@ -40,6 +40,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/scan/poses.cpp
   src/scan/random_pose.cpp
   src/scan/scan.cpp
+  src/scan/unique_poses.cpp
   src/scan/zipped_list.cpp
   src/symmetry/candidate_frames.cpp
   src/symmetry/centred_atoms.cpp

@@ -97,6 +97,9 @@ class Poses {
   /// are not so many.
   void fill(std::int64_t first, std::span<PoseDegrees> poses) const;
 
+  /// For the library itself.
+  [[nodiscard]] const PoseSource& source() const { return *source_; }
+
  private:
   std::shared_ptr<const PoseSource> source_;
 };
@@ -113,6 +116,8 @@ struct ScannedPose {
   PoseDegrees applied;         ///< as measured after the placement, phi from 0 to 360
   double shortest = 0.0;       ///< distance of the closest atoms of different molecules, Angstrom
   std::int64_t contacts = 0;   ///< how many pairs of them are in short contact
+  std::int64_t equivalents =
+      1;  ///< how many of the poses it stands for, when equal ones are left out
 };
 
 /// Poses that follow each other. The spans end with the call that got the batch.
@@ -129,13 +134,18 @@ struct ScanOptions {
   int threads = 0;             ///< that place poses; 0 for as many as the machine has cores
   bool above_contact = false;  ///< the r of the poses counts from the first contact, see below
   bool positions = false;      ///< batches hold the positions of the atoms
+  /// Of poses that rotations of the molecules make equal, within 0.002 Angstrom for every atom,
+  /// only the first of a grid is handed on. A random pose takes the parameters that `identify`
+  /// tells.
+  bool unique = false;
 };
 
 /// Places the pair in every pose and hands what it finds to `take`, batch after batch in the order
 /// of the poses. Memory does not grow with their number.
 ///
 /// `take` is called from the threads that place, never twice at a time. What it throws ends the
-/// scan and is thrown here. Throws InvalidInput for a negative number of threads.
+/// scan and is thrown here. Throws InvalidInput for a negative number of threads, and for unique
+/// poses of a list or of a placer that is not exact.
 ///
 /// With `above_contact` the distances count from that at which, coming from afar in this direction
 /// and orientation, the first pair of atoms is 1.9 Angstrom apart, rounded up to a millionth of an

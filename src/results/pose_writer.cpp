@@ -18,13 +18,13 @@ constexpr int kAngle = 6;
 struct Column {
   std::string_view name;
   void (*append)(std::string& text, const ScannedPose& pose);
-  bool only_above_contact = false;
+  bool PoseColumns::*only_with = nullptr;
 };
 
-constexpr std::array<Column, 16> kPoseColumns{{
+constexpr std::array<Column, 17> kPoseColumns{{
     {"index", [](auto& text, const auto& p) { append_shortest(text, p.index); }},
     {"above_contact", [](auto& text, const auto& p) { append_shortest(text, p.above_contact); },
-     true},
+     &PoseColumns::above_contact},
     {"r", [](auto& text, const auto& p) { append_shortest(text, p.asked.r); }},
     {"theta", [](auto& text, const auto& p) { append_shortest(text, p.asked.theta); }},
     {"phi", [](auto& text, const auto& p) { append_shortest(text, p.asked.phi); }},
@@ -42,7 +42,13 @@ constexpr std::array<Column, 16> kPoseColumns{{
      [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, kAngle); }},
     {"shortest", [](auto& text, const auto& p) { append_fixed(text, p.shortest, kLength); }},
     {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.contacts); }},
+    {"equivalents", [](auto& text, const auto& p) { append_shortest(text, p.equivalents); },
+     &PoseColumns::equivalents},
 }};
+
+bool is_there(const Column& column, const PoseColumns& columns) {
+  return column.only_with == nullptr || columns.*column.only_with;
+}
 
 void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed) {
   constexpr int kWidth = 15;
@@ -63,15 +69,14 @@ void append_atoms(std::string& frame, std::span<const Label> labels, const Const
 std::string PoseWriter::table_heading() const {
   std::string heading;
   for (const Column& column : kPoseColumns)
-    if (above_contact_ || !column.only_above_contact)
-      heading.append(heading.empty() ? "" : ",").append(column.name);
+    if (is_there(column, columns_)) heading.append(heading.empty() ? "" : ",").append(column.name);
   return heading + "\n";
 }
 
 void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
   const std::size_t start = table.size();
   for (const Column& column : kPoseColumns) {
-    if (column.only_above_contact && !above_contact_) continue;
+    if (!is_there(column, columns_)) continue;
     if (table.size() > start) table += ',';
     column.append(table, pose);
   }
@@ -83,7 +88,7 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
   frames += "\nProperties=species:S:1:pos:R:3";
   for (const Column& column : kPoseColumns) {
-    if (column.only_above_contact && !above_contact_) continue;
+    if (!is_there(column, columns_)) continue;
     frames.append(" ").append(column.name).append("=");
     column.append(frames, pose);
   }

@@ -9,14 +9,21 @@
 
 namespace dravo {
 
+/// Columns that not every plan has.
+struct PoseColumns {
+  bool above_contact = false;
+  bool equivalents = false;
+};
+
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
-/// intermolecular distance, number of short contacts; and `above_contact` behind the index in plans
-/// that count r from the contact. Angstrom and degrees. What was asked stands in the shortest form
-/// that reads back as the same number.
+/// intermolecular distance, number of short contacts; `above_contact` behind the index in plans
+/// that count r from the contact, and `equivalents` at the end where equal poses are made once.
+/// Angstrom and degrees. What was asked stands in the shortest form that reads back as the same
+/// number.
 class PoseWriter {
  public:
-  PoseWriter(std::span<const Label> labels, bool above_contact)
-      : labels_(labels), above_contact_(above_contact) {}
+  PoseWriter(std::span<const Label> labels, const PoseColumns& columns)
+      : labels_(labels), columns_(columns) {}
 
   [[nodiscard]] std::string table_heading() const;
 
@@ -31,7 +38,7 @@ class PoseWriter {
 
  private:
   std::span<const Label> labels_;
-  bool above_contact_;
+  PoseColumns columns_;
 };
 
 }  // namespace dravo

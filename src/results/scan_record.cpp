@@ -19,11 +19,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json json_of(const ScanTotals& totals) {
-  return {{"done", totals.poses},
-          {"written", totals.written},
-          {"with_contacts", totals.with_contacts},
-          {"shortest", totals.shortest},
-          {"shortest_index", totals.shortest_index}};
+  return {{"done", totals.poses},        {"left_out", totals.left_out},
+          {"written", totals.written},   {"with_contacts", totals.with_contacts},
+          {"shortest", totals.shortest}, {"shortest_index", totals.shortest_index}};
 }
 
 /// A count of a record.
@@ -74,15 +72,21 @@ bool ScanRecord::with_frames() const {
   return files == origin.end() || files->second != "true";
 }
 
-std::map<std::string, std::string> origin_of(const Pair& pair, const ScanPlan& plan) {
+std::string fingerprint_of(const Pair& pair) {
   Fingerprint atoms;
   for (const Label& label : pair.labels()) atoms.add(text_of(label));
   for (const Vec3& p : pair.positions())
     for (const double coordinate : {p.x, p.y, p.z}) atoms.add(coordinate);
+  return fmt::format("{}+{} atoms, {}", pair.n1(), pair.size() - pair.n1(), atoms.value());
+}
+
+std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Pair& pair,
+                                             const ScanPlan& plan) {
   auto origin = plan.description();
   origin["version"] = DRAVO_VERSION;
-  origin["pair"] =
-      fmt::format("{}+{} atoms, {}", pair.n1(), pair.size() - pair.n1(), atoms.value());
+  origin["pair"] = fingerprint_of(pair);
+  origin["frame_rule"] = std::to_string(kFrameRule);
+  origin["placing"] = placer.exact() ? "exact" : "as qn-dravo";
   return origin;
 }
 
@@ -113,9 +117,11 @@ void require_same_origin(const std::string& name, const ScanRecord& earlier,
 
 std::string sentence_about(const ScanTotals& totals) {
   if (totals.poses == 0) return "no poses";
+  const std::string equal =
+      totals.left_out > 0 ? fmt::format("{} equal to earlier ones, ", totals.left_out) : "";
   return fmt::format(
-      "{} poses, {} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
-      totals.poses, totals.with_contacts, totals.written, fixed_text(totals.shortest, 4),
+      "{} poses, {}{} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
+      totals.poses, equal, totals.with_contacts, totals.written, fixed_text(totals.shortest, 4),
       totals.shortest_index);
 }
 
@@ -139,8 +145,11 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
     record.poses = whole(json, "poses");
     record.shard = {whole(json, "shard", 1), whole(json, "shards", 1)};
     const Json& totals = json.at("totals");
-    record.totals = {whole(totals, "done"), whole(totals, "written"),
-                     whole(totals, "with_contacts"), distance_in(totals.at("shortest")),
+    record.totals = {whole(totals, "done"),
+                     totals.contains("left_out") ? whole(totals, "left_out") : 0,
+                     whole(totals, "written"),
+                     whole(totals, "with_contacts"),
+                     distance_in(totals.at("shortest")),
                      whole(totals, "shortest_index")};
     record.frame_bytes = whole(json, "frame_bytes");
     record.table_bytes = whole(json, "table_bytes");

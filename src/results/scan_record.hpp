@@ -9,6 +9,7 @@
 
 #include "dravo/molecule.hpp"
 #include "results/scan_totals.hpp"
+#include "scan/pair_placer.hpp"
 #include "scan/plan.hpp"
 
 namespace dravo {
@@ -40,8 +41,12 @@ struct ScanRecord {
   [[nodiscard]] bool with_frames() const;
 };
 
-/// Pair and plan as `ScanRecord::origin` has them.
-std::map<std::string, std::string> origin_of(const Pair& pair, const ScanPlan& plan);
+/// Tells pairs apart: "6+9 atoms, 1234567890".
+std::string fingerprint_of(const Pair& pair);
+
+/// Pair, plan and the way of placing as `ScanRecord::origin` has them.
+std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Pair& pair,
+                                             const ScanPlan& plan);
 
 /// Throws IoFailure with every key that differs, unless both are records of the same scan; `name`
 /// is the file of the earlier one.

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
@@ -103,8 +104,11 @@ ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& reque
   return {poses.first + done, poses.end, poses_of_chunk(pair), request.threads};
 }
 
-ScanRecord record_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request) {
-  return {origin_of(pair, plan), plan.poses().size(), request.part.value_or(Shard{}), {}, 0, 0};
+ScanRecord record_of(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+                     const ScanRequest& request) {
+  auto origin = origin_of(placer, pair, plan);
+  if (!request.like.empty()) origin["like"] = request.like;
+  return {std::move(origin), plan.poses().size(), request.part.value_or(Shard{}), {}, 0, 0};
 }
 
 }  // namespace
@@ -116,6 +120,8 @@ std::string result_name(const ScanRequest& request) {
 ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
                     const ScanRequest& request) {
   require_short_enough(placer, plan);
+  std::optional<UniquePoses> unique;
+  if (plan.unique()) unique.emplace(placer, plan.poses());
   const ScanOutput output = output_of(plan, request);
   const PoseFolders folders(output.pose_folder, plan.poses().size());
   std::optional<ScanFiles> files;
@@ -127,9 +133,9 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
       refuse_inputs_in_folder(request);
       refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
-    const PoseWriter writer(placer.labels(), plan.above_contact());
-    files.emplace(result_name(request), record_of(pair, plan, request), writer.table_heading(),
-                  request.earlier,
+    const PoseWriter writer(placer.labels(), columns_of(plan));
+    files.emplace(result_name(request), record_of(placer, pair, plan, request),
+                  writer.table_heading(), request.earlier,
                   output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
@@ -139,7 +145,7 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
   if (output.kind == ScanOutput::Kind::files) folders.require_own(job.first, job.end);
 
   make_chunks<TextChunk>(
-      job, [&] { return TextMaker(placer, plan, output); },
+      job, [&] { return TextMaker(placer, plan, output, unique ? &*unique : nullptr); },
       [&](const TextChunk& chunk) {
         if (files) files->append(chunk);
         totals.add(chunk.totals);

@@ -20,6 +20,7 @@ struct ScanRequest {
   Earlier earlier = Earlier::refuse;
   std::optional<Shard> part;        ///< the whole scan without it
   std::vector<std::string> inputs;  ///< files that results must not replace
+  std::string like;                 ///< fingerprint of the pair whose axes are carried along
   int threads = 0;                  ///< as many as the machine has cores
   Progress::Kind progress = Progress::Kind::none;
 };

@@ -8,6 +8,7 @@ namespace dravo {
 /// What a scan found, so far or in all.
 struct ScanTotals {
   std::int64_t poses = 0;
+  std::int64_t left_out = 0;  ///< equal to earlier ones, when those are made once
   std::int64_t written = 0;
   std::int64_t with_contacts = 0;
   double shortest = std::numeric_limits<double>::infinity();  ///< of all poses, Angstrom
@@ -15,6 +16,7 @@ struct ScanTotals {
 
   void add(const ScanTotals& later) {
     poses += later.poses;
+    left_out += later.left_out;
     written += later.written;
     with_contacts += later.with_contacts;
     if (later.shortest < shortest || shortest_index == 0) {

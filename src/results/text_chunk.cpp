@@ -6,11 +6,14 @@
 
 namespace dravo {
 
-TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output)
+PoseColumns columns_of(const ScanPlan& plan) { return {plan.above_contact(), plan.unique()}; }
+
+TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
+                     const UniquePoses* unique)
     : placer_(&placer),
       output_(&output),
-      poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact()}),
-      writer_(placer.labels(), plan.above_contact()),
+      poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact(), unique}),
+      writer_(placer.labels(), columns_of(plan)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
@@ -19,8 +22,13 @@ void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
   chunk.totals = {};
   poses_.make(first, end, [&](const MadePose& pose) {
     const ScannedPose& numbers = pose.numbers;
+    if (pose.left_out) {
+      ++chunk.totals.poses;
+      ++chunk.totals.left_out;
+      return;
+    }
     chunk.totals.add(
-        {1, pose.wanted ? 1 : 0, numbers.contacts > 0 ? 1 : 0, numbers.shortest, numbers.index});
+        {1, 0, pose.wanted ? 1 : 0, numbers.contacts > 0 ? 1 : 0, numbers.shortest, numbers.index});
     if (pose.wanted && output_->kind != ScanOutput::Kind::counted) write(pose, chunk);
   });
 }

@@ -26,10 +26,15 @@ struct ScanOutput {
   std::string pose_folder;  ///< of Kind::files: it gets a folder for each pose
 };
 
+/// Which columns the poses of a plan have.
+PoseColumns columns_of(const ScanPlan& plan);
+
 /// One per thread.
 class TextMaker {
  public:
-  TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output);
+  /// `unique` is null for a plan of all poses.
+  TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
+            const UniquePoses* unique);
 
   /// Poses `first` to before `end`, from 0, into `chunk`, whose memory is used again.
   void make(std::int64_t first, std::int64_t end, TextChunk& chunk);

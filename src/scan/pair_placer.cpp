@@ -72,6 +72,12 @@ std::vector<Vec3> positions(const ConstAtomTable& table, RowRange rows, const Ve
   return points;
 }
 
+double farthest(const std::vector<Vec3>& points) {
+  double distance = 0.0;
+  for (const Vec3& point : points) distance = std::max(distance, modulus(point));
+  return distance;
+}
+
 }  // namespace
 
 PairPlacer::PairPlacer(const Pair& pair, const PlacerOptions& options)
@@ -101,14 +107,11 @@ double PairPlacer::touching_distance(const PoseRadians& radians) const {
   return surveyor_.touching_distance(turned, cartesian({1.0, radians.theta, radians.phi}));
 }
 
+double PairPlacer::radius_of_molecule1() const { return farthest(offsets_); }
+
 double PairPlacer::longest_touching_distance() const {
-  const auto farthest = [](const std::vector<Vec3>& points) {
-    double distance = 0.0;
-    for (const Vec3& point : points) distance = std::max(distance, modulus(point));
-    return distance;
-  };
   const auto molecule2 = positions(ready_.parallel.table(), split_.molecule2(), {});
-  return farthest(offsets_) + farthest(molecule2) + kShortDistance;
+  return radius_of_molecule1() + farthest(molecule2) + kShortDistance;
 }
 
 }  // namespace dravo

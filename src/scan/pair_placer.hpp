@@ -53,6 +53,9 @@ class PairPlacer {
   /// way from afar; zero when it has none on the way. The r of `radians` is not looked at.
   [[nodiscard]] double touching_distance(const PoseRadians& radians) const;
 
+  /// Distance of its farthest atom from its centre of mass, Angstrom.
+  [[nodiscard]] double radius_of_molecule1() const;
+
   /// No touching distance is longer.
   [[nodiscard]] double longest_touching_distance() const;
 

@@ -34,19 +34,21 @@ PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& ra
   return applied;
 }
 
-MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& asked) {
-  MadePose pose{{index, asked.r, asked, {}, 0.0, 0},
-                false,
-                placer_->used_parameters(asked),
-                {},
-                placed_.table()};
+MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
+  MadePose pose{{index, planned.r, planned, {}, 0.0, 0}, false, false, {}, {}, placed_.table()};
+  PoseDegrees& asked = pose.numbers.asked;
+  if (rules_.unique != nullptr) {
+    pose.numbers.equivalents = rules_.unique->stands_for(index - 1, asked);
+    pose.left_out = pose.numbers.equivalents == 0;
+    if (pose.left_out) return pose;
+  }
+  pose.radians = placer_->used_parameters(asked);
   if (rules_.above_contact)
-    pose.numbers.asked.r = pose.radians.r =
-        distance_beyond(placer_->touching_distance(pose.radians), asked.r);
+    asked.r = pose.radians.r = distance_beyond(placer_->touching_distance(pose.radians), planned.r);
   pose.placement = placer_->place(pose.radians, placed_.table());
   const ContactSurvey survey = placer_->survey(placed_.table());
   pose.numbers.applied =
-      placer_->exact() ? pose.numbers.asked : applied_parameters(pose.placement, pose.radians);
+      placer_->exact() ? asked : applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
   pose.numbers.contacts = survey.contacts;
   pose.wanted = is_wanted(rules_.contacts, survey.contacts > 0);

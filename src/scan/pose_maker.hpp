@@ -11,19 +11,22 @@
 #include "molecules/pair_table.hpp"
 #include "output/placement.hpp"
 #include "scan/pair_placer.hpp"
+#include "scan/unique_poses.hpp"
 
 namespace dravo {
 
 /// What is the same for all poses.
 struct PoseRules {
   ContactRule contacts = ContactRule::keep;
-  bool above_contact = false;  ///< r counts from the first contact
+  bool above_contact = false;           ///< r counts from the first contact
+  const UniquePoses* unique = nullptr;  ///< equal poses are made once; null for all
 };
 
 /// What was found in a pose, and how it came about.
 struct MadePose {
   ScannedPose numbers;
-  bool wanted;  ///< by the rule about contacts
+  bool left_out;  ///< equal to an earlier one, and not placed
+  bool wanted;    ///< by the rule about contacts
   PoseRadians radians;
   Placement placement;
   ConstAtomTable atoms;  ///< the placed pair, until the next pose is made
@@ -49,7 +52,7 @@ class PoseMaker {
   }
 
  private:
-  MadePose made(std::int64_t index, const PoseDegrees& asked);
+  MadePose made(std::int64_t index, const PoseDegrees& planned);
 
   const PairPlacer* placer_;
   Poses poses_;

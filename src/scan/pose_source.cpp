@@ -27,6 +27,8 @@ class Grid final : public PoseSource {
   }
 
   [[nodiscard]] std::int64_t size() const override { return size_; }
+  [[nodiscard]] Kind kind() const override { return Kind::grid; }
+  [[nodiscard]] const std::array<Axis, 6>* axes() const override { return &axes_; }
 
   void fill(std::int64_t first, std::span<PoseDegrees> poses) const override {
     std::array<std::int64_t, 6> place{};
@@ -61,6 +63,7 @@ class RandomPoses final : public PoseSource {
         size_(combinations(directions_, r_.size())) {}
 
   [[nodiscard]] std::int64_t size() const override { return size_; }
+  [[nodiscard]] Kind kind() const override { return Kind::random; }
 
   void fill(std::int64_t first, std::span<PoseDegrees> poses) const override {
     std::int64_t index = first;

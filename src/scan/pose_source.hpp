@@ -17,6 +17,8 @@ namespace dravo {
 /// Poses by their number, Angstrom and degrees. May be used by several threads.
 class PoseSource {
  public:
+  enum class Kind { grid, random, list };
+
   PoseSource() = default;
   PoseSource(const PoseSource&) = delete;
   PoseSource& operator=(const PoseSource&) = delete;
@@ -26,6 +28,11 @@ class PoseSource {
 
   /// Poses `first` and following, from 0; as many as `poses` has, all of which exist.
   virtual void fill(std::int64_t first, std::span<PoseDegrees> poses) const = 0;
+
+  [[nodiscard]] virtual Kind kind() const { return Kind::list; }
+
+  /// r to gamma of a grid; null for other poses.
+  [[nodiscard]] virtual const std::array<Axis, 6>* axes() const { return nullptr; }
 };
 
 /// Indices stay whole as doubles.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,9 @@ struct OwnedBatch {
 /// One per thread.
 class BatchMaker {
  public:
-  BatchMaker(const PairPlacer& placer, const Poses& poses, const ScanOptions& options)
-      : poses_(placer, poses, {options.contacts, options.above_contact}),
+  BatchMaker(const PairPlacer& placer, const Poses& poses, const ScanOptions& options,
+             const UniquePoses* unique)
+      : poses_(placer, poses, {options.contacts, options.above_contact, unique}),
         with_positions_(options.positions) {}
 
   void make(std::int64_t first, std::int64_t end, OwnedBatch& batch) {
@@ -70,9 +72,10 @@ void scan(const PairPlacer& placer, const Poses& poses, const ScanOptions& optio
   if (options.threads < 0)
     throw InvalidInput(
         fmt::format("expected a number of threads, or 0 for all, found {}", options.threads));
+  const auto unique = options.unique ? std::make_unique<const UniquePoses>(placer, poses) : nullptr;
   make_chunks<OwnedBatch>(
       {0, poses.size(), poses_of_batch(placer, options), options.threads},
-      [&] { return BatchMaker(placer, poses, options); },
+      [&] { return BatchMaker(placer, poses, options, unique.get()); },
       [&](const OwnedBatch& batch) {
         take({batch.first_index, batch.looked_at, batch.poses, batch.positions});
       });

@@ -1,0 +1,32 @@
+#include "scan/unique_poses.hpp"
+
+#include "dravo/error.hpp"
+#include "scan/pose_source.hpp"
+
+namespace dravo {
+
+UniquePoses::UniquePoses(const PairPlacer& placer, const Poses& poses)
+    : symmetry_(symmetry_of(placer.molecules())) {
+  if (!placer.exact())
+    throw InvalidInput(
+        "equal poses are told apart from others when they are placed exactly, not as by qn-dravo");
+  switch (poses.source().kind()) {
+    case PoseSource::Kind::grid:
+      of_grid_.emplace(placer.molecules(), placer.radius_of_molecule1(), *poses.source().axes());
+      break;
+    case PoseSource::Kind::random:
+      break;
+    case PoseSource::Kind::list:
+      throw InvalidInput("equal poses are found in grids and among random poses, not in lists");
+  }
+}
+
+std::int64_t UniquePoses::stands_for(std::int64_t index, PoseDegrees& pose) const {
+  if (of_grid_) return of_grid_->stands_for(index);
+  const double r = pose.r;
+  pose = equivalent_parameters(symmetry_, relative_pose(pose)).front();
+  pose.r = r;
+  return 1;
+}
+
+}  // namespace dravo
