@@ -31,6 +31,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/scan/axis_lookup.cpp
   src/scan/equal_poses.cpp
   src/scan/grid_lookup.cpp
+  src/scan/own_value.cpp
   src/scan/pair_placer.cpp
   src/scan/placer.cpp
   src/scan/plan.cpp
@@ -91,6 +92,7 @@ function(dravo_program library)
     src/cli/main.cpp
     src/cli/merge.cpp
     src/cli/pair_options.cpp
+    src/cli/pose_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt

@@ -40,6 +40,7 @@ dravo_test_molecules(symmetry)
 dravo_test_programs(scan results
   axis_test.cpp
   ordered_chunks_test.cpp
+  own_value_test.cpp
   pair_placer_test.cpp
   plan_description_test.cpp
   plan_keys_test.cpp
@@ -64,6 +65,7 @@ add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
   cli/durable_test.cpp
+  cli/here_test.cpp
   cli/identify_test.cpp
   cli/merge_test.cpp
   cli/missed_axes_test.cpp

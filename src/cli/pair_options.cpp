@@ -60,6 +60,10 @@ std::optional<Pair> reference_pair(const std::string& file, const PairRequest& r
   return read_pair(of_reference).pair;
 }
 
+void add_second_file(CLI::App& command, const SharedRequest& request) {
+  command.add_option("file2", request->second_file, "xyz file of molecule 2")->type_name("FILE2");
+}
+
 void tell(const std::vector<std::string>& messages) {
   for (const std::string& message : messages) std::cerr << "dravo: " << message << '\n';
 }

@@ -27,6 +27,9 @@ void add_like_option(CLI::App& command, std::string& file);
 /// InvalidInput and IoFailure.
 std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request);
 
+/// A second argument, the file of molecule 2.
+void add_second_file(CLI::App& command, const SharedRequest& request);
+
 /// Every message on a line of its own on standard error.
 void tell(const std::vector<std::string>& messages);
 

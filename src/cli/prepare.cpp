@@ -3,20 +3,17 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstddef>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "cli/commands.hpp"
 #include "cli/pair_options.hpp"
+#include "cli/pose_options.hpp"
 #include "common/errors.hpp"
-#include "common/number_text.hpp"
 #include "common/output_folder.hpp"
-#include "common/shown_text.hpp"
 #include "dravo/frame.hpp"
 #include "dravo/molecule.hpp"
 #include "driver/input_reader.hpp"
@@ -29,33 +26,17 @@ namespace {
 
 using Member = double PoseDegrees::*;
 
-/// What `--help` says of the values, in the order of `kPoseParameters`.
-struct ValueHelp {
-  const char* unit;
-  const char* text;
-};
-
-constexpr std::array<ValueHelp, kPoseParameters.size()> kValueHelp{{
-    {"ANGSTROM", "distance of the centres of mass, 0 to 9999.9; needed unless FILE states it"},
-    {"DEGREES", "polar angle of molecule 1's place, 0 to 180"},
-    {"DEGREES", "azimuth of molecule 1's place, 0 to 360"},
-    {"DEGREES", "first Euler angle of molecule 1, 0 to 360"},
-    {"DEGREES", "second Euler angle, 0 to 180"},
-    {"DEGREES", "third Euler angle, 0 to 360"},
-}};
-
-/// As the user gave them, in the order of `kPoseParameters`; empty where the file or 0 stands in.
-using GivenValues = std::array<std::optional<double>, kPoseParameters.size()>;
-
 struct Preparation {
   SharedRequest request = std::make_shared<PairRequest>();
-  GivenValues given;
+  GivenPose given;
   std::string output = kInputFileName;
   bool overwrite = false;
 };
 
 constexpr auto kExample =
-    "The angles that are not given are those of FILE when it is a QN-input-GEOMETRY.xyz, else 0.\n"
+    "A value is a number, or here, the pair's own as FILE has it, or here + a number (here-10).\n"
+    "What is not given is as FILE states it when it is a QN-input-GEOMETRY.xyz, else here; with FILE2\n"
+    "it is 0, and --r must be given.\n"
     "Example:\n"
     "  dravo prepare formamide.xyz ethanol.xyz --r 4 --theta 90 --phi 45 --beta 30\n"
     "  qn-dravo";
@@ -67,32 +48,7 @@ std::string number_text(Real value) {
   return {text.data(), written.ptr};
 }
 
-// --- the six values ---------------------------------------------------------------------------
-
-PoseDegrees stated_values(const Preparation& wanted, const std::optional<PoseDegrees>& of_file) {
-  if (!wanted.given[0] && !of_file)
-    throw InvalidInput(fmt::format("--r is required: {} states no distance", wanted.request->file));
-  PoseDegrees degrees = of_file.value_or(PoseDegrees{});
-  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
-    degrees.*kPoseParameters[k].value = wanted.given[k].value_or(degrees.*kPoseParameters[k].value);
-  return degrees;
-}
-
-/// "--theta 190" or, when it was not given there, "pair.xyz: theta 190".
-std::string place_of(std::size_t k, const PoseDegrees& degrees, const Preparation& wanted) {
-  const std::string source = wanted.given[k] ? "--" : wanted.request->file + ": ";
-  return fmt::format("{}{} {}", source, kPoseParameters[k].name,
-                     number_text(degrees.*kPoseParameters[k].value));
-}
-
-void require_usable(const PoseDegrees& degrees, const Preparation& wanted) {
-  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
-    if (!std::isfinite(degrees.*kPoseParameters[k].value))
-      throw InvalidInput(place_of(k, degrees, wanted) + ": expected a finite number");
-  if (const auto complaint = complaint_about(degrees))
-    throw InvalidInput(fmt::format(
-        "{}: {}", place_of(pose_parameter(complaint->name()), degrees, wanted), complaint->what()));
-}
+// --- values that a run replaces ----------------------------------------------------------------
 
 /// A value that an angle is moved off because another one has no meaning there.
 struct Singularity {
@@ -187,8 +143,8 @@ void prepare(const Preparation& wanted) {
   const PairFile file = read_pair(*wanted.request);
   tell(file.remarks);
   require_placeable(file.pair);
-  const PoseDegrees degrees = stated_values(wanted, file.parameters);
-  require_usable(degrees, wanted);
+  const PoseDegrees degrees =
+      chosen_pose(wanted.given, pose_defaults(*wanted.request, file), *wanted.request);
   require_replaceable(wanted.output, wanted.overwrite);
   const std::string text = input_text(file.pair, degrees);
   require_same_when_read(wanted.output, text, file.pair, degrees);
@@ -198,17 +154,6 @@ void prepare(const Preparation& wanted) {
 }
 
 // --- options ----------------------------------------------------------------------------------
-
-void add_value(CLI::App& command, const char* name, const ValueHelp& help,
-               std::optional<double>& given) {
-  const std::string option = std::string("--") + name;
-  const auto read_value = [option, &given](const std::string& text) {
-    given = parse_plain_real(text);
-    if (!given)
-      throw CLI::ValidationError(option, "expected a finite number, found " + dravo::quoted(text));
-  };
-  command.add_option_function<std::string>(option, read_value, help.text)->type_name(help.unit);
-}
 
 void add_unit(CLI::App& command, const SharedRequest& request) {
   const auto read_unit = [request](const std::string& text) {
@@ -231,10 +176,8 @@ void add_prepare(CLI::App& program) {
                   "xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz")
       ->required()
       ->type_name("FILE");
-  command.add_option("file2", wanted->request->second_file, "xyz file of molecule 2")
-      ->type_name("FILE2");
-  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
-    add_value(command, kPoseParameters[k].name, kValueHelp[k], wanted->given[k]);
+  add_second_file(command, wanted->request);
+  add_pose_options(command, wanted->given);
   add_split_options(command, wanted->request);
   add_unit(command, wanted->request);
   command.add_option("-o,--output", wanted->output, "file to write")

@@ -8,6 +8,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/pair_options.hpp"
+#include "cli/pose_options.hpp"
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
@@ -39,7 +40,10 @@ constexpr std::array<PlanOption, 10> kPlanOptions{{
 }};
 
 constexpr auto kFooter =
-    "VALUES is a number, a list such as 0,45,90, or start:stop:step.\n"
+    "VALUES is a number, a list such as 0,45,90, or start:stop:step. here is the value of the pair\n"
+    "as it stands in FILE, and \"here + VALUES\" counts from it. What is not given is as FILE states it\n"
+    "when it is a QN-input-GEOMETRY.xyz, else here; with FILE2 it is 0, theta 90 beside a linear\n"
+    "molecule 2, and r must be given.\n"
     "Example: shortest distances around formamide, 0 to 2 Angstrom away from contact\n"
     "  dravo scan QN-input-GEOMETRY.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 \\\n"
     "    --phi 0:350:10 --alpha 0 --beta 90 --gamma 0 --output formamide\n"
@@ -68,12 +72,12 @@ Shard parse_shard(const std::string& text) {
   return {*number, *of};
 }
 
-ScanPlan plan_of(const ScanCommand& options) {
+ScanPlan plan_of(const ScanCommand& options, const PairFile& pair) {
   PlanKeys keys;
   if (!options.plan_file.empty()) keys = read_plan_keys(options.plan_file);
   for (const auto& [key, value] : options.keys) set_plan_key(keys, key, value);
   if (options.files) set_plan_key(keys, "files", "true");
-  return ScanPlan(keys);
+  return ScanPlan(keys, pose_defaults(*options.pair, pair));
 }
 
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
@@ -94,10 +98,11 @@ void run(ScanCommand& options) {
   if (options.overwrite) request.earlier = Earlier::overwrite;
   if (!options.shard.empty()) request.part = parse_shard(options.shard);
   request.progress = kind_of_progress(options.quiet);
-  const ScanPlan plan = plan_of(options);
   const PairFile pair = read_pair(*options.pair);
-  request.inputs = {options.pair->file, options.plan_file, plan.zip_file()};
   if (!options.quiet) tell(pair.remarks);
+  const ScanPlan plan = plan_of(options, pair);
+  request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
+                    plan.zip_file()};
   const PairPlacer placer(pair.pair);
   const std::string missed = remark_on_missed_axes(placer.missed(), "the poses");
   if (!options.quiet && !missed.empty()) tell({missed});
@@ -147,6 +152,9 @@ void add_scan(CLI::App& program) {
   command.footer(kFooter);
   auto options = std::make_shared<ScanCommand>();
   options->pair = add_pair_options(command);
+  add_second_file(command, options->pair);
+  command.get_option("pair")->description(
+      "xyz file of molecule 1 or of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz");
   add_plan_options(command, options);
   add_run_options(command, options);
   command.callback([options] { run(*options); });

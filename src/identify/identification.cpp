@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/number_format.hpp"
+#include "common/turn.hpp"
 #include "dravo/identify.hpp"
 #include "driver/user_parameters.hpp"
 #include "identify/closed_form.hpp"
@@ -18,13 +19,6 @@ constexpr double kNearlySingular = 1.0;
 constexpr double kNoDirectionDistance = 0.1;
 /// Degrees; a search that ends farther from the axes has missed them.
 constexpr double kMissed = 0.01;
-
-/// From 0 to below 360.
-double folded_turn(double degrees) {
-  double folded = std::fmod(degrees, 360.0);
-  if (folded < 0.0) folded += 360.0;
-  return folded < 360.0 ? folded + 0.0 : 0.0;  // no negative zero
-}
 
 // --- remarks ----------------------------------------------------------------------------------
 

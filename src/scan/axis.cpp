@@ -101,7 +101,8 @@ double Axis::Segment::at(std::int64_t i) const {
   return decimal_unit > 0.0 ? std::round(value * decimal_unit) / decimal_unit : value;
 }
 
-Axis::Axis(std::vector<PlanWord> words) : words_(std::move(words)) {
+Axis::Axis(std::vector<PlanWord> words, std::optional<OwnValue> own)
+    : words_(std::move(words)), own_(own) {
   for (std::size_t k = 0; k < words_.size(); ++k)
     for (const std::string_view part : parts_between(words_[k].text, ',')) add(k, part);
 }
@@ -148,13 +149,15 @@ double Axis::at(std::int64_t i) const {
       segments_.begin(), segments_.end(), i,
       [](std::int64_t index, const Segment& segment) { return index < segment.first; });
   const Segment& segment = *(after - 1);
-  return segment.at(i - segment.first);
+  const double value = segment.at(i - segment.first);
+  return own_ ? own_->plus(value) : value;
 }
 
 std::string Axis::description() const {
   std::string text;
+  if (own_) text = fmt::format("here ({}) + ", shortest_text(own_->value()));
   for (const Segment& segment : segments_) {
-    if (!text.empty()) text += ", ";
+    if (&segment != segments_.data()) text += ", ";
     append_shortest(text, segment.start);
     if (segment.count == 1) continue;
     text += ':';

@@ -3,10 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "scan/own_value.hpp"
 #include "scan/plan_keys.hpp"
 
 namespace dravo {
@@ -18,8 +20,9 @@ class Axis {
   Axis() = default;
 
   /// Reads the words of a plan, each a number, a range, or several of them with commas between. The
-  /// stop belongs to a range when a step ends on it. Throws InvalidInput.
-  explicit Axis(std::vector<PlanWord> words);
+  /// stop belongs to a range when a step ends on it. With `own` each of them is added to it. Throws
+  /// InvalidInput.
+  explicit Axis(std::vector<PlanWord> words, std::optional<OwnValue> own = std::nullopt);
 
   /// Throws InvalidInput without numbers, and for one that is not finite.
   static Axis of_numbers(const std::vector<double>& numbers);
@@ -30,7 +33,10 @@ class Axis {
   /// values: 0:1:0.1 contains 0.3 and not 0.30000000000000004.
   [[nodiscard]] double at(std::int64_t i) const;
 
-  /// A number or range. Values lie between its first and its last.
+  /// What the values count from, if from anything.
+  [[nodiscard]] const std::optional<OwnValue>& own() const { return own_; }
+
+  /// A number or range, as it was read. Values lie between its first and its last.
   struct Segment {
     double start;
     double step;
@@ -56,6 +62,7 @@ class Axis {
   void add_number(std::size_t word, double number);
 
   std::vector<PlanWord> words_;
+  std::optional<OwnValue> own_;
   std::vector<Segment> segments_;
   std::int64_t size_ = 0;
 };

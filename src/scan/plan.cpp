@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
+#include "common/number_format.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
 #include "dravo/error.hpp"
@@ -78,15 +80,28 @@ constexpr std::array<std::pair<std::string_view, bool>, 2> kTruth{
     {{"true", true}, {"false", false}}};
 
 void check_range(const Axis& axis, const PoseParameter& parameter) {
-  if (const auto fault = find_axis_fault(axis, parameter))
-    axis.word_of(*fault->segment).refuse(fault->complaint.what());
+  const auto fault = find_axis_fault(axis, parameter);
+  if (!fault) return;
+  std::string sentence = fault->complaint.what();
+  if (axis.own())
+    sentence += fmt::format("; here is {}, the sum {}", shortest_text(axis.own()->value()),
+                            shortest_text(fault->complaint.value()));
+  axis.word_of(*fault->segment).refuse(sentence);
 }
 
 double longest_of(const Axis& axis) {
   double longest = 0.0;
   for (const Axis::Segment& segment : axis.segments())
-    longest = std::max({longest, segment.at(0), segment.at(segment.count - 1)});
+    longest =
+        std::max({longest, axis.at(segment.first), axis.at(segment.first + segment.count - 1)});
   return longest;
+}
+
+/// From the first parameter that others give.
+void refuse_parameters(const PlanKeys& keys, std::size_t first, const char* others) {
+  for (std::size_t k = first; k < kPoseParameters.size(); ++k)
+    if (const auto* words = find(keys, kPoseParameters[k].name))
+      (*words)[0].refuse(fmt::format("{} has its values from {}", kPoseParameters[k].name, others));
 }
 
 /// The text, or its fingerprint where it is long.
@@ -100,16 +115,41 @@ std::string shortened(const std::string& text) {
 
 constexpr std::string_view kContact = "contact";
 
+/// Takes the word "here" off the values, if it stands there, and tells whether it did.
+bool take_here(std::vector<PlanWord>& words, bool above_contact) {
+  PlanWord& first = words[0];
+  if (!begins_with_here(first.text)) return false;
+  const auto behind = behind_here(first.text);
+  if (above_contact || (behind && behind->values.starts_with(kContact)))
+    first.refuse("contact and here exclude each other");
+  const bool alone = trimmed(first.text).size() == kHere.size();
+  if (!behind || (alone && words.size() > 1))
+    first.refuse("expected here alone, or here + a value, a list or start:stop:step, found " +
+                 quoted(first.text));
+  first = {behind->values, first.source, first.begin + behind->begin};
+  return true;
+}
+
+/// What stands in for a parameter that has no key; empty when nothing does.
+std::vector<PlanWord> default_words(const PoseParameter& parameter, const PoseDefaults& defaults) {
+  const auto& value = defaults.values[pose_parameter(parameter.name)];
+  if (!value && !defaults.here) return {};
+  const std::string text = value ? shortest_text(*value) : std::string(kHere);
+  const std::string name = fmt::format("{}, not given", parameter.name);
+  return {{text, std::make_shared<const PlanSource>(PlanSource{name, text, false}), 0}};
+}
+
 }  // namespace
 
-ScanPlan::ScanPlan(const PlanKeys& keys) : poses_(read_poses(keys)) {
+ScanPlan::ScanPlan(const PlanKeys& keys, const PoseDefaults& defaults)
+    : poses_(read_poses(keys, defaults)) {
   if (const PlanWord* rule = single(keys, "contacts")) contacts_ = choice(*rule, kContactRules);
   if (const PlanWord* files = single(keys, "files")) files_ = choice(*files, kTruth);
   description_["contacts"] = kContactRules[static_cast<std::size_t>(contacts_)].first;
   description_["files"] = kTruth[files_ ? 0 : 1].first;
 }
 
-Poses ScanPlan::read_poses(const PlanKeys& keys) {
+Poses ScanPlan::read_poses(const PlanKeys& keys, const PoseDefaults& defaults) {
   refuse_unknown_keys(keys);
   const PlanWord* zip = single(keys, "zip");
   const PlanWord* random = single(keys, "random");
@@ -117,51 +157,64 @@ Poses ScanPlan::read_poses(const PlanKeys& keys) {
   if (zip != nullptr && random != nullptr) random->refuse("zip and random exclude each other");
   if (seed != nullptr && random == nullptr) seed->refuse("a seed is for random poses alone");
   if (zip != nullptr) return read_list(*zip, keys);
-  if (random != nullptr) return read_random(*random, seed, keys);
-  return Poses(grid_source(read_axes(keys, kPoseParameters.size(), "")));
+  if (random != nullptr) return read_random(*random, seed, keys, defaults);
+  return Poses(grid_source(read_axes(keys, defaults, kPoseParameters.size())));
 }
 
 Poses ScanPlan::read_list(const PlanWord& zip, const PlanKeys& keys) {
   zip_file_ = zip.path();
   auto list = std::make_shared<const ZippedList>(zip_file_);
   description_["zip"] = fmt::format("{} rows, {}", list->size(), list->fingerprint());
-  (void)read_axes(keys, 0, "the zipped list");
+  refuse_parameters(keys, 0, "the zipped list");
   return Poses(std::move(list));
 }
 
-Poses ScanPlan::read_random(const PlanWord& random, const PlanWord* seed, const PlanKeys& keys) {
+Poses ScanPlan::read_random(const PlanWord& random, const PlanWord* seed, const PlanKeys& keys,
+                            const PoseDefaults& defaults) {
   const auto directions = whole_number<std::int64_t>(random, 1, kMostPoses);
   std::uint64_t number = 0;
   if (seed != nullptr)
     number = whole_number<std::uint64_t>(*seed, 0, std::numeric_limits<std::uint64_t>::max());
   description_["random"] = std::to_string(directions);
   description_["seed"] = std::to_string(number);
-  return Poses(random_source(directions, read_axes(keys, 1, "random numbers")[0], number));
+  refuse_parameters(keys, 1, "random numbers");
+  return Poses(random_source(directions, read_axes(keys, defaults, 1)[0], number));
 }
 
-/// The first parameters, as many as are needed; the rest have their values from `others`.
-std::array<Axis, 6> ScanPlan::read_axes(const PlanKeys& keys, std::size_t needed,
-                                        const char* others) {
+/// The first parameters, as many as are needed.
+std::array<Axis, 6> ScanPlan::read_axes(const PlanKeys& keys, const PoseDefaults& defaults,
+                                        std::size_t needed) {
   std::array<Axis, 6> axes;
   std::string missing;
-  for (std::size_t k = 0; k < axes.size(); ++k) {
+  for (std::size_t k = 0; k < needed; ++k) {
     const PoseParameter& parameter = kPoseParameters[k];
-    const auto* words = find(keys, parameter.name);
-    if (words != nullptr && k >= needed)
-      (*words)[0].refuse(fmt::format("{} has its values from {}", parameter.name, others));
-    if (words == nullptr && k < needed)
+    const auto* given = find(keys, parameter.name);
+    std::vector<PlanWord> words = given != nullptr ? *given : default_words(parameter, defaults);
+    if (words.empty()) {
       missing.append(missing.empty() ? "" : ", ").append(parameter.name);
-    if (words == nullptr) continue;
-    axes[k] = Axis(k == 0 ? without_contact(*words) : *words);
-    check_range(axes[k], parameter);
-    const std::string from = k == 0 && above_contact_ ? "contact + " : "";
-    description_[parameter.name] = shortened(from + axes[k].description());
+      continue;
+    }
+    axes[k] = read_axis(parameter, std::move(words), defaults);
   }
   if (!missing.empty())
     throw InvalidInput(fmt::format(
         "the plan lacks {}: give a number, a list (0,30,60) or start:stop:step for each", missing));
   longest_r_ = longest_of(axes[0]);
   return axes;
+}
+
+Axis ScanPlan::read_axis(const PoseParameter& parameter, std::vector<PlanWord> words,
+                         const PoseDefaults& defaults) {
+  const bool is_r = parameter.value == &PoseDegrees::r;
+  if (is_r) words = without_contact(std::move(words));
+  std::optional<OwnValue> own;
+  if (!defaults.here && begins_with_here(words[0].text)) words[0].refuse(kNoHere);
+  if (take_here(words, is_r && above_contact_)) own.emplace(parameter, defaults.here());
+  Axis axis(std::move(words), own);
+  check_range(axis, parameter);
+  const std::string from = is_r && above_contact_ ? "contact + " : "";
+  description_[parameter.name] = shortened(from + axis.description());
+  return axis;
 }
 
 /// Takes the words "contact +" off the values of r and remembers that they were there.

@@ -9,6 +9,7 @@
 
 #include "dravo/scan.hpp"
 #include "scan/axis.hpp"
+#include "scan/own_value.hpp"
 #include "scan/plan_keys.hpp"
 
 namespace dravo {
@@ -21,9 +22,9 @@ namespace dravo {
 ///              over all rotations
 class ScanPlan {
  public:
-  /// Throws InvalidInput for a plan that is incomplete, contradicts itself, or leaves the ranges of
-  /// the parameters.
-  explicit ScanPlan(const PlanKeys& keys);
+  /// `defaults` stand in for parameters without a key. Throws InvalidInput for a plan that is
+  /// incomplete, contradicts itself, or leaves the ranges of the parameters.
+  explicit ScanPlan(const PlanKeys& keys, const PoseDefaults& defaults = {});
 
   [[nodiscard]] const Poses& poses() const { return poses_; }
 
@@ -48,10 +49,14 @@ class ScanPlan {
   }
 
  private:
-  Poses read_poses(const PlanKeys& keys);
+  Poses read_poses(const PlanKeys& keys, const PoseDefaults& defaults);
   Poses read_list(const PlanWord& zip, const PlanKeys& keys);
-  Poses read_random(const PlanWord& random, const PlanWord* seed, const PlanKeys& keys);
-  std::array<Axis, 6> read_axes(const PlanKeys& keys, std::size_t needed, const char* others);
+  Poses read_random(const PlanWord& random, const PlanWord* seed, const PlanKeys& keys,
+                    const PoseDefaults& defaults);
+  std::array<Axis, 6> read_axes(const PlanKeys& keys, const PoseDefaults& defaults,
+                                std::size_t needed);
+  Axis read_axis(const PoseParameter& parameter, std::vector<PlanWord> words,
+                 const PoseDefaults& defaults);
   [[nodiscard]] std::vector<PlanWord> without_contact(std::vector<PlanWord> words);
 
   bool above_contact_ = false;

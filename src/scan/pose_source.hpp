@@ -38,7 +38,7 @@ class PoseSource {
 /// Indices stay whole as doubles.
 inline constexpr std::int64_t kMostPoses = 1'000'000'000'000'000;
 
-/// A stretch of an axis with a value that the parameter may not have.
+/// A stretch of an axis with a value that the parameter may not have, which the complaint tells.
 struct AxisFault {
   const Axis::Segment* segment;
   OutOfRange complaint;

@@ -164,9 +164,11 @@ TEST_P(NudgedValues, AreAnnouncedAndAreWhatARunUses) {
 
 INSTANTIATE_TEST_SUITE_P(Values, NudgedValues, ::testing::ValuesIn(kNudgings));
 
-TEST(ValuesNotGiven, AreZeroInTheFileAndNudgedInTheRun) {
-  const XyzDimer folder;
-  const Outcome outcome = run_command(folder, {"prepare", "pair.xyz", "--split", "6", "--r", "4"});
+TEST(ValuesNotGivenForTwoFiles, AreZeroInTheFileAndNudgedInTheRun) {
+  const TemporaryFolder folder;
+  folder.write("one.xyz", xyz(atoms_of("formamide-dimer", 1, 6)));
+  folder.write("two.xyz", xyz(atoms_of("formamide-dimer", 7, 12)));
+  const Outcome outcome = run_command(folder, {"prepare", "one.xyz", "two.xyz", "--r", "4"});
   EXPECT_EQ(outcome.messages,
             "dravo: theta 0 will be used as 0.049: phi has no meaning at theta 0\n"
             "dravo: phi 0 will be used as 0.049: angles are kept off 0\n"

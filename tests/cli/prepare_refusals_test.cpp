@@ -79,6 +79,9 @@ const std::vector<Refused> kBadUsage{
     {"r is no number",
      {"pair.xyz", "--r", "4A"},
      "--r: expected a finite number, found \"4A\"\n" + kUsage},
+    {"r is nearly here",
+     {"pair.xyz", "--r", "here * 2"},
+     "--r: expected here, or here + a finite number, found \"here * 2\"\n" + kUsage},
     {"r is the next option",
      {"pair.xyz", "--r", "--phi", "3"},
      "--r: expected a finite number, found \"--phi\"\n" + kUsage},
@@ -109,7 +112,14 @@ const Words kSplitAtSix{"--split", "6", "--r", "4"};
 const std::vector<Refused> kBadInput{
     {"no such file", Words{"none.xyz"} + kSplitAtSix,
      "none.xyz: cannot read: No such file or directory"},
-    {"no distance", {"pair.xyz", "--split", "6"}, "--r is required: pair.xyz states no distance"},
+    {"no distance", {"one.xyz", "two.xyz"}, "--r is required: nothing else tells it"},
+    {"here in two files",
+     {"one.xyz", "two.xyz", "--r", "4", "--phi", "here + 1"},
+     "--phi here + 1: here needs a pair as it stands; two files do not tell how their molecules "
+     "stand"},
+    {"theta beyond its range by here",
+     {"there.xyz", "--theta", "here+100"},
+     "--theta here+100 = 190: polar angle out of range. Allowed: 0<theta<180 degrees"},
     {"no atoms for molecule 2",
      {"pair.xyz", "--r", "4", "--split", "12"},
      "pair.xyz: no atoms are left for molecule 2: 12 atoms in all, 12 of molecule 1"},
@@ -118,7 +128,12 @@ const std::vector<Refused> kBadInput{
 class BadInput : public ::testing::TestWithParam<Refused> {};
 
 TEST_P(BadInput, IsOneMessageAndStatusTwo) {
-  expect_refused(XyzDimer(), GetParam().words, GetParam().message);
+  const XyzDimer folder;
+  folder.write("one.xyz", xyz(atoms_of("formamide-dimer", 1, 6)));
+  folder.write("two.xyz", xyz(atoms_of("formamide-dimer", 7, 12)));
+  // Both molecules of this dimer lie in the XY plane: theta is 90 by symmetry.
+  folder.write("there.xyz", bundled("formamide-dimer"));
+  expect_refused(folder, GetParam().words, GetParam().message);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, BadInput, ::testing::ValuesIn(kBadInput));
