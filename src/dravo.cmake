@@ -91,7 +91,9 @@ function(dravo_program library)
     src/cli/identify.cpp
     src/cli/main.cpp
     src/cli/merge.cpp
+    src/cli/output_file.cpp
     src/cli/pair_options.cpp
+    src/cli/place.cpp
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp)

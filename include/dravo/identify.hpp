@@ -59,6 +59,10 @@ std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& degrees);
 /// sentence each, without full stop.
 std::vector<std::string> remarks_on(const Identification& identification);
 
+/// What makes the frame of molecule `number` (1 or 2) uncertain, and how far it is from a
+/// reference: "molecule 1: it is nearly symmetric: C2 holds within 0.0063 Angstrom".
+std::vector<std::string> remarks_on(const PrincipalFrame& frame, int number);
+
 /// The sentence about a search that missed the axes by so many degrees, and thus about what is
 /// uncertain: "the search missed the axes by 0.164 degrees: the parameters are that uncertain".
 /// Empty for a search that did not miss them.

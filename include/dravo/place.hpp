@@ -41,6 +41,10 @@ struct Placed {
   ContactSurvey survey;
 };
 
+/// Names of the parameters that change nothing in any pose of these molecules: the Euler angles
+/// where molecule 1 is an atom, alpha where it is linear, all angles of two atoms.
+std::vector<std::string_view> idle_parameters(const std::array<PrincipalFrame, 2>& molecules);
+
 /// Immutable, cheap to copy, and usable from several threads at once.
 ///
 /// @code
@@ -81,10 +85,6 @@ class Placer {
   /// has a short contact on its way from afar; zero when it has none on the way. `pose.r` is not
   /// looked at. Throws OutOfRange.
   [[nodiscard]] double touching_distance(const PoseDegrees& pose) const;
-
-  /// Parameters that change nothing in any pose: Euler angles where molecule 1 is an atom, alpha
-  /// where it is linear, all angles of two atoms.
-  [[nodiscard]] std::vector<std::string_view> idle_parameters() const;
 
   /// For the library itself.
   [[nodiscard]] const PairPlacer& inside() const { return *placer_; }

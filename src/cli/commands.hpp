@@ -20,6 +20,7 @@ class CannotBeDone : public Error {
 
 void add_prepare(CLI::App& program);
 void add_identify(CLI::App& program);
+void add_place(CLI::App& program);
 void add_scan(CLI::App& program);
 void add_merge(CLI::App& program);
 

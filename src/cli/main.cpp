@@ -49,6 +49,7 @@ void describe(CLI::App& program) {
   program.require_subcommand(1);
   dravo::add_prepare(program);
   dravo::add_identify(program);
+  dravo::add_place(program);
   dravo::add_scan(program);
   dravo::add_merge(program);
   for (CLI::App* command : program.get_subcommands({}))
@@ -60,12 +61,13 @@ void require_known_command(const CLI::App& program, const std::string& word) {
   const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
   const auto is_word = [&](const CLI::App* command) { return command->get_name() == word; };
   if (word.starts_with('-') || std::any_of(commands.begin(), commands.end(), is_word)) return;
-  throw dravo::InvalidInput(dravo::quoted(word) +
-                            ": no such command; there are prepare, identify, scan and merge");
+  throw dravo::InvalidInput(
+      dravo::quoted(word) +
+      ": no such command; there are prepare, identify, place, scan and merge");
 }
 
 int run(int argc, char** argv) {
-  CLI::App program("Prepares, identifies and scans pairs of molecules", "dravo");
+  CLI::App program("Prepares, identifies, places and scans pairs of molecules", "dravo");
   describe(program);
   try {
     if (argc > 1) require_known_command(program, argv[1]);

@@ -60,6 +60,17 @@ std::optional<Pair> reference_pair(const std::string& file, const PairRequest& r
   return read_pair(of_reference).pair;
 }
 
+void add_placing_options(CLI::App& command, PlacingOptions& options) {
+  auto* exact = command.add_flag_function(
+      "--exact", [&options](std::int64_t) { options.placing = Placing::exact; },
+      "place by closed form, with the parameters as they are given");
+  auto* as_qn_dravo = command.add_flag_function(
+      "--as-qn-dravo", [&options](std::int64_t) { options.placing = Placing::as_qn_dravo; },
+      "place digit for digit as qn-dravo; refuse pairs that it refuses");
+  exact->excludes(as_qn_dravo);
+  add_like_option(command, options.like);
+}
+
 void add_second_file(CLI::App& command, const SharedRequest& request) {
   command.add_option("file2", request->second_file, "xyz file of molecule 2")->type_name("FILE2");
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dravo/molecule.hpp"
+#include "dravo/place.hpp"
 
 namespace dravo {
 
@@ -26,6 +27,15 @@ void add_like_option(CLI::App& command, std::string& file);
 /// The pair of `--like`, read with the split of the pair; empty without the option. Throws
 /// InvalidInput and IoFailure.
 std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request);
+
+/// How poses are placed, and by whose axes.
+struct PlacingOptions {
+  Placing placing = Placing::automatic;
+  std::string like;  ///< file of the reference; empty for none
+};
+
+/// `--exact`, `--as-qn-dravo` and `--like FILE`.
+void add_placing_options(CLI::App& command, PlacingOptions& options);
 
 /// A second argument, the file of molecule 2.
 void add_second_file(CLI::App& command, const SharedRequest& request);

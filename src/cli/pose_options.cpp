@@ -84,7 +84,7 @@ void add_pose_options(CLI::App& command, GivenPose& given) {
     add_value(command, kPoseParameters[k].name, kValueHelp[k], given[k]);
 }
 
-PoseDefaults pose_defaults(const PairRequest& request, const PairFile& file) {
+PoseDefaults pose_defaults(const PairRequest& request, const PairFile& file, const Pair* like) {
   PoseDefaults defaults;
   if (!request.second_file.empty()) {
     const bool linear = principal_frames(file.pair)[1].shape == Shape::linear;
@@ -94,8 +94,8 @@ PoseDefaults pose_defaults(const PairRequest& request, const PairFile& file) {
   if (file.parameters)
     for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
       defaults.values[k] = (*file.parameters).*kPoseParameters[k].value;
-  defaults.here = [&pair = file.pair, known = std::optional<PoseDegrees>()]() mutable {
-    if (!known) known = identify(pair).parameters;
+  defaults.here = [&pair = file.pair, like, known = std::optional<PoseDegrees>()]() mutable {
+    if (!known) known = identify(pair, {FrameRule::extended, like}).parameters;
     return *known;
   };
   return defaults;

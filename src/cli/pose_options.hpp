@@ -26,9 +26,10 @@ using GivenPose = std::array<std::optional<GivenValue>, kPoseParameters.size()>;
 void add_pose_options(CLI::App& command, GivenPose& given);
 
 /// The parameters that a file states; else those of the pair as it stands; for two files no r and
-/// angles of zero, but theta beside a linear molecule 2, which is 90. `file` must live as long as
-/// the defaults.
-PoseDefaults pose_defaults(const PairRequest& request, const PairFile& file);
+/// angles of zero, but theta beside a linear molecule 2, which is 90. `file` and `like`, the pair
+/// whose axes are carried along (null for none), must live as long as the defaults.
+PoseDefaults pose_defaults(const PairRequest& request, const PairFile& file,
+                           const Pair* like = nullptr);
 
 /// What is given, and the defaults for the rest. Throws InvalidInput for values that no pose may
 /// have, and where neither tells a value.

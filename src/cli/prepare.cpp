@@ -3,13 +3,12 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "cli/commands.hpp"
+#include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
 #include "common/errors.hpp"
@@ -92,23 +91,6 @@ std::vector<std::string> nudging_remarks(const PoseDegrees& degrees) {
                                   reason_of_nudge(angle, degrees)));
   }
   return remarks;
-}
-
-// --- the file ---------------------------------------------------------------------------------
-
-/// An earlier file goes only when the user says so; a folder or a device never goes.
-void require_replaceable(const std::string& name, bool overwrite) {
-  std::error_code ignored;  // whatever it is, writing meets it too
-  const auto status = std::filesystem::symlink_status(name, ignored);
-  if (!std::filesystem::exists(status)) return;
-  if (!std::filesystem::is_regular_file(status) && !std::filesystem::is_symlink(status))
-    throw IoFailure(name + ": cannot replace it: not a regular file");
-  if (!overwrite) throw IoFailure(name + ": exists already; --overwrite replaces it");
-}
-
-std::string written_line(const std::string& name, const Pair& pair) {
-  return fmt::format("wrote {}: molecule 1 has {} atoms, molecule 2 has {}", name, pair.n1(),
-                     pair.size() - pair.n1());
 }
 
 // --- pairs that qn-dravo refuses --------------------------------------------------------------

@@ -4,7 +4,11 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "cli/commands.hpp"
 #include "cli/pair_options.hpp"
@@ -54,6 +58,8 @@ struct ScanCommand {
   std::string plan_file;
   std::map<std::string, std::string> keys;
   bool files = false;
+  bool unique = false;
+  PlacingOptions placing;
   bool resume = false;
   bool overwrite = false;
   bool quiet = false;
@@ -72,18 +78,36 @@ Shard parse_shard(const std::string& text) {
   return {*number, *of};
 }
 
-ScanPlan plan_of(const ScanCommand& options, const PairFile& pair) {
+PlanKeys keys_of(const ScanCommand& options) {
   PlanKeys keys;
   if (!options.plan_file.empty()) keys = read_plan_keys(options.plan_file);
   for (const auto& [key, value] : options.keys) set_plan_key(keys, key, value);
   if (options.files) set_plan_key(keys, "files", "true");
-  return ScanPlan(keys, pose_defaults(*options.pair, pair));
+  if (options.unique) set_plan_key(keys, "unique", "true");
+  return keys;
+}
+
+/// What the user should know about the placing.
+std::vector<std::string> remarks_on_placing(const PairPlacer& placer, const ScanCommand& options,
+                                            const PlanKeys& keys) {
+  std::vector<std::string> remarks;
+  if (placer.exact() && options.placing.placing == Placing::automatic)
+    remarks.emplace_back("poses are placed exactly, not as by qn-dravo");
+  const std::string missed = remark_on_missed_axes(placer.missed(), "the poses");
+  if (!missed.empty()) remarks.push_back(missed);
+  for (const std::string_view name : idle_parameters(placer.molecules()))
+    if (keys.find(std::string(name)) != keys.end())
+      remarks.push_back(fmt::format("{} changes nothing in this pair", name));
+  for (std::size_t m = 0; m < placer.molecules().size(); ++m)
+    for (std::string& remark : remarks_on(placer.molecules()[m], static_cast<int>(m) + 1))
+      remarks.push_back(std::move(remark));
+  return remarks;
 }
 
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
-void report(const ScanTotals& totals, const ScanCommand& options, bool files) {
+void report(const ScanTotals& totals, const ScanCommand& options, bool files, bool exact) {
   if (options.json) {
-    std::cout << json_text_of(totals) << '\n';
+    std::cout << json_text_of(totals, exact) << '\n';
   } else if (options.request.count_only) {
     std::cout << sentence_about(totals) << '\n';
   } else if (!options.quiet) {
@@ -100,13 +124,17 @@ void run(ScanCommand& options) {
   request.progress = kind_of_progress(options.quiet);
   const PairFile pair = read_pair(*options.pair);
   if (!options.quiet) tell(pair.remarks);
-  const ScanPlan plan = plan_of(options, pair);
+  const PlanKeys keys = keys_of(options);
+  const std::optional<Pair> like = reference_pair(options.placing.like, *options.pair);
+  const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
-                    plan.zip_file()};
-  const PairPlacer placer(pair.pair);
-  const std::string missed = remark_on_missed_axes(placer.missed(), "the poses");
-  if (!options.quiet && !missed.empty()) tell({missed});
-  report(run_scan(placer, pair.pair, plan, request), options, plan.files());
+                    plan.zip_file(), options.placing.like};
+  if (like) request.like = fingerprint_of(*like);
+  const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
+  const PairPlacer placer(
+      pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr});
+  if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
+  report(run_scan(placer, pair.pair, plan, request), options, plan.files(), placer.exact());
 }
 
 void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {
@@ -122,6 +150,9 @@ void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opt
         ->type_name(option.type);
   command.add_flag("--files", options->files,
                    "the files of qn-dravo for each pose, in folders by index, instead of one xyz");
+  command.add_flag("--unique", options->unique,
+                   "equal poses once: those that rotations of the molecules make equal; exact");
+  add_placing_options(command, options->placing);
 }
 
 void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {

@@ -92,6 +92,7 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
     frames.append(" ").append(column.name).append("=");
     column.append(frames, pose);
   }
+  if (columns_.exact) frames += " placing=exact";
   frames += '\n';
   append_atoms(frames, labels_, placed);
 }

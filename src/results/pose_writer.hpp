@@ -13,6 +13,7 @@ namespace dravo {
 struct PoseColumns {
   bool above_contact = false;
   bool equivalents = false;
+  bool exact = false;  ///< no column: comment lines say "placing=exact"
 };
 
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest

@@ -54,6 +54,8 @@ std::optional<std::uint64_t> checksum_in(const Json& json, const char* key) {
   return number;
 }
 
+const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
+
 }  // namespace
 
 std::int64_t Shard::first(std::int64_t poses) const {
@@ -86,7 +88,7 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Pai
   origin["version"] = DRAVO_VERSION;
   origin["pair"] = fingerprint_of(pair);
   origin["frame_rule"] = std::to_string(kFrameRule);
-  origin["placing"] = placer.exact() ? "exact" : "as qn-dravo";
+  origin["placing"] = words_of_placing(placer.exact());
   return origin;
 }
 
@@ -126,6 +128,13 @@ std::string sentence_about(const ScanTotals& totals) {
 }
 
 std::string json_text_of(const ScanTotals& totals) { return json_of(totals).dump(); }
+
+std::string json_text_of(const ScanTotals& totals, bool exact) {
+  Json json = json_of(totals);
+  json["placing"] = words_of_placing(exact);
+  json["frame_rule"] = kFrameRule;
+  return json.dump();
+}
 
 std::string text_of(const ScanRecord& record) {
   Json json{{"origin", record.origin},          {"poses", record.poses},

@@ -57,6 +57,7 @@ std::string sentence_about(const ScanTotals& totals);
 
 /// JSON, on one line.
 std::string json_text_of(const ScanTotals& totals);
+std::string json_text_of(const ScanTotals& totals, bool exact);
 std::string text_of(const ScanRecord& record);
 
 /// Throws IoFailure for anything else than such a text; `name` is the file's.

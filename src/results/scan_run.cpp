@@ -133,7 +133,7 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
       refuse_inputs_in_folder(request);
       refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
-    const PoseWriter writer(placer.labels(), columns_of(plan));
+    const PoseWriter writer(placer.labels(), columns_of(placer, plan));
     files.emplace(result_name(request), record_of(placer, pair, plan, request),
                   writer.table_heading(), request.earlier,
                   output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);

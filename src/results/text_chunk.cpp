@@ -6,14 +6,16 @@
 
 namespace dravo {
 
-PoseColumns columns_of(const ScanPlan& plan) { return {plan.above_contact(), plan.unique()}; }
+PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan) {
+  return {plan.above_contact(), plan.unique(), placer.exact()};
+}
 
 TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
                      const UniquePoses* unique)
     : placer_(&placer),
       output_(&output),
       poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact(), unique}),
-      writer_(placer.labels(), columns_of(plan)),
+      writer_(placer.labels(), columns_of(placer, plan)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {

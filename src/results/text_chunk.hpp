@@ -27,7 +27,7 @@ struct ScanOutput {
 };
 
 /// Which columns the poses of a plan have.
-PoseColumns columns_of(const ScanPlan& plan);
+PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan);
 
 /// One per thread.
 class TextMaker {

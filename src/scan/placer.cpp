@@ -63,8 +63,8 @@ double Placer::touching_distance(const PoseDegrees& pose) const {
   return placer_->touching_distance(used_parameters(*placer_, anywhere));
 }
 
-std::vector<std::string_view> Placer::idle_parameters() const {
-  const auto& [one, two] = molecules();
+std::vector<std::string_view> idle_parameters(const std::array<PrincipalFrame, 2>& molecules) {
+  const auto& [one, two] = molecules;
   if (one.shape == Shape::atom && two.shape == Shape::atom)
     return {"theta", "phi", "alpha", "beta", "gamma"};
   if (one.shape == Shape::atom) return {"alpha", "beta", "gamma"};

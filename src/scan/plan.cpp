@@ -23,7 +23,8 @@
 namespace dravo {
 namespace {
 
-constexpr std::array<std::string_view, 5> kOtherKeys{"zip", "random", "seed", "contacts", "files"};
+constexpr std::array<std::string_view, 6> kOtherKeys{"zip",      "random", "seed",
+                                                     "contacts", "files",  "unique"};
 
 bool is_parameter(std::string_view key) {
   return std::any_of(kPoseParameters.begin(), kPoseParameters.end(),
@@ -145,8 +146,10 @@ ScanPlan::ScanPlan(const PlanKeys& keys, const PoseDefaults& defaults)
     : poses_(read_poses(keys, defaults)) {
   if (const PlanWord* rule = single(keys, "contacts")) contacts_ = choice(*rule, kContactRules);
   if (const PlanWord* files = single(keys, "files")) files_ = choice(*files, kTruth);
+  if (const PlanWord* unique = single(keys, "unique")) unique_ = choice(*unique, kTruth);
   description_["contacts"] = kContactRules[static_cast<std::size_t>(contacts_)].first;
   description_["files"] = kTruth[files_ ? 0 : 1].first;
+  if (unique_) description_["unique"] = kTruth[0].first;
 }
 
 Poses ScanPlan::read_poses(const PlanKeys& keys, const PoseDefaults& defaults) {

@@ -43,6 +43,9 @@ class ScanPlan {
   /// Whether each pose gets files of its own, as `qn-dravo` writes them.
   [[nodiscard]] bool files() const { return files_; }
 
+  /// Whether equal poses are made once.
+  [[nodiscard]] bool unique() const { return unique_; }
+
   /// What decides about the poses, for comparison with another plan: key and text.
   [[nodiscard]] const std::map<std::string, std::string>& description() const {
     return description_;
@@ -64,6 +67,7 @@ class ScanPlan {
   std::string zip_file_;
   ContactRule contacts_ = ContactRule::keep;
   bool files_ = false;
+  bool unique_ = false;
   std::map<std::string, std::string> description_;
   Poses poses_;  ///< last: reading them tells all of the above
 };

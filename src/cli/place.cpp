@@ -1,0 +1,150 @@
+#include "dravo/place.hpp"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/commands.hpp"
+#include "cli/output_file.hpp"
+#include "cli/pair_options.hpp"
+#include "cli/pose_options.hpp"
+#include "common/atom_table.hpp"
+#include "common/number_format.hpp"
+#include "common/output_folder.hpp"
+#include "common/record_format.hpp"
+#include "dravo/contacts.hpp"
+#include "dravo/identify.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr auto kExample =
+    "A value is a number, or here, the pair's own as FILE has it, or here + a number (here-10).\n"
+    "What is not given is as FILE states it when it is a QN-input-GEOMETRY.xyz, else here; with FILE2\n"
+    "it is 0 (theta beside a linear molecule 2: 90), and --r must be given.\n"
+    "Examples: water on benzene; a dimer, half an Angstrom farther apart\n"
+    "  dravo place water.xyz benzene.xyz --r 3.3 --theta 0 -o pair.xyz\n"
+    "  dravo place dimer.xyz --split 6 --r here+0.5";
+
+struct PlaceCommand {
+  SharedRequest request = std::make_shared<PairRequest>();
+  GivenPose given;
+  PlacingOptions placing;
+  bool keep_frame = false;
+  std::string output;
+  bool overwrite = false;
+};
+
+/// Molecule 2 and its axes back where its file has them.
+void move_to_frame(const PrincipalFrame& molecule2, std::vector<Vec3>& atoms) {
+  const auto& [Y, X, Z] = molecule2.axes;
+  const auto along = [&](double Vec3::*component, const Vec3& p) {
+    return p.x * X.direction.*component + p.y * Y.direction.*component +
+           p.z * Z.direction.*component + molecule2.cm.*component;
+  };
+  for (Vec3& p : atoms) p = {along(&Vec3::x, p), along(&Vec3::y, p), along(&Vec3::z, p)};
+}
+
+/// Extended xyz, with the six parameters and the number of its molecule for each atom.
+std::string frame_of(const Placer& placer, const PoseDegrees& pose,
+                     const std::vector<Vec3>& atoms) {
+  constexpr int kWidth = 15, kDecimals = 8;
+  std::string text = std::to_string(placer.size()) + "\n";
+  text += "Properties=species:S:1:pos:R:3:molecule:I:1";
+  for (const auto& [name, value] : kPoseParameters)
+    text += fmt::format(" {}={}", name, shortest_text(pose.*value));
+  text += fmt::format(" placing={}\n", placer.exact() ? "exact" : "as_qn_dravo");
+  for (std::int32_t i = 0; i < placer.size(); ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    text += text_of(placer.labels()[k]);
+    for (const double coordinate : {atoms[k].x, atoms[k].y, atoms[k].z}) {
+      text += ' ';
+      append_fixed_field(text, coordinate, kWidth, kDecimals);
+    }
+    text += i < placer.n1() ? " 1\n" : " 2\n";
+  }
+  return text;
+}
+
+std::string atom_text(const Placer& placer, std::int32_t atom) {
+  const Label& label = placer.labels()[static_cast<std::size_t>(atom)];
+  return fmt::format("{}{}", std::string_view(label.data(), label[1] == ' ' ? 1 : 2), atom + 1);
+}
+
+void tell_of_contacts(const Placer& placer, const std::vector<Vec3>& atoms) {
+  constexpr std::size_t kMostListed = 10;
+  const auto contacts = short_contacts({placer.n1(), Molecule(placer.labels(), atoms)});
+  for (std::size_t k = 0; k < contacts.size() && k < kMostListed; ++k)
+    tell({fmt::format("short contact: {} of molecule 1 and {} of molecule 2, {} Angstrom",
+                      atom_text(placer, contacts[k].atom1), atom_text(placer, contacts[k].atom2),
+                      fixed_text(contacts[k].distance, 4))});
+  if (contacts.size() > kMostListed)
+    tell({fmt::format("and {} more short contacts", contacts.size() - kMostListed)});
+}
+
+void tell_of_values(const PlaceCommand& command, const Placer& placer, const PoseDegrees& pose) {
+  for (const std::string_view name : idle_parameters(placer.molecules()))
+    if (command.given[pose_parameter(name)])
+      tell({fmt::format("{} changes nothing in this pair", name)});
+  if (placer.exact()) return;
+  const std::string missed = remark_on_missed_axes(placer.missed(), "the pose");
+  if (!missed.empty()) tell({missed});
+  for (const auto& [name, asked, used] : nudged_in_a_build(pose))
+    tell({fmt::format("{} {} is applied as {}", name, shortest_text(asked), fixed_text(used, 3))});
+}
+
+void tell_of_frames(const Placer& placer) {
+  for (std::size_t m = 0; m < placer.molecules().size(); ++m)
+    tell(remarks_on(placer.molecules()[m], static_cast<int>(m) + 1));
+}
+
+void place(const PlaceCommand& command) {
+  const PairFile file = read_pair(*command.request);
+  tell(file.remarks);
+  const std::optional<Pair> like = reference_pair(command.placing.like, *command.request);
+  const Pair* const reference = like ? &*like : nullptr;
+  const PoseDegrees pose = chosen_pose(
+      command.given, pose_defaults(*command.request, file, reference), *command.request);
+  if (!command.output.empty()) require_replaceable(command.output, command.overwrite);
+  const Placing placing =
+      command.placing.placing == Placing::automatic ? Placing::exact : command.placing.placing;
+  const Placer placer(file.pair, {placing, reference});
+  std::vector<Vec3> atoms = placer.positions(pose);
+  tell_of_values(command, placer, pose);
+  tell_of_frames(placer);
+  tell_of_contacts(placer, atoms);
+  if (command.keep_frame) move_to_frame(placer.molecules()[1], atoms);
+  const std::string text = frame_of(placer, pose, atoms);
+  if (command.output.empty()) {
+    std::cout << text;
+    return;
+  }
+  WorkingDirectory().replace(command.output, text);
+  tell({written_line(command.output, file.pair)});
+}
+
+}  // namespace
+
+void add_place(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand("place", "Place a pair once");
+  const auto options = std::make_shared<PlaceCommand>();
+  options->request = add_pair_options(command);
+  add_second_file(command, options->request);
+  add_pose_options(command, options->given);
+  add_placing_options(command, options->placing);
+  command.add_flag("--keep-frame", options->keep_frame, "leave molecule 2 where its file has it");
+  command.add_option("-o,--output", options->output, "file to write (standard output)")
+      ->type_name("FILE");
+  command.add_flag("--overwrite", options->overwrite, "replace a file that exists");
+  command.footer(kExample);
+  command.callback([options] { place(*options); });
+}
+
+}  // namespace dravo
