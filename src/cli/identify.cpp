@@ -230,7 +230,7 @@ struct IdentifyCommand {
 void show(const IdentifyCommand& command) {
   const PairFile file = read_pair(*command.request);
   tell(file.remarks);
-  const std::optional<Pair> like = reference_pair(command.like, *command.request);
+  const std::optional<Pair> like = reference_pair(command.like, *command.request, file.pair);
   try {
     const Identification found = identify(file.pair, {command.frames, like ? &*like : nullptr});
     std::cout << (command.json ? json_of(found, command.all_sets).dump(2) + '\n'

@@ -51,9 +51,11 @@ void add_like_option(CLI::App& command, std::string& file) {
       ->type_name("FILE");
 }
 
-std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request) {
+std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request,
+                                   const Pair& pair) {
   if (file.empty()) return std::nullopt;
   PairRequest of_reference = request;
+  if (!request.second_file.empty()) of_reference.split = pair.n1();
   of_reference.file = file;
   of_reference.second_file.clear();
   of_reference.frame = 1;

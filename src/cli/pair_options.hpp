@@ -24,9 +24,10 @@ SharedRequest add_pair_options(CLI::App& command);
 /// `--like FILE`, the file of the same pair whose axes are carried along.
 void add_like_option(CLI::App& command, std::string& file);
 
-/// The pair of `--like`, read with the split of the pair; empty without the option. Throws
-/// InvalidInput and IoFailure.
-std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request);
+/// The pair of `--like`, divided as `pair`, which was read by the request; empty without the
+/// option. Throws InvalidInput and IoFailure.
+std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request,
+                                   const Pair& pair);
 
 /// How poses are placed, and by whose axes.
 struct PlacingOptions {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iostream>
@@ -52,6 +53,12 @@ void move_to_frame(const PrincipalFrame& molecule2, std::vector<Vec3>& atoms) {
   for (Vec3& p : atoms) p = {along(&Vec3::x, p), along(&Vec3::y, p), along(&Vec3::z, p)};
 }
 
+/// What is written with eight decimals as -0.00000000 is zero.
+double without_negative_zero(double coordinate) {
+  constexpr double kSmallestWritten = 5e-9;
+  return std::abs(coordinate) < kSmallestWritten ? 0.0 : coordinate;
+}
+
 /// Extended xyz, with the six parameters and the number of its molecule for each atom.
 std::string frame_of(const Placer& placer, const PoseDegrees& pose,
                      const std::vector<Vec3>& atoms) {
@@ -66,7 +73,7 @@ std::string frame_of(const Placer& placer, const PoseDegrees& pose,
     text += text_of(placer.labels()[k]);
     for (const double coordinate : {atoms[k].x, atoms[k].y, atoms[k].z}) {
       text += ' ';
-      append_fixed_field(text, coordinate, kWidth, kDecimals);
+      append_fixed_field(text, without_negative_zero(coordinate), kWidth, kDecimals);
     }
     text += i < placer.n1() ? " 1\n" : " 2\n";
   }
@@ -108,7 +115,8 @@ void tell_of_frames(const Placer& placer) {
 void place(const PlaceCommand& command) {
   const PairFile file = read_pair(*command.request);
   tell(file.remarks);
-  const std::optional<Pair> like = reference_pair(command.placing.like, *command.request);
+  const std::optional<Pair> like =
+      reference_pair(command.placing.like, *command.request, file.pair);
   const Pair* const reference = like ? &*like : nullptr;
   const PoseDegrees pose = chosen_pose(
       command.given, pose_defaults(*command.request, file, reference), *command.request);

@@ -125,7 +125,7 @@ void run(ScanCommand& options) {
   const PairFile pair = read_pair(*options.pair);
   if (!options.quiet) tell(pair.remarks);
   const PlanKeys keys = keys_of(options);
-  const std::optional<Pair> like = reference_pair(options.placing.like, *options.pair);
+  const std::optional<Pair> like = reference_pair(options.placing.like, *options.pair, pair.pair);
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
