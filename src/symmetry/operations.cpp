@@ -31,7 +31,9 @@ class ProductTable {
         const auto product =
             numbers.find({second.image[at(first.image[a])], second.image[at(first.image[b])],
                           first.proper == second.proper});
-        if (product != numbers.end()) products_[i * size_ + j] = product->second;
+        if (product == numbers.end()) continue;
+        const Operation& found = operations[at(product->second)];
+        if (is_product(found, second, first)) products_[i * size_ + j] = product->second;
       }
   }
 
@@ -57,6 +59,13 @@ class ProductTable {
       for (std::size_t b = a + 1; b < atoms; ++b)
         if (tell_apart(operations, a, b)) return {a, b};
     return {0, atoms - 1};
+  }
+
+  /// Operations that are not among these may have the images of one that is at the telling atoms.
+  static bool is_product(const Operation& found, const Operation& second, const Operation& first) {
+    for (std::size_t i = 0; i < found.image.size(); ++i)
+      if (found.image[i] != second.image[at(first.image[i])]) return false;
+    return true;
   }
 
   static bool tell_apart(const std::vector<Operation>& operations, std::size_t a, std::size_t b) {
@@ -101,8 +110,10 @@ std::vector<Operation> exact_group(std::vector<Operation> found, double toleranc
       make_exact(found, table);
       break;
     }
+    // An operation and its inverse miss by the same, but for rounding.
+    constexpr double kRounding = 1e-9;
     const double worst = largest_residual(found);
-    std::erase_if(found, [&](const Operation& o) { return o.residual >= worst; });
+    std::erase_if(found, [&](const Operation& o) { return o.residual >= worst - kRounding; });
   }
   return found;
 }
