@@ -127,7 +127,8 @@ std::size_t preferred(const Shapes& shapes, const std::vector<PoseDegrees>& sets
       if (is_nudged(shapes, sets[k]) == nudged) left.push_back(k);
     if (!left.empty()) break;
   }
-  for (const auto& [name, value] : kPoseParameters) {
+  for (const PoseParameter& parameter : kPoseParameters) {
+    const auto value = parameter.value;
     if (value == &PoseDegrees::r) continue;
     double smallest = 360.0;
     for (const std::size_t k : left)
@@ -172,10 +173,6 @@ PoseDegrees parameters_of(const Shapes& shapes, const RelativePose& pose) {
   if (shapes == Shapes{Shape::linear, Shape::atom}) parameters.phi = 0.0;
   if (shapes[0] != Shape::atom && shapes[1] != Shape::atom)
     set_rotation(shapes[0], fixed.turn, parameters);
-  if (shapes[1] == Shape::linear && std::abs(fixed.turn.row[2].z) <= kPole &&
-      !(std::hypot(fixed.place.x, fixed.place.z) > kPole * parameters.r) &&
-      shapes[0] != Shape::atom)
-    parameters.beta = 90.0;
   return parameters;
 }
 

@@ -28,9 +28,9 @@ StrictAnalysis analyse_strictly(const ConstAtomTable& atoms, RowRange rows);
 bool has_strict_frame(const StrictAnalysis& analysis);
 
 /// Of an analysis that has one. `index` is 0 for molecule 1.
-PrincipalFrame strict_frame(std::size_t index, std::int32_t atoms, const StrictAnalysis& analysis);
+PrincipalFrame strict_frame(std::size_t index, std::int32_t atoms, const StrictAnalysis& m);
 
 /// Why a molecule with fewer than two distinguishable axes has no frame, one sentence.
-std::string describe_symmetry(std::size_t index, const StrictAnalysis& analysis);
+std::string describe_symmetry(std::size_t index, const StrictAnalysis& m);
 
 }  // namespace dravo

@@ -209,7 +209,9 @@ std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& r
     squares[1] += m2 * p.y * p.y;
     squares[2] += m2 * p.z * p.z;
   }
-  for (const auto& [j, k] : {std::pair<std::size_t, std::size_t>{0, 1}, {0, 2}, {1, 2}}) {
+  constexpr std::array<std::pair<std::size_t, std::size_t>, 3> kPairs{{{0, 1}, {0, 2}, {1, 2}}};
+  for (const auto& pair : kPairs) {
+    const std::size_t j = pair.first, k = pair.second;
     const double gap = std::abs(moments[j] - moments[k]);
     const double degrees = kNoise * std::sqrt(squares[j] + squares[k]) / gap * kDegreesPerRadian;
     if (!(degrees > kTellingTurn) || (loosest && degrees <= loosest->degrees)) continue;

@@ -31,6 +31,7 @@ struct FactOfFrames {
 /// Frames whose value is above the first gap; all of them without a gap.
 std::vector<bool> above_gap(const std::vector<AxisValues>& values, std::size_t axis, double gap) {
   std::vector<double> sorted;
+  sorted.reserve(values.size());
   for (const AxisValues& v : values) sorted.push_back(v[axis]);
   std::sort(sorted.begin(), sorted.end(), std::greater<>());
   std::vector<bool> kept(values.size(), true);

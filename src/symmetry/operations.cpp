@@ -177,7 +177,7 @@ Vec3 axis_of(const Operation& operation) {
   const Matrix3 m = operation.proper ? operation.matrix : -1.0 * operation.matrix;
   // Of a rotation by an angle w: m + m^T + (1 - trace) = 2 (1 - cos w) u u^T.
   const Matrix3 square = m + transposed(m) + (1.0 - trace(m)) * kIdentity;
-  const auto longest =
+  const auto* const longest =
       std::max_element(square.row.begin(), square.row.end(),
                        [](const Vec3& a, const Vec3& b) { return dot(a, a) < dot(b, b); });
   const double size = length(*longest);
