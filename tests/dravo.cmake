@@ -32,8 +32,11 @@ function(dravo_test_molecules folder)
 endfunction()
 
 dravo_test_programs(symmetry protocol
+  candidate_frames_test.cpp
+  facts_test.cpp
   made_molecules_test.cpp
   molecule_sets_test.cpp
+  operations_test.cpp
   turned_test.cpp)
 dravo_test_molecules(symmetry)
 
