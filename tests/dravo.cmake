@@ -33,10 +33,12 @@ endfunction()
 
 dravo_test_programs(symmetry protocol
   candidate_frames_test.cpp
+  extended_frame_test.cpp
   facts_test.cpp
   made_molecules_test.cpp
   molecule_sets_test.cpp
   operations_test.cpp
+  published_frames_test.cpp
   turned_test.cpp)
 dravo_test_molecules(symmetry)
 
