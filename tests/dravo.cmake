@@ -15,7 +15,10 @@ dravo_test_programs(molecules protocol
   xyz_file_test.cpp)
 
 dravo_test_programs(identify protocol
+  any_pair_test.cpp
   axes_test.cpp
+  carried_frames_test.cpp
+  closed_form_test.cpp
   identification_test.cpp
   remarks_test.cpp
   rotors_test.cpp)
@@ -30,6 +33,8 @@ function(dravo_test_molecules folder)
     target_link_libraries(${program} PRIVATE test_molecules)
   endforeach()
 endfunction()
+
+dravo_test_molecules(identify)
 
 dravo_test_programs(symmetry protocol
   candidate_frames_test.cpp
