@@ -19,6 +19,7 @@ dravo_test_programs(identify protocol
   axes_test.cpp
   carried_frames_test.cpp
   closed_form_test.cpp
+  frame_words_test.cpp
   identification_test.cpp
   remarks_test.cpp
   rotors_test.cpp)
