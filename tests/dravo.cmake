@@ -15,7 +15,11 @@ dravo_test_programs(molecules protocol
   xyz_file_test.cpp)
 
 dravo_test_programs(identify protocol
+  any_pair_test.cpp
   axes_test.cpp
+  carried_frames_test.cpp
+  closed_form_test.cpp
+  frame_words_test.cpp
   identification_test.cpp
   remarks_test.cpp
   rotors_test.cpp)
@@ -31,9 +35,16 @@ function(dravo_test_molecules folder)
   endforeach()
 endfunction()
 
+dravo_test_molecules(identify)
+
 dravo_test_programs(symmetry protocol
+  candidate_frames_test.cpp
+  extended_frame_test.cpp
+  facts_test.cpp
   made_molecules_test.cpp
   molecule_sets_test.cpp
+  operations_test.cpp
+  published_frames_test.cpp
   turned_test.cpp)
 dravo_test_molecules(symmetry)
 

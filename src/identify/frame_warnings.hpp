@@ -13,7 +13,7 @@ namespace dravo {
 std::vector<std::string> warnings_of(const ExtendedFrame& frame);
 
 /// Of a molecule that is not linear, when noise of 0.001 Angstrom turns its axes by more than a
-/// degree.
+/// degree or exchanges them.
 void add_warning_about_noise(const CentredAtoms& atoms, PrincipalFrame& frame);
 
 }  // namespace dravo

@@ -139,14 +139,15 @@ std::vector<std::string> warnings_of(const ExtendedFrame& frame) {
 void add_warning_about_noise(const CentredAtoms& atoms, PrincipalFrame& frame) {
   AxisRows rows{};
   for (std::size_t k = 0; k < kMoments.size(); ++k) rows.row[k] = frame.axes[k].direction;
-  const auto loose = loose_axes(atoms, rows);
+  const AxesOf origin = frame.kind == FrameKind::strict ? AxesOf::tensor : AxesOf::symmetry;
+  const auto loose = loose_axes(atoms, rows, origin);
   if (!loose) return;
-  const std::string turn = loose->degrees < 90.0
-                               ? fmt::format("by {} degrees", fixed_text(loose->degrees, 1))
-                               : "by any angle";
-  frame.warnings.push_back(
-      fmt::format("{} and {} hardly differ: noise of 0.001 Angstrom turns them {}",
-                  kMoments[loose->one], kMoments[loose->other], turn));
+  const std::string what = loose->exchanged        ? "may exchange them"
+                           : loose->degrees < 90.0 ? fmt::format("turns them by {} degrees",
+                                                                 fixed_text(loose->degrees, 1))
+                                                   : "turns them by any angle";
+  frame.warnings.push_back(fmt::format("{} and {} hardly differ: noise of 0.001 Angstrom {}",
+                                       kMoments[loose->one], kMoments[loose->other], what));
 }
 
 }  // namespace dravo

@@ -79,7 +79,7 @@ ExtendedFrame frame_of_atom() {
   ExtendedFrame frame{};
   frame.shape = Shape::atom;
   frame.rotor = RotorType::spherical;
-  frame.axes = kIdentity;
+  frame.axes = {{Vec3{1.0, 0.0, 0.0}, Vec3{0.0, 1.0, 0.0}, Vec3{0.0, 0.0, -1.0}}};
   frame.rotations = {{kIdentity, {0}}};
   for (AxisReason& reason : frame.reasons) reason.by = FixedBy::nothing;
   return frame;
@@ -164,16 +164,30 @@ ExtendedFrame frame_of_general(const CentredAtoms& atoms, const PrincipalDirecti
   return frame;
 }
 
-/// Whether an operation makes noise that turns these two axes impossible or without meaning: it
-/// reverses one of them and not the other, or it turns one into the other.
-bool tells_apart(const Operation& operation, const AxisRows& rows, std::size_t j, std::size_t k) {
+/// How operations hold two axes where they are.
+enum class Hold {
+  none,
+  apart,    ///< one of them is reversed and the other is not
+  together  ///< one is turned into the other: they are equal, and no noise makes them two
+};
+
+Hold hold_of(const Operation& operation, const AxisRows& rows, std::size_t j, std::size_t k) {
   constexpr double kMixes = 0.1;
   const Matrix3 in_frame = rows * operation.matrix * transposed(rows);
   const auto element = [&](std::size_t r, std::size_t c) {
     const Vec3& row = in_frame.row[r];
     return std::array{row.x, row.y, row.z}[c];
   };
-  return std::abs(element(j, k)) > kMixes || element(j, j) * element(k, k) < 0.0;
+  if (std::abs(element(j, k)) > kMixes) return Hold::together;
+  return element(j, j) * element(k, k) < 0.0 ? Hold::apart : Hold::none;
+}
+
+Hold hold_of(const std::vector<Operation>& operations, const AxisRows& rows, std::size_t j,
+             std::size_t k) {
+  Hold hold = Hold::none;
+  for (const Operation& operation : operations)
+    hold = std::max(hold, hold_of(operation, rows, j, k));
+  return hold;
 }
 
 }  // namespace
@@ -194,9 +208,13 @@ ExtendedFrame extended_frame(const CentredAtoms& atoms, const PrincipalDirection
                                       : frame_of_general(atoms, directions);
 }
 
-std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& rows) {
+std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& rows,
+                                    AxesOf origin) {
   constexpr double kNoise = 0.001;      // Angstrom
   constexpr double kTellingTurn = 1.0;  // degrees
+  // The gap of two moments varies by twice as many radians, of its size, as the axes turn. Four
+  // standard deviations exchange them.
+  constexpr double kExchange = kDegreesPerRadian / 8.0;
   std::optional<LooseAxes> loosest;
   std::vector<Operation> operations;
   std::array<double, 3> squares{};
@@ -215,10 +233,11 @@ std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& r
     const double gap = std::abs(moments[j] - moments[k]);
     const double degrees = kNoise * std::sqrt(squares[j] + squares[k]) / gap * kDegreesPerRadian;
     if (!(degrees > kTellingTurn) || (loosest && degrees <= loosest->degrees)) continue;
-    if (operations.empty()) operations = find_operations(atoms, kSymmetryForAxes);
-    const bool told = std::any_of(operations.begin(), operations.end(),
-                                  [&](const Operation& o) { return tells_apart(o, rows, j, k); });
-    if (!told) loosest = {j, k, degrees};
+    if (operations.empty() && origin == AxesOf::symmetry)
+      operations = find_operations(atoms, kSymmetryForAxes);
+    const Hold hold = hold_of(operations, rows, j, k);
+    if (hold == Hold::none || (hold == Hold::apart && degrees > kExchange))
+      loosest = {j, k, degrees, hold == Hold::apart};
   }
   return loosest;
 }

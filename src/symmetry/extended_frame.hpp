@@ -65,10 +65,18 @@ struct LooseAxes {
   std::size_t one;  ///< 0 for I_A
   std::size_t other;
   double degrees;  ///< typical turn; infinite for equal moments
+  bool exchanged;  ///< an operation holds them in place, but noise can exchange their moments
 };
 
-/// The pair of axes that noise turns farthest, when that is more than a degree and no operation
-/// tells the two axes apart. `rows`: axes of a molecule that is not linear.
-std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& rows);
+/// Where the axes of a frame come from.
+enum class AxesOf {
+  tensor,    ///< the inertia tensor alone
+  symmetry,  ///< its average over the operations: those that tell two axes apart hold them in place
+};
+
+/// The pair of axes that noise turns farthest, when that is more than a degree; of axes that an
+/// operation holds in place, when noise can exchange them. `rows`: axes of a molecule that is not
+/// linear.
+std::optional<LooseAxes> loose_axes(const CentredAtoms& atoms, const AxisRows& rows, AxesOf origin);
 
 }  // namespace dravo

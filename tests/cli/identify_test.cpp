@@ -75,11 +75,15 @@ TEST(Text, BeginsWithABlockThatEndsAnInputFileAndBuildsThePair) {
 TEST(Text, TellsOfEachMoleculeWhatItsFrameIs) {
   const Outcome outcome = identify("formamide-dimer");
   ASSERT_EQ(outcome.status, 0);
-  EXPECT_EQ(line_of(outcome.screen, "molecule 1"), "molecule 1: 6 atoms, asymmetric top");
-  EXPECT_EQ(line_of(outcome.screen, "molecule 2"), "molecule 2: 6 atoms, asymmetric top");
+  EXPECT_EQ(line_of(outcome.screen, "note: "), "note: one set of parameters makes this pair");
+  for (const std::string molecule : {"molecule 1", "molecule 2"})
+    EXPECT_EQ(line_of(outcome.screen, molecule),
+              molecule + ": 6 atoms, asymmetric top, strict frame");
+  EXPECT_EQ(line_of(outcome.screen, "  rotations"), "  rotations       1");
   // I_A and I_B lie in the plane; across it the frame is completed.
   for (const std::string axis : {"z  I_A", "y  I_B", "Y  I_A", "X  I_B"})
-    EXPECT_TRUE(line_of(outcome.screen, "  " + axis).ends_with("  reference angle")) << axis;
+    EXPECT_TRUE(line_of(outcome.screen, "  " + axis).ends_with("  points to O (reference angle)"))
+        << axis;
   for (const std::string axis : {"x  I_C", "Z  I_C"})
     EXPECT_TRUE(
         line_of(outcome.screen, "  " + axis).ends_with("  90.00     90.00  right-handedness"))
@@ -153,8 +157,46 @@ TEST(JsonOutput, HoldsEveryPart) {
   EXPECT_EQ(axes, (Words{"zI_A", "yI_B", "xI_C", "YI_A", "XI_B", "ZI_C"}));
 }
 
-TEST(SymmetricMolecules, EndWithStatusOneAndTheReasonOnStandardError) {
+TEST(SymmetricMolecules, HaveFramesThatTheirRotationsMakeEqual) {
   const Outcome outcome = identify(formaldehyde_dimer());
+  ASSERT_EQ(outcome.status, 0) << outcome.messages;
+  // One lies above the other in the direction of I_C, and the axes of both point the same way; a
+  // half turn of either about I_A reverses I_B and I_C.
+  EXPECT_TRUE(line_of(outcome.screen, "note: ")
+                  .ends_with(" sets of parameters make this pair, "
+                             "equal by rotations of its molecules; "
+                             "these are the preferred ones"))
+      << outcome.screen;
+  EXPECT_EQ(line_of(outcome.screen, "molecule 1"),
+            "molecule 1: 4 atoms, asymmetric top, extended frame");
+  EXPECT_EQ(line_of(outcome.screen, "  rotations"),
+            "  rotations       2: C2, exact to 0.0000 Angstrom");
+  EXPECT_NE(line_of(outcome.screen, "  z  I_A").find("  points to O (its centre is "),
+            std::string::npos);
+  EXPECT_TRUE(line_of(outcome.screen, "  Z  I_C")
+                  .ends_with("  may be reversed together with I_B: C2, exact to 0.0000 Angstrom"));
+}
+
+TEST(SymmetricMolecules, HaveAllTheirSetsListedOnRequest) {
+  const Json json = Json::parse(identify(formaldehyde_dimer(), {"--json", "--equivalent"}).screen);
+  const Json& sets = json["equivalent"];
+  EXPECT_EQ(json["equivalent_sets"], sets.size());
+  EXPECT_GE(sets.size(), 2U);
+  EXPECT_LE(sets.size(), 4U);
+  EXPECT_EQ(sets[0], json["parameters"]);
+  for (const Json& set : sets) EXPECT_NEAR(set["r"].get<double>(), 4.0, 1e-9);
+  for (const Json& molecule : json["molecules"]) {
+    EXPECT_EQ(molecule["frame"], "extended");
+    EXPECT_EQ(molecule["proper_rotations"], 2);
+  }
+  EXPECT_FALSE(
+      Json::parse(identify(formaldehyde_dimer(), {"--json"}).screen).contains("equivalent"));
+}
+
+const Words kStrict{"--frames", "strict"};
+
+TEST(SymmetricMolecules, EndWithStatusOneAndTheReasonOnStandardErrorByTheStrictRule) {
+  const Outcome outcome = identify(formaldehyde_dimer(), kStrict);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.screen, "");
   EXPECT_EQ(outcome.messages, "dravo: " + reason("1", "y", "x") + "\n" + reason("2", "X", "Z") +
@@ -162,12 +204,35 @@ TEST(SymmetricMolecules, EndWithStatusOneAndTheReasonOnStandardError) {
                                   "two axes with a direction.\n");
 }
 
-TEST(SymmetricMolecules, AreRefusedInJsonToo) {
-  const Outcome outcome = identify(formaldehyde_dimer(), {"--json"});
+TEST(SymmetricMolecules, AreRefusedByTheStrictRuleInJsonToo) {
+  const Outcome outcome = identify(formaldehyde_dimer(), Words{"--json"} + kStrict);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(Json::parse(outcome.screen),
             (Json{{"refused", {reason("1", "y", "x"), reason("2", "X", "Z")}}}));
-  EXPECT_EQ(outcome.messages, identify(formaldehyde_dimer()).messages);
+  EXPECT_EQ(outcome.messages, identify(formaldehyde_dimer(), kStrict).messages);
+}
+
+TEST(Frames, AreOfOneRuleOrTheOther) {
+  const Outcome outcome = identify("formamide-dimer", {"--frames", "loose"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.messages.find("loose"), std::string::npos) << outcome.messages;
+  EXPECT_EQ(identify("formamide-dimer", kStrict).screen, identify("formamide-dimer").screen);
+}
+
+TEST(Like, CarriesTheAxesOfAReferenceAlong) {
+  const TemporaryFolder folder;
+  const SampleInput given = sample("water-dimer");
+  folder.write("reference.xyz", given.text());
+  SampleInput other = given;
+  other.atoms.front().position.x += 0.05;
+  folder.write(kInput, other.text());
+  const Outcome outcome = run_command(folder, {"identify", kInput, "--like", "reference.xyz"});
+  ASSERT_EQ(outcome.status, 0) << outcome.messages;
+  EXPECT_EQ(line_of(outcome.screen, "note: "), "note: one set of parameters makes this pair");
+  EXPECT_TRUE(line_of(outcome.screen, "molecule 1").ends_with("carried frame"));
+  EXPECT_NE(outcome.screen.find("note: molecule 2: 0.0000 Angstrom from the reference (RMSD)\n"),
+            std::string::npos);
+  EXPECT_EQ(outcome.screen.find("note: molecule 1: 0.0000 "), std::string::npos);
 }
 
 TEST(Files, AreNotWritten) {

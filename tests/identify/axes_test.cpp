@@ -120,9 +120,10 @@ std::vector<Atom> ethyne_like(double length) {
   return {{"C", {0, 0, 0.6}}, {"C", {0, 0, -0.6}}, {"H", {length, 0, 1}}, {"H", {-length, 0, -1}}};
 }
 
+/// Of the strict rule.
 std::vector<std::string> reasons_against(const Pair& pair) {
   try {
-    identify(pair);
+    identify(pair, {FrameRule::strict, nullptr});
   } catch (const NoUniqueFrame& refusal) {
     std::string text;
     for (const std::string& reason : refusal.reasons()) text += reason + '\n';
@@ -132,7 +133,7 @@ std::vector<std::string> reasons_against(const Pair& pair) {
   return {};
 }
 
-TEST(SymmetricMolecule, IsRefusedWithTheAnglesOfTheAxesWithoutDirection) {
+TEST(SymmetricMolecule, IsRefusedByTheStrictRuleWithTheAnglesOfTheAxesWithoutDirection) {
   using Reasons = std::vector<std::string>;
   EXPECT_EQ(reasons_against(pair_of(kFormaldehyde, kChiral)),
             (Reasons{formaldehyde_reason(1, 'y', 'x')}));
@@ -153,6 +154,17 @@ TEST(SymmetricMolecule, IsRefusedWithTheDistanceOfAReferenceTooClose) {
 TEST(SymmetricMolecule, IsRefusedInTheExamples) {
   for (const char* name : {"water-dimer", "uracil-dimer-stack"})
     EXPECT_EQ(reasons_against(pair_of(sample(name))).size(), 2U) << name;
+}
+
+TEST(SymmetricMolecule, IsTakenByTheExtendedRule) {
+  for (const char* name : {"water-dimer", "uracil-dimer-stack"})
+    for (const PrincipalFrame& molecule : identify(pair_of(sample(name))).molecules)
+      EXPECT_EQ(name_of(molecule.kind), "extended") << name;
+  const Identification mixed = identify(pair_of(kChiral, kFormaldehyde));
+  EXPECT_EQ(name_of(mixed.molecules[0].kind), "strict");
+  EXPECT_EQ(name_of(mixed.molecules[1].kind), "extended");
+  EXPECT_FALSE(is_for_qn_dravo(mixed));
+  EXPECT_TRUE(is_for_qn_dravo(identify(pair_of(kChiral, kChiral))));
 }
 
 TEST(SymmetricMolecule, MayBeASingleAtomOrTwo) {

@@ -111,17 +111,18 @@ TEST(PrincipalFrame, OfAMoleculeAloneIsThatOfItsPlaceInAPair) {
   }
 }
 
-TEST(PrincipalFrame, IsRefusedWithTheNumberOfTheMolecule) {
+TEST(PrincipalFrame, IsRefusedByTheStrictRuleWithTheNumberOfTheMolecule) {
   const Molecule methane(Symbols{"C", "H", "H", "H", "H"},
                          {{0, 0, 0}, {1, 1, 1}, {1, -1, -1}, {-1, 1, -1}, {-1, -1, 1}});
   for (const Role role : {Role::molecule1, Role::molecule2}) {
     try {
-      (void)principal_frame(methane, role);
+      (void)principal_frame(methane, role, FrameRule::strict);
       FAIL() << "has a frame";
     } catch (const NoUniqueFrame& failure) {
       EXPECT_EQ(failure.molecules(), std::vector<int>{role == Role::molecule1 ? 1 : 2});
       ASSERT_EQ(failure.reasons().size(), 1U);
     }
+    EXPECT_EQ(name_of(principal_frame(methane, role).kind), "extended");
   }
 }
 
