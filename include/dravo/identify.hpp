@@ -31,7 +31,7 @@ struct IdentifyOptions {
 /// The parameters by which `Placer::place` makes this pair, turned and moved as a whole, in closed
 /// form. Those that its molecules' rotations make equal are one, so a pair has one set of
 /// parameters, whatever its pose and the order of its atoms. Angles without a meaning are 0, but
-/// theta beside a linear molecule 2, which is 90.
+/// theta beside a linear molecule 2, which is 90 unless r is 0.
 ///
 /// Throws NoUniqueFrame for a molecule without a frame, by the strict rule alone, and InvalidInput
 /// for a reference of other molecules.

@@ -252,17 +252,18 @@ void add_identify(CLI::App& program) {
   command.add_flag("--json", options->json, "one JSON object instead of text");
   command.add_flag("--equivalent", options->all_sets,
                    "list all sets of parameters that make this pair");
-  command
-      .add_option_function<std::string>(
-          "--frames",
-          [options](const std::string& rule) {
-            options->frames = rule == "strict" ? FrameRule::strict : FrameRule::extended;
-          },
-          "strict refuses the molecules that qn-dravo refuses")
-      ->type_name("RULE")
-      ->check(CLI::IsMember({"extended", "strict"}))
-      ->default_str("extended");
-  add_like_option(command, options->like);
+  auto* const frames = command
+                           .add_option_function<std::string>(
+                               "--frames",
+                               [options](const std::string& rule) {
+                                 options->frames =
+                                     rule == "strict" ? FrameRule::strict : FrameRule::extended;
+                               },
+                               "strict refuses the molecules that qn-dravo refuses")
+                           ->type_name("RULE")
+                           ->check(CLI::IsMember({"extended", "strict"}))
+                           ->default_str("extended");
+  add_like_option(command, options->like)->excludes(frames);
   command.callback([options] { show(*options); });
 }
 

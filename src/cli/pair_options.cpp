@@ -44,8 +44,8 @@ SharedRequest add_pair_options(CLI::App& command) {
   return request;
 }
 
-void add_like_option(CLI::App& command, std::string& file) {
-  command
+CLI::Option* add_like_option(CLI::App& command, std::string& file) {
+  return command
       .add_option("--like", file,
                   "xyz file of the same pair: its axes are carried along, by best superposition")
       ->type_name("FILE");

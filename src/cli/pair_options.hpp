@@ -22,7 +22,7 @@ void add_split_options(CLI::App& command, const SharedRequest& request);
 SharedRequest add_pair_options(CLI::App& command);
 
 /// `--like FILE`, the file of the same pair whose axes are carried along.
-void add_like_option(CLI::App& command, std::string& file);
+CLI::Option* add_like_option(CLI::App& command, std::string& file);
 
 /// The pair of `--like`, divided as `pair`, which was read by the request; empty without the
 /// option. Throws InvalidInput and IoFailure.
