@@ -49,7 +49,10 @@ dravo_test_programs(symmetry protocol
 dravo_test_molecules(symmetry)
 
 dravo_test_programs(scan results
+  axis_lookup_test.cpp
   axis_test.cpp
+  equal_poses_test.cpp
+  exact_placer_test.cpp
   ordered_chunks_test.cpp
   own_value_test.cpp
   pair_placer_test.cpp
@@ -61,7 +64,12 @@ dravo_test_programs(scan results
   poses_test.cpp
   random_pose_test.cpp
   scan_test.cpp
+  unique_poses_test.cpp
   zipped_list_test.cpp)
+dravo_test_molecules(scan)
+# It compares some hundred million pairs of atoms.
+set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
+  COMPILE_OPTIONS -O2 SKIP_PRECOMPILE_HEADERS ON)
 
 dravo_test_programs(results results
   checksum_test.cpp

@@ -12,8 +12,9 @@ namespace dravo {
 /// A pose as people write it: Angstrom and degrees.
 ///
 /// Molecule 2's centre of mass is the origin and its principal axes are X, Y, Z. Molecule 1's
-/// centre of mass stands at (r, theta, phi); its own axes x, y, z are those of molecule 2 after the
-/// turns alpha about z, beta about the new y, gamma about the new z.
+/// centre of mass stands at (r, theta, phi). With angles of zero its own axes x, y, z are those of
+/// molecule 2; it is turned by -alpha about Z, then by -beta about Y, then by -gamma about Z, all
+/// anticlockwise about these axes, which stay.
 ///
 /// @code
 /// const dravo::PoseDegrees above{.r = 4.0, .theta = 0.0, .beta = 90.0};

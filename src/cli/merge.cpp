@@ -24,11 +24,11 @@ struct MergeOptions {
 };
 
 void run_merge(const MergeOptions& options) {
-  const ScanTotals totals = merge_shards(options.name, options.overwrite).totals;
+  const ScanRecord scan = merge_shards(options.name, options.overwrite);
   if (options.json)
-    std::cout << json_text_of(totals) << '\n';
+    std::cout << json_text_of(scan) << '\n';
   else if (!options.quiet)
-    tell({sentence_about(totals)});
+    tell({sentence_about(scan.totals)});
 }
 
 }  // namespace

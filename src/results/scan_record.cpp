@@ -10,6 +10,7 @@
 #include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
+#include "common/number_text.hpp"
 #include "common/version.hpp"
 #include "scan/fingerprint.hpp"
 
@@ -54,6 +55,9 @@ std::optional<std::uint64_t> checksum_in(const Json& json, const char* key) {
   return number;
 }
 
+constexpr auto kPlacing = "placing";
+constexpr auto kFrameRuleKey = "frame_rule";
+
 const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
 
 }  // namespace
@@ -87,8 +91,8 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Pai
   auto origin = plan.description();
   origin["version"] = DRAVO_VERSION;
   origin["pair"] = fingerprint_of(pair);
-  origin["frame_rule"] = std::to_string(kFrameRule);
-  origin["placing"] = words_of_placing(placer.exact());
+  origin[kFrameRuleKey] = std::to_string(kFrameRule);
+  origin[kPlacing] = words_of_placing(placer.exact());
   return origin;
 }
 
@@ -127,12 +131,20 @@ std::string sentence_about(const ScanTotals& totals) {
       totals.shortest_index);
 }
 
-std::string json_text_of(const ScanTotals& totals) { return json_of(totals).dump(); }
-
 std::string json_text_of(const ScanTotals& totals, bool exact) {
   Json json = json_of(totals);
-  json["placing"] = words_of_placing(exact);
-  json["frame_rule"] = kFrameRule;
+  json[kPlacing] = words_of_placing(exact);
+  json[kFrameRuleKey] = kFrameRule;
+  return json.dump();
+}
+
+std::string json_text_of(const ScanRecord& record) {
+  Json json = json_of(record.totals);
+  const auto placing = record.origin.find(kPlacing);
+  if (placing != record.origin.end()) json[kPlacing] = placing->second;
+  const auto rule = record.origin.find(kFrameRuleKey);
+  if (rule == record.origin.end()) return json.dump();
+  if (const auto number = parse_integer(rule->second)) json[kFrameRuleKey] = *number;
   return json.dump();
 }
 

@@ -55,9 +55,13 @@ void require_same_origin(const std::string& name, const ScanRecord& earlier, con
 /// One sentence for people.
 std::string sentence_about(const ScanTotals& totals);
 
-/// JSON, on one line.
-std::string json_text_of(const ScanTotals& totals);
+/// Totals and the way of placing as JSON, on one line.
 std::string json_text_of(const ScanTotals& totals, bool exact);
+
+/// The same of a finished scan. Records of earlier versions do not tell the way of placing.
+std::string json_text_of(const ScanRecord& record);
+
+/// The whole record as JSON, on one line.
 std::string text_of(const ScanRecord& record);
 
 /// Throws IoFailure for anything else than such a text; `name` is the file's.

@@ -38,12 +38,12 @@ class EqualPoses::Equals {
  public:
   Equals(const GridLookup& grid, const GridPlaces& own) : grid_(grid), own_(number_of(own)) {}
 
-  void add(const GridPlaces& places) { numbers_.push_back(number_of(places)); }
-
-  [[nodiscard]] bool one_comes_before() const {
-    return std::any_of(numbers_.begin(), numbers_.end(),
-                       [&](std::int64_t number) { return number < own_; });
+  void add(const GridPlaces& places) {
+    numbers_.push_back(number_of(places));
+    one_comes_before_ = one_comes_before_ || numbers_.back() < own_;
   }
+
+  [[nodiscard]] bool one_comes_before() const { return one_comes_before_; }
 
   /// Different ones.
   [[nodiscard]] std::int64_t count() {
@@ -62,6 +62,7 @@ class EqualPoses::Equals {
 
   const GridLookup& grid_;
   std::int64_t own_;
+  bool one_comes_before_ = false;
   std::vector<std::int64_t> numbers_;
 };
 
@@ -86,9 +87,10 @@ std::int64_t EqualPoses::stands_for(std::int64_t index) const {
     for (const OwnRotation& g : symmetry_.rotations[0]) {
       const RelativePose turned{h.matrix * own.place, h.matrix * own.turn * g.matrix};
       const double slack = kSameMolecule - std::min(g.residual, kSameMolecule);
-      for (const WantedPose& wanted : freely_turned({degrees.r, turned, slack}))
+      for (const WantedPose& wanted : freely_turned({degrees.r, turned, slack})) {
         grid_.look_up(wanted, [&](const GridPlaces& found) { equals.add(found); });
-      if (equals.one_comes_before()) return 0;
+        if (equals.one_comes_before()) return 0;
+      }
     }
   return copies * equals.count();
 }
@@ -132,7 +134,7 @@ std::vector<WantedPose> EqualPoses::turned_about_atom(const WantedPose& pose) co
     for (std::int64_t b = 0; b < grid_.axis(beta).size(); ++b)
       for (std::int64_t c = 0; c < grid_.axis(gamma).size(); ++c) {
         const Matrix3 turn = relative_pose(grid_.pose_at({0, 0, 0, a, b, c})).turn;
-        turned.push_back({pose.r, {turn * seen, turn}, pose.slack});
+        turned.push_back({pose.r, {turn * seen, turn}, pose.slack, TurnPlaces{a, b, c}});
       }
   return turned;
 }
@@ -144,12 +146,13 @@ std::vector<WantedPose> EqualPoses::turned_line_about_atom(const WantedPose& pos
   const Vec3 seen = transposed(pose.pose.turn) * pose.pose.place;
   const double across = std::hypot(seen.x, seen.y);
   std::vector<WantedPose> turned;
-  const auto add = [&](const Matrix3& turn, double w) {
+  const auto add = [&](const Matrix3& turn, const TurnPlaces& at, double w) {
     const Vec3 about_z{across * std::cos(w), across * std::sin(w), seen.z};
-    turned.push_back({pose.r, {turn * about_z, turn}, pose.slack});
+    turned.push_back({pose.r, {turn * about_z, turn}, pose.slack, at});
   };
   for (std::int64_t b = 0; b < grid_.axis(beta).size(); ++b)
     for (std::int64_t c = 0; c < grid_.axis(gamma).size(); ++c) {
+      const TurnPlaces at{0, b, c};
       const Matrix3 turn = relative_pose(grid_.pose_at({0, 0, 0, 0, b, c})).turn;
       const Vec3& third = turn.row[2];
       const double reach = across * std::hypot(third.x, third.y);
@@ -158,14 +161,14 @@ std::vector<WantedPose> EqualPoses::turned_line_about_atom(const WantedPose& pos
         const double from = std::atan2(turn.row[1].x, turn.row[0].x);
         const double sign = third.z > 0.0 ? 1.0 : -1.0;
         for (std::int64_t k = 0; k < grid_.axis(phi).size(); ++k)
-          add(turn, sign * (grid_.axis(phi).at(k) * kRadiansPerDegree - from));
+          add(turn, at, sign * (grid_.axis(phi).at(k) * kRadiansPerDegree - from));
         continue;
       }
       for (std::int64_t k = 0; k < grid_.axis(theta).size(); ++k) {
         const double z = pose.r * std::cos(grid_.axis(theta).at(k) * kRadiansPerDegree);
         for (const double w :
              angles_with_cosine(reach, -std::atan2(third.y, third.x), z - third.z * seen.z))
-          add(turn, w);
+          add(turn, at, w);
       }
     }
   return turned;

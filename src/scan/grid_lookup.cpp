@@ -98,12 +98,13 @@ std::vector<GridLookup::Direction> GridLookup::directions_of(const WantedPose& w
   return directions;
 }
 
-std::vector<GridLookup::Turn> GridLookup::turns_of(const WantedPose& wanted) const {
+std::vector<TurnPlaces> GridLookup::turns_of(const WantedPose& wanted) const {
   using namespace grid_axis;
+  if (wanted.at) return {*wanted.at};
   if (idle_[beta]) return {{0, 0, 0}};
   const auto& [first, second, third] = wanted.pose.turn.row;
   const Vec3 z_axis = z_axis_of(wanted.pose.turn);
-  std::vector<Turn> turns;
+  std::vector<TurnPlaces> turns;
   for (const std::int64_t at : nearest(beta, angle_to_z(z_axis), span_of(wanted.slack, radius_))) {
     const double polar = axes_[beta].at(at);
     const double tolerance = span_of(wanted.slack, radius_ * sine_of(polar));

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "identify/closed_form.hpp"
@@ -19,11 +20,15 @@ inline constexpr std::size_t r = 0, theta = 1, phi = 2, alpha = 3, beta = 4, gam
 /// Places on the six axes of a grid.
 using GridPlaces = std::array<std::int64_t, 6>;
 
+/// Places of alpha, beta and gamma on their axes.
+using TurnPlaces = std::array<std::int64_t, 3>;
+
 /// A pose that is looked for, and by how much an atom of molecule 1 may miss it.
 struct WantedPose {
   double r;  ///< length of `pose.place`, Angstrom
   RelativePose pose;
-  double slack;  ///< Angstrom
+  double slack;                                 ///< Angstrom
+  std::optional<TurnPlaces> at = std::nullopt;  ///< where its turn stands, if that is known
 };
 
 /// The axes of a grid, for a pair of these shapes. Constant, and usable from several threads.
@@ -48,7 +53,7 @@ class GridLookup {
   template <class Take>
   void look_up(const WantedPose& wanted, Take&& take) const {
     for (const Direction& direction : directions_of(wanted))
-      for (const Turn& turn : turns_of(wanted)) {
+      for (const TurnPlaces& turn : turns_of(wanted)) {
         const GridPlaces places{0, direction[0], direction[1], turn[0], turn[1], turn[2]};
         if (is_wanted(wanted, places)) take(places);
       }
@@ -56,13 +61,12 @@ class GridLookup {
 
  private:
   using Direction = std::array<std::int64_t, 2>;  ///< places of theta and phi
-  using Turn = std::array<std::int64_t, 3>;       ///< places of alpha, beta and gamma
 
   [[nodiscard]] std::vector<std::int64_t> all_places(std::size_t k) const;
   [[nodiscard]] std::vector<std::int64_t> nearest(std::size_t k, double degrees,
                                                   double tolerance) const;
   [[nodiscard]] std::vector<Direction> directions_of(const WantedPose& wanted) const;
-  [[nodiscard]] std::vector<Turn> turns_of(const WantedPose& wanted) const;
+  [[nodiscard]] std::vector<TurnPlaces> turns_of(const WantedPose& wanted) const;
   [[nodiscard]] bool is_wanted(const WantedPose& wanted, const GridPlaces& places) const;
 
   Shapes shapes_;

@@ -29,13 +29,13 @@ TEST(LostResults, AreAFailure) {
 
 TEST(UnknownCommand, IsNamed) {
   const TemporaryFolder folder;
-  for (const std::string word : {"place", "Scan", "scans", ""}) {
+  for (const std::string word : {"put", "Scan", "scans", ""}) {
     const Outcome outcome = run_command(folder, {word, "--help"});
     EXPECT_EQ(outcome.status, 2) << word;
     EXPECT_EQ(outcome.screen, "") << word;
     EXPECT_EQ(outcome.messages, "dravo: \"" + word +
-                                    "\": no such command; there are prepare, identify, scan and "
-                                    "merge\n");
+                                    "\": no such command; there are prepare, identify, place, scan "
+                                    "and merge\n");
   }
   EXPECT_EQ(run_command(folder, {}).messages, "dravo: A subcommand is required\n" + kUsage);
 }

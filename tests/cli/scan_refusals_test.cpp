@@ -13,11 +13,11 @@
 namespace dravo::test {
 namespace {
 
-TEST(SymmetricMolecule, IsRefusedWithStatus1AndWritesNothing) {
+TEST(SymmetricMolecule, IsRefusedAsQnDravoDoesWithStatus1AndWritesNothing) {
   for (const char* example : {"water-dimer", "uracil-dimer-stack"})
     for (const Words& more : {Words{}, Words{"--count"}, Words{"--json"}}) {
       const Dimer folder(example);
-      const Outcome outcome = run_scan(folder, kOnePose + more);
+      const Outcome outcome = run_scan(folder, kOnePose + Words{"--as-qn-dravo"} + more);
       EXPECT_EQ(outcome.status, 1);
       EXPECT_EQ(outcome.screen, "");
       EXPECT_TRUE(outcome.messages.starts_with("dravo: molecule 1 has no unique frame: "))

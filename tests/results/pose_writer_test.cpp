@@ -27,20 +27,25 @@ ScannedPose hand_made() {
   pose.applied = {3.4999999951, 89.9999996, 45.0, 0.09, 179.99, 359.9899999};
   pose.shortest = 1.8999999762;
   pose.contacts = 3;
+  pose.equivalents = 12;
   return pose;
 }
 
-std::string row_of(const ScannedPose& pose, bool above_contact = false) {
+constexpr PoseColumns kAboveContact{.above_contact = true};
+constexpr PoseColumns kUnique{.equivalents = true};
+constexpr PoseColumns kExact{.exact = true};
+
+std::string row_of(const ScannedPose& pose, const PoseColumns& columns = {}) {
   std::string table;
-  PoseWriter(kLabels, above_contact).append_row(table, pose);
+  PoseWriter(kLabels, columns).append_row(table, pose);
   return table;
 }
 
 TEST(PoseTable, HasAHeading) {
-  EXPECT_EQ(PoseWriter(kLabels, false).table_heading(),
+  EXPECT_EQ(PoseWriter(kLabels, {}).table_heading(),
             "index,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,phi_applied,"
             "alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
-  EXPECT_EQ(PoseWriter(kLabels, true).table_heading(),
+  EXPECT_EQ(PoseWriter(kLabels, kAboveContact).table_heading(),
             "index,above_contact,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,"
             "phi_applied,alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
 }
@@ -49,14 +54,14 @@ TEST(PoseTable, HasARowForAPose) {
   EXPECT_EQ(row_of(hand_made()),
             "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,179.990000,"
             "359.990000,1.89999998,3\n");
-  EXPECT_EQ(row_of(hand_made(), true),
+  EXPECT_EQ(row_of(hand_made(), kAboveContact),
             "42,0.25,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,"
             "179.990000,359.990000,1.89999998,3\n");
 }
 
 TEST(PoseTable, GrowsAtItsEnd) {
   std::string table = "before\n";
-  const PoseWriter writer(kLabels, false);
+  const PoseWriter writer(kLabels, {});
   writer.append_row(table, hand_made());
   writer.append_row(table, hand_made());
   EXPECT_EQ(table, "before\n" + row_of(hand_made()) + row_of(hand_made()));
@@ -70,6 +75,19 @@ TEST(PoseTable, ShowsDirectionsThatHaveNoMeaning) {
   EXPECT_EQ(row_of(pose),
             "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,nan,45.000000,0.090000,179.990000,"
             "359.990000,inf,0\n");
+}
+
+TEST(PoseTable, TellsAtItsEndHowManyPosesARowStandsFor) {
+  const std::string heading = PoseWriter(kLabels, {}).table_heading();
+  EXPECT_EQ(PoseWriter(kLabels, kUnique).table_heading(),
+            heading.substr(0, heading.size() - 1) + ",equivalents\n");
+  const std::string row = row_of(hand_made());
+  EXPECT_EQ(row_of(hand_made(), kUnique), row.substr(0, row.size() - 1) + ",12\n");
+}
+
+TEST(PoseTable, IsTheSameForExactPoses) {
+  EXPECT_EQ(PoseWriter(kLabels, kExact).table_heading(), PoseWriter(kLabels, {}).table_heading());
+  EXPECT_EQ(row_of(hand_made(), kExact), row_of(hand_made()));
 }
 
 /// The parts of a row.
@@ -86,7 +104,7 @@ TEST(PoseTable, WhatWasAskedReadsBackAsTheSameNumber) {
     ScannedPose pose = hand_made();
     pose.above_contact = value;
     pose.asked = {value, value, value, value, value, value};
-    const std::vector<std::string> columns = parts(row_of(pose, true));
+    const std::vector<std::string> columns = parts(row_of(pose, kAboveContact));
     ASSERT_EQ(columns.size(), 16U);
     for (std::size_t k = 1; k < 8; ++k)
       EXPECT_EQ(std::strtod(columns[k].c_str(), nullptr), value) << columns[k];
@@ -100,10 +118,10 @@ TEST(PoseTable, CountsFarPoses) {
 }
 
 std::string frame_of(const ScannedPose& pose, const std::vector<Atom>& atoms,
-                     bool above_contact = false) {
+                     const PoseColumns& columns = {}) {
   SmallTable placed(atoms);
   std::string frames;
-  PoseWriter(kLabels, above_contact).append_frame(frames, pose, placed.table());
+  PoseWriter(kLabels, columns).append_frame(frames, pose, placed.table());
   return frames;
 }
 
@@ -119,8 +137,23 @@ TEST(PoseFrame, HasCountParametersAndAtoms) {
       "Cl  12345.67800000     -0.10000000      0.00000000\n";
   EXPECT_EQ(frame_of(hand_made(), atoms),
             "2\nProperties=species:S:1:pos:R:3 index=42 " + kComment + lines);
-  EXPECT_EQ(frame_of(hand_made(), atoms, true),
+  EXPECT_EQ(frame_of(hand_made(), atoms, kAboveContact),
             "2\nProperties=species:S:1:pos:R:3 index=42 above_contact=0.25 " + kComment + lines);
+}
+
+TEST(PoseFrame, EndsItsCommentWithWhatNotEveryScanHas) {
+  const std::vector<Atom> atoms{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}};
+  const auto comment_of = [&](const PoseColumns& columns) {
+    const std::string frame = frame_of(hand_made(), atoms, columns);
+    return frame.substr(2, frame.find('\n', 2) - 1);
+  };
+  const std::string plain = comment_of({});
+  ASSERT_EQ(plain, "Properties=species:S:1:pos:R:3 index=42 " + kComment);
+  const std::string words = plain.substr(0, plain.size() - 1);
+  EXPECT_EQ(comment_of(kUnique), words + " equivalents=12\n");
+  EXPECT_EQ(comment_of(kExact), words + " placing=exact\n");
+  EXPECT_EQ(comment_of({.equivalents = true, .exact = true}),
+            words + " equivalents=12 placing=exact\n");
 }
 
 TEST(PoseFrame, KeepsItsColumnsToTheLargestNumbers) {
@@ -138,7 +171,7 @@ TEST(PoseFrame, FollowsTheFrameBefore) {
   const std::vector<Atom> atoms{{"O", {1.0, 2.0, 3.0}}, {"Cl", {4.0, 5.0, 6.0}}};
   SmallTable placed(atoms);
   std::string frames;
-  const PoseWriter writer(kLabels, false);
+  const PoseWriter writer(kLabels, {});
   writer.append_frame(frames, hand_made(), placed.table());
   writer.append_frame(frames, hand_made(), placed.table());
   EXPECT_EQ(frames, frame_of(hand_made(), atoms) + frame_of(hand_made(), atoms));

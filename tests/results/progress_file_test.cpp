@@ -19,7 +19,7 @@ namespace {
 
 ScanRecord record_with(std::int64_t done) {
   ScanRecord record{{{"r", "3"}, {"random", "5000"}}, 5000, {}, {}, 0, 0};
-  record.totals = {done, done, 0, 2.5, 1};
+  record.totals = {done, 0, done, 0, 2.5, 1};
   return record;
 }
 

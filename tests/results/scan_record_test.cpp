@@ -58,7 +58,7 @@ ScanRecord record() {
   return {{{"r", "contact + 0:1:0.1"}, {"theta", "a \"quoted\" text\nand Å"}, {"version", "1.2"}},
           123456789012345,
           {3, 7},
-          {1000, 900, 100, 1.8999999761581421, 17},
+          {1000, 50, 900, 100, 1.8999999761581421, 17},
           std::int64_t{5'000'000'000},
           654321,
           0x0123456789ABCDEFU,
@@ -71,6 +71,7 @@ void expect_same(const ScanRecord& a, const ScanRecord& b) {
   EXPECT_EQ(a.shard.number, b.shard.number);
   EXPECT_EQ(a.shard.of, b.shard.of);
   EXPECT_EQ(a.totals.poses, b.totals.poses);
+  EXPECT_EQ(a.totals.left_out, b.totals.left_out);
   EXPECT_EQ(a.totals.written, b.totals.written);
   EXPECT_EQ(a.totals.with_contacts, b.totals.with_contacts);
   EXPECT_EQ(a.totals.shortest, b.totals.shortest);
@@ -131,8 +132,8 @@ std::string with_value(const std::string& key, const std::string& value) {
 }
 
 TEST(ScanRecord, HasWholeCountsThatAreNotNegative) {
-  for (const char* key : {"poses", "shard", "shards", "done", "written", "with_contacts",
-                          "shortest_index", "frame_bytes", "table_bytes"}) {
+  for (const char* key : {"poses", "shard", "shards", "done", "left_out", "written",
+                          "with_contacts", "shortest_index", "frame_bytes", "table_bytes"}) {
     for (const char* value : {"-1", "1.0", "1.5", "1e3", "\"3\"", "null", "true", "[3]",
                               "9223372036854775808", "-9223372036854775809"})
       EXPECT_EQ(message_of([&] { (void)parse_record("a.json", with_value(key, value)); }),
@@ -151,6 +152,15 @@ TEST(ScanRecord, HasNoChecksumsWhenAnEarlierVersionWroteIt) {
   older.table_checksum.reset();
   EXPECT_EQ(text_of(older).find("xxh3"), std::string::npos);
   expect_same(parse_record("a.json", text_of(older)), older);
+}
+
+TEST(ScanRecord, LeftNothingOutWhenAnEarlierVersionWroteIt) {
+  ScanRecord older = record();
+  older.totals.left_out = 0;
+  std::string text = text_of(older);
+  const std::string count = "\"left_out\":0,";
+  ASSERT_NE(text.find(count), std::string::npos);
+  expect_same(parse_record("a.json", text.erase(text.find(count), count.size())), older);
 }
 
 TEST(ScanRecord, HasChecksumsOfSixteenDigits) {
@@ -235,9 +245,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Origin, TellsPlansAndPairsApart) {
   const ScanPlan plan = plan_of({{"r", "3"}, {"random", "5"}});
   const Pair pair = pair_of(sample("formamide-dimer"));
-  const auto origin = origin_of(pair, plan);
+  const PairPlacer placer(pair);
+  const auto origin = origin_of(placer, pair, plan);
   for (const auto& [key, text] : plan.description()) EXPECT_EQ(origin.at(key), text);
-  EXPECT_EQ(origin_of(pair, plan), origin);
+  EXPECT_EQ(origin_of(placer, pair, plan), origin);
   EXPECT_EQ(origin.at("pair").substr(0, 11), "6+6 atoms, ");
 
   std::vector<SampleInput> others(4, sample("formamide-dimer"));
@@ -246,16 +257,31 @@ TEST(Origin, TellsPlansAndPairsApart) {
   others[2].n1 = 5;
   std::swap(others[3].atoms[1].position, others[3].atoms[2].position);
   for (const SampleInput& other : others)
-    EXPECT_NE(origin_of(pair_of(other), plan).at("pair"), origin.at("pair"));
-  EXPECT_NE(origin_of(pair, plan_of({{"r", "3"}, {"random", "6"}})), origin);
+    EXPECT_NE(origin_of(placer, pair_of(other), plan).at("pair"), origin.at("pair"));
+  EXPECT_NE(origin_of(placer, pair, plan_of({{"r", "3"}, {"random", "6"}})), origin);
+}
+
+TEST(Origin, TellsHowPosesAreMade) {
+  const ScanPlan plan = plan_of({{"r", "3"}, {"random", "5"}});
+  const Pair pair = pair_of(sample("formamide-dimer"));
+  const auto origin = origin_of(PairPlacer(pair), pair, plan);
+  EXPECT_EQ(origin.at("frame_rule"), "1");
+  EXPECT_EQ(origin.at("placing"), "as qn-dravo");
+  EXPECT_EQ(origin.count("unique"), 0U);
+  EXPECT_EQ(origin.count("like"), 0U);
+  const PairPlacer exact(pair, {.placing = Placing::exact});
+  EXPECT_EQ(origin_of(exact, pair, plan).at("placing"), "exact");
+  const ScanPlan unique = plan_of({{"r", "3"}, {"random", "5"}, {"unique", "true"}});
+  EXPECT_EQ(origin_of(exact, pair, unique).at("unique"), "true");
 }
 
 // Totals.
 
 TEST(ScanTotals, AddUp) {
-  ScanTotals totals{10, 8, 3, 2.5, 4};
-  totals.add({5, 5, 1, 2.0, 12});
+  ScanTotals totals{10, 2, 8, 3, 2.5, 4};
+  totals.add({5, 4, 5, 1, 2.0, 12});
   EXPECT_EQ(totals.poses, 15);
+  EXPECT_EQ(totals.left_out, 6);
   EXPECT_EQ(totals.written, 13);
   EXPECT_EQ(totals.with_contacts, 4);
   EXPECT_EQ(totals.shortest, 2.0);
@@ -264,25 +290,48 @@ TEST(ScanTotals, AddUp) {
 
 TEST(ScanTotals, KeepTheFirstOfEquallyNearPoses) {
   ScanTotals totals;
-  for (const std::int64_t index : {7, 8, 9}) totals.add({1, 1, 1, 2.0, index});
+  for (const std::int64_t index : {7, 8, 9}) totals.add({1, 0, 1, 1, 2.0, index});
   EXPECT_EQ(totals.shortest_index, 7);
   totals.add({});
   EXPECT_EQ(totals.shortest, 2.0);
   EXPECT_EQ(totals.shortest_index, 7);
 }
 
+TEST(ScanTotals, TakeTheShortestDistanceFromPosesThatWereMade) {
+  ScanTotals totals;
+  totals.add({.poses = 3, .left_out = 3});
+  EXPECT_EQ(totals.shortest_index, 0);
+  totals.add({1, 0, 1, 0, 2.0, 4});
+  totals.add({.poses = 1, .left_out = 1});
+  EXPECT_EQ(totals.poses, 5);
+  EXPECT_EQ(totals.shortest, 2.0);
+  EXPECT_EQ(totals.shortest_index, 4);
+}
+
 TEST(ScanTotals, AreOneSentence) {
-  EXPECT_EQ(sentence_about({1000, 900, 100, 1.23456, 17}),
+  EXPECT_EQ(sentence_about({1000, 0, 900, 100, 1.23456, 17}),
             "1000 poses, 100 with short contacts, 900 wanted; shortest distance 1.2346 Angstrom in "
             "pose 17");
+  EXPECT_EQ(sentence_about({1000, 60, 900, 100, 1.23456, 17}),
+            "1000 poses, 60 equal to earlier ones, 100 with short contacts, 900 wanted; shortest "
+            "distance 1.2346 Angstrom in pose 17");
 }
 
 TEST(ScanTotals, OfNothingAreTwoWords) { EXPECT_EQ(sentence_about({}), "no poses"); }
 
 TEST(ScanTotals, AreJson) {
-  EXPECT_EQ(json_text_of({1000, 900, 100, 1.25, 17}),
-            "{\"done\":1000,\"written\":900,\"with_contacts\":100,\"shortest\":1.25,"
-            "\"shortest_index\":17}");
+  const ScanTotals totals{1000, 50, 900, 100, 1.25, 17};
+  const std::string counts =
+      "{\"done\":1000,\"left_out\":50,\"written\":900,\"with_contacts\":100,\"shortest\":1.25,"
+      "\"shortest_index\":17";
+  EXPECT_EQ(json_text_of(totals, true), counts + ",\"placing\":\"exact\",\"frame_rule\":1}");
+  EXPECT_EQ(json_text_of(totals, false), counts + ",\"placing\":\"as qn-dravo\",\"frame_rule\":1}");
+  ScanRecord scan = record();
+  scan.totals = totals;
+  EXPECT_EQ(json_text_of(scan), counts + "}") << "as earlier versions recorded it";
+  scan.origin["placing"] = "exact";
+  scan.origin["frame_rule"] = "7";
+  EXPECT_EQ(json_text_of(scan), counts + ",\"placing\":\"exact\",\"frame_rule\":7}");
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ struct Scan {
 
   [[nodiscard]] TextChunk all() const {
     TextChunk chunk;
-    TextMaker(placer, plan, output).make(0, plan.poses().size(), chunk);
+    TextMaker(placer, plan, output, nullptr).make(0, plan.poses().size(), chunk);
     return chunk;
   }
 
@@ -46,7 +46,7 @@ std::vector<std::string> parts_of(const std::string& text, char separator) {
 }
 
 std::vector<Row> rows_of(const Scan& scan) {
-  const PoseWriter writer(scan.placer.labels(), scan.plan.above_contact());
+  const PoseWriter writer(scan.placer.labels(), columns_of(scan.placer, scan.plan));
   const std::string heading = writer.table_heading();
   const auto names = parts_of(heading.substr(0, heading.find('\n')), ',');
   std::vector<Row> rows;
