@@ -84,6 +84,7 @@ add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
   cli/durable_test.cpp
+  cli/examples_test.cpp
   cli/here_test.cpp
   cli/identify_test.cpp
   cli/merge_test.cpp
@@ -109,6 +110,7 @@ add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo watched_system
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"
+  DRAVO_SOURCES="${PROJECT_SOURCE_DIR}"
   DRAVO_DEFAULT_PROGRAM="$<TARGET_FILE:qn-dravo>")
 gtest_discover_tests(cli_tests TEST_PREFIX cli/)
 add_test(NAME sanitized/cli COMMAND cli_tests --gtest_brief=1 --gtest_filter=-KilledAt*)

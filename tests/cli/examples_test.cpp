@@ -1,0 +1,297 @@
+/// The commands of docs/frames.md, and the pairs of `examples/` that they are about.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <numbers>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/command.hpp"
+#include "support/text_lines.hpp"
+
+namespace dravo::test {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr double kDegree = std::numbers::pi / 180.0;
+
+const std::string kWater = "examples/water-dimer/water-dimer.xyz";
+const std::string kBenzene = "examples/benzene-dimer/benzene.xyz";
+const std::string kBenzenes = "examples/benzene-dimer/benzene-dimer.xyz";
+const std::string kArgon = "examples/argon-hcn/argon.xyz";
+const std::string kHcn = "examples/argon-hcn/hcn.xyz";
+
+/// A folder in which the examples lie where the commands look for them.
+class Sources : public TemporaryFolder {
+ public:
+  Sources() { std::filesystem::create_directory_symlink(DRAVO_EXAMPLES, path() / "examples"); }
+};
+
+struct Atom {
+  std::string element;
+  Vec3 place;
+};
+
+std::vector<Atom> atoms_of(const std::string& xyz) {
+  const Lines lines = lines_of(xyz);
+  std::vector<Atom> atoms(std::stoul(lines.at(0)));
+  for (std::size_t i = 0; i < atoms.size(); ++i) {
+    auto& [element, p] = atoms[i];
+    std::istringstream(lines.at(i + 2)) >> element >> p.x >> p.y >> p.z;
+  }
+  return atoms;
+}
+
+std::vector<Atom> placed(const Words& words) {
+  const Sources folder;
+  const Outcome outcome = run_command(folder, Words{"place"} + words);
+  EXPECT_EQ(outcome.status, 0) << outcome.messages;
+  return atoms_of(outcome.screen);
+}
+
+Json identified(const Words& words) {
+  const Sources folder;
+  const Outcome outcome = run_command(folder, Words{"identify"} + words + Words{"--json"});
+  EXPECT_EQ(outcome.status, 0) << outcome.messages;
+  return Json::parse(outcome.screen);
+}
+
+double distance(const Atom& a, const Atom& b) { return modulus(a.place - b.place); }
+
+/// With standard atomic weights.
+Vec3 mass_centre(const std::vector<Atom>& atoms, std::size_t first, std::size_t end) {
+  const std::map<std::string, double> weights{{"H", 1.008}, {"C", 12.011}, {"O", 15.999}};
+  Vec3 sum{};
+  double mass = 0.0;
+  for (std::size_t i = first; i < end; ++i) {
+    const double weight = weights.at(atoms[i].element);
+    sum = sum + weight * atoms[i].place;
+    mass += weight;
+  }
+  return (1.0 / mass) * sum;
+}
+
+void expect_same_distances(const std::vector<Atom>& pair, const std::vector<Atom>& expected) {
+  ASSERT_EQ(pair.size(), expected.size());
+  for (std::size_t i = 0; i < pair.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j)
+      EXPECT_NEAR(distance(pair[i], pair[j]), distance(expected[i], expected[j]), 1e-7)
+          << i + 1 << ' ' << j + 1;
+}
+
+// --- the document -----------------------------------------------------------------------------
+
+/// A command of the document and what stands below it.
+struct Shown {
+  std::string command;
+  Lines output;
+};
+
+/// Commands are indented; a fenced block with nothing but blank lines before it is what the command
+/// above it prints.
+std::vector<Shown> shown_in(const Lines& document) {
+  const std::string indent = "    ", fence = "```";
+  std::vector<Shown> shown;
+  bool in_block = false, below_command = false;
+  for (const std::string& line : document) {
+    if (line.starts_with(fence)) {
+      below_command = below_command && !in_block;
+      in_block = !in_block;
+    } else if (in_block) {
+      if (below_command) shown.back().output.push_back(line);
+    } else if (!line.empty()) {
+      below_command = line.starts_with(indent + "dravo ");
+      if (below_command) shown.push_back({line.substr(indent.size()), {}});
+    }
+  }
+  return shown;
+}
+
+/// Whether the lines are those shown, where "..." stands for any lines.
+bool are_as_shown(const Lines& lines, const Lines& shown, std::size_t line = 0,
+                  std::size_t at = 0) {
+  for (; at < shown.size() && shown[at] != "..."; ++at, ++line)
+    if (line == lines.size() || lines[line] != shown[at]) return false;
+  if (at == shown.size()) return line == lines.size();
+  for (; line <= lines.size(); ++line)
+    if (are_as_shown(lines, shown, line, at + 1)) return true;
+  return false;
+}
+
+TEST(AreAsShown, ComparesEveryLineThatIsNotLeftOut) {
+  const Lines lines{"a", "b", "c"};
+  EXPECT_TRUE(are_as_shown(lines, {"a", "b", "c"}));
+  EXPECT_TRUE(are_as_shown(lines, {"a", "...", "c"}));
+  EXPECT_TRUE(are_as_shown(lines, {"...", "b", "..."}));
+  EXPECT_FALSE(are_as_shown(lines, {"a", "b"}));
+  EXPECT_FALSE(are_as_shown(lines, {"a", "c"}));
+  EXPECT_FALSE(are_as_shown(lines, {"...", "b"}));
+  EXPECT_FALSE(are_as_shown(lines, {"a", "...", "d"}));
+}
+
+void expect_as_shown(const TemporaryFolder& folder, const Shown& shown) {
+  const auto& [command, output] = shown;
+  Words words = parts_of(command, ' ');
+  words.erase(words.begin());
+  const Outcome outcome = run_command(folder, words);
+  EXPECT_EQ(outcome.status, 0) << command;
+  const std::string printed = outcome.messages + outcome.screen;
+  EXPECT_TRUE(are_as_shown(lines_of(printed), output)) << command << "\nprints\n"
+                                                       << printed << "and the document shows\n"
+                                                       << joined(output);
+}
+
+TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
+  const auto shown = shown_in(lines_of(file_text(DRAVO_SOURCES "/docs/frames.md")));
+  ASSERT_GE(shown.size(), 8U);
+  const Sources folder;
+  for (const Shown& command : shown) {
+    EXPECT_FALSE(command.output.empty()) << command.command;
+    expect_as_shown(folder, command);
+  }
+}
+
+TEST(Documents, ShowInTheReadmeWhatCommandsOnExamplesPrint) {
+  auto shown = shown_in(lines_of(file_text(DRAVO_SOURCES "/README.md")));
+  std::erase_if(shown, [](const Shown& command) {
+    return command.output.empty() || command.command.find("examples/") == std::string::npos;
+  });
+  ASSERT_FALSE(shown.empty());
+  const Sources folder;
+  for (const Shown& command : shown) expect_as_shown(folder, command);
+}
+
+// --- water dimer ------------------------------------------------------------------------------
+
+TEST(WaterDimer, HasTheParametersThatItsFileShows) {
+  const auto atoms = atoms_of(file_text(DRAVO_EXAMPLES "/water-dimer/water-dimer.xyz"));
+  const Vec3 from_acceptor = mass_centre(atoms, 0, 3) - mass_centre(atoms, 3, 6);
+  const Vec3 O = atoms[3].place, H1 = atoms[4].place, H2 = atoms[5].place;
+  const Vec3 normal = cross(H1 - O, H2 - O);
+  const double cosine = dot(normal, from_acceptor) / (modulus(normal) * modulus(from_acceptor));
+  const Json found = identified({kWater, "--split", "3"});
+  const Json& p = found.at("parameters");
+  // The weights of the program have other last digits.
+  EXPECT_NEAR(p.at("r"), modulus(from_acceptor), 1e-4);
+  EXPECT_NEAR(p.at("theta"), std::acos(std::abs(cosine)) / kDegree, 1e-2);
+  // The donor lies in the mirror plane of the acceptor, that of X and Z.
+  EXPECT_NEAR(p.at("phi"), 0.0, 1e-6);
+  EXPECT_NEAR(p.at("gamma"), 180.0, 1e-6);
+  EXPECT_NEAR(p.at("alpha"), 90.0, 1e-6);
+}
+
+TEST(WaterDimer, IsReversedByTheHalfTurnOfTheAcceptor) {
+  const Json found = identified({kWater, "--split", "3", "--equivalent"});
+  const Json& sets = found.at("equivalent");
+  ASSERT_EQ(sets.size(), 2U);
+  EXPECT_NEAR(sets[0].at("theta").get<double>() + sets[1].at("theta").get<double>(), 180.0, 1e-6);
+  EXPECT_NEAR(sets[0].at("beta").get<double>() + sets[1].at("beta").get<double>(), 180.0, 1e-6);
+  const auto atoms = atoms_of(file_text(DRAVO_EXAMPLES "/water-dimer/water-dimer.xyz"));
+  for (const Json& set : sets) {
+    Words words{kWater, "--split", "3"};
+    for (const auto& [name, value] : set.items()) words = words + Words{"--" + name, value.dump()};
+    expect_same_distances(placed(words), atoms);
+  }
+}
+
+TEST(WaterDimer, IsDrawnApartAlongTheLineOfItsCentres) {
+  const auto near = placed({kWater, "--split", "3"});
+  const auto far = placed({kWater, "--split", "3", "--r", "here+0.5"});
+  const Vec3 centre = mass_centre(near, 0, 3);
+  const Vec3 step = (0.5 / modulus(centre)) * centre;
+  // Molecule 2's centre is the origin; other last digits of the weights move it by 1e-5.
+  for (std::size_t i = 0; i < near.size(); ++i)
+    EXPECT_LT(modulus(far[i].place - near[i].place - (i < 3 ? step : Vec3{})), 1e-5) << i + 1;
+}
+
+// --- benzene dimer ----------------------------------------------------------------------------
+
+constexpr double kCarbonRadius = 1.395248;
+constexpr double kHydrogenRadius = 2.482360;
+
+TEST(BenzeneDimer, OfAnEclipsedSandwichHasEveryAtomAboveItsLike) {
+  const auto atoms =
+      placed({kBenzene, kBenzene, "--r", "3.8", "--theta", "0", "--beta", "90", "--gamma", "90"});
+  ASSERT_EQ(atoms.size(), 24U);
+  for (std::size_t i = 0; i < 12; ++i)
+    EXPECT_EQ(std::count_if(atoms.begin() + 12, atoms.end(),
+                            [&](const Atom& other) {
+                              return other.element == atoms[i].element &&
+                                     std::abs(distance(atoms[i], other) - 3.8) < 1e-6;
+                            }),
+              1)
+        << i + 1;
+}
+
+TEST(BenzeneDimer, OfAStaggeredSandwichHasEveryCarbonBetweenTwo) {
+  const auto atoms = placed({kBenzene, kBenzene, "--r", "3.8", "--theta", "0", "--beta", "90"});
+  const double across = 2.0 * kCarbonRadius * std::sin(15.0 * kDegree);
+  const double expected = std::hypot(3.8, across);
+  for (std::size_t i = 0; i < 6; ++i)
+    EXPECT_EQ(std::count_if(atoms.begin() + 12, atoms.begin() + 18,
+                            [&](const Atom& other) {
+                              return std::abs(distance(atoms[i], other) - expected) < 2e-6;
+                            }),
+              2)
+        << i + 1;
+}
+
+TEST(BenzeneDimer, OfTheFormOfATPointsAHydrogenToTheRing) {
+  const auto atoms = placed({kBenzene, kBenzene, "--r", "5", "--theta", "0", "--beta", "180"});
+  const double height = 5.0 - kHydrogenRadius;
+  const auto lowest =
+      std::min_element(atoms.begin(), atoms.begin() + 12,
+                       [](const Atom& a, const Atom& b) { return a.place.z < b.place.z; });
+  EXPECT_EQ(lowest->element, "H");
+  for (std::size_t j = 12; j < 18; ++j)
+    EXPECT_NEAR(distance(*lowest, atoms[j]), std::hypot(height, kCarbonRadius), 2e-6);
+}
+
+TEST(BenzeneDimer, PublishedHasTheParametersThatItsFileShows) {
+  const auto atoms = atoms_of(file_text(DRAVO_EXAMPLES "/benzene-dimer/benzene-dimer.xyz"));
+  const Vec3 above = mass_centre(atoms, 0, 12) - mass_centre(atoms, 12, 24);
+  const Json found = identified({kBenzenes, "--split", "12"});
+  const Json& p = found.at("parameters");
+  EXPECT_NEAR(p.at("r"), above.z, 1e-4);
+  EXPECT_NEAR(p.at("theta"), 0.0, 1e-2);
+  EXPECT_NEAR(p.at("beta"), 180.0, 1e-2);
+  // Molecule 1 stands upright, its plane across a line through two carbons of molecule 2.
+  EXPECT_NEAR(std::fmod(p.at("alpha").get<double>() - p.at("gamma").get<double>(), 60.0), 30.0,
+              1e-2);
+  expect_same_distances(placed({kBenzenes, "--split", "12"}), atoms);
+}
+
+// --- argon and HCN ----------------------------------------------------------------------------
+
+TEST(ArgonHcn, HasArgonAtTheEndThatPhiTells) {
+  // From the centre of mass of HCN, with standard atomic weights.
+  const double cm =
+      (12.011 * -0.511747 + 14.007 * 0.664461 + 1.008 * -1.580746) / (12.011 + 14.007 + 1.008);
+  const auto at_h = placed({kArgon, kHcn, "--r", "4.34", "--phi", "270"});
+  EXPECT_NEAR(distance(at_h[0], at_h[3]), 4.34 - (cm + 1.580746), 1e-4);
+  const auto at_n = placed({kArgon, kHcn, "--r", "4.34", "--phi", "90"});
+  EXPECT_NEAR(distance(at_n[0], at_n[2]), 4.34 - (0.664461 - cm), 1e-4);
+  const auto beside = placed({kArgon, kHcn, "--r", "4.34", "--phi", "0"});
+  EXPECT_NEAR(distance(beside[0], beside[1]), std::hypot(4.34, cm + 0.511747), 1e-4);
+}
+
+TEST(ArgonHcn, HasNineteenOfThirtySixAzimuths) {
+  // 90 and 270 lie on the axis; each of the other 34 has a mirror image at 180 - phi.
+  const Sources folder;
+  const Outcome outcome =
+      run_command(folder, {"scan", kArgon, kHcn, "--r", "4", "--phi", "0:350:10", "--unique",
+                           "--count", "--quiet", "--json"});
+  const Json totals = Json::parse(outcome.screen);
+  EXPECT_EQ(totals.at("done"), 36);
+  EXPECT_EQ(totals.at("written"), 2 + 34 / 2);
+  EXPECT_EQ(totals.at("left_out"), 34 / 2);
+}
+
+}  // namespace
+}  // namespace dravo::test
