@@ -16,6 +16,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/identify/closed_form.cpp
   src/identify/contacts.cpp
   src/identify/frame_words.cpp
+  src/identify/kept_frame.cpp
   src/identify/identification.cpp
   src/identify/principal_frames.cpp
   src/identify/strict_frame.cpp
@@ -50,7 +51,8 @@ set(DRAVO_LIBRARY_SOURCES
   src/symmetry/first_atom.cpp
   src/symmetry/matrices.cpp
   src/symmetry/operation_search.cpp
-  src/symmetry/operations.cpp)
+  src/symmetry/operations.cpp
+  src/symmetry/superposition.cpp)
 list(TRANSFORM DRAVO_LIBRARY_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
 set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 

@@ -22,6 +22,7 @@
 #include "common/record_format.hpp"
 #include "dravo/contacts.hpp"
 #include "dravo/identify.hpp"
+#include "identify/kept_frame.hpp"
 
 namespace dravo {
 namespace {
@@ -43,14 +44,13 @@ struct PlaceCommand {
   bool overwrite = false;
 };
 
-/// Molecule 2 and its axes back where its file has them.
-void move_to_frame(const PrincipalFrame& molecule2, std::vector<Vec3>& atoms) {
-  const auto& [Y, X, Z] = molecule2.axes;
-  const auto along = [&](double Vec3::*component, const Vec3& p) {
-    return p.x * X.direction.*component + p.y * Y.direction.*component +
-           p.z * Z.direction.*component + molecule2.cm.*component;
-  };
-  for (Vec3& p : atoms) p = {along(&Vec3::x, p), along(&Vec3::y, p), along(&Vec3::z, p)};
+/// Back where the file has molecule 2, whose coordinates stay.
+std::vector<Vec3> in_kept_frame(const PairFile& file, const Placer& placer,
+                                const PoseDegrees& pose) {
+  std::vector<Vec3> atoms = molecule1_in_kept_frame(file.pair, placer.molecules(), pose);
+  const auto& given = file.pair.positions();
+  atoms.insert(atoms.end(), given.begin() + file.pair.n1(), given.end());
+  return atoms;
 }
 
 /// What is written with eight decimals as -0.00000000 is zero.
@@ -128,7 +128,7 @@ void place(const PlaceCommand& command) {
   tell_of_values(command, placer, pose);
   tell_of_frames(placer);
   tell_of_contacts(placer, atoms);
-  if (command.keep_frame) move_to_frame(placer.molecules()[1], atoms);
+  if (command.keep_frame) atoms = in_kept_frame(file, placer, pose);
   const std::string text = frame_of(placer, pose, atoms);
   if (command.output.empty()) {
     std::cout << text;
@@ -147,7 +147,8 @@ void add_place(CLI::App& program) {
   add_second_file(command, options->request);
   add_pose_options(command, options->given);
   add_placing_options(command, options->placing);
-  command.add_flag("--keep-frame", options->keep_frame, "leave molecule 2 where its file has it");
+  command.add_flag("--keep-frame", options->keep_frame, "leave molecule 2 where its file has it")
+      ->excludes(command.get_option("--as-qn-dravo"));
   command.add_option("-o,--output", options->output, "file to write (standard output)")
       ->type_name("FILE");
   command.add_flag("--overwrite", options->overwrite, "replace a file that exists");

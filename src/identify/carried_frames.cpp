@@ -8,36 +8,13 @@
 #include "dravo/frame.hpp"
 #include "identify/axis_data.hpp"
 #include "inertia/centre_of_mass.hpp"
-#include "inertia/diasym.hpp"
 #include "molecules/pair_table.hpp"
 #include "symmetry/centred_atoms.hpp"
 #include "symmetry/matrices.hpp"
+#include "symmetry/superposition.hpp"
 
 namespace dravo {
 namespace {
-
-/// The rotation that lays one set of atoms on another with the least sum of mass times distance
-/// squared: the largest eigenvector of a symmetric 4 x 4 matrix is its quaternion (Horn, J. Opt.
-/// Soc. Am. A 4, 629, 1987). Always a proper rotation; of atoms on one line any of those that fit.
-Matrix3 best_rotation(const CentredAtoms& from, const CentredAtoms& to) {
-  Matrix3 s{};  // sum of m p q^T
-  for (std::size_t i = 0; i < from.size(); ++i) {
-    const Vec3 p = from.masses[i] * from.positions[i];
-    const Vec3& q = to.positions[i];
-    s = s + Matrix3{{p.x * q, p.y * q, p.z * q}};
-  }
-  const auto& [x, y, z] = s.row;
-  std::array<double, 16> n{x.x + y.y + z.z, y.z - z.y,       z.x - x.z,        x.y - y.x,
-                           y.z - z.y,       x.x - y.y - z.z, x.y + y.x,        z.x + x.z,
-                           z.x - x.z,       x.y + y.x,       -x.x + y.y - z.z, y.z + z.y,
-                           x.y - y.x,       z.x + x.z,       y.z + z.y,        -x.x - y.y + z.z};
-  std::array<double, 4> eigenvalues{};
-  diasym(n, eigenvalues, 4);
-  const double w = n[12];
-  const Vec3 v{n[13], n[14], n[15]};
-  const Matrix3 across{{{{0.0, -v.z, v.y}, {v.z, 0.0, -v.x}, {-v.y, v.x, 0.0}}}};
-  return (w * w - dot(v, v)) * kIdentity + 2.0 * square_of(v) + 2.0 * w * across;
-}
 
 double rmsd_after(const Matrix3& rotation, const CentredAtoms& from, const CentredAtoms& to) {
   double sum = 0.0, mass = 0.0;
