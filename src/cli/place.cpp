@@ -53,7 +53,7 @@ void move_to_frame(const PrincipalFrame& molecule2, std::vector<Vec3>& atoms) {
   for (Vec3& p : atoms) p = {along(&Vec3::x, p), along(&Vec3::y, p), along(&Vec3::z, p)};
 }
 
-/// What is written with eight decimals as -0.00000000 is zero.
+/// What is written with eight decimals as -0.00000000 is zero. (qn-dravo writes it so.)
 double without_negative_zero(double coordinate) {
   constexpr double kSmallestWritten = 5e-9;
   return std::abs(coordinate) < kSmallestWritten ? 0.0 : coordinate;
@@ -73,7 +73,8 @@ std::string frame_of(const Placer& placer, const PoseDegrees& pose,
     text += text_of(placer.labels()[k]);
     for (const double coordinate : {atoms[k].x, atoms[k].y, atoms[k].z}) {
       text += ' ';
-      append_fixed_field(text, without_negative_zero(coordinate), kWidth, kDecimals);
+      append_fixed_field(text, placer.exact() ? without_negative_zero(coordinate) : coordinate,
+                         kWidth, kDecimals);
     }
     text += i < placer.n1() ? " 1\n" : " 2\n";
   }
