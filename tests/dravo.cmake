@@ -42,6 +42,7 @@ dravo_test_programs(scan results
   axis_test.cpp
   equal_poses_test.cpp
   exact_placer_test.cpp
+  grid_lookup_test.cpp
   ordered_chunks_test.cpp
   own_value_test.cpp
   pair_placer_test.cpp
