@@ -53,7 +53,7 @@ std::vector<Vec3> in_kept_frame(const PairFile& file, const Placer& placer,
   return atoms;
 }
 
-/// What is written with eight decimals as -0.00000000 is zero.
+/// What is written with eight decimals as -0.00000000 is zero. (qn-dravo writes it so.)
 double without_negative_zero(double coordinate) {
   constexpr double kSmallestWritten = 5e-9;
   return std::abs(coordinate) < kSmallestWritten ? 0.0 : coordinate;
@@ -73,7 +73,8 @@ std::string frame_of(const Placer& placer, const PoseDegrees& pose,
     text += text_of(placer.labels()[k]);
     for (const double coordinate : {atoms[k].x, atoms[k].y, atoms[k].z}) {
       text += ' ';
-      append_fixed_field(text, without_negative_zero(coordinate), kWidth, kDecimals);
+      append_fixed_field(text, placer.exact() ? without_negative_zero(coordinate) : coordinate,
+                         kWidth, kDecimals);
     }
     text += i < placer.n1() ? " 1\n" : " 2\n";
   }

@@ -1,4 +1,5 @@
-"""Reads the results of a scan with ASE and with Python's csv, and compares the two.
+"""Reads the results of a scan with ASE and with Python's csv, and compares the two; then a placed
+pair.
 
     ase_read_back.py DRAVO PAIR
 
@@ -60,12 +61,28 @@ def check(name, folder):
     return len(frames)
 
 
+def check_placed(dravo, pair, folder):
+    """The pair of `dravo place`, its six parameters and the molecule of each atom."""
+    options = ["--r", "4.5", "--theta", "60"]
+    subprocess.run([dravo, "place", pair, *options, "-o", "placed.xyz"], cwd=folder, check=True)
+    lines = (folder / "placed.xyz").read_text().splitlines()[2:]
+    atoms = ase.io.read(folder / "placed.xyz")
+    assert len(atoms) == len(lines) == 12
+    assert atoms.get_positions().tolist() == [[float(x) for x in line.split()[1:4]]
+                                              for line in lines]
+    assert atoms.arrays["molecule"].tolist() == [1] * 6 + [2] * 6
+    assert list(atoms.info) == ["r", "theta", "phi", "alpha", "beta", "gamma", "placing"]
+    assert (atoms.info["r"], atoms.info["theta"]) == (4.5, 60)
+    assert atoms.info["placing"] == "exact"
+
+
 def main(dravo, pair):
     with tempfile.TemporaryDirectory() as name:
         for plan, options in PLANS.items():
             subprocess.run([dravo, "scan", pair, *options, "--quiet", "--output", plan], cwd=name,
                            check=True)
             print(f"{plan}: {check(plan, Path(name))} frames read back")
+        check_placed(dravo, pair, Path(name))
 
 
 if __name__ == "__main__":
