@@ -151,9 +151,9 @@ PrincipalFrame principal_frame(const Molecule& molecule, Role role,
 std::array<PrincipalFrame, 2> principal_frames(const Pair& pair,
                                                FrameRule rule = FrameRule::extended);
 
-/// The axes of the same molecules in a reference, carried along by the best superposition: proper,
-/// weighted by mass, about the centre of mass. The atoms must stand in the same order. Throws
-/// InvalidInput when the molecules of the reference are others.
+/// The axes by which a reference has its preferred parameters, carried along to the same molecules
+/// by the best superposition: proper, weighted by mass, about the centre of mass. The atoms must
+/// stand in the same order. Throws InvalidInput when the molecules of the reference are others.
 std::array<PrincipalFrame, 2> frames_like(const Pair& pair, const Pair& reference);
 
 }  // namespace dravo

@@ -16,10 +16,10 @@ constexpr int kCannotBeDone = 1;
 constexpr int kBadUsageOrInput = 2;
 
 constexpr auto kExample =
-    "Example: a scan of a dimer, from two xyz files\n"
-    "  dravo prepare formamide.xyz ethanol.xyz --r 4\n"
-    "  dravo scan QN-input-GEOMETRY.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 \\\n"
-    "    --phi 0 --alpha 0 --beta 90 --gamma 0\n"
+    "Examples: two molecules placed; what a pair is; a scan around a molecule\n"
+    "  dravo place water.xyz benzene.xyz --r 3.3 -o pair.xyz\n"
+    "  dravo identify pair.xyz\n"
+    "  dravo scan pair.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 --output water-benzene\n"
     "`dravo COMMAND --help` tells more.";
 
 int failed(int status, const std::string& message) {

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "common/errors.hpp"
+#include "molecules/fragments.hpp"
 
 namespace dravo {
 
@@ -19,7 +20,7 @@ void require_replaceable(const std::string& name, bool overwrite) {
 }
 
 std::string written_line(const std::string& name, const Pair& pair) {
-  return fmt::format("wrote {}: molecule 1 has {} atoms, molecule 2 has {}", name, pair.n1(),
+  return fmt::format("wrote {}: molecule 1 has {}, molecule 2 has {}", name, atoms_text(pair.n1()),
                      pair.size() - pair.n1());
 }
 

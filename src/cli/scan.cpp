@@ -150,9 +150,11 @@ void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opt
         ->type_name(option.type);
   command.add_flag("--files", options->files,
                    "the files of qn-dravo for each pose, in folders by index, instead of one xyz");
-  command.add_flag("--unique", options->unique,
-                   "equal poses once: those that rotations of the molecules make equal; exact");
+  auto* const unique =
+      command.add_flag("--unique", options->unique,
+                       "equal poses once: those that rotations of the molecules make equal; exact");
   add_placing_options(command, options->placing);
+  unique->excludes(command.get_option("--as-qn-dravo"));
 }
 
 void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {

@@ -7,6 +7,7 @@
 #include "dravo/error.hpp"
 #include "dravo/frame.hpp"
 #include "identify/axis_data.hpp"
+#include "identify/closed_form.hpp"
 #include "inertia/centre_of_mass.hpp"
 #include "molecules/pair_table.hpp"
 #include "symmetry/centred_atoms.hpp"
@@ -71,7 +72,7 @@ PrincipalFrame carried(std::size_t index, const PrincipalFrame& reference, const
 
 std::array<PrincipalFrame, 2> frames_like(const Pair& pair, const Pair& reference) {
   require_same_molecules(pair, reference);
-  const auto of_reference = principal_frames(reference);
+  const auto of_reference = preferred_frames(principal_frames(reference));
   const OwnedTable from = table_of(reference), to = table_of(pair);
   const auto rows = split_of(pair).molecules();
   const auto frame_of = [&](std::size_t m) {

@@ -20,16 +20,20 @@ constexpr double kSameDistance = 1e-6;
 /// Sine of the angle to a pole below which it counts as the pole: half of `kSameAngle`.
 constexpr double kPole = 0.5 * kSameAngle * kRadiansPerDegree;
 
+/// What doubles leave of angles that are 0, 180 or 360, degrees.
+constexpr double kRounding = 1e-9;
+
 /// From 0 to below 360. What rounding leaves below a full turn is no turn.
 double folded_turn(double radians) {
-  constexpr double kRounding = 1e-9;
   double degrees = std::fmod(radians * kDegreesPerRadian, 360.0);
   if (degrees < 0.0) degrees += 360.0;
   return degrees < 360.0 - kRounding ? degrees + 0.0 : 0.0;  // no negative zero
 }
 
 double angle_to_z(const Vec3& v) {
-  return std::atan2(std::hypot(v.x, v.y), v.z) * kDegreesPerRadian;
+  const double degrees = std::atan2(std::hypot(v.x, v.y), v.z) * kDegreesPerRadian;
+  if (degrees < kRounding) return 0.0;
+  return degrees > 180.0 - kRounding ? 180.0 : degrees;
 }
 
 // --- free turns -------------------------------------------------------------------------------
@@ -118,24 +122,51 @@ bool are_same(const PoseDegrees& one, const PoseDegrees& other) {
   return true;
 }
 
+/// Parameters, and the numbers of the rotations of molecule 2 and 1 that make them.
+struct EquivalentSet {
+  PoseDegrees parameters;
+  std::size_t h;
+  std::size_t g;
+};
+
+std::vector<EquivalentSet> different_sets(const PairSymmetry& symmetry, const RelativePose& pose) {
+  const auto& [of_molecule1, of_molecule2] = symmetry.rotations;
+  std::vector<EquivalentSet> sets;
+  for (std::size_t h = 0; h < of_molecule2.size(); ++h)
+    for (std::size_t g = 0; g < of_molecule1.size(); ++g) {
+      const Matrix3& turn = of_molecule2[h].matrix;
+      const PoseDegrees set = parameters_of(
+          symmetry.shapes, {turn * pose.place, turn * pose.turn * of_molecule1[g].matrix});
+      const bool known = std::any_of(sets.begin(), sets.end(), [&](const EquivalentSet& other) {
+        return are_same(set, other.parameters);
+      });
+      if (!known) sets.push_back({set, h, g});
+    }
+  return sets;
+}
+
+/// In the order of preference.
+std::array<double, 5> angles_of(const PoseDegrees& p) {
+  return {p.theta, p.phi, p.alpha, p.beta, p.gamma};
+}
+
 /// Index of the preferred parameters. Each angle in turn leaves those that are as small as the
 /// smallest, so that rounding does not decide between values that are the same.
-std::size_t preferred(const Shapes& shapes, const std::vector<PoseDegrees>& sets) {
+std::size_t preferred(const Shapes& shapes, const std::vector<EquivalentSet>& sets) {
   std::vector<std::size_t> left;
   for (const bool nudged : {false, true}) {
     for (std::size_t k = 0; k < sets.size(); ++k)
-      if (is_nudged(shapes, sets[k]) == nudged) left.push_back(k);
+      if (is_nudged(shapes, sets[k].parameters) == nudged) left.push_back(k);
     if (!left.empty()) break;
   }
   for (const PoseParameter& parameter : kPoseParameters) {
-    const auto value = parameter.value;
-    if (value == &PoseDegrees::r) continue;
+    if (parameter.value == &PoseDegrees::r || left.size() == 1) continue;
+    const auto angle = [&](std::size_t k) {
+      return without_full_turn(sets[k].parameters.*parameter.value);
+    };
     double smallest = 360.0;
-    for (const std::size_t k : left)
-      smallest = std::min(smallest, without_full_turn(sets[k].*value));
-    std::erase_if(left, [&](std::size_t k) {
-      return without_full_turn(sets[k].*value) > smallest + kSameAngle;
-    });
+    for (const std::size_t k : left) smallest = std::min(smallest, angle(k));
+    std::erase_if(left, [&](std::size_t k) { return angle(k) > smallest + kSameAngle; });
   }
   return left.front();
 }
@@ -203,18 +234,32 @@ PairSymmetry symmetry_of(const std::array<PrincipalFrame, 2>& molecules) {
 
 std::vector<PoseDegrees> equivalent_parameters(const PairSymmetry& symmetry,
                                                const RelativePose& pose) {
-  const auto& [of_molecule1, of_molecule2] = symmetry.rotations;
-  std::vector<PoseDegrees> sets;
-  for (const OwnRotation& h : of_molecule2)
-    for (const OwnRotation& g : of_molecule1) {
-      const PoseDegrees set =
-          parameters_of(symmetry.shapes, {h.matrix * pose.place, h.matrix * pose.turn * g.matrix});
-      const bool known = std::any_of(
-          sets.begin(), sets.end(), [&](const PoseDegrees& other) { return are_same(set, other); });
-      if (!known) sets.push_back(set);
-    }
-  if (sets.size() > 1) std::swap(sets.front(), sets[preferred(symmetry.shapes, sets)]);
-  return sets;
+  std::vector<EquivalentSet> sets = different_sets(symmetry, pose);
+  std::swap(sets.front(), sets[preferred(symmetry.shapes, sets)]);
+  std::sort(sets.begin() + 1, sets.end(), [](const EquivalentSet& one, const EquivalentSet& other) {
+    return angles_of(one.parameters) < angles_of(other.parameters);
+  });
+  std::vector<PoseDegrees> parameters;
+  parameters.reserve(sets.size());
+  for (const EquivalentSet& set : sets) parameters.push_back(set.parameters);
+  return parameters;
+}
+
+std::array<PrincipalFrame, 2> preferred_frames(std::array<PrincipalFrame, 2> molecules) {
+  const PairSymmetry symmetry = symmetry_of(molecules);
+  const auto sets = different_sets(symmetry, relative_pose(molecules));
+  const EquivalentSet& best = sets[preferred(symmetry.shapes, sets)];
+  // New axes are rows h XYZ and g^T xyz: then the own place and turn are h p and h A g.
+  const std::array<Matrix3, 2> turns{transposed(symmetry.rotations[0][best.g].matrix),
+                                     symmetry.rotations[1][best.h].matrix};
+  for (std::size_t m = 0; m < molecules.size(); ++m) {
+    const auto& [first, second, third] = (turns[m] * frame_rows(molecules[m], m)).row;
+    auto& [a, b, c] = molecules[m].axes;
+    a.direction = m == 0 ? third : second;
+    b.direction = m == 0 ? second : first;
+    c.direction = m == 0 ? first : third;
+  }
+  return molecules;
 }
 
 std::vector<PoseDegrees> equivalent_parameters(const std::array<PrincipalFrame, 2>& molecules) {

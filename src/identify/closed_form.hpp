@@ -69,9 +69,14 @@ struct PairSymmetry {
 PairSymmetry symmetry_of(const std::array<PrincipalFrame, 2>& molecules);
 
 /// All different parameters of a pose, the preferred first: those that no build moves off singular
-/// values, then the smallest theta, phi, alpha, beta, gamma, to 1e-4 degree.
+/// values, then the smallest theta, phi, alpha, beta, gamma, to 1e-4 degree. The others follow by
+/// the size of these angles.
 std::vector<PoseDegrees> equivalent_parameters(const PairSymmetry& symmetry,
                                                const RelativePose& pose);
+
+/// The frames turned by rotations of their molecules to those by which the pair as it stands has
+/// its preferred parameters.
+std::array<PrincipalFrame, 2> preferred_frames(std::array<PrincipalFrame, 2> molecules);
 
 /// Of a pair as it stands.
 std::vector<PoseDegrees> equivalent_parameters(const std::array<PrincipalFrame, 2>& molecules);

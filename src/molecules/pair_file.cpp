@@ -195,8 +195,8 @@ Contents read_contents(const std::string& name, const PairRequest& request) {
   }
   XyzFrame frame = read_xyz(source, request.frame, angstrom_per(request.unit));
   if (frame.n1) require_plain_request(name, request);
-  return {std::move(frame.labels), std::move(frame.positions), frame.n1, std::nullopt,
-          frame.frames};
+  const auto n1 = frame.n1 ? frame.n1 : frame.n1_of_column;
+  return {std::move(frame.labels), std::move(frame.positions), n1, std::nullopt, frame.frames};
 }
 
 void remark_on_frames(const std::string& name, const Contents& contents, std::int32_t frame,

@@ -34,8 +34,30 @@ struct Part {
 struct Columns {
   std::size_t label = 0;
   std::size_t x = 1;  ///< y and z follow
+  std::optional<std::size_t> molecule = std::nullopt;
 
-  [[nodiscard]] std::size_t count() const { return std::max(label, x + 2) + 1; }
+  [[nodiscard]] std::size_t count() const {
+    return std::max({label, x + 2, molecule.value_or(0)}) + 1;
+  }
+};
+
+/// What a column of molecule numbers tells of the division into two.
+class MoleculeColumn {
+ public:
+  void add(std::optional<std::int32_t> number) {
+    const bool first = number == 1 && second_ == 0;
+    (first ? first_ : second_) += 1;
+    divides_ = divides_ && (first || number == 2);
+  }
+
+  [[nodiscard]] std::optional<std::int32_t> n1() const {
+    return divides_ && first_ > 0 && second_ > 0 ? std::optional(first_) : std::nullopt;
+  }
+
+ private:
+  std::int32_t first_ = 0;
+  std::int32_t second_ = 0;
+  bool divides_ = true;
 };
 
 /// A column of `Properties` that is needed, and the only form that it can have.
@@ -46,6 +68,8 @@ struct Property {
 constexpr Property kSpecies{"species", "S:1"};
 constexpr Property kAtomicNumber{"Z", "I:1"};
 constexpr Property kPosition{"pos", "R:3"};
+constexpr std::string_view kMoleculeName = "molecule";
+constexpr std::string_view kMoleculeForm = "I:1";
 
 class XyzReader {
  public:
@@ -87,6 +111,7 @@ class XyzReader {
   double unit_;                  ///< Angstrom
   std::size_t position_ = 0;     ///< where a line begins
   std::size_t count_begin_ = 0;  ///< where the frame that is being read begins
+  MoleculeColumn molecules_;
 };
 
 /// Without blanks at its end.
@@ -178,6 +203,7 @@ void XyzReader::read_atoms(std::int32_t N, XyzFrame& frame) {
     require_atom_line(atom, N);
     read_atom(atom, columns, frame);
   }
+  frame.n1_of_column = molecules_.n1();
 }
 
 void XyzReader::read_atom(std::int32_t atom, const Columns& columns, XyzFrame& frame) {
@@ -198,6 +224,8 @@ void XyzReader::read_atom(std::int32_t atom, const Columns& columns, XyzFrame& f
       const auto label = element_of(view(item));
       if (!label) refuse(item, label_fault(view(item)));
       frame.labels.push_back(*label);
+    } else if (column == columns.molecule) {
+      molecules_.add(parse_integer(view(item)));
     } else if (column >= columns.x && column < columns.x + 3) {
       const auto value = parse_real(view(item));
       if (!value || !std::isfinite(*value))
@@ -271,7 +299,7 @@ Columns XyzReader::columns_of(Part comment) const {
     rest.begin = std::min(end + 1, rest.end);
     return field;
   };
-  std::optional<std::size_t> species, atomic_number, position;
+  std::optional<std::size_t> species, atomic_number, position, molecule;
   std::size_t column = 0;
   for (Part name = next_field(); !name.empty(); name = next_field()) {
     const Part type = next_field();
@@ -285,12 +313,13 @@ Columns XyzReader::columns_of(Part comment) const {
     if (is_property(name, form, kSpecies)) species = column;
     if (is_property(name, form, kAtomicNumber)) atomic_number = column;
     if (is_property(name, form, kPosition)) position = column;
+    if (view(name) == kMoleculeName && view(form) == kMoleculeForm) molecule = column;
     column += static_cast<std::size_t>(*columns);
   }
   const auto label = species ? species : atomic_number;
   if (!label) refuse(*value, "expected species:S:1 or Z:I:1 among the Properties");
   if (!position) refuse(*value, "expected pos:R:3 among the Properties");
-  return {*label, *position};
+  return {*label, *position, molecule};
 }
 
 void XyzReader::refuse_end(const std::string& expected) const {

@@ -17,12 +17,14 @@ struct XyzFrame {
   std::int32_t frames = 0;      ///< that the text holds
   /// Atoms of molecule 1, as the trailer of `input-GEOMETRY.xyz` tells.
   std::optional<std::int32_t> n1;
+  /// The same by a column molecule:I:1 of ones, followed by twos; empty for any other column.
+  std::optional<std::int32_t> n1_of_column;
 };
 
 /// Reads frame `wanted`, from 1, line by line:
 ///
 ///     N                        number of atoms, 1 to kMaxAtoms
-///     (comment)                may state the columns: Properties=species:S:1:pos:R:3
+///     (comment)                may state the columns: Properties=species:S:1:pos:R:3:molecule:I:1
 ///     label x y z              N lines; without Properties in this order; further columns ignored
 ///
 /// Of the other frames only the number of atoms is read. Throws IoFailure, with file, line and

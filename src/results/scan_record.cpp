@@ -126,9 +126,9 @@ std::string sentence_about(const ScanTotals& totals) {
   const std::string equal =
       totals.left_out > 0 ? fmt::format("{} equal to earlier ones, ", totals.left_out) : "";
   return fmt::format(
-      "{} poses, {}{} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
-      totals.poses, equal, totals.with_contacts, totals.written, fixed_text(totals.shortest, 4),
-      totals.shortest_index);
+      "{} {}, {}{} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
+      totals.poses, totals.poses == 1 ? "pose" : "poses", equal, totals.with_contacts,
+      totals.written, fixed_text(totals.shortest, 4), totals.shortest_index);
 }
 
 std::string json_text_of(const ScanTotals& totals, bool exact) {

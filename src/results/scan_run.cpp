@@ -121,7 +121,7 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
                     const ScanRequest& request) {
   require_short_enough(placer, plan);
   std::optional<UniquePoses> unique;
-  if (plan.unique()) unique.emplace(placer, plan.poses());
+  if (plan.unique()) unique.emplace(placer, plan.poses(), plan.above_contact());
   const ScanOutput output = output_of(plan, request);
   const PoseFolders folders(output.pose_folder, plan.poses().size());
   std::optional<ScanFiles> files;

@@ -9,6 +9,9 @@
 namespace dravo {
 namespace {
 
+/// Angstrom; small molecules do not touch.
+constexpr double kApart = 10.0;
+
 Vec3 column(const Matrix3& m, std::size_t k) { return transposed(m).row[k]; }
 
 /// The pair as a whole about Y.
@@ -67,12 +70,14 @@ class EqualPoses::Equals {
 };
 
 EqualPoses::EqualPoses(const std::array<PrincipalFrame, 2>& molecules, double radius,
-                       const std::array<Axis, 6>& axes)
-    : grid_(shapes_of(molecules), radius, axes), symmetry_(symmetry_of(molecules)) {}
+                       const std::array<Axis, 6>& axes, bool above_contact)
+    : grid_(shapes_of(molecules), radius, axes),
+      above_contact_(above_contact),
+      symmetry_(symmetry_of(molecules)) {}
 
 std::int64_t EqualPoses::stands_for(std::int64_t index) const {
   const GridPlaces places = grid_.places_of(index);
-  const PoseDegrees degrees = grid_.pose_at(places);
+  PoseDegrees degrees = grid_.pose_at(places);
   const auto same_r = grid_.axis(grid_axis::r).places_of(degrees.r, 0.0);
   if (same_r.front() < places[grid_axis::r]) return 0;
   auto copies = static_cast<std::int64_t>(same_r.size());
@@ -81,6 +86,7 @@ std::int64_t EqualPoses::stands_for(std::int64_t index) const {
     if (places[k] > 0) return 0;
     copies *= grid_.axis(k).size();
   }
+  if (above_contact_) degrees.r = kApart;
   const RelativePose own = relative_pose(degrees);
   Equals equals(grid_, places);
   for (const OwnRotation& h : symmetry_.rotations[1])

@@ -16,9 +16,10 @@ namespace dravo {
 /// remembered from pose to pose. Constant, and usable from several threads.
 class EqualPoses {
  public:
-  /// As `GridLookup`. Poses are placed exactly.
+  /// As `GridLookup`. Poses are placed exactly. Where r counts from the contact, poses with the
+  /// same r are compared as they stand apart: equal ones touch at the same distance.
   EqualPoses(const std::array<PrincipalFrame, 2>& molecules, double radius,
-             const std::array<Axis, 6>& axes);
+             const std::array<Axis, 6>& axes, bool above_contact = false);
 
   /// How many poses of the grid are equal to this one, itself included; zero when one of them comes
   /// before it. `index` is its place in the grid, from 0.
@@ -35,6 +36,7 @@ class EqualPoses {
   [[nodiscard]] std::vector<WantedPose> turned_line_about_atom(const WantedPose& pose) const;
 
   GridLookup grid_;
+  bool above_contact_;
   PairSymmetry symmetry_;
 };
 

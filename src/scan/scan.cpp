@@ -72,7 +72,9 @@ void scan(const PairPlacer& placer, const Poses& poses, const ScanOptions& optio
   if (options.threads < 0)
     throw InvalidInput(
         fmt::format("expected a number of threads, or 0 for all, found {}", options.threads));
-  const auto unique = options.unique ? std::make_unique<const UniquePoses>(placer, poses) : nullptr;
+  const auto unique =
+      options.unique ? std::make_unique<const UniquePoses>(placer, poses, options.above_contact)
+                     : nullptr;
   make_chunks<OwnedBatch>(
       {0, poses.size(), poses_of_batch(placer, options), options.threads},
       [&] { return BatchMaker(placer, poses, options, unique.get()); },

@@ -14,8 +14,9 @@ namespace dravo {
 /// `identify` tells. Constant, and usable from several threads.
 class UniquePoses {
  public:
-  /// Throws InvalidInput for a list of poses, and for a placer that is not exact.
-  UniquePoses(const PairPlacer& placer, const Poses& poses);
+  /// `above_contact`: the r of the poses counts from the first contact. Throws InvalidInput for a
+  /// list of poses, and for a placer that is not exact.
+  UniquePoses(const PairPlacer& placer, const Poses& poses, bool above_contact);
 
   /// How many poses of the plan this one stands for, zero for one that is left out. `index` is from
   /// 0; `pose` is replaced by the one that is made.
