@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/prepared.hpp"
@@ -165,6 +166,44 @@ TEST(Place, WithKeptFrameLeavesMolecule2WhereItsFileHasIt) {
   }
   expect_near(folder.identified(kept), {6.5, 84, 11, 214, 152, 306}, kWritten);
   EXPECT_EQ(comment_of(kept), comment_of(folder.placed(pair + kOnePose)));
+}
+
+TEST(Place, WithKeptFrameLeavesAPairByItsOwnParametersAsItIs) {
+  // Each has rotations or free turns that make other places equal to this one.
+  const std::vector<std::pair<Lines, const char*>> pairs{
+      {{"O 0 0 0", "H 0.757 0 -0.586", "H -0.757 0 -0.586",  //
+        "O 1.1 2.2 -2.3", "H 1.857 2.2 -2.886", "H 0.343 2.2 -2.886"},
+       "3"},
+      {{"N 0.3 0.2 4", "N 0.3 0.9 4.8485", "C 1 0 0", "O 1 0.82 0.82", "O 1 -0.82 -0.82"}, "2"},
+      {{"O 0 0 0", "H 0.757 0 -0.586", "H -0.757 0 -0.586", "Ar 1 2 3"}, "3"},
+      {{"He 3 2 -1", "N 0 0 0", "N 0 0.6 0.92"}, "1"}};
+  const Molecules folder;
+  for (const auto& [atoms, n1] : pairs) {
+    folder.write("as-it-stands.xyz", xyz(atoms));
+    const std::string text = folder.placed({"as-it-stands.xyz", "--split", n1, "--keep-frame"});
+    std::size_t k = 0;
+    for (const Atom& atom : atoms_in(text)) {
+      std::istringstream in(atoms[k++]);
+      std::string symbol;
+      in >> symbol;
+      for (const double found : atom.position) {
+        double given = 0.0;
+        in >> given;
+        EXPECT_NEAR(found, given, 1.01e-8) << atoms[k - 1];
+      }
+    }
+  }
+}
+
+TEST(Place, WritesAFileThatTellsItsMolecules) {
+  const Molecules folder;
+  folder.write("placed.xyz", folder.placed({"water.xyz", "nitrogen.xyz", "--r", "3.5"}));
+  const Outcome found = run_command(folder, {"identify", "placed.xyz"});
+  EXPECT_EQ(found.status, 0) << found.messages;
+  EXPECT_EQ(lines_of(found.screen).at(1), "    3.50000000  r, Angstrom");
+  const Outcome other = run_command(folder, {"identify", "placed.xyz", "--split", "2"});
+  EXPECT_EQ(other.status, 2);
+  EXPECT_EQ(other.messages, "dravo: placed.xyz: the file gives molecule 1 3 atoms, --split 2\n");
 }
 
 TEST(Place, WritesAFileThatIsNotThereYet) {

@@ -35,7 +35,7 @@ Pair moved_apart(const NamedPair& dimer, const Matrix3& turn1, const Matrix3& tu
 TEST(CarriedFrames, FollowARigidMotion) {
   std::mt19937 random(61);
   for (const NamedPair& dimer : s22_dimers()) {
-    const auto reference = principal_frames(pair_of_dimer(dimer));
+    const auto reference = preferred_frames(principal_frames(pair_of_dimer(dimer)));
     const std::array turns{random_rotation(random), random_rotation(random)};
     const auto carried = frames_like(moved_apart(dimer, turns[0], turns[1]), pair_of_dimer(dimer));
     for (const std::size_t m : {0U, 1U}) {
@@ -94,7 +94,7 @@ TEST(CarriedFrames, OfRattledMoleculesTurnLittle) {
   for (int time = 0; time < 20; ++time) {
     const Pair rough(rattled(dimer.molecule1(), 0.01, random),
                      rattled(dimer.molecule2(), 0.01, random));
-    const auto reference = principal_frames(pair_of_dimer(dimer));
+    const auto reference = preferred_frames(principal_frames(pair_of_dimer(dimer)));
     const auto carried = frames_like(rough, pair_of_dimer(dimer));
     // 0.01 Angstrom in each coordinate, less what six motions of 3 N take up.
     EXPECT_GT(carried[0].rmsd, 0.008);
@@ -138,6 +138,18 @@ TEST(CarriedFrames, DoNotTakeAMirrorImageForAMotion) {
   EXPECT_GT(frames[0].rmsd, 0.3);
   const Matrix3 rows = frame_rows(frames[0], 0);
   EXPECT_NEAR(dravo::determinant(rows), 1.0, 1e-9);
+}
+
+TEST(CarriedFrames, OfThePairItselfGiveItsOwnParameters) {
+  for (const NamedPair& dimer : s22_dimers()) {
+    const Pair pair = pair_of_dimer(dimer);
+    const PoseDegrees own = identify(pair).parameters;
+    const PoseDegrees carried = identify(pair, {.like = &pair}).parameters;
+    for (const auto& [name, value] : kPoseParameters) {
+      const double apart = std::abs(own.*value - carried.*value);
+      EXPECT_LT(std::min(apart, std::abs(apart - 360.0)), 1e-6) << dimer.name << ' ' << name;
+    }
+  }
 }
 
 TEST(CarriedFrames, AreRefusedForOtherMolecules) {

@@ -42,6 +42,32 @@ struct Layout {
 
 void PrintTo(const Layout& layout, std::ostream* out) { *out << layout.name; }
 
+// --- numbers of molecules ---------------------------------------------------------------------
+
+TEST(MoleculeColumn, TellsWhereMolecule2Begins) {
+  const auto n1_of = [](const std::string& column, const std::vector<const char*>& numbers) {
+    std::string text =
+        std::to_string(numbers.size()) + "\nProperties=species:S:1:" + column + ":pos:R:3\n";
+    for (const char* number : numbers) text += std::string("H ") + number + " 1 2 3\n";
+    const XyzFrame frame = read(text);
+    EXPECT_FALSE(frame.n1) << "only a trailer tells it of a whole file";
+    return frame.n1_of_column.value_or(0);
+  };
+  EXPECT_EQ(n1_of("molecule:I:1", {"1", "2"}), 1);
+  EXPECT_EQ(n1_of("molecule:I:1", {"1", "1", "1", "2", "2"}), 3);
+  for (const auto& others : std::vector<std::vector<const char*>>{{"1", "1"},
+                                                                  {"2", "2"},
+                                                                  {"2", "1"},
+                                                                  {"1", "2", "1"},
+                                                                  {"0", "1"},
+                                                                  {"1", "2", "3"},
+                                                                  {"1", "x"},
+                                                                  {"1", "1.5", "2"}})
+    EXPECT_EQ(n1_of("molecule:I:1", others), 0) << others[0] << ' ' << others[1];
+  EXPECT_EQ(n1_of("residue:I:1", {"1", "2"}), 0);
+  EXPECT_EQ(n1_of("molecule:R:1", {"1", "2"}), 0);
+}
+
 class Layouts : public ::testing::TestWithParam<Layout> {};
 
 TEST_P(Layouts, GiveTheSameTwoAtoms) {

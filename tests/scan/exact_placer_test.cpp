@@ -308,7 +308,7 @@ Pair reference() { return {made("methane").molecule, made("benzene").molecule}; 
 
 TEST(CarriedAxes, PlaceAnyCopyAsTheReference) {
   const Pair like = reference();
-  const Placer of_reference(like, kExact);
+  const Placer of_reference(like, {.like = &like});
   std::mt19937 random(5);
   for (int k = 0; k < 10; ++k) {
     const Pair copy(turned(made("methane").molecule, random),
@@ -327,7 +327,7 @@ TEST(CarriedAxes, StayWhereTheyAreWhenAMoleculeIsDistorted) {
   const Pair like = reference();
   std::mt19937 random(6);
   const PoseDegrees pose{4.5, 70.0, 200.0, 30.0, 60.0, 100.0};
-  const std::vector<Vec3> expected = Placer(like, kExact).positions(pose);
+  const std::vector<Vec3> expected = Placer(like, {.like = &like}).positions(pose);
   for (int k = 0; k < 10; ++k) {
     const Pair distorted(turned(rattled(made("methane").molecule, 0.02, random), random),
                          turned(rattled(made("benzene").molecule, 0.02, random), random));

@@ -84,6 +84,45 @@ TEST(UniqueRandomPoses, OfMoleculesWithoutRotationsAreThoseThatWereDrawn) {
 
 const PoseAxes kGrid{"0,3", "0:180:30", "0:330:30", "0:270:90", "0:180:45", "0:270:90"};
 
+/// r counts from the first contact.
+std::vector<ScannedPose> unique_above_contact(const Placer& placer, const Poses& poses) {
+  std::vector<ScannedPose> found;
+  scan(placer, poses, {.threads = 1, .above_contact = true, .unique = true},
+       [&](const ScanBatch& batch) {
+         found.insert(found.end(), batch.poses.begin(), batch.poses.end());
+       });
+  return found;
+}
+
+TEST(UniquePosesAboveContact, AreThoseOfAnyOtherDistance) {
+  // At r = 0 all directions would be one.
+  const Placer placer = exact_placer("benzene", "benzene");
+  const auto far = unique_poses(placer, Poses::grid({20, "0:180:30", "0:330:30", "0,90", 90, 0}));
+  for (const char* distance : {"0", "2"}) {
+    const auto touching = unique_above_contact(
+        placer, Poses::grid({distance, "0:180:30", "0:330:30", "0,90", 90, 0}));
+    ASSERT_EQ(touching.size(), far.size()) << distance;
+    for (std::size_t k = 0; k < far.size(); ++k) {
+      EXPECT_EQ(touching[k].index, far[k].index);
+      EXPECT_EQ(touching[k].equivalents, far[k].equivalents);
+    }
+  }
+}
+
+TEST(UniquePosesAboveContact, OfRandomDirectionsKeepTheirDirections) {
+  const Placer placer = exact_placer("methane", "benzene");
+  const auto touching = unique_above_contact(placer, Poses::random(20, 0, 3));
+  const auto far = unique_poses(placer, Poses::random(20, 20, 3));
+  ASSERT_EQ(touching.size(), 20U);
+  for (std::size_t k = 0; k < far.size(); ++k) {
+    PoseDegrees as_far = touching[k].asked;
+    as_far.r = 20;
+    EXPECT_LT(largest_gap(as_far, far[k].asked), 1e-9) << k;
+    EXPECT_GT(far[k].asked.theta, 0.0);
+    EXPECT_GT(touching[k].asked.r, 2.0);
+  }
+}
+
 TEST(UniquePoses, AreTheSameInAnyNumberOfThreads) {
   const Placer placer = exact_placer("ammonia", "water");
   const Poses poses = Poses::grid(kGrid);
