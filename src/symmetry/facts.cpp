@@ -2,7 +2,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <span>
+#include <functional>
+#include <utility>
+#include <vector>
 
 #include "symmetry/frame_choice.hpp"
 #include "symmetry/matrices.hpp"
@@ -28,19 +30,24 @@ struct FactOfFrames {
   bool small;                      ///< decides only where nothing else does, with a warning
 };
 
-/// Frames whose value is above the first gap; all of them without a gap.
+/// Frames whose value is above the first gap; empty where there is no gap.
 std::vector<bool> above_gap(const std::vector<AxisValues>& values, std::size_t axis, double gap) {
+  const auto [least, most] = std::minmax_element(
+      values.begin(), values.end(),
+      [axis](const AxisValues& a, const AxisValues& b) { return a[axis] < b[axis]; });
+  if (!((*most)[axis] - (*least)[axis] >= gap)) return {};
   std::vector<double> sorted;
   sorted.reserve(values.size());
   for (const AxisValues& v : values) sorted.push_back(v[axis]);
   std::sort(sorted.begin(), sorted.end(), std::greater<>());
-  std::vector<bool> kept(values.size(), true);
   for (std::size_t i = 1; i < sorted.size(); ++i) {
     if (!(sorted[i - 1] - sorted[i] >= gap)) continue;
-    for (std::size_t f = 0; f < values.size(); ++f) kept[f] = values[f][axis] > sorted[i];
-    break;
+    std::vector<bool> kept;
+    kept.reserve(values.size());
+    for (const AxisValues& v : values) kept.push_back(v[axis] > sorted[i]);
+    return kept;
   }
-  return kept;
+  return {};
 }
 
 /// The axis with the largest value first; of values that are the same the earlier axis.
@@ -69,7 +76,7 @@ void settle(FactOfFrames fact, FrameChoices& choices) {
   for (const std::size_t axis : by_size(fact.values)) {
     const double size = std::abs(fact.values.front()[axis]);
     const std::vector<bool> kept = above_gap(fact.values, axis, 2.0 * fact.least);
-    if (std::find(kept.begin(), kept.end(), false) == kept.end()) continue;
+    if (kept.empty()) continue;
     keep(choices.frames, kept);
     keep(fact.values, kept);
     choices.reasons[axis] = {fact.kind, fact.element, size};
@@ -150,12 +157,12 @@ AxisValues values_in(const CentredAtoms& atoms, const AxisRows& rows, const Mome
   return sum;
 }
 
-/// One moment of one element, as a length.
-void settle_by(const CentredAtoms& atoms, const Moment& moment, std::int32_t element, double least,
-               FrameChoices& choices) {
+/// One moment of one element, as a length. `radius`: of gyration.
+void settle_by(const CentredAtoms& atoms, double radius, const Moment& moment, std::int32_t element,
+               double least, FrameChoices& choices) {
   if (choices.frames.size() < 2) return;
-  const double radius = radius_of_gyration(atoms);
-  const double per_length = moment.degree * std::pow(radius, moment.degree - 1);
+  double per_length = moment.degree;
+  for (int power = 1; power < moment.degree; ++power) per_length *= radius;
   FactOfFrames fact{moment.kind, element, {}, least, least < kSafeFact};
   for (const AxisRows& rows : choices.frames) {
     AxisValues values = values_in(atoms, rows, moment, element);
@@ -166,14 +173,17 @@ void settle_by(const CentredAtoms& atoms, const Moment& moment, std::int32_t ele
 }
 
 void settle_by_moments(const CentredAtoms& atoms, double least, FrameChoices& choices) {
+  if (choices.frames.size() < 2) return;
+  const double radius = radius_of_gyration(atoms);
   // Those of all atoms vanish along principal axes.
   for (const std::int32_t element : atoms.elements)
-    settle_by(atoms, kProduct, element, least, choices);
+    settle_by(atoms, radius, kProduct, element, least, choices);
   std::vector<std::int32_t> all_and_elements{0};
   all_and_elements.insert(all_and_elements.end(), atoms.elements.begin(), atoms.elements.end());
   for (const auto& moments : {kThirdMoments, kFourthMoments})
     for (const std::int32_t element : all_and_elements)
-      for (const Moment& moment : moments) settle_by(atoms, moment, element, least, choices);
+      for (const Moment& moment : moments)
+        settle_by(atoms, radius, moment, element, least, choices);
 }
 
 }  // namespace
