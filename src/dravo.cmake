@@ -102,6 +102,7 @@ function(dravo_program library)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
     nlohmann_json::nlohmann_json)
   target_compile_options(dravo_cli PRIVATE -O1)
+  target_precompile_headers(dravo_cli PRIVATE <CLI/CLI.hpp> <fmt/format.h>)
 
   add_executable(dravo-cli)
   set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)
