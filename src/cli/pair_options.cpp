@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <iostream>
 #include <limits>
+#include <variant>
 
 #include "common/number_text.hpp"
+#include "dravo/error.hpp"
 
 namespace dravo {
 
@@ -55,11 +57,18 @@ std::optional<Pair> reference_pair(const std::string& file, const PairRequest& r
                                    const Pair& pair) {
   if (file.empty()) return std::nullopt;
   PairRequest of_reference = request;
-  if (!request.second_file.empty()) of_reference.split = pair.n1();
   of_reference.file = file;
   of_reference.second_file.clear();
   of_reference.frame = 1;
-  return read_pair(of_reference).pair;
+  if (request.split && std::holds_alternative<SplitByBonds>(*request.split))
+    return read_pair(of_reference).pair;
+  try {
+    of_reference.split.reset();
+    return read_pair(of_reference).pair;
+  } catch (const InvalidInput&) {  // it does not tell where molecule 2 begins, or cannot be read
+    of_reference.split = pair.n1();
+    return read_pair(of_reference).pair;
+  }
 }
 
 void add_placing_options(CLI::App& command, PlacingOptions& options) {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -97,10 +98,24 @@ void tell_of_contacts(const Placer& placer, const std::vector<Vec3>& atoms) {
     tell({fmt::format("and {} more short contacts", contacts.size() - kMostListed)});
 }
 
+/// Names of parameters that change nothing in this pose.
+std::vector<std::string_view> without_effect(const Placer& placer, const PoseDegrees& pose) {
+  std::vector<std::string_view> names = idle_parameters(placer.molecules());
+  const auto at_pole = [](double degrees) { return degrees == 0.0 || degrees == 180.0; };
+  const auto add = [&](std::string_view name) {
+    if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+  };
+  if (pose.r == 0.0) add("theta");
+  if (pose.r == 0.0 || at_pole(pose.theta)) add("phi");
+  if (at_pole(pose.beta) && placer.molecules()[0].shape == Shape::linear) add("gamma");
+  return names;
+}
+
 void tell_of_values(const PlaceCommand& command, const Placer& placer, const PoseDegrees& pose) {
-  for (const std::string_view name : idle_parameters(placer.molecules()))
-    if (command.given[pose_parameter(name)])
-      tell({fmt::format("{} changes nothing in this pair", name)});
+  if (placer.exact())
+    for (const std::string_view name : without_effect(placer, pose))
+      if (command.given[pose_parameter(name)])
+        tell({fmt::format("{} changes nothing in this pair", name)});
   if (placer.exact()) return;
   const std::string missed = remark_on_missed_axes(placer.missed(), "the pose");
   if (!missed.empty()) tell({missed});

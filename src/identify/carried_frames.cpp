@@ -11,6 +11,7 @@
 #include "inertia/centre_of_mass.hpp"
 #include "molecules/pair_table.hpp"
 #include "symmetry/centred_atoms.hpp"
+#include "symmetry/extended_frame.hpp"
 #include "symmetry/matrices.hpp"
 #include "symmetry/superposition.hpp"
 
@@ -55,6 +56,12 @@ PrincipalFrame carried(std::size_t index, const PrincipalFrame& reference, const
   frame.cm = cm;
   frame.rotations = {kNoRotation};
   frame.warnings.clear();
+  if (reference.shape == Shape::linear && !is_linear(to, principal_directions(to))) {
+    frame.shape = Shape::general;
+    frame.warnings.emplace_back(
+        "it is linear in the reference and not here: its turn about z or Y "
+        "is not carried along");
+  }
   frame.rmsd = rmsd_after(rotation, from, to);
   const Matrix3 tensor = inertia_of(to);
   for (std::size_t k = 0; k < frame.axes.size(); ++k) {

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -76,10 +78,19 @@ PrincipalFrame extended_frame_of(std::size_t index, const CentredAtoms& atoms,
   return result;
 }
 
+/// Atoms at one place have no axes and are no atom.
+void require_extent(std::size_t index, const CentredAtoms& atoms) {
+  constexpr double kOnePlace = 1e-9;  // Angstrom
+  if (atoms.size() > 1 && !(radius_of_gyration(atoms) > kOnePlace))
+    throw InvalidInput(
+        fmt::format("molecule {}: its {} atoms lie at one place", index + 1, atoms.size()));
+}
+
 PrincipalFrame frame_of_molecule(const MoleculeRows& molecule, const ConstAtomTable& table,
                                  const StrictAnalysis& analysis) {
   const auto& [index, rows] = molecule;
   const CentredAtoms atoms = centred_atoms(table, rows, analysis.centre.cm);
+  require_extent(index, atoms);
   PrincipalFrame frame = has_strict_frame(analysis)
                              ? strict_frame(index, rows.end - rows.begin, analysis)
                              : extended_frame_of(index, atoms, analysis);

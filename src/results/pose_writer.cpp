@@ -1,6 +1,7 @@
 #include "results/pose_writer.hpp"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -50,7 +51,14 @@ bool is_there(const Column& column, const PoseColumns& columns) {
   return column.only_with == nullptr || columns.*column.only_with;
 }
 
-void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed) {
+/// What is written with eight decimals as -0.00000000 is zero, but in the digits of qn-dravo.
+double as_written(double coordinate, bool exact) {
+  constexpr double kSmallestWritten = 5e-9;
+  return exact && std::abs(coordinate) < kSmallestWritten ? 0.0 : coordinate;
+}
+
+void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed,
+                  bool exact) {
   constexpr int kWidth = 15;
   std::int32_t i = 0;
   for (const Label& label : labels) {
@@ -58,7 +66,7 @@ void append_atoms(std::string& frame, std::span<const Label> labels, const Const
     frame += text_of(label);
     for (const double coordinate : {p.x, p.y, p.z}) {
       frame += ' ';
-      append_fixed_field(frame, coordinate, kWidth, kLength);
+      append_fixed_field(frame, as_written(coordinate, exact), kWidth, kLength);
     }
     frame += '\n';
   }
@@ -94,7 +102,7 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
   }
   if (columns_.exact) frames += " placing=exact";
   frames += '\n';
-  append_atoms(frames, labels_, placed);
+  append_atoms(frames, labels_, placed, columns_.exact);
 }
 
 }  // namespace dravo

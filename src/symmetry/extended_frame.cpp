@@ -55,10 +55,12 @@ void choose(const CentredAtoms& given, const CentredAtoms& symmetrised,
   frame.broken_choice = choices.frames.size() > 1 || for_axes.size() > frame.rotations.size();
   frame.reasons = choices.reasons;
 
-  std::vector<AxisRows> alike;
+  FrameChoices alike;
   for (const AxisRows& rows : choices.frames)
-    for (const Operation& rotation : for_axes) alike.push_back(rows * transposed(rotation.matrix));
-  frame.axes = first_in_order(given, alike);
+    for (const Operation& rotation : for_axes)
+      alike.frames.push_back(rows * transposed(rotation.matrix));
+  if (frame.broken_choice) choose_by_first_atom(given, kSameMolecule, alike);
+  frame.axes = first_in_order(given, alike.frames);
   mark_reversed(frame.rotations, FixedBy::rotation, frame);
   mark_reversed(for_axes, FixedBy::broken_symmetry, frame);
 }
@@ -198,7 +200,7 @@ PrincipalDirections principal_directions(const CentredAtoms& atoms) {
 
 bool is_linear(const CentredAtoms& atoms, const PrincipalDirections& directions) {
   return std::all_of(atoms.positions.begin(), atoms.positions.end(), [&](const Vec3& p) {
-    return length(cross(directions[0], p)) <= kSymmetryForAxes;
+    return length(cross(directions[0], p)) <= kSameMolecule;
   });
 }
 

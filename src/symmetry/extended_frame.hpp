@@ -57,7 +57,7 @@ inline ExtendedFrame extended_frame(const CentredAtoms& atoms) {
   return extended_frame(atoms, principal_directions(atoms));
 }
 
-/// All atoms lie on I_A within `kSymmetryForAxes`; so does one atom.
+/// All atoms lie on I_A within `kSameMolecule`; so does one atom.
 bool is_linear(const CentredAtoms& atoms, const PrincipalDirections& directions);
 
 /// Two axes that noise of 0.001 Angstrom in every coordinate turns about the third.

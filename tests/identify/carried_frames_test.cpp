@@ -140,6 +140,19 @@ TEST(CarriedFrames, DoNotTakeAMirrorImageForAMotion) {
   EXPECT_NEAR(dravo::determinant(rows), 1.0, 1e-9);
 }
 
+TEST(CarriedFrames, OfALinearReferenceKeepABentMoleculeWhole) {
+  const Molecule water = moved(made("water").molecule, kIdentity, {0, 0, 9});
+  const Molecule bent({"C", "O", "O"}, {{0, 0, 0}, {1.15, 0.1, 0}, {-1.15, 0.1, 0}});
+  const Pair reference(made("carbon dioxide").molecule, water);
+  const auto frames = frames_like({bent, water}, reference);
+  EXPECT_EQ(frames[0].shape, Shape::general);
+  ASSERT_EQ(frames[0].warnings.size(), 1U);
+  EXPECT_EQ(
+      frames[0].warnings[0],
+      "it is linear in the reference and not here: its turn about z or Y is not carried along");
+  EXPECT_EQ(frames_like(reference, reference)[0].shape, Shape::linear);
+}
+
 TEST(CarriedFrames, OfThePairItselfGiveItsOwnParameters) {
   for (const NamedPair& dimer : s22_dimers()) {
     const Pair pair = pair_of_dimer(dimer);

@@ -126,5 +126,18 @@ TEST(PrincipalFrame, IsRefusedByTheStrictRuleWithTheNumberOfTheMolecule) {
   }
 }
 
+TEST(PrincipalFrame, IsRefusedWhereAllAtomsLieAtOnePlace) {
+  const Molecule water({"O", "H", "H"}, {{0, 0, 0.117}, {0, 0.757, -0.469}, {0, -0.757, -0.469}});
+  const Molecule point(std::vector<std::string>{"H", "H"}, {{1, 2, 3}, {1, 2, 3}});
+  EXPECT_EQ(message_of<InvalidInput>([&] {
+              (void)principal_frames({water, point});
+            }),
+            "molecule 2: its 2 atoms lie at one place");
+  EXPECT_EQ(message_of<InvalidInput>([&] {
+              (void)principal_frames({point, water});
+            }),
+            "molecule 1: its 2 atoms lie at one place");
+}
+
 }  // namespace
 }  // namespace dravo::test

@@ -123,6 +123,14 @@ TEST(UniquePosesAboveContact, OfRandomDirectionsKeepTheirDirections) {
   }
 }
 
+TEST(UniquePoses, CountThemselvesJustAbove180) {
+  // 180.49 degrees are taken, as whole degrees are looked at.
+  const Placer placer = exact_placer("water", "water");
+  const auto found = unique_poses(placer, Poses::grid({4, "180.3", 10, 20, "180.4", 30}));
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].equivalents, 1);
+}
+
 TEST(UniquePoses, AreTheSameInAnyNumberOfThreads) {
   const Placer placer = exact_placer("ammonia", "water");
   const Poses poses = Poses::grid(kGrid);
