@@ -62,12 +62,11 @@ PrincipalFrame extended_frame_of(std::size_t index, const CentredAtoms& atoms,
   result.rotor = found.rotor;
   result.cm = m.centre.cm;
   result.reference = reference_element_of(m.centre);
-  const ReferenceVector reference = reference_of(m.centre);
   for (std::size_t k = 0; k < 3; ++k) {
     PrincipalAxis& axis = result.axes[k];
     const Vec3& direction = found.axes.row[k];
     axis = axis_of_moment(index, k, found.moments[k] * g_cm2_per_amu_angstrom2(), direction);
-    axis.angles = angles_with(reference, direction);
+    axis.angles = angles_with(m.reference, direction);
     axis.fixed_by = found.reasons[k].by;
     axis.reason = found.reasons[k];
   }

@@ -60,7 +60,8 @@ StrictAnalysis analyse_strictly(const ConstAtomTable& atoms, RowRange rows) {
   m.centre = find_mass_centre(atoms, rows);
   m.axes = principal_axes(inertia_tensor(atoms, rows, m.centre.cm));
   m.frame = frame_of(m.centre.cm, m.axes);
-  m.angles = reference_angles(m.frame, reference_of(m.centre));
+  m.reference = reference_of(m.centre);
+  m.angles = reference_angles(m.frame, m.reference);
   decide_directions(m.angles, m.flags);
   return m;
 }
@@ -73,7 +74,7 @@ PrincipalFrame strict_frame(std::size_t index, std::int32_t atoms, const StrictA
   reflect_towards_higher_z(frame, flags);
   const HandednessCheck check =
       make_right_handed(static_cast<int>(index) + 1, frame, flags).value();
-  const auto angles = reference_angles(frame, reference_of(m.centre)).value();
+  const auto angles = reference_angles(frame, m.reference).value();
 
   PrincipalFrame result;
   result.atoms = atoms;

@@ -17,6 +17,7 @@ namespace dravo {
 /// A molecule before its frame is completed.
 struct StrictAnalysis {
   MassCentre centre;
+  ReferenceVector reference;
   PrincipalAxes axes;
   MoleculeFrame frame;
   MoleculeReferenceAngles angles;
