@@ -127,7 +127,7 @@ struct PrincipalFrame {
 /// Angstrom from that of the rest)".
 std::string words_of_axis(const PrincipalFrame& frame, std::size_t k);
 
-/// The rotations in words: "C6 about I_C, 6 C2, exact to 0.0000 Angstrom"; empty without any.
+/// The rotations in words: "C6, 6 C2, exact to 0.0000 Angstrom"; empty without any.
 std::string words_of_rotations(const PrincipalFrame& frame);
 
 /// Which molecule of a pair. The same molecule can have different axes in the two places where all

@@ -43,7 +43,7 @@ struct IdentifyOptions {
 Identification identify(const Pair& pair, const IdentifyOptions& options = {});
 
 /// Whether `qn-dravo` can build the pair: both molecules have strict frames.
-bool is_for_qn_dravo(const Identification& identification);
+bool is_for_qn_dravo(const std::array<PrincipalFrame, 2>& molecules);
 
 /// A parameter that a build moves off the value given, because angles lose their meaning there.
 struct NudgedParameter {
@@ -59,9 +59,9 @@ std::vector<NudgedParameter> nudged_in_a_build(const PoseDegrees& degrees);
 /// sentence each, without full stop.
 std::vector<std::string> remarks_on(const Identification& identification);
 
-/// What makes the frame of molecule `number` (1 or 2) uncertain, and how far it is from a
-/// reference: "molecule 1: it is nearly symmetric: C2 holds within 0.0063 Angstrom".
-std::vector<std::string> remarks_on(const PrincipalFrame& frame, int number);
+/// What makes the frames of molecule 1 and 2 uncertain, and how far these are from a reference:
+/// "molecule 1: it is nearly symmetric: C2 holds within 0.0063 Angstrom".
+std::vector<std::string> remarks_on(const std::array<PrincipalFrame, 2>& molecules);
 
 /// The sentence about a search that missed the axes by so many degrees, and thus about what is
 /// uncertain: "the search missed the axes by 0.164 degrees: the parameters are that uncertain".

@@ -116,8 +116,8 @@ struct ScannedPose {
   PoseDegrees applied;         ///< as measured after the placement, phi from 0 to 360
   double shortest = 0.0;       ///< distance of the closest atoms of different molecules, Angstrom
   std::int64_t contacts = 0;   ///< how many pairs of them are in short contact
-  std::int64_t equivalents =
-      1;  ///< how many of the poses it stands for, when equal ones are left out
+  /// How many of the poses it stands for, when equal ones are left out.
+  std::int64_t equivalents = 1;
 };
 
 /// Poses that follow each other. The spans end with the call that got the batch.

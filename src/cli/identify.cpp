@@ -16,6 +16,7 @@
 #include "cli/pair_options.hpp"
 #include "common/number_format.hpp"
 #include "dravo/error.hpp"
+#include "molecules/fragments.hpp"
 
 namespace dravo {
 namespace {
@@ -61,10 +62,6 @@ std::string axis_row(const PrincipalFrame& m, std::size_t k) {
                      fixed_text(axis.moment_amu, 5), scientific_text(axis.moment, 4),
                      number_or_dash(axis.constant, 5), number_or_dash(axis.angles.along, 2),
                      number_or_dash(axis.angles.reversed, 2), words_of_axis(m, k));
-}
-
-std::string atoms_text(std::int32_t atoms) {
-  return fmt::format("{} {}", atoms, atoms == 1 ? "atom" : "atoms");
 }
 
 std::string kind_of(const PrincipalFrame& m) {
@@ -198,7 +195,7 @@ Json json_of(const PoseDegrees& p) {
 /// Lengths in Angstrom and angles in degrees, unless the name of a value tells its unit.
 Json json_of(const Identification& found, bool all_sets) {
   Json nudged = Json::object();
-  if (is_for_qn_dravo(found))
+  if (is_for_qn_dravo(found.molecules))
     for (const auto& [name, given, used] : nudged_in_a_build(found.parameters))
       nudged[std::string(name)] = used;
   Json json{{"frame_rule", kFrameRule},

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iostream>
@@ -24,6 +23,7 @@
 #include "dravo/contacts.hpp"
 #include "dravo/identify.hpp"
 #include "identify/kept_frame.hpp"
+#include "molecules/coordinate.hpp"
 
 namespace dravo {
 namespace {
@@ -52,12 +52,6 @@ std::vector<Vec3> in_kept_frame(const PairFile& file, const Placer& placer,
   const auto& given = file.pair.positions();
   atoms.insert(atoms.end(), given.begin() + file.pair.n1(), given.end());
   return atoms;
-}
-
-/// What is written with eight decimals as -0.00000000 is zero. (qn-dravo writes it so.)
-double without_negative_zero(double coordinate) {
-  constexpr double kSmallestWritten = 5e-9;
-  return std::abs(coordinate) < kSmallestWritten ? 0.0 : coordinate;
 }
 
 /// Extended xyz, with the six parameters and the number of its molecule for each atom.
@@ -123,11 +117,6 @@ void tell_of_values(const PlaceCommand& command, const Placer& placer, const Pos
     tell({fmt::format("{} {} is applied as {}", name, shortest_text(asked), fixed_text(used, 3))});
 }
 
-void tell_of_frames(const Placer& placer) {
-  for (std::size_t m = 0; m < placer.molecules().size(); ++m)
-    tell(remarks_on(placer.molecules()[m], static_cast<int>(m) + 1));
-}
-
 void place(const PlaceCommand& command) {
   const PairFile file = read_pair(*command.request);
   tell(file.remarks);
@@ -142,7 +131,7 @@ void place(const PlaceCommand& command) {
   const Placer placer(file.pair, {placing, reference});
   std::vector<Vec3> atoms = placer.positions(pose);
   tell_of_values(command, placer, pose);
-  tell_of_frames(placer);
+  tell(remarks_on(placer.molecules()));
   tell_of_contacts(placer, atoms);
   if (command.keep_frame) atoms = in_kept_frame(file, placer, pose);
   const std::string text = frame_of(placer, pose, atoms);

@@ -98,9 +98,7 @@ std::vector<std::string> remarks_on_placing(const PairPlacer& placer, const Scan
   for (const std::string_view name : idle_parameters(placer.molecules()))
     if (keys.find(std::string(name)) != keys.end())
       remarks.push_back(fmt::format("{} changes nothing in this pair", name));
-  for (std::size_t m = 0; m < placer.molecules().size(); ++m)
-    for (std::string& remark : remarks_on(placer.molecules()[m], static_cast<int>(m) + 1))
-      remarks.push_back(std::move(remark));
+  for (std::string& remark : remarks_on(placer.molecules())) remarks.push_back(std::move(remark));
   return remarks;
 }
 

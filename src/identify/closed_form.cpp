@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "common/constants.hpp"
+#include "common/turn.hpp"
 #include "driver/user_parameters.hpp"
 #include "orientation/rotations.hpp"
 
@@ -24,10 +25,9 @@ constexpr double kPole = 0.5 * kSameAngle * kRadiansPerDegree;
 constexpr double kRounding = 1e-9;
 
 /// From 0 to below 360. What rounding leaves below a full turn is no turn.
-double folded_turn(double radians) {
-  double degrees = std::fmod(radians * kDegreesPerRadian, 360.0);
-  if (degrees < 0.0) degrees += 360.0;
-  return degrees < 360.0 - kRounding ? degrees + 0.0 : 0.0;  // no negative zero
+double azimuth_in_degrees(double radians) {
+  const double degrees = folded_turn(radians * kDegreesPerRadian);
+  return degrees < 360.0 - kRounding ? degrees : 0.0;
 }
 
 double angle_to_z(const Vec3& v) {
@@ -40,7 +40,7 @@ double angle_to_z(const Vec3& v) {
 
 /// About Y by the angle with this cosine and sine.
 RelativePose turned_about_y(const RelativePose& pose, double c, double s) {
-  const Matrix3 turn{{{{c, 0.0, s}, {0.0, 1.0, 0.0}, {-s, 0.0, c}}}};
+  const Matrix3 turn = turn_about_y(c, s);
   return {turn * pose.place, turn * pose.turn};
 }
 
@@ -51,8 +51,6 @@ std::optional<RelativePose> turned_to_x(const RelativePose& pose, const Vec3& di
   if (!(across > least)) return std::nullopt;
   return turned_about_y(pose, direction.x / across, direction.z / across);
 }
-
-Vec3 column(const Matrix3& m, std::size_t k) { return transposed(m).row[k]; }
 
 RelativePose without_free_turn(Shape molecule1, const RelativePose& pose) {
   const double r = length(pose.place);
@@ -73,7 +71,8 @@ void set_position(const Shapes& shapes, const Vec3& place, PoseDegrees& pose) {
   const double across = std::hypot(place.x, place.y);
   const bool at_pole = !(across > kPole * pose.r);
   pose.theta = shapes[1] == Shape::linear ? 90.0 : angle_to_z(place);
-  if (shapes[1] == Shape::linear || !at_pole) pose.phi = folded_turn(std::atan2(place.y, place.x));
+  if (shapes[1] == Shape::linear || !at_pole)
+    pose.phi = azimuth_in_degrees(std::atan2(place.y, place.x));
 }
 
 /// Of A, see `orientation/rotations.hpp`.
@@ -82,14 +81,14 @@ void set_rotation(Shape molecule1, const Matrix3& turn, PoseDegrees& pose) {
   const Vec3 z{first.z, second.z, third.z};
   pose.beta = angle_to_z(z);
   const bool at_pole = !(std::hypot(z.x, z.y) > kPole);
-  if (!at_pole) pose.gamma = folded_turn(std::atan2(z.y, -z.x));
+  if (!at_pole) pose.gamma = azimuth_in_degrees(std::atan2(z.y, -z.x));
   if (molecule1 == Shape::linear) return;
   if (!at_pole)
-    pose.alpha = folded_turn(std::atan2(third.y, third.x));
+    pose.alpha = azimuth_in_degrees(std::atan2(third.y, third.x));
   else if (third.z > 0.0)
-    pose.alpha = folded_turn(std::atan2(first.y, first.x));
+    pose.alpha = azimuth_in_degrees(std::atan2(first.y, first.x));
   else
-    pose.alpha = folded_turn(std::atan2(-first.y, -first.x));
+    pose.alpha = azimuth_in_degrees(std::atan2(-first.y, -first.x));
 }
 
 // --- the preferred parameters -----------------------------------------------------------------

@@ -34,9 +34,7 @@ RelativePose relative_pose(const PoseDegrees& pose);
 ///     molecule 1  molecule 2  with a meaning                  fixed
 ///     general     general     all six
 ///     linear      general     r, theta, phi, beta, gamma      alpha = 0: z is the axis
-///     general     linear      r, phi, alpha, beta, gamma      theta = 90: Z = 0 and X >= 0 by a
-///     turn
-///                                                             about Y, the axis of molecule 2
+///     general     linear      r, phi, alpha, beta, gamma      theta = 90: Z = 0, X >= 0, see below
 ///     linear      linear      r, phi, beta, gamma             theta = 90, alpha = 0
 ///     atom        general     r, theta, phi                   Euler angles 0
 ///     general     atom        r, theta, phi                   Euler angles 0: XYZ is molecule 1's
@@ -44,8 +42,9 @@ RelativePose relative_pose(const PoseDegrees& pose);
 ///     linear      atom        r, theta                        phi = 0, Euler angles 0
 ///     atom        atom        r                               all angles 0
 ///
-/// Where molecule 1 stands on the axis of a linear molecule 2, or r is 0, its z axis gets beta = 90
-/// and gamma from 90 to 270; when that lies on the same line, alpha is 0.
+/// A linear molecule 2 lies along Y, and the pair is turned about Y to Z = 0 and X >= 0 for
+/// molecule 1's centre. Where molecule 1 stands on the axis of a linear molecule 2, or r is 0, its
+/// z axis gets beta = 90 and gamma from 90 to 270; when that lies on the same line, alpha is 0.
 /// Poles: theta 0 or 180 takes phi = 0; r = 0 takes theta = phi = 0; beta 0 or 180 takes gamma = 0,
 /// and alpha carries the turn.
 PoseDegrees parameters_of(const Shapes& shapes, const RelativePose& pose);

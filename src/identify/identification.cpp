@@ -86,8 +86,8 @@ Identification identify(const Pair& pair, const IdentifyOptions& options) {
   return found;
 }
 
-bool is_for_qn_dravo(const Identification& identification) {
-  const auto& [one, two] = identification.molecules;
+bool is_for_qn_dravo(const std::array<PrincipalFrame, 2>& molecules) {
+  const auto& [one, two] = molecules;
   return one.kind == FrameKind::strict && two.kind == FrameKind::strict;
 }
 
@@ -106,28 +106,30 @@ std::string remark_on_missed_axes(double missed, std::string_view what_is_uncert
                      fixed_text(missed, 3), what_is_uncertain);
 }
 
-std::vector<std::string> remarks_on(const PrincipalFrame& frame, int number) {
+std::vector<std::string> remarks_on(const std::array<PrincipalFrame, 2>& molecules) {
   std::vector<std::string> remarks;
-  if (frame.kind == FrameKind::carried)
-    remarks.push_back(fmt::format("molecule {}: {} Angstrom from the reference (RMSD)", number,
-                                  fixed_text(frame.rmsd, 4)));
-  for (const std::string& warning : frame.warnings)
-    remarks.push_back(fmt::format("molecule {}: {}", number, warning));
+  for (std::size_t m = 0; m < molecules.size(); ++m) {
+    const PrincipalFrame& frame = molecules[m];
+    if (frame.kind == FrameKind::carried)
+      remarks.push_back(fmt::format("molecule {}: {} Angstrom from the reference (RMSD)", m + 1,
+                                    fixed_text(frame.rmsd, 4)));
+    for (const std::string& warning : frame.warnings)
+      remarks.push_back(fmt::format("molecule {}: {}", m + 1, warning));
+  }
   return remarks;
 }
 
 std::vector<std::string> remarks_on(const Identification& identification) {
   const PoseDegrees& found = identification.parameters;
-  const bool for_qn_dravo = is_for_qn_dravo(identification);
+  const bool for_qn_dravo = is_for_qn_dravo(identification.molecules);
   const Shapes shapes = shapes_of(identification.molecules);
   std::vector<std::string> remarks;
   remark_on_shapes(identification, remarks);
   if (shapes[0] != Shape::atom && shapes[1] != Shape::atom)
     remark_on_euler_angles(found, for_qn_dravo, remarks);
   remark_on_position(found, remarks);
-  for (std::size_t m = 0; m < identification.molecules.size(); ++m)
-    for (std::string& remark : remarks_on(identification.molecules[m], static_cast<int>(m) + 1))
-      remarks.push_back(std::move(remark));
+  for (std::string& remark : remarks_on(identification.molecules))
+    remarks.push_back(std::move(remark));
   if (!for_qn_dravo) return remarks;
   for (const auto& [name, given, used] : nudged_in_a_build(found))
     remarks.push_back(fmt::format("a build uses {} for {} {}, and its pair differs by that",

@@ -1,13 +1,13 @@
 #include "results/pose_writer.hpp"
 
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "common/number_format.hpp"
 #include "common/record_format.hpp"
+#include "molecules/coordinate.hpp"
 
 namespace dravo {
 namespace {
@@ -51,10 +51,9 @@ bool is_there(const Column& column, const PoseColumns& columns) {
   return column.only_with == nullptr || columns.*column.only_with;
 }
 
-/// What is written with eight decimals as -0.00000000 is zero, but in the digits of qn-dravo.
+/// The digits of qn-dravo stay as they are.
 double as_written(double coordinate, bool exact) {
-  constexpr double kSmallestWritten = 5e-9;
-  return exact && std::abs(coordinate) < kSmallestWritten ? 0.0 : coordinate;
+  return exact ? without_negative_zero(coordinate) : coordinate;
 }
 
 void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed,

@@ -12,12 +12,9 @@ namespace {
 /// Angstrom; small molecules do not touch.
 constexpr double kApart = 10.0;
 
-Vec3 column(const Matrix3& m, std::size_t k) { return transposed(m).row[k]; }
-
 /// The pair as a whole about Y.
 WantedPose about_y(const WantedPose& wanted, double radians) {
-  const double c = std::cos(radians), s = std::sin(radians);
-  const Matrix3 turn{{{{c, 0.0, s}, {0.0, 1.0, 0.0}, {-s, 0.0, c}}}};
+  const Matrix3 turn = turn_about_y(std::cos(radians), std::sin(radians));
   return {wanted.r, {turn * wanted.pose.place, turn * wanted.pose.turn}, wanted.slack};
 }
 

@@ -33,7 +33,7 @@ double angle_to_z(const Vec3& v) {
   return std::atan2(std::hypot(v.x, v.y), v.z) * kDegreesPerRadian;
 }
 
-Vec3 z_axis_of(const Matrix3& turn) { return {turn.row[0].z, turn.row[1].z, turn.row[2].z}; }
+Vec3 z_axis_of(const Matrix3& turn) { return column(turn, 2); }
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 
 #include "common/errors.hpp"
 #include "dravo/frame.hpp"
+#include "dravo/identify.hpp"
 #include "identify/closed_form.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
@@ -49,10 +50,9 @@ std::array<PrincipalFrame, 2> frames_for(const Pair& pair, const PlacerOptions& 
 
 ReadyPair made_ready(const Pair& pair, const std::array<PrincipalFrame, 2>& molecules,
                      Placing placing) {
-  const bool strict =
-      molecules[0].kind == FrameKind::strict && molecules[1].kind == FrameKind::strict;
   if (placing == Placing::as_qn_dravo) return ready_as_qn_dravo(pair);
-  if (placing == Placing::exact || !strict) return ready_by_closed_form(pair, molecules);
+  if (placing == Placing::exact || !is_for_qn_dravo(molecules))
+    return ready_by_closed_form(pair, molecules);
   try {
     return ready_as_qn_dravo(pair);
   } catch (const NoRotationFound&) {  // qn-dravo places it in another pose at best

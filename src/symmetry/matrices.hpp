@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 
 #include "common/vector.hpp"
 
@@ -19,6 +20,14 @@ constexpr Matrix3 operator+(const Matrix3& a, const Matrix3& b) {
   return {{a.row[0] + b.row[0], a.row[1] + b.row[1], a.row[2] + b.row[2]}};
 }
 constexpr Matrix3 operator-(const Matrix3& a, const Matrix3& b) { return a + -1.0 * b; }
+
+/// Column k, from 0.
+constexpr Vec3 column(const Matrix3& m, std::size_t k) { return transposed(m).row[k]; }
+
+/// About Y, by the angle with this cosine and sine; z goes towards x.
+constexpr Matrix3 turn_about_y(double c, double s) {
+  return {{{{c, 0.0, s}, {0.0, 1.0, 0.0}, {-s, 0.0, c}}}};
+}
 
 /// First b, then a.
 constexpr Matrix3 operator*(const Matrix3& a, const Matrix3& b) {

@@ -163,8 +163,8 @@ TEST(SymmetricMolecule, IsTakenByTheExtendedRule) {
   const Identification mixed = identify(pair_of(kChiral, kFormaldehyde));
   EXPECT_EQ(name_of(mixed.molecules[0].kind), "strict");
   EXPECT_EQ(name_of(mixed.molecules[1].kind), "extended");
-  EXPECT_FALSE(is_for_qn_dravo(mixed));
-  EXPECT_TRUE(is_for_qn_dravo(identify(pair_of(kChiral, kChiral))));
+  EXPECT_FALSE(is_for_qn_dravo(mixed.molecules));
+  EXPECT_TRUE(is_for_qn_dravo(identify(pair_of(kChiral, kChiral)).molecules));
 }
 
 TEST(SymmetricMolecule, MayBeASingleAtomOrTwo) {
