@@ -17,12 +17,14 @@ set(DRAVO_LIBRARY_SOURCES
   src/identify/contacts.cpp
   src/identify/frame_words.cpp
   src/identify/kept_frame.cpp
+  src/identify/many_frames.cpp
   src/identify/identification.cpp
   src/identify/principal_frames.cpp
   src/identify/strict_frame.cpp
   src/molecules/covalent_radii.cpp
   src/molecules/element_label.cpp
   src/molecules/fragments.cpp
+  src/molecules/frame_stream.cpp
   src/molecules/input_text.cpp
   src/molecules/molecule.cpp
   src/molecules/pair_file.cpp
@@ -60,6 +62,7 @@ set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 set(DRAVO_RESULTS_SOURCES
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/frame_table.cpp
   src/results/growing_file.cpp
   src/results/merge.cpp
   src/results/pose_folders.cpp
@@ -70,6 +73,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_files.cpp
   src/results/scan_record.cpp
   src/results/scan_run.cpp
+  src/results/status_line.cpp
   src/results/text_chunk.cpp
   src/scan/plan_file.cpp)
 list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
@@ -91,6 +95,7 @@ function(dravo_program library)
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
     src/cli/identify.cpp
+    src/cli/identify_frames.cpp
     src/cli/main.cpp
     src/cli/merge.cpp
     src/cli/output_file.cpp

@@ -10,6 +10,7 @@ dravo_test_programs(molecules protocol
   covalent_radii_test.cpp
   element_label_test.cpp
   fragments_test.cpp
+  frame_stream_test.cpp
   input_text_test.cpp
   molecule_test.cpp
   neighbour_grid_test.cpp
@@ -23,6 +24,7 @@ dravo_test_programs(identify protocol
   closed_form_test.cpp
   frame_words_test.cpp
   identification_test.cpp
+  many_frames_test.cpp
   remarks_test.cpp
   rotors_test.cpp)
 
@@ -56,7 +58,6 @@ dravo_test_programs(scan results
   equal_poses_test.cpp
   exact_placer_test.cpp
   grid_lookup_test.cpp
-  ordered_chunks_test.cpp
   own_value_test.cpp
   pair_placer_test.cpp
   plan_description_test.cpp
@@ -76,6 +77,7 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
 
 dravo_test_programs(results results
   checksum_test.cpp
+  frame_table_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
@@ -90,6 +92,7 @@ add_executable(cli_tests
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
   cli/here_test.cpp
+  cli/identify_frames_test.cpp
   cli/identify_test.cpp
   cli/merge_test.cpp
   cli/missed_axes_test.cpp

@@ -32,4 +32,6 @@ struct ContactSurvey {
   std::int64_t contacts;  ///< how many pairs `short_contacts` lists
 };
 
+ContactSurvey survey_contacts(const Pair& pair);
+
 }  // namespace dravo

@@ -2,9 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -13,8 +16,10 @@
 #include <utility>
 
 #include "cli/commands.hpp"
+#include "cli/identify_frames.hpp"
 #include "cli/pair_options.hpp"
 #include "common/number_format.hpp"
+#include "common/number_text.hpp"
 #include "dravo/error.hpp"
 #include "molecules/fragments.hpp"
 
@@ -26,6 +31,7 @@ using Json = nlohmann::ordered_json;
 constexpr auto kExample =
     "Example: frames and parameters of a pair as it stands, from an xyz file of both molecules\n"
     "  dravo identify dimer.xyz --split 6\n"
+    "  dravo identify trajectory.xyz --split 6 --frame all -o parameters.csv\n"
     "The first lines of the answer can end a QN-input-GEOMETRY.xyz as they stand.\n"
     "With --frames strict, exit status 1 when qn-dravo would refuse the pair: a molecule is\n"
     "symmetric.";
@@ -217,19 +223,38 @@ std::string refused_json(const std::vector<std::string>& reasons) {
 
 /// As the options say.
 struct IdentifyCommand {
-  SharedRequest request;
   bool json = false;
   bool all_sets = false;
-  FrameRule frames = FrameRule::extended;
-  std::string like;
+  std::string frame;  ///< a number, or several; empty for the first
+  FramesCommand frames;
 };
 
-void show(const IdentifyCommand& command) {
-  const PairFile file = read_pair(*command.request);
+/// Whether a table is wanted, which needs what the text of one frame does not, and the other way
+/// round.
+bool wants_table(const IdentifyCommand& command) {
+  const bool one = command.frame.empty() || parse_integer(command.frame);
+  const auto refuse = [&](const char* option, const char* needs) {
+    throw InvalidInput(fmt::format("{} is for {}", option, needs));
+  };
+  constexpr auto kSeveral = "the table of several frames: --frame all, A:B or A:B:STEP";
+  constexpr auto kOne = "one frame, --frame K";
+  const FramesCommand& frames = command.frames;
+  if (one && !frames.output.empty()) refuse("--output", kSeveral);
+  if (one && frames.unwrap) refuse("--unwrap", kSeveral);
+  if (one && frames.skip_bad) refuse("--skip-bad", kSeveral);
+  if (!one && command.json) refuse("--json", kOne);
+  if (!one && command.all_sets) refuse("--equivalent", kOne);
+  return !one;
+}
+
+void show_one(const IdentifyCommand& command) {
+  const PairRequest& request = *command.frames.request;
+  const PairFile file = read_pair(request);
   tell(file.remarks);
-  const std::optional<Pair> like = reference_pair(command.like, *command.request, file.pair);
+  const std::optional<Pair> like = reference_pair(command.frames.like, request, file.pair.n1());
   try {
-    const Identification found = identify(file.pair, {command.frames, like ? &*like : nullptr});
+    const Identification found =
+        identify(file.pair, {command.frames.rule, like ? &*like : nullptr});
     std::cout << (command.json ? json_of(found, command.all_sets).dump(2) + '\n'
                                : text_of(found, command.all_sets));
   } catch (const NoUniqueFrame& refusal) {
@@ -238,29 +263,62 @@ void show(const IdentifyCommand& command) {
   }
 }
 
+void show(IdentifyCommand& command) {
+  const IndexSelection selection =
+      IndexSelection::parse("--frame", command.frame.empty() ? "1" : command.frame);
+  if (wants_table(command)) {
+    command.frames.selection = selection;
+    identify_frames(command.frames);
+    return;
+  }
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+  command.frames.request->frame = static_cast<std::int32_t>(std::min(selection.first(), kMost));
+  show_one(command);
+}
+
+void add_table_options(CLI::App& command, FramesCommand& frames) {
+  command.add_option("-o,--output", frames.output, "file of the table (standard output)")
+      ->type_name("FILE");
+  command.add_flag("--overwrite", frames.overwrite, "replace a file that exists");
+  command.add_flag("--unwrap", frames.unwrap,
+                   "let phi, alpha and gamma pass 360 and 0 from frame to frame");
+  command.add_flag("--skip-bad", frames.skip_bad,
+                   "leave frames out that cannot be read or identified, and count them");
+  command.add_option("--threads", frames.threads, "as many as the machine has cores")
+      ->check(CLI::Range(1, 1024))
+      ->type_name("T");
+  command.add_flag("--quiet", frames.quiet, "no progress and no remarks");
+}
+
 }  // namespace
 
 void add_identify(CLI::App& program) {
   CLI::App& command = *program.add_subcommand(
-      "identify", "Tell the six parameters of a pair as it stands, and the frames behind them");
+      "identify", "Find the six parameters of a pair as it stands, and the frames behind them");
   command.footer(kExample);
   const auto options = std::make_shared<IdentifyCommand>();
-  options->request = add_pair_options(command);
+  options->frames.request = add_pair_file(command);
+  add_split_option(command, options->frames.request);
+  command
+      .add_option("--frame", options->frame,
+                  "which frame of a file with several, from 1; a table for all, A:B or A:B:STEP")
+      ->type_name("K|all|A:B");
   command.add_flag("--json", options->json, "one JSON object instead of text");
   command.add_flag("--equivalent", options->all_sets,
                    "list all sets of parameters that make this pair");
-  auto* const frames = command
-                           .add_option_function<std::string>(
-                               "--frames",
-                               [options](const std::string& rule) {
-                                 options->frames =
-                                     rule == "strict" ? FrameRule::strict : FrameRule::extended;
-                               },
-                               "strict refuses the molecules that qn-dravo refuses")
-                           ->type_name("RULE")
-                           ->check(CLI::IsMember({"extended", "strict"}))
-                           ->default_str("extended");
-  add_like_option(command, options->like)->excludes(frames);
+  auto* const rule = command
+                         .add_option_function<std::string>(
+                             "--frames",
+                             [options](const std::string& name) {
+                               options->frames.rule =
+                                   name == "strict" ? FrameRule::strict : FrameRule::extended;
+                             },
+                             "strict refuses the molecules that qn-dravo refuses")
+                         ->type_name("RULE")
+                         ->check(CLI::IsMember({"extended", "strict"}))
+                         ->default_str("extended");
+  add_like_option(command, options->frames.like)->excludes(rule);
+  add_table_options(command, options->frames);
   command.callback([options] { show(*options); });
 }
 

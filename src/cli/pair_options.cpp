@@ -12,7 +12,7 @@
 
 namespace dravo {
 
-void add_split_options(CLI::App& command, const SharedRequest& request) {
+void add_split_option(CLI::App& command, const SharedRequest& request) {
   const auto read_split = [request](const std::string& text) {
     if (text == "auto") {
       request->split = SplitByBonds{};
@@ -30,18 +30,27 @@ void add_split_options(CLI::App& command, const SharedRequest& request) {
           "--split", read_split,
           "atoms of molecule 1, or auto: the molecules are what is bonded (covalent radii)")
       ->type_name("N1|auto");
+}
+
+void add_split_options(CLI::App& command, const SharedRequest& request) {
+  add_split_option(command, request);
   command.add_option("--frame", request->frame, "which frame of a file with several, from 1")
       ->type_name("K")
       ->check(CLI::Range(1, std::numeric_limits<std::int32_t>::max()));
 }
 
-SharedRequest add_pair_options(CLI::App& command) {
+SharedRequest add_pair_file(CLI::App& command) {
   auto request = std::make_shared<PairRequest>();
   command
       .add_option("pair", request->file,
                   "xyz file of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz")
       ->required()
       ->type_name("FILE");
+  return request;
+}
+
+SharedRequest add_pair_options(CLI::App& command) {
+  auto request = add_pair_file(command);
   add_split_options(command, request);
   return request;
 }
@@ -54,7 +63,7 @@ CLI::Option* add_like_option(CLI::App& command, std::string& file) {
 }
 
 std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request,
-                                   const Pair& pair) {
+                                   std::optional<std::int32_t> n1) {
   if (file.empty()) return std::nullopt;
   PairRequest of_reference = request;
   of_reference.file = file;
@@ -66,7 +75,7 @@ std::optional<Pair> reference_pair(const std::string& file, const PairRequest& r
     of_reference.split.reset();
     return read_pair(of_reference).pair;
   } catch (const InvalidInput&) {  // it does not tell where molecule 2 begins, or cannot be read
-    of_reference.split = pair.n1();
+    of_reference.split = n1;
     return read_pair(of_reference).pair;
   }
 }

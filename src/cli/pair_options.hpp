@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,8 +16,14 @@ namespace dravo {
 /// Filled when the arguments are parsed; shared by the options and the work of a command.
 using SharedRequest = std::shared_ptr<PairRequest>;
 
+/// `--split N1|auto`.
+void add_split_option(CLI::App& command, const SharedRequest& request);
+
 /// `--split N1|auto` and `--frame K`.
 void add_split_options(CLI::App& command, const SharedRequest& request);
+
+/// The file of a pair as first argument.
+SharedRequest add_pair_file(CLI::App& command);
 
 /// The file of a pair as first argument, `--split` and `--frame`.
 SharedRequest add_pair_options(CLI::App& command);
@@ -24,10 +31,11 @@ SharedRequest add_pair_options(CLI::App& command);
 /// `--like FILE`, the file of the same pair whose axes are carried along.
 CLI::Option* add_like_option(CLI::App& command, std::string& file);
 
-/// The pair of `--like`, divided as `pair`, which was read by the request; empty without the
-/// option. Throws InvalidInput and IoFailure.
+/// The pair of `--like`; empty without the option. Where its file does not tell, it is divided as
+/// the pair that was read by the request: by bonds, or after `n1` atoms. Throws InvalidInput and
+/// IoFailure.
 std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request,
-                                   const Pair& pair);
+                                   std::optional<std::int32_t> n1);
 
 /// How poses are placed, and by whose axes.
 struct PlacingOptions {

@@ -121,7 +121,7 @@ void place(const PlaceCommand& command) {
   const PairFile file = read_pair(*command.request);
   tell(file.remarks);
   const std::optional<Pair> like =
-      reference_pair(command.placing.like, *command.request, file.pair);
+      reference_pair(command.placing.like, *command.request, file.pair.n1());
   const Pair* const reference = like ? &*like : nullptr;
   const PoseDegrees pose = chosen_pose(
       command.given, pose_defaults(*command.request, file, reference), *command.request);

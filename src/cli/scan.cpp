@@ -119,11 +119,12 @@ void run(ScanCommand& options) {
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
   if (!options.shard.empty()) request.part = parse_shard(options.shard);
-  request.progress = kind_of_progress(options.quiet);
+  request.progress = kind_of_status(options.quiet);
   const PairFile pair = read_pair(*options.pair);
   if (!options.quiet) tell(pair.remarks);
   const PlanKeys keys = keys_of(options);
-  const std::optional<Pair> like = reference_pair(options.placing.like, *options.pair, pair.pair);
+  const std::optional<Pair> like =
+      reference_pair(options.placing.like, *options.pair, pair.pair.n1());
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};

@@ -40,8 +40,7 @@ std::int64_t number_from_1(const OptionText& source, std::string_view word) {
 IndexSelection::Range parse_range(const OptionText& source, std::string_view part,
                                   const std::vector<std::string_view>& words) {
   if (words.size() > 3)
-    source.refuse(part,
-                  fmt::format("expected FIRST:LAST or FIRST:LAST:STEP, found {}", quoted(part)));
+    source.refuse(part, "expected FIRST:LAST or FIRST:LAST:STEP, found " + quoted(part));
   const std::int64_t first = number_from_1(source, words[0]);
   const std::int64_t last = number_from_1(source, words[1]);
   const std::int64_t step = words.size() == 3 ? number_from_1(source, words[2]) : 1;

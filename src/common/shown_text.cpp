@@ -103,6 +103,10 @@ std::int64_t line_number(std::string_view text, std::size_t position) {
   return std::count(before.begin(), before.end(), '\n') + 1;
 }
 
+std::int64_t line_number(const NamedText& source, std::size_t position) {
+  return line_number(source.text, position) + source.first_line - 1;
+}
+
 std::string shown_place(std::string_view text, std::size_t begin, std::size_t end) {
   constexpr std::size_t kShownBefore = 60;
   constexpr std::size_t kShownLine = 100;
@@ -128,7 +132,7 @@ InvalidInput invalid_input_at(const NamedText& source, std::size_t begin, std::s
   const std::size_t start = previous_end == std::string_view::npos ? 0 : previous_end + 1;
   const std::size_t line_end = std::min(source.text.find('\n', begin), source.text.size());
   return invalid_input_in(
-      {source.name, line_number(source.text, begin), source.text.substr(start, line_end - start)},
+      {source.name, line_number(source, begin), source.text.substr(start, line_end - start)},
       begin - start, end - start, what_is_wrong);
 }
 

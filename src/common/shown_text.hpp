@@ -34,8 +34,9 @@ std::string_view last_characters(std::string_view text, std::size_t most);
 
 /// A text by the name that messages give it.
 struct NamedText {
-  std::string_view name;  ///< of the file
-  std::string_view text;  ///< the whole of it
+  std::string_view name;        ///< of the file
+  std::string_view text;        ///< the whole of it, or some lines
+  std::int64_t first_line = 1;  ///< number of the first of them
 };
 
 /// A line of such a text.
@@ -51,6 +52,9 @@ std::int64_t line_number(std::string_view text, std::size_t position);
 /// Two lines without an end of line behind the second: the line of the text that holds the
 /// character at `begin`; carets under the characters from there to before `end`, at least one.
 std::string shown_place(std::string_view text, std::size_t begin, std::size_t end);
+
+/// The same of a text that may begin farther down in its file.
+std::int64_t line_number(const NamedText& source, std::size_t position);
 
 /// "name:line: ", what is wrong, and the place below it.
 InvalidInput invalid_input_at(const NamedText& source, std::size_t begin, std::size_t end,

@@ -1,3 +1,5 @@
+#include "molecules/pair_file.hpp"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -12,8 +14,6 @@
 #include "common/free_format_reader.hpp"
 #include "common/number_format.hpp"
 #include "common/number_text.hpp"
-#include "common/shown_text.hpp"
-#include "dravo/molecule.hpp"
 #include "driver/element_table.hpp"
 #include "driver/input_reader.hpp"
 #include "driver/run_stop.hpp"
@@ -21,14 +21,11 @@
 #include "molecules/coordinate.hpp"
 #include "molecules/element_label.hpp"
 #include "molecules/fragments.hpp"
-#include "molecules/xyz_file.hpp"
 
 namespace dravo {
 namespace {
 
 constexpr double kAngstromPerBohr = 0.529177210903;  // CODATA 2018
-
-double angstrom_per(LengthUnit unit) { return unit == LengthUnit::bohr ? kAngstromPerBohr : 1.0; }
 
 /// What one file holds.
 struct Contents {
@@ -185,18 +182,26 @@ void require_plain_request(const std::string& name, const PairRequest& request) 
     throw InvalidInput(name + ": files of this format are in Angstrom, not in bohr");
 }
 
-Contents read_contents(const std::string& name, const PairRequest& request) {
-  const std::string text = read_file(name);
-  const NamedText source{name, text};
-  const auto N = first_integer(text);
-  if (N && is_qn_input(text, *N)) {
+Contents contents_of(XyzFrame frame) {
+  const auto n1 = frame.n1 ? frame.n1 : frame.n1_of_column;
+  return {std::move(frame.labels), std::move(frame.positions), n1, std::nullopt, frame.frames};
+}
+
+Contents contents_of(const NamedText& source, const PairRequest& request) {
+  const std::string name(source.name);
+  const auto N = first_integer(source.text);
+  if (N && is_qn_input(source.text, *N)) {
     require_plain_request(name, request);
     return read_qn_input(source, *N);
   }
   XyzFrame frame = read_xyz(source, request.frame, angstrom_per(request.unit));
   if (frame.n1) require_plain_request(name, request);
-  const auto n1 = frame.n1 ? frame.n1 : frame.n1_of_column;
-  return {std::move(frame.labels), std::move(frame.positions), n1, std::nullopt, frame.frames};
+  return contents_of(std::move(frame));
+}
+
+Contents read_contents(const std::string& name, const PairRequest& request) {
+  const std::string text = read_file(name);
+  return contents_of({name, text}, request);
 }
 
 void remark_on_frames(const std::string& name, const Contents& contents, std::int32_t frame,
@@ -290,8 +295,7 @@ Pair pair_of(const std::string& name, Contents& contents, std::int32_t n1) {
   }
 }
 
-PairFile read_one_file(const PairRequest& request) {
-  Contents contents = read_contents(request.file, request);
+PairFile pair_file_of(Contents contents, const PairRequest& request) {
   std::vector<std::string> remarks;
   remark_on_frames(request.file, contents, request.frame, remarks);
   const std::int32_t n1 = split_of(request, contents, remarks);
@@ -320,14 +324,30 @@ PairFile read_two_files(const PairRequest& request) {
 
 }  // namespace
 
+double angstrom_per(LengthUnit unit) { return unit == LengthUnit::bohr ? kAngstromPerBohr : 1.0; }
+
 Molecule read_molecule(const std::string& file, std::int32_t frame, LengthUnit unit) {
   const std::string text = read_file(file);
   XyzFrame found = read_xyz({file, text}, frame, angstrom_per(unit));
   return {std::move(found.labels), std::move(found.positions)};
 }
 
+bool is_qn_input(std::string_view text) {
+  const auto N = first_integer(text);
+  return N && is_qn_input(text, *N);
+}
+
+PairFile pair_of_text(const NamedText& source, const PairRequest& request) {
+  return pair_file_of(contents_of(source, request), request);
+}
+
+PairFile pair_of_frame(XyzFrame frame, const PairRequest& request) {
+  return pair_file_of(contents_of(std::move(frame)), request);
+}
+
 PairFile read_pair(const PairRequest& request) {
-  return request.second_file.empty() ? read_one_file(request) : read_two_files(request);
+  return request.second_file.empty() ? pair_file_of(read_contents(request.file, request), request)
+                                     : read_two_files(request);
 }
 
 }  // namespace dravo

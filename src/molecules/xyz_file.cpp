@@ -77,6 +77,8 @@ class XyzReader {
       : source_(source), text_(source.text), unit_(angstrom_per_unit) {}
 
   XyzFrame read(std::int32_t wanted);
+  XyzFrame read_one(std::int64_t number);
+  std::optional<std::int32_t> trailer();
 
  private:
   [[nodiscard]] bool at_end() const { return position_ >= text_.size(); }
@@ -86,8 +88,8 @@ class XyzReader {
   Part next_line();
   Part next_item(Part& rest) const;
   bool skip_blank_lines();
-  std::optional<std::int32_t> trailer();
-  std::int32_t read_count(std::int32_t frame);
+  void refuse_byte_order_mark() const;
+  std::int32_t read_count(std::int64_t frame);
   Part read_comment();
   void require_atom_line(std::int32_t atom, std::int32_t N) const;
   void skip_atoms(std::int32_t N);
@@ -160,7 +162,7 @@ std::optional<std::int32_t> XyzReader::trailer() {
   return std::nullopt;
 }
 
-std::int32_t XyzReader::read_count(std::int32_t frame) {
+std::int32_t XyzReader::read_count(std::int64_t frame) {
   const std::string what =
       frame == 1 ? "the number of atoms (an integer)"
                  : "the end of the file or the number of atoms of frame " + std::to_string(frame);
@@ -186,7 +188,7 @@ Part XyzReader::read_comment() {
 void XyzReader::require_atom_line(std::int32_t atom, std::int32_t N) const {
   if (at_end())
     refuse_end(fmt::format("atom {} of the {} that line {} announces", atom, N,
-                           line_number(text_, count_begin_)));
+                           line_number(source_, count_begin_)));
 }
 
 void XyzReader::skip_atoms(std::int32_t N) {
@@ -324,14 +326,18 @@ Columns XyzReader::columns_of(Part comment) const {
 
 void XyzReader::refuse_end(const std::string& expected) const {
   const bool line_open = !text_.empty() && text_.back() != '\n';
-  const std::int64_t missing = line_number(text_, text_.size()) + (line_open ? 1 : 0);
+  const std::int64_t missing = line_number(source_, text_.size()) + (line_open ? 1 : 0);
   throw InvalidInput(
       fmt::format("{}:{}: expected {}, found the end of the file", source_.name, missing, expected),
       {std::string(source_.name), missing});
 }
 
-XyzFrame XyzReader::read(std::int32_t wanted) {
+void XyzReader::refuse_byte_order_mark() const {
   if (text_.starts_with(kByteOrderMark)) refuse({0, kByteOrderMark.size()}, kByteOrderMarkFault);
+}
+
+XyzFrame XyzReader::read(std::int32_t wanted) {
+  refuse_byte_order_mark();
   XyzFrame frame;
   do {
     ++frame.frames;
@@ -349,10 +355,26 @@ XyzFrame XyzReader::read(std::int32_t wanted) {
   return frame;
 }
 
+XyzFrame XyzReader::read_one(std::int64_t number) {
+  refuse_byte_order_mark();
+  XyzFrame frame;
+  frame.frames = 1;
+  read_atoms(read_count(number), frame);
+  return frame;
+}
+
 }  // namespace
 
 XyzFrame read_xyz(const NamedText& source, std::int32_t wanted, double angstrom_per_unit) {
   return XyzReader(source, angstrom_per_unit).read(wanted);
+}
+
+std::optional<std::int32_t> trailer_in(std::string_view text) {
+  return XyzReader({"", text}, 1.0).trailer();
+}
+
+XyzFrame read_xyz_frame(const NamedText& lines, std::int64_t number, double angstrom_per_unit) {
+  return XyzReader(lines, angstrom_per_unit).read_one(number);
 }
 
 }  // namespace dravo

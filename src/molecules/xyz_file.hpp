@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "common/atom_table.hpp"
@@ -32,5 +33,13 @@ struct XyzFrame {
 ///
 /// `angstrom_per_unit`: length of the file's unit.
 XyzFrame read_xyz(const NamedText& source, std::int32_t wanted, double angstrom_per_unit = 1.0);
+
+/// n1 of a text that ends as `input-GEOMETRY.xyz` does behind its atoms: blank line, n1, blank
+/// line, "n". Empty for any other text.
+std::optional<std::int32_t> trailer_in(std::string_view text);
+
+/// Reads one frame, the `number`-th of its file, from the lines that `FrameStream` found for it.
+XyzFrame read_xyz_frame(const NamedText& lines, std::int64_t number,
+                        double angstrom_per_unit = 1.0);
 
 }  // namespace dravo

@@ -10,11 +10,11 @@
 
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
+#include "common/ordered_chunks.hpp"
 #include "common/shown_text.hpp"
 #include "driver/user_parameters.hpp"
 #include "results/pose_folders.hpp"
 #include "results/text_chunk.hpp"
-#include "scan/ordered_chunks.hpp"
 #include "scan/pair_placer.hpp"
 
 namespace dravo {

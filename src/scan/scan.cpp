@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "common/ordered_chunks.hpp"
 #include "dravo/error.hpp"
-#include "scan/ordered_chunks.hpp"
 #include "scan/pose_maker.hpp"
 
 namespace dravo {

@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
                             "0 %, 1 of 1000000000000000 poses, 1 a second, 277777 h 46 min "
                             "left"}));
 
-TEST(KindOfProgress, QuietShowsNone) { EXPECT_EQ(kind_of_progress(true), Progress::Kind::none); }
+TEST(KindOfProgress, QuietShowsNone) { EXPECT_EQ(kind_of_status(true), Progress::Kind::none); }
 
 }  // namespace
 }  // namespace dravo::test

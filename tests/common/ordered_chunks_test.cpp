@@ -1,4 +1,4 @@
-#include "scan/ordered_chunks.hpp"
+#include "common/ordered_chunks.hpp"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,10 @@
 #include <numeric>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
-#include "scan/plans.hpp"
+#include "support/message_of.hpp"
 
 namespace dravo::test {
 namespace {
@@ -172,6 +173,58 @@ TEST_P(MakeChunks, WaitWhileMuchWaitsToBeTaken) {
   EXPECT_EQ(made, 1000);
   const int cores = std::max(static_cast<int>(std::thread::hardware_concurrency()), 1);
   EXPECT_LE(most_waiting, 3 * (GetParam() > 0 ? GetParam() : cores));
+}
+
+// --- streams ----------------------------------------------------------------------------------
+
+/// Hands out the numbers before `end`, some at a time.
+struct NumberStream {
+  std::int64_t end;
+  std::int64_t next = 0;
+  bool in_use = false;
+
+  bool fill(Chunk& chunk) {
+    EXPECT_FALSE(std::exchange(in_use, true)) << "one thread at a time";
+    chunk.resize(static_cast<std::size_t>(std::min<std::int64_t>(7, end - next)));
+    std::iota(chunk.begin(), chunk.end(), next);
+    next += static_cast<std::int64_t>(chunk.size());
+    in_use = false;
+    return !chunk.empty();
+  }
+};
+
+struct Doubler {
+  static void make(Chunk& chunk) {
+    for (std::int64_t& number : chunk) {
+      if (number == kRefused) throw std::runtime_error("not that one");
+      number *= 2;
+    }
+  }
+  static constexpr std::int64_t kRefused = 5000;
+};
+
+TEST_P(MakeChunks, TakesAStreamInOrderToItsEnd) {
+  for (const std::int64_t end : {0, 1, 7, 8, 4999}) {
+    NumberStream numbers{end};
+    std::int64_t taken = 0;
+    make_chunks_of_stream<Chunk>(
+        GetParam(), [&](Chunk& chunk) { return numbers.fill(chunk); }, [] { return Doubler{}; },
+        [&](const Chunk& chunk) {
+          for (const std::int64_t number : chunk) EXPECT_EQ(number, 2 * taken++);
+        });
+    EXPECT_EQ(taken, end);
+  }
+}
+
+TEST_P(MakeChunks, EndsAStreamWithTheExceptionOfAMaker) {
+  NumberStream numbers{1000000};
+  EXPECT_EQ(message_of<std::runtime_error>([&] {
+              make_chunks_of_stream<Chunk>(
+                  GetParam(), [&](Chunk& chunk) { return numbers.fill(chunk); },
+                  [] { return Doubler{}; }, [](const Chunk&) {});
+            }),
+            "not that one");
+  EXPECT_LT(numbers.next, 1000000) << "nothing is read for nobody";
 }
 
 INSTANTIATE_TEST_SUITE_P(WithThreads, MakeChunks, ::testing::Values(0, 1, 2, 3, 5, 8));

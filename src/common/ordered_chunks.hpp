@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <system_error>
@@ -35,12 +36,18 @@ class OrderedChunks {
     std::unique_lock lock(mutex_);
     const auto window = static_cast<std::int64_t>(slots_.size());
     changed_.wait(lock, [&] { return failure_ || next_to_make_ < next_to_take_ + window; });
-    if (failure_ || next_to_make_ == chunks_) return std::nullopt;
+    if (failure_ || next_to_make_ >= chunks_) return std::nullopt;
     if (!spare_.empty()) {
       memory = std::move(spare_.back());
       spare_.pop_back();
     }
     return next_to_make_++;
+  }
+
+  /// There is no such chunk, and none behind it.
+  void end_at(std::int64_t number) {
+    const std::lock_guard lock(mutex_);
+    chunks_ = std::min(chunks_, number);
   }
 
   void deliver(std::int64_t number, Payload&& chunk) {
@@ -74,7 +81,7 @@ class OrderedChunks {
     return slots_[static_cast<std::size_t>(number) % slots_.size()];
   }
 
-  const std::int64_t chunks_;
+  std::int64_t chunks_;
   std::vector<std::optional<Payload>> slots_;
   Take* take_;
   std::mutex mutex_;
@@ -85,17 +92,33 @@ class OrderedChunks {
   std::exception_ptr failure_;
 };
 
+/// Calls `work()` in so many threads, this one among them, and waits for all.
+template <class Work>
+void in_threads(int threads, const Work& work) {
+  std::vector<std::jthread> others;
+  try {
+    for (int k = 1; k < threads; ++k) others.emplace_back(work);
+  } catch (const std::system_error&) {
+    // The system gives no more threads: those that run do the work.
+  }
+  work();
+}
+
+/// 0 stands for as many as the machine has cores.
+inline int threads_of(int asked) {
+  return asked == 0 ? std::max(static_cast<int>(std::thread::hardware_concurrency()), 1) : asked;
+}
+
 /// Calls `take(const Payload&)` for every chunk of the job, each call from some thread after the
 /// one before it is done. A few chunks a thread are in memory at most, and their memory is used
 /// again. `new_maker()` gives a thread its maker, whose `make(first, end, payload)` makes a chunk.
 /// The first exception of a maker or of `take` ends the work and is thrown here.
 template <class Payload, class NewMaker, class Take>
 void make_chunks(const ChunkJob& job, const NewMaker& new_maker, Take take) {
-  const int cores = std::max(static_cast<int>(std::thread::hardware_concurrency()), 1);
-  const int threads = job.threads == 0 ? cores : job.threads;
+  const int threads = threads_of(job.threads);
   OrderedChunks<Payload, Take> chunks((job.end - job.first + job.size - 1) / job.size, threads,
                                       take);
-  const auto work = [&] {
+  in_threads(threads, [&] {
     try {
       auto maker = new_maker();
       Payload chunk;
@@ -107,16 +130,39 @@ void make_chunks(const ChunkJob& job, const NewMaker& new_maker, Take take) {
     } catch (...) {
       chunks.fail(std::current_exception());
     }
-  };
-  {
-    std::vector<std::jthread> others;
-    try {
-      for (int k = 1; k < threads; ++k) others.emplace_back(work);
-    } catch (const std::system_error&) {
-      // The system gives no more threads: those that run do the work.
+  });
+  chunks.rethrow();
+}
+
+/// The same for a stream, whose length nobody knows: `fill(payload)` puts what belongs to the next
+/// chunk into it, or returns false at the end of the stream; one thread at a time calls it.
+/// `new_maker()` gives a thread its maker, whose `make(payload)` does the work of a chunk.
+template <class Payload, class Fill, class NewMaker, class Take>
+void make_chunks_of_stream(int threads, Fill fill, const NewMaker& new_maker, Take take) {
+  threads = threads_of(threads);
+  OrderedChunks<Payload, Take> chunks(std::numeric_limits<std::int64_t>::max(), threads, take);
+  std::mutex stream;
+  const auto next = [&](Payload& chunk) {
+    const std::lock_guard one_at_a_time(stream);
+    auto number = chunks.claim(chunk);
+    if (number && !fill(chunk)) {
+      chunks.end_at(*number);
+      number.reset();
     }
-    work();
-  }
+    return number;
+  };
+  in_threads(threads, [&] {
+    try {
+      auto maker = new_maker();
+      Payload chunk;
+      while (const auto number = next(chunk)) {
+        maker.make(chunk);
+        chunks.deliver(*number, std::move(chunk));
+      }
+    } catch (...) {
+      chunks.fail(std::current_exception());
+    }
+  });
   chunks.rethrow();
 }
 

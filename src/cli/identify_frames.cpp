@@ -1,0 +1,152 @@
+#include "cli/identify_frames.hpp"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "cli/commands.hpp"
+#include "cli/output_file.hpp"
+#include "identify/many_frames.hpp"
+#include "results/frame_table.hpp"
+#include "results/growing_file.hpp"
+#include "results/status_line.hpp"
+
+namespace dravo {
+namespace {
+
+/// Standard output, or a file that gets its name when it is complete and goes when it is not.
+class TableOutput {
+ public:
+  explicit TableOutput(std::string name) : name_(std::move(name)) {
+    if (name_.empty()) return;
+    file_ = std::make_unique<GrowingFile>(name_ + ".part");
+    file_->cut(0, {});
+  }
+  TableOutput(const TableOutput&) = delete;
+  TableOutput& operator=(const TableOutput&) = delete;
+  ~TableOutput() {
+    if (file_) std::remove(file_->name().c_str());
+  }
+
+  void append(std::string_view rows) {
+    if (file_)
+      file_->append(rows);
+    else
+      std::cout << rows;
+  }
+
+  void finish() {
+    if (file_) file_->finish(name_);
+    file_.reset();
+  }
+
+ private:
+  std::string name_;
+  std::unique_ptr<GrowingFile> file_;
+};
+
+/// Frames without parameters: the first ends the work, or all are told and counted.
+class BadFrames {
+ public:
+  explicit BadFrames(bool skip) : skip_(skip) {}
+
+  void add(const BadFrame& bad) {
+    constexpr std::int64_t kMostTold = 10;
+    if (!skip_) {
+      const std::string message = bad.message + "\n--skip-bad leaves such frames out";
+      if (bad.refused) throw CannotBeDone(message);
+      throw InvalidInput(message);
+    }
+    if (++count_ <= kMostTold) tell({"left out: " + bad.message});
+  }
+
+  [[nodiscard]] std::int64_t count() const { return count_; }
+
+ private:
+  bool skip_;
+  std::int64_t count_ = 0;
+};
+
+std::string status_text(std::int64_t frames, std::int64_t bytes_done, std::int64_t bytes,
+                        double seconds) {
+  std::string text = fmt::format("{} frames, {} a second", frames,
+                                 std::llround(static_cast<double>(frames) / seconds));
+  if (bytes == 0 || bytes_done == 0) return text;
+  const double part = static_cast<double>(bytes_done) / static_cast<double>(bytes);
+  return fmt::format("{} %, {}, {} left", static_cast<int>(100.0 * part), text,
+                     duration_text(seconds * (1.0 - part) / part));
+}
+
+/// A table on a terminal is its own progress.
+StatusLine::Kind kind_of_line(const FramesCommand& command) {
+  const bool table_on_terminal = command.output.empty() && ::isatty(STDOUT_FILENO) == 1;
+  return kind_of_status(command.quiet || table_on_terminal);
+}
+
+/// Where the user says so.
+std::optional<std::int32_t> n1_of(const FramesCommand& command) {
+  const Split& split = command.request->split;
+  const auto* n1 = split ? std::get_if<std::int32_t>(&*split) : nullptr;
+  return n1 == nullptr ? std::nullopt : std::optional(*n1);
+}
+
+void tell_result(const FramesCommand& command, std::int64_t rows, const BadFrames& bad,
+                 std::int64_t seen) {
+  if (bad.count() > 0)
+    tell({fmt::format("{} of {} frames were left out", bad.count(), rows + bad.count())});
+  if (command.quiet) return;
+  const std::int64_t last = command.selection.last();
+  if (last != std::numeric_limits<std::int64_t>::max() && last > seen)
+    tell({fmt::format("{}: the file ends with frame {}", command.request->file, seen)});
+  if (!command.output.empty())
+    tell({fmt::format("wrote {}: {} {}", command.output, rows, rows == 1 ? "frame" : "frames")});
+}
+
+}  // namespace
+
+void identify_frames(const FramesCommand& command) {
+  if (!command.output.empty()) require_replaceable(command.output, command.overwrite);
+  FrameStream stream(command.request->file);
+  const std::optional<Pair> like = reference_pair(command.like, *command.request, n1_of(command));
+  const ManyFrames wanted{*command.request,
+                          command.selection,
+                          {command.rule, like ? &*like : nullptr},
+                          command.threads};
+  TableOutput output(command.output);
+  FrameTable table(command.unwrap);
+  BadFrames bad(command.skip_bad);
+  StatusLine status(kind_of_line(command));
+  std::int64_t rows = 0;
+  std::string text = FrameTable::heading();
+  const std::int64_t seen = identify_frames(
+      stream, wanted, [&](std::span<const IdentifiedFrame> frames, std::int64_t bytes) {
+        for (const IdentifiedFrame& frame : frames) {
+          if (frame.bad) {
+            bad.add(*frame.bad);
+            continue;
+          }
+          table.append_row(text, frame);
+          ++rows;
+        }
+        output.append(text);
+        text.clear();
+        status.show(
+            [&](double seconds) { return status_text(rows, bytes, stream.bytes(), seconds); });
+      });
+  if (rows == 0) throw InvalidInput(fmt::format("{}: no frame is left", command.request->file));
+  output.finish();
+  tell_result(command, rows, bad, seen);
+}
+
+}  // namespace dravo

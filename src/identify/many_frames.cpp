@@ -1,0 +1,170 @@
+#include "identify/many_frames.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "common/number_text.hpp"
+#include "common/ordered_chunks.hpp"
+#include "common/text.hpp"
+#include "dravo/error.hpp"
+#include "molecules/pair_file.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr std::size_t kBytesOfBatch = 1U << 17U;
+
+/// Frames one behind the other, as they are in the file and as they were found to be.
+struct Batch {
+  struct Frame {
+    std::int64_t number;
+    std::int64_t first_line;
+    std::size_t begin;  ///< of its lines, in `text`
+    std::size_t end;
+  };
+
+  std::string text;
+  std::optional<std::int32_t> n1;  ///< as the trailer of the file tells
+  std::vector<Frame> frames;
+  std::vector<IdentifiedFrame> found;
+  std::int64_t bytes = 0;  ///< of the file, behind them
+};
+
+std::string joined(const std::vector<std::string>& sentences) {
+  std::string text;
+  for (const std::string& sentence : sentences)
+    text.append(text.empty() ? "" : "; ").append(sentence);
+  return text;
+}
+
+void identify_pair(const Pair& pair, const IdentifyOptions& options, IdentifiedFrame& frame) {
+  const Identification found = identify(pair, options);
+  frame.parameters = found.parameters;
+  frame.survey = survey_contacts(pair);
+  frame.remark = joined(remarks_on(found));
+}
+
+/// Whether the stream is a `QN-input-GEOMETRY.xyz`, which holds one pair.
+bool holds_qn_input(FrameStream& stream) {
+  constexpr std::int64_t kLinesBesides = 4;  // the count, and three behind the atoms
+  const std::string_view first = stream.first_lines(1);
+  const auto N = parse_integer(trimmed(first.substr(0, first.find('\n'))));
+  return N && is_qn_input(stream.first_lines(*N + kLinesBesides));
+}
+
+/// The selected frames of a stream, batch after batch.
+class WantedFrames {
+ public:
+  WantedFrames(FrameStream& stream, const IndexSelection& selection)
+      : stream_(&stream), selection_(&selection), last_(selection.last()) {}
+
+  /// False at the end.
+  bool fill(Batch& batch) {
+    batch.text.clear();
+    batch.frames.clear();
+    FrameStream::Frame frame;
+    while (batch.text.size() < kBytesOfBatch && last_seen_ < last_ && stream_->next(frame)) {
+      last_seen_ = frame.number;
+      if (!selection_->contains(frame.number)) continue;
+      const std::size_t begin = batch.text.size();
+      batch.text += frame.text;
+      batch.frames.push_back({frame.number, frame.first_line, begin, batch.text.size()});
+    }
+    batch.n1 = stream_->n1();
+    batch.bytes = stream_->bytes_done();
+    return !batch.frames.empty();
+  }
+
+  /// Of the file, as far as it was read.
+  [[nodiscard]] std::int64_t seen() const { return last_seen_; }
+
+  /// The first selected frame must be there, and all that were named one by one.
+  void require_named() const {
+    if (last_seen_ == 0)
+      throw InvalidInput(stream_->name() + ": expected frames of an xyz file, found none");
+    const std::vector<std::int64_t>& single = selection_->single();
+    const std::int64_t needed = std::max(selection_->first(), single.empty() ? 1 : single.back());
+    if (needed > last_seen_)
+      throw InvalidInput(fmt::format("{}: there is no frame {}: the file holds {} {}",
+                                     stream_->name(), needed, last_seen_,
+                                     last_seen_ == 1 ? "frame" : "frames"));
+  }
+
+ private:
+  FrameStream* stream_;
+  const IndexSelection* selection_;
+  std::int64_t last_;
+  std::int64_t last_seen_ = 0;
+};
+
+/// One per thread.
+class FrameIdentifier {
+ public:
+  FrameIdentifier(const FrameStream& stream, const ManyFrames& wanted)
+      : name_(stream.name()),
+        angstrom_per_unit_(angstrom_per(wanted.pair.unit)),
+        request_(wanted.pair),
+        options_(wanted.options) {}
+
+  void make(Batch& batch) const {
+    batch.found.clear();
+    for (const Batch::Frame& frame : batch.frames)
+      batch.found.push_back(identified(
+          {name_, std::string_view(batch.text).substr(frame.begin, frame.end - frame.begin),
+           frame.first_line},
+          frame.number, batch.n1));
+  }
+
+ private:
+  [[nodiscard]] IdentifiedFrame identified(const NamedText& lines, std::int64_t number,
+                                           std::optional<std::int32_t> n1) const {
+    IdentifiedFrame frame{.number = number};
+    try {
+      look_at(lines, n1, frame);
+    } catch (const NoUniqueFrame& refusal) {
+      frame.bad = {fmt::format("frame {}: {}", number, joined(refusal.reasons())), true};
+    } catch (const Error& failure) {
+      frame.bad = {fmt::format("frame {}: {}", number, failure.what())};
+    }
+    return frame;
+  }
+
+  void look_at(const NamedText& lines, std::optional<std::int32_t> n1,
+               IdentifiedFrame& frame) const {
+    XyzFrame read = read_xyz_frame(lines, frame.number, angstrom_per_unit_);
+    read.n1 = n1;
+    identify_pair(pair_of_frame(std::move(read), request_).pair, options_, frame);
+  }
+
+  std::string_view name_;
+  double angstrom_per_unit_;
+  const PairRequest& request_;
+  IdentifyOptions options_;
+};
+
+}  // namespace
+
+std::int64_t identify_frames(FrameStream& stream, const ManyFrames& wanted,
+                             const TakeFrames& take) {
+  if (holds_qn_input(stream)) {
+    IdentifiedFrame only{.number = 1};
+    identify_pair(pair_of_text({stream.name(), stream.rest()}, wanted.pair).pair, wanted.options,
+                  only);
+    take({&only, 1}, stream.bytes());
+    return 1;
+  }
+  WantedFrames frames(stream, wanted.selection);
+  make_chunks_of_stream<Batch>(
+      wanted.threads, [&](Batch& batch) { return frames.fill(batch); },
+      [&] { return FrameIdentifier(stream, wanted); },
+      [&](const Batch& batch) { take(batch.found, batch.bytes); });
+  frames.require_named();
+  return frames.seen();
+}
+
+}  // namespace dravo

@@ -1,0 +1,52 @@
+/// The parameters of the pair in each frame of a trajectory.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "common/index_selection.hpp"
+#include "dravo/contacts.hpp"
+#include "dravo/identify.hpp"
+#include "dravo/molecule.hpp"
+#include "molecules/frame_stream.hpp"
+
+namespace dravo {
+
+/// Why a frame has no parameters.
+struct BadFrame {
+  std::string message;   ///< begins with the number of the frame
+  bool refused = false;  ///< it can be read, but its pair has no strict frames
+};
+
+struct IdentifiedFrame {
+  std::int64_t number = 0;  ///< from 1
+  PoseDegrees parameters = {};
+  ContactSurvey survey = {};
+  std::string remark = {};  ///< sentences with semicolons between; empty for none
+  std::optional<BadFrame> bad =
+      std::nullopt;  ///< nothing of the above is known then, but the number
+};
+
+/// Which frames, and how they are read and looked at.
+struct ManyFrames {
+  PairRequest pair;  ///< its file is that of the stream; its frame is not looked at
+  IndexSelection selection = IndexSelection::parse("frames", "all");
+  IdentifyOptions options = {};
+  int threads = 0;  ///< 0 for as many as the machine has cores
+};
+
+/// Gets some of the frames, and how many bytes of the file lie behind them.
+using TakeFrames = std::function<void(std::span<const IdentifiedFrame>, std::int64_t bytes)>;
+
+/// Hands on the selected frames in their order. Memory does not grow with their number. `take` is
+/// called by one thread at a time; what it throws ends the work and is thrown here. Returns the
+/// number of frames that were looked through, those that were not selected among them.
+///
+/// Throws IoFailure, and InvalidInput when the file has not the first of the selected frames, or
+/// one that was selected alone.
+std::int64_t identify_frames(FrameStream& stream, const ManyFrames& wanted, const TakeFrames& take);
+
+}  // namespace dravo

@@ -1,0 +1,67 @@
+#include "results/frame_table.hpp"
+
+#include <array>
+#include <cmath>
+#include <string_view>
+
+#include "common/number_format.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr int kLength = 8;  // decimals
+constexpr int kAngle = 6;
+
+constexpr std::array<double PoseDegrees::*, 3> kPeriodic{&PoseDegrees::phi, &PoseDegrees::alpha,
+                                                         &PoseDegrees::gamma};
+
+/// An angle that its decimals would make 360 is 0.
+PoseDegrees below_a_turn(PoseDegrees pose) {
+  constexpr double kRoundsToATurn = 360.0 - 0.5e-6;
+  for (const auto angle : kPeriodic)
+    if (pose.*angle >= kRoundsToATurn) pose.*angle = 0.0;
+  return pose;
+}
+
+/// A quote within the text is written twice.
+void append_quoted(std::string& table, std::string_view text) {
+  if (text.empty()) return;
+  table += '"';
+  for (const char c : text) table.append(c == '"' ? 2 : 1, c);
+  table += '"';
+}
+
+}  // namespace
+
+std::string FrameTable::heading() {
+  std::string heading = "frame";
+  for (const PoseParameter& parameter : kPoseParameters) heading.append(",").append(parameter.name);
+  return heading + ",shortest,contacts,remark\n";
+}
+
+void FrameTable::append_row(std::string& table, const IdentifiedFrame& frame) {
+  const PoseDegrees pose = unwrap_ ? unwrapped(frame.parameters) : below_a_turn(frame.parameters);
+  before_ = pose;
+  append_shortest(table, frame.number);
+  for (const auto& [name, value] : kPoseParameters) {
+    table += ',';
+    append_fixed(table, pose.*value, value == &PoseDegrees::r ? kLength : kAngle);
+  }
+  table += ',';
+  append_fixed(table, frame.survey.shortest, kLength);
+  table += ',';
+  append_shortest(table, frame.survey.contacts);
+  table += ',';
+  append_quoted(table, frame.remark);
+  table += '\n';
+}
+
+PoseDegrees FrameTable::unwrapped(PoseDegrees pose) const {
+  constexpr double kTurn = 360.0;
+  if (!before_) return pose;
+  for (const auto angle : kPeriodic)
+    pose.*angle += kTurn * std::round(((*before_).*angle - pose.*angle) / kTurn);
+  return pose;
+}
+
+}  // namespace dravo
