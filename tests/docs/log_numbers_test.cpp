@@ -16,6 +16,7 @@
 
 #include "docs/hand_arithmetic.hpp"
 #include "docs/page.hpp"
+#include "docs/shown_lines.hpp"
 #include "end_to_end/program.hpp"
 
 namespace dravo::test {
@@ -410,55 +411,13 @@ TEST(LogPage, HasTablesOfMomentsOfTheExample) {
   EXPECT_EQ(rows, 12U);
 }
 
-bool is_real(const std::string& word) {
-  return word.find('.') != std::string::npos &&
-         word.find_first_not_of("0123456789.+-E") == std::string::npos;
-}
-
-/// Reals may differ in their last digits, as with another LAPACK.
-bool same_line(const std::string& logged, const std::string& shown) {
-  std::istringstream left(logged), right(shown);
-  std::string l, r;
-  while (left >> l) {
-    if (!(right >> r)) return false;
-    if (l == r) continue;
-    if (!is_real(l) || !is_real(r)) return false;
-    if (std::abs(std::stod(l) - std::stod(r)) > 1e-6 * std::abs(std::stod(r))) return false;
-  }
-  return !(right >> r);
-}
-
-/// Where these lines stand in the log, from a line on; its number of lines when nowhere.
-std::size_t place_of(const Lines& lines, const Lines& log, std::size_t from) {
-  for (; from + lines.size() <= log.size(); ++from) {
-    std::size_t k = 0;
-    while (k < lines.size() && same_line(log[from + k], lines[k])) ++k;
-    if (k == lines.size()) return from;
-  }
-  return log.size();
-}
-
 TEST(LogPage, ShowsLinesOfTheLogInItsOrder) {
+  std::size_t boxes = 0, at = 0;
   const Log log(example_run().files.at(kLog));
-  std::size_t at = 0, boxes = 0;
-  const auto find = [&](Lines& lines) {
-    if (lines.empty()) return;
-    const std::size_t found = place_of(lines, log.lines(), at);
-    ASSERT_LT(found, log.lines().size()) << "not in the log, or not there:\n" << joined(lines);
-    at = found + lines.size();
-    lines.clear();
-  };
   for (const Box& box : boxes_of(page("docs/log.md"))) {
     if (!box.name.empty()) continue;
     ++boxes;
-    Lines lines;
-    for (const std::string& line : box.lines) {
-      if (line != "...")
-        lines.push_back(line);
-      else
-        find(lines);
-    }
-    find(lines);
+    at = end_of_shown(box.lines, log.lines(), at);
   }
   EXPECT_GE(boxes, 10U);
 }
