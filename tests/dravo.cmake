@@ -110,7 +110,8 @@ add_executable(cli_tests
   cli/scan_poses_test.cpp
   cli/scan_refusals_test.cpp
   cli/scan_totals_test.cpp
-  cli/spoilt_scans_test.cpp)
+  cli/spoilt_scans_test.cpp
+  cli/turned_axes_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)

@@ -1,4 +1,5 @@
-/// The commands of docs/frames.md, and the pairs of `examples/` that they are about.
+/// The commands of README.md, docs/frames.md and docs/commands.md, and the pairs of `examples/`
+/// that they are about.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -157,14 +158,104 @@ TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
   }
 }
 
-TEST(Documents, ShowInTheReadmeWhatCommandsOnExamplesPrint) {
-  auto shown = shown_in(lines_of(file_text(DRAVO_SOURCES "/README.md")));
-  std::erase_if(shown, [](const Shown& command) {
-    return command.output.empty() || command.command.find("examples/") == std::string::npos;
-  });
-  ASSERT_FALSE(shown.empty());
+/// Only commands with something below them; those of the README build on each other.
+TEST(Documents, ShowElsewhereWhatCommandsPrint) {
+  for (const char* name : {"/README.md", "/docs/commands.md"}) {
+    auto shown = shown_in(lines_of(file_text(std::string(DRAVO_SOURCES) + name)));
+    std::erase_if(shown, [](const Shown& command) { return command.output.empty(); });
+    ASSERT_FALSE(shown.empty()) << name;
+    const Sources folder;
+    for (const Shown& command : shown) expect_as_shown(folder, command);
+  }
+}
+
+// --- "How do I ..." of the README ---------------------------------------------------------------
+
+/// Commands in backticks of that table, in its order.
+Lines commands_of_the_table() {
+  Lines commands;
+  for (const std::string& line : lines_of(file_text(DRAVO_SOURCES "/README.md"))) {
+    if (!line.starts_with("| ")) continue;
+    const Lines parts = parts_of(line, '`');
+    for (std::size_t k = 1; k < parts.size(); k += 2)
+      if (parts[k].starts_with("dravo ") && parts[k].find("FILE") == std::string::npos)
+        commands.push_back(parts[k]);
+  }
+  return commands;
+}
+
+/// What the table's file names stand for: a dimer, a trajectory, one molecule of each kind, the
+/// pair of a run.
+void put_files_of_the_table(const Sources& folder) {
+  const std::string dimer = file_text(DRAVO_EXAMPLES "/formamide-dimer/formamide-dimer.xyz");
+  const std::string ethanol =
+      "9\nethanol\nC 1.17 -0.40 0\nC 0 0.56 0\nO -1.19 -0.21 0\nH -1.94 0.38 0\n"
+      "H 2.10 0.16 0\nH 1.14 -1.04 0.88\nH 1.14 -1.04 -0.88\nH 0.04 1.20 0.89\nH 0.04 1.20 -0.89\n";
+  Lines formamide = lines_of(dimer);
+  formamide.resize(8);
+  formamide[0] = "6";
+  folder.write("dimer.xyz", dimer);
+  folder.write("traj.xyz", repeated(dimer, 200));
+  folder.write("first.xyz", dimer);
+  folder.write("formamide.xyz", joined(formamide));
+  folder.write("ethanol.xyz", ethanol);
+  const TemporaryFolder run;
+  run.write(kInput, file_text(DRAVO_EXAMPLES "/formamide-dimer/QN-input-GEOMETRY.xyz"));
+  folder.write("input-GEOMETRY.xyz", run_in(run).files.at("input-GEOMETRY.xyz"));
+}
+
+/// Options and commands of the table that this program does not have yet.
+const Words kNotThereYet{"--frame all", "--contact-distance", "--table", "extract", "convert"};
+
+TEST(Documents, HaveATableOfCommandsThatWork) {
   const Sources folder;
-  for (const Shown& command : shown) expect_as_shown(folder, command);
+  put_files_of_the_table(folder);
+  std::size_t done = 0;
+  for (const std::string& command : commands_of_the_table()) {
+    if (std::any_of(kNotThereYet.begin(), kNotThereYet.end(), [&](const std::string& word) {
+          return command.find(word) != std::string::npos;
+        }))
+      continue;
+    Words words = parts_of(command, ' ');
+    words.erase(words.begin());
+    const Outcome outcome = run_command(folder, words);
+    EXPECT_EQ(outcome.status, 0) << command << '\n' << outcome.messages;
+    ++done;
+  }
+  EXPECT_GE(done, 6U);
+}
+
+TEST(Documents, MoveOneMoleculeOfTheFormamideDimerByHalfAnAngstrom) {
+  const Sources folder;
+  std::string move;
+  for (const std::string& command : commands_of_the_table())
+    if (command.find("farther.xyz") != std::string::npos) move = command;
+  Words words = parts_of(move, ' ');
+  words.erase(words.begin());
+  ASSERT_EQ(run_command(folder, words).status, 0);
+  const auto before = atoms_of(file_text(DRAVO_EXAMPLES "/formamide-dimer/formamide-dimer.xyz"));
+  const auto after = atoms_of(folder.read("farther.xyz"));
+  for (std::size_t i = 0; i < 12; ++i)
+    EXPECT_NEAR(distance(before.at(i), after.at(i)), i < 6 ? 0.5 : 0.0, 3e-8) << i + 1;
+}
+
+/// H-O ... O: with standard atomic weights, 0.9572 Angstrom and 104.52 degrees.
+TEST(Documents, PlaceTwoWatersWithAHydrogenBond) {
+  const Sources folder;
+  Words words = parts_of(commands_of_the_table().at(0), ' ');
+  words.erase(words.begin());
+  ASSERT_EQ(run_command(folder, words).status, 0);
+  const auto pair = atoms_of(folder.read("two-waters.xyz"));
+  for (const std::size_t oxygen : {0U, 3U})
+    for (const std::size_t hydrogen : {1U, 2U})
+      EXPECT_NEAR(distance(pair.at(oxygen), pair.at(oxygen + hydrogen)), 0.9572, 1e-5);
+  const double bond = std::min(distance(pair[1], pair[3]), distance(pair[2], pair[3]));
+  const double oxygens = distance(pair[0], pair[3]);
+  EXPECT_GT(bond, 1.9);
+  EXPECT_LT(bond, 2.0);
+  // Straight within some degrees, as in the published dimer.
+  EXPECT_LT(bond + 0.9572 - oxygens, 0.01);
+  EXPECT_NEAR(modulus(mass_centre(pair, 0, 3) - mass_centre(pair, 3, 6)), 2.91, 1e-4);
 }
 
 // --- water dimer ------------------------------------------------------------------------------

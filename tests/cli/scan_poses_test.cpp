@@ -193,7 +193,7 @@ INSTANTIATE_TEST_SUITE_P(Bundled, PosesOf, ::testing::ValuesIn(kPlaceable),
 /// Of a number near 180, with the rounding of a printed one.
 constexpr double kSinglePrecision = 1e-5;
 
-// What is nudged, README "Nudged values": the single-precision limits and replacements.
+// What is nudged (docs/conventions.md): the single-precision limits and replacements.
 TEST(AppliedParameters, AreTheNudgedOnes) {
   struct Nudged {
     const char* parameter;
