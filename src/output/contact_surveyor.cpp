@@ -75,13 +75,14 @@ struct ContactSurveyor::Nearness {
   double reach = shortest_square;  ///< beyond it is neither a shorter distance nor a contact
 
   void add(std::int32_t /*row*/, const Vec3& p, const Group& group) {
-    double shortest = shortest_square;  // in registers
+    double shortest = shortest_square;  // in registers, as the next two
+    const RootLimit limit = contact;
     std::int64_t count = 0;
     for (const Vec3& atom : surveyor.atoms_of(group)) {
       const Vec3 d = p - atom;
       const double square_of_distance = dot(d, d);
       shortest = std::min(shortest, square_of_distance);
-      if (contact.holds(square_of_distance)) ++count;
+      if (limit.holds(square_of_distance)) ++count;
     }
     contacts += count;
     if (!(shortest < shortest_square)) return;
@@ -300,7 +301,10 @@ void ContactSurveyor::add_pairs(const ConstAtomTable& placed, RowRange molecule1
 }
 
 ContactSurvey ContactSurveyor::survey(const ConstAtomTable& placed, RowRange molecule1) const {
-  if (criterion_.by_radii()) return survey_with_clearance(placed, molecule1);
+  if (criterion_.by_radii()) {
+    const ContactSurvey both = survey_with_clearance(placed, molecule1);
+    return {both.shortest, both.contacts};
+  }
   Nearness nearness{*this, RootLimit(criterion_.value())};
   add_pairs(placed, molecule1, nearness);
   return {half_power(nearness.shortest_square), nearness.contacts};

@@ -23,7 +23,7 @@ class ContactSurveyor {
   ContactSurveyor(std::span<const Vec3> molecule2, std::span<const double> radii,
                   const ContactCriterion& criterion);
 
-  /// Of rows `molecule1` of the table. It need not tell the clearance.
+  /// Of rows `molecule1` of the table, without the clearance.
   [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed, RowRange molecule1) const;
 
   /// With the clearance; needs radii. The rows of molecule 2 follow those of molecule 1.
