@@ -4,7 +4,7 @@
 
 namespace dravo {
 
-std::vector<ShortContact> find_short_contacts(const AtomTable& final_coo_and_m,
+std::vector<ShortContact> find_short_contacts(const ConstAtomTable& final_coo_and_m,
                                               const MoleculeSplit& split) {
   std::vector<ShortContact> contacts;
   const auto [first1, last1] = split.molecule1();

@@ -16,6 +16,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/identify/closed_form.cpp
   src/identify/contacts.cpp
   src/identify/frame_words.cpp
+  src/identify/hydrogen_bonds.cpp
   src/identify/kept_frame.cpp
   src/identify/many_frames.cpp
   src/identify/identification.cpp
@@ -29,6 +30,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/molecule.cpp
   src/molecules/pair_file.cpp
   src/molecules/pair_table.cpp
+  src/molecules/van_der_waals_radii.cpp
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
   src/scan/axis_lookup.cpp

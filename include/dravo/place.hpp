@@ -30,6 +30,8 @@ struct PlacerOptions {
   /// The axes of each molecule are those of the same molecule here, carried along. Poses are then
   /// exact. Not owned, and not needed after the placer is made; null for none.
   const Pair* like = nullptr;
+  /// What counts as a short contact of a pose. One by radii needs those of all elements.
+  ContactCriterion criterion = {};
 };
 
 /// What a placement leaves beside the atoms.
@@ -55,7 +57,8 @@ class Placer {
  public:
   /// Throws NoUniqueFrame and NoRotationFound for a pair that `qn-dravo` cannot place, when it is
   /// to be placed so; InvalidInput for a reference of other molecules, or one beside
-  /// Placing::as_qn_dravo.
+  /// Placing::as_qn_dravo, and for an element without a van der Waals radius that the criterion
+  /// needs.
   explicit Placer(const Pair& pair, const PlacerOptions& options = {});
 
   [[nodiscard]] std::int32_t size() const;                 ///< N, atoms of both molecules
@@ -82,8 +85,8 @@ class Placer {
   [[nodiscard]] std::vector<Vec3> positions(const PoseDegrees& pose) const;
 
   /// Distance of the centres of mass at which the pair, in this direction and orientation, first
-  /// has a short contact on its way from afar; zero when it has none on the way. `pose.r` is not
-  /// looked at. Throws OutOfRange.
+  /// has a short contact, by the criterion of the placer, on its way from afar; zero when it has
+  /// none on the way. `pose.r` is not looked at. Throws OutOfRange.
   [[nodiscard]] double touching_distance(const PoseDegrees& pose) const;
 
   /// For the library itself.

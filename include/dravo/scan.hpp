@@ -16,6 +16,7 @@
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -104,8 +105,8 @@ class Poses {
   std::shared_ptr<const PoseSource> source_;
 };
 
-/// Which poses are handed on: all, those without short contacts, those with some. A short contact
-/// is a pair of atoms of different molecules that are 1.9 Angstrom or less apart.
+/// Which poses are handed on: all, those without short contacts, those with some. What a short
+/// contact is, the placer knows (`PlacerOptions::criterion`).
 enum class ContactRule { keep, drop, only };
 
 /// What is found in a pose.
@@ -116,6 +117,10 @@ struct ScannedPose {
   PoseDegrees applied;         ///< as measured after the placement, phi from 0 to 360
   double shortest = 0.0;       ///< distance of the closest atoms of different molecules, Angstrom
   std::int64_t contacts = 0;   ///< how many pairs of them are in short contact
+  /// As ContactSurvey has it. Infinite, and no atoms, unless asked for.
+  double clearance = std::numeric_limits<double>::infinity();
+  std::int32_t clearance_atom1 = -1;
+  std::int32_t clearance_atom2 = -1;
   /// How many of the poses it stands for, when equal ones are left out.
   std::int64_t equivalents = 1;
 };
@@ -134,6 +139,7 @@ struct ScanOptions {
   int threads = 0;             ///< that place poses; 0 for as many as the machine has cores
   bool above_contact = false;  ///< the r of the poses counts from the first contact, see below
   bool positions = false;      ///< batches hold the positions of the atoms
+  bool clearance = true;       ///< poses have it; without it small pairs take a tenth less time
   /// Of poses that rotations of the molecules make equal, within 0.002 Angstrom for every atom,
   /// only the first of a grid is handed on. A random pose takes the parameters that `identify`
   /// tells.
@@ -148,9 +154,9 @@ struct ScanOptions {
 /// poses of a list or of a placer that is not exact.
 ///
 /// With `above_contact` the distances count from that at which, coming from afar in this direction
-/// and orientation, the first pair of atoms is 1.9 Angstrom apart, rounded up to a millionth of an
-/// Angstrom; from 0 where none comes so close on the way. Such a distance may be longer than any
-/// that may be asked.
+/// and orientation, the first pair of atoms is in short contact (1.9 Angstrom apart, unless the
+/// placer has another criterion), rounded up to a millionth of an Angstrom; from 0 where none comes
+/// so close on the way. Such a distance may be longer than any that may be asked.
 void scan(const Placer& placer, const Poses& poses, const ScanOptions& options,
           const std::function<void(const ScanBatch&)>& take);
 

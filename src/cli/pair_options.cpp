@@ -9,6 +9,7 @@
 
 #include "common/number_text.hpp"
 #include "dravo/error.hpp"
+#include "molecules/van_der_waals_radii.hpp"
 
 namespace dravo {
 
@@ -89,6 +90,23 @@ void add_placing_options(CLI::App& command, PlacingOptions& options) {
       "place digit for digit as qn-dravo; refuse pairs that it refuses");
   exact->excludes(as_qn_dravo);
   add_like_option(command, options.like);
+}
+
+void add_contact_option(CLI::App& command, ContactCriterion& criterion) {
+  const auto read = [&criterion](const std::string& text) {
+    try {
+      criterion = ContactCriterion::of_text(text);
+    } catch (const InvalidInput& fault) {
+      throw CLI::ValidationError("--contact-distance", fault.what());
+    }
+  };
+  command.add_option_function<std::string>("--contact-distance", read, kContactDistanceHelp)
+      ->type_name(kContactDistanceType);
+}
+
+void tell_of_unknown_radii(const Pair& pair) {
+  const std::string remark = remark_on_radii(pair);
+  if (!remark.empty()) tell({remark});
 }
 
 void add_second_file(CLI::App& command, const SharedRequest& request) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "dravo/contacts.hpp"
 #include "dravo/molecule.hpp"
 #include "dravo/place.hpp"
 
@@ -45,6 +46,18 @@ struct PlacingOptions {
 
 /// `--exact`, `--as-qn-dravo` and `--like FILE`.
 void add_placing_options(CLI::App& command, PlacingOptions& options);
+
+/// What `--help` of every command says of `--contact-distance`.
+inline constexpr auto kContactDistanceType = "D|vdw*F";
+inline constexpr auto kContactDistanceHelp =
+    "atoms of different molecules up to D Angstrom are in short contact (1.9), or up to F times the "
+    "sum of their van der Waals radii";
+
+/// `--contact-distance D|vdw*F`.
+void add_contact_option(CLI::App& command, ContactCriterion& criterion);
+
+/// That the clearance of the pair leaves atoms out, on standard error.
+void tell_of_unknown_radii(const Pair& pair);
 
 /// A second argument, the file of molecule 2.
 void add_second_file(CLI::App& command, const SharedRequest& request);

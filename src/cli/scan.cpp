@@ -30,7 +30,7 @@ struct PlanOption {
   const char* help;
 };
 
-constexpr std::array<PlanOption, 10> kPlanOptions{{
+constexpr std::array<PlanOption, 11> kPlanOptions{{
     {"r", "VALUES", "distance of the centres of mass in Angstrom, or \"contact + VALUES\""},
     {"theta", "VALUES", "polar angle of molecule 1's place in degrees, 0 to 180"},
     {"phi", "VALUES", "azimuth of molecule 1's place, 0 to 360"},
@@ -41,6 +41,7 @@ constexpr std::array<PlanOption, 10> kPlanOptions{{
     {"random", "N", "N random directions and orientations for each r, instead of a grid"},
     {"seed", "S", "of the random numbers, 0 if not given"},
     {"contacts", "keep|drop|only", "what becomes of poses with short contacts (keep)"},
+    {"contact-distance", kContactDistanceType, kContactDistanceHelp},
 }};
 
 constexpr auto kFooter =
@@ -131,8 +132,10 @@ void run(ScanCommand& options) {
   if (like) request.like = fingerprint_of(*like);
   const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
   const PairPlacer placer(
-      pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr});
+      pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr,
+                  plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
+  if (!options.quiet && !request.count_only) tell_of_unknown_radii(pair.pair);
   report(run_scan(placer, pair.pair, plan, request), options, plan.files(), placer.exact());
 }
 

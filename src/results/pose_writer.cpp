@@ -15,6 +15,7 @@ namespace {
 /// Decimals of lengths and of angles in degrees.
 constexpr int kLength = 8;
 constexpr int kAngle = 6;
+constexpr int kRatio = 6;
 
 struct Column {
   std::string_view name;
@@ -22,7 +23,17 @@ struct Column {
   bool PoseColumns::*only_with = nullptr;
 };
 
-constexpr std::array<Column, 17> kPoseColumns{{
+/// From 1; nothing for no atom.
+void append_atom(std::string& text, std::int32_t atom) {
+  if (atom >= 0) append_shortest(text, std::int64_t{atom} + 1);
+}
+
+/// Nothing where no pair of atoms has radii.
+void append_clearance(std::string& text, const ScannedPose& pose) {
+  if (pose.clearance_atom1 >= 0) append_fixed(text, pose.clearance, kRatio);
+}
+
+constexpr std::array<Column, 20> kPoseColumns{{
     {"index", [](auto& text, const auto& p) { append_shortest(text, p.index); }},
     {"above_contact", [](auto& text, const auto& p) { append_shortest(text, p.above_contact); },
      &PoseColumns::above_contact},
@@ -43,12 +54,24 @@ constexpr std::array<Column, 17> kPoseColumns{{
      [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, kAngle); }},
     {"shortest", [](auto& text, const auto& p) { append_fixed(text, p.shortest, kLength); }},
     {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.contacts); }},
+    {"clearance", append_clearance},
+    {"clearance_atom1", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom1); }},
+    {"clearance_atom2", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom2); }},
     {"equivalents", [](auto& text, const auto& p) { append_shortest(text, p.equivalents); },
      &PoseColumns::equivalents},
 }};
 
 bool is_there(const Column& column, const PoseColumns& columns) {
   return column.only_with == nullptr || columns.*column.only_with;
+}
+
+/// " name=value", or nothing for a value that is none.
+void append_key(std::string& comment, const Column& column, const ScannedPose& pose) {
+  const std::size_t start = comment.size();
+  comment.append(" ").append(column.name).append("=");
+  const std::size_t value = comment.size();
+  column.append(comment, pose);
+  if (comment.size() == value) comment.resize(start);
 }
 
 /// The digits of qn-dravo stay as they are.
@@ -94,11 +117,8 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
                               const ConstAtomTable& placed) const {
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
   frames += "\nProperties=species:S:1:pos:R:3";
-  for (const Column& column : kPoseColumns) {
-    if (!is_there(column, columns_)) continue;
-    frames.append(" ").append(column.name).append("=");
-    column.append(frames, pose);
-  }
+  for (const Column& column : kPoseColumns)
+    if (is_there(column, columns_)) append_key(frames, column, pose);
   if (columns_.exact) frames += " placing=exact";
   frames += '\n';
   append_atoms(frames, labels_, placed, columns_.exact);

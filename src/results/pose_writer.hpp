@@ -17,10 +17,11 @@ struct PoseColumns {
 };
 
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
-/// intermolecular distance, number of short contacts; `above_contact` behind the index in plans
-/// that count r from the contact, and `equivalents` at the end where equal poses are made once.
-/// Angstrom and degrees. What was asked stands in the shortest form that reads back as the same
-/// number.
+/// intermolecular distance, number of short contacts, clearance and its two atoms, from 1;
+/// `above_contact` behind the index in plans that count r from the contact, and `equivalents` at
+/// the end where equal poses are made once. Angstrom and degrees. What was asked stands in the
+/// shortest form that reads back as the same number. Without a clearance three cells of a row are
+/// empty, and a comment line lacks the three.
 class PoseWriter {
  public:
   PoseWriter(std::span<const Label> labels, const PoseColumns& columns)

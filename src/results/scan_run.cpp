@@ -24,7 +24,7 @@ namespace {
 std::int64_t poses_of_chunk(const Pair& pair) {
   constexpr std::int64_t kBytesOfChunk = 262144;
   constexpr std::int64_t kBytesOfAtom = 51;
-  constexpr std::int64_t kBytesBesides = 600;
+  constexpr std::int64_t kBytesBesides = 700;
   return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.size()), 1);
 }
 

@@ -10,11 +10,20 @@ PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan) {
   return {plan.above_contact(), plan.unique(), placer.exact()};
 }
 
+namespace {
+
+PoseRules rules_of(const ScanPlan& plan, const ScanOutput& output, const UniquePoses* unique) {
+  const bool written = output.kind != ScanOutput::Kind::counted;
+  return {plan.contacts(), plan.above_contact(), written, unique};
+}
+
+}  // namespace
+
 TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
                      const UniquePoses* unique)
     : placer_(&placer),
       output_(&output),
-      poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact(), unique}),
+      poses_(placer, plan.poses(), rules_of(plan, output, unique)),
       writer_(placer.labels(), columns_of(placer, plan)),
       folders_(output.pose_folder, plan.poses().size()) {}
 

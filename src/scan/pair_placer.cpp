@@ -7,9 +7,9 @@
 #include "dravo/frame.hpp"
 #include "dravo/identify.hpp"
 #include "identify/closed_form.hpp"
+#include "molecules/van_der_waals_radii.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
-#include "output/short_contacts.hpp"
 
 namespace dravo {
 namespace {
@@ -86,7 +86,8 @@ PairPlacer::PairPlacer(const Pair& pair, const PlacerOptions& options)
       molecules_(frames_for(pair, options)),
       ready_(made_ready(pair, molecules_, options.placing)),
       offsets_(positions(ready_.parallel.table(), split_.molecule1(), ready_.molecule1.cm)),
-      surveyor_(positions(ready_.parallel.table(), split_.molecule2(), {})) {}
+      surveyor_(positions(ready_.parallel.table(), split_.molecule2(), {}),
+                radii_for(pair, options.criterion), options.criterion) {}
 
 Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const {
   const EulerAngles rotation{radians.alpha, radians.beta, radians.gamma};
@@ -111,7 +112,7 @@ double PairPlacer::radius_of_molecule1() const { return farthest(offsets_); }
 
 double PairPlacer::longest_touching_distance() const {
   const auto molecule2 = positions(ready_.parallel.table(), split_.molecule2(), {});
-  return radius_of_molecule1() + farthest(molecule2) + kShortDistance;
+  return radius_of_molecule1() + farthest(molecule2) + surveyor_.longest_contact();
 }
 
 }  // namespace dravo

@@ -45,8 +45,10 @@ class PairPlacer {
   /// The pair by used parameters.
   Placement place(const PoseRadians& radians, AtomTable& placed) const;
 
-  [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed) const {
-    return surveyor_.survey(placed, split_.molecule1());
+  /// With the clearance when it is asked for.
+  [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed, bool clearance) const {
+    return clearance ? surveyor_.survey_with_clearance(placed, split_.molecule1())
+                     : surveyor_.survey(placed, split_.molecule1());
   }
 
   /// The r at which the pair, in this direction and orientation, first has a short contact on its

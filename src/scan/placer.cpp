@@ -45,7 +45,8 @@ Placed Placer::place(const PoseDegrees& pose, std::span<double> positions) const
     positions[k++] = p.y;
     positions[k++] = p.z;
   }
-  return {exact() ? pose : applied_parameters(placement, used), placer_->survey(placed.table())};
+  return {exact() ? pose : applied_parameters(placement, used),
+          placer_->survey(placed.table(), true)};
 }
 
 std::vector<Vec3> Placer::positions(const PoseDegrees& pose) const {

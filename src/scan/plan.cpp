@@ -23,8 +23,10 @@
 namespace dravo {
 namespace {
 
-constexpr std::array<std::string_view, 6> kOtherKeys{"zip",      "random", "seed",
-                                                     "contacts", "files",  "unique"};
+constexpr std::string_view kContactDistance = "contact-distance";
+
+constexpr std::array<std::string_view, 7> kOtherKeys{
+    "zip", "random", "seed", "contacts", kContactDistance, "files", "unique"};
 
 bool is_parameter(std::string_view key) {
   return std::any_of(kPoseParameters.begin(), kPoseParameters.end(),
@@ -150,6 +152,19 @@ ScanPlan::ScanPlan(const PlanKeys& keys, const PoseDefaults& defaults)
   description_["contacts"] = kContactRules[static_cast<std::size_t>(contacts_)].first;
   description_["files"] = kTruth[files_ ? 0 : 1].first;
   if (unique_) description_["unique"] = kTruth[0].first;
+  if (const PlanWord* longest = single(keys, kContactDistance)) read_criterion(*longest);
+}
+
+void ScanPlan::read_criterion(const PlanWord& word) {
+  if (files_)
+    word.refuse("with files the short contacts are those of qn-dravo, 1.9 Angstrom and less; leave "
+                "contact-distance out");
+  try {
+    criterion_ = ContactCriterion::of_text(word.text);
+  } catch (const InvalidInput& fault) {
+    word.refuse(fault.what());
+  }
+  description_[std::string(kContactDistance)] = criterion_.text();
 }
 
 Poses ScanPlan::read_poses(const PlanKeys& keys, const PoseDefaults& defaults) {

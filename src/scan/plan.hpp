@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "dravo/contacts.hpp"
 #include "dravo/scan.hpp"
 #include "scan/axis.hpp"
 #include "scan/own_value.hpp"
@@ -40,6 +41,9 @@ class ScanPlan {
   /// Which poses are written.
   [[nodiscard]] ContactRule contacts() const { return contacts_; }
 
+  /// What a short contact is.
+  [[nodiscard]] const ContactCriterion& criterion() const { return criterion_; }
+
   /// Whether each pose gets files of its own, as `qn-dravo` writes them.
   [[nodiscard]] bool files() const { return files_; }
 
@@ -52,6 +56,7 @@ class ScanPlan {
   }
 
  private:
+  void read_criterion(const PlanWord& word);
   Poses read_poses(const PlanKeys& keys, const PoseDefaults& defaults);
   Poses read_list(const PlanWord& zip, const PlanKeys& keys);
   Poses read_random(const PlanWord& random, const PlanWord* seed, const PlanKeys& keys,
@@ -66,6 +71,7 @@ class ScanPlan {
   double longest_r_ = 0.0;
   std::string zip_file_;
   ContactRule contacts_ = ContactRule::keep;
+  ContactCriterion criterion_;
   bool files_ = false;
   bool unique_ = false;
   std::map<std::string, std::string> description_;

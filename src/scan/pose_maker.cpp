@@ -35,7 +35,7 @@ PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& ra
 }
 
 MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
-  MadePose pose{{index, planned.r, planned, {}, 0.0, 0}, false, false, {}, {}, placed_.table()};
+  MadePose pose{{index, planned.r, planned, {}}, false, false, {}, {}, placed_.table()};
   PoseDegrees& asked = pose.numbers.asked;
   if (rules_.unique != nullptr) {
     pose.numbers.equivalents = rules_.unique->stands_for(index - 1, asked);
@@ -46,11 +46,14 @@ MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
   if (rules_.above_contact)
     asked.r = pose.radians.r = distance_beyond(placer_->touching_distance(pose.radians), planned.r);
   pose.placement = placer_->place(pose.radians, placed_.table());
-  const ContactSurvey survey = placer_->survey(placed_.table());
+  const ContactSurvey survey = placer_->survey(placed_.table(), rules_.clearance);
   pose.numbers.applied =
       placer_->exact() ? asked : applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
   pose.numbers.contacts = survey.contacts;
+  pose.numbers.clearance = survey.clearance;
+  pose.numbers.clearance_atom1 = survey.clearance_atom1;
+  pose.numbers.clearance_atom2 = survey.clearance_atom2;
   pose.wanted = is_wanted(rules_.contacts, survey.contacts > 0);
   return pose;
 }

@@ -19,6 +19,7 @@ namespace dravo {
 struct PoseRules {
   ContactRule contacts = ContactRule::keep;
   bool above_contact = false;           ///< r counts from the first contact
+  bool clearance = false;               ///< poses have it
   const UniquePoses* unique = nullptr;  ///< equal poses are made once; null for all
 };
 

@@ -29,7 +29,7 @@ class BatchMaker {
  public:
   BatchMaker(const PairPlacer& placer, const Poses& poses, const ScanOptions& options,
              const UniquePoses* unique)
-      : poses_(placer, poses, {options.contacts, options.above_contact, unique}),
+      : poses_(placer, poses, {options.contacts, options.above_contact, options.clearance, unique}),
         with_positions_(options.positions) {}
 
   void make(std::int64_t first, std::int64_t end, OwnedBatch& batch) {

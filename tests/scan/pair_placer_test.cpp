@@ -60,7 +60,7 @@ Files files_of_placer(const PairPlacer& placer, const PoseDegrees& degrees) {
   const PoseRadians radians = radians_of(degrees);
   OwnedTable placed(placer.split().N);
   const Placement placement = placer.place(radians, placed.table());
-  const bool short_contacts = placer.survey(placed.table()).contacts > 0;
+  const bool short_contacts = placer.survey(placed.table(), false).contacts > 0;
   RecordStream screen;
   const PairFiles files = pair_files(build_output_names(radians, screen), short_contacts,
                                      placer.split(), placed.table(), placement);
@@ -94,7 +94,7 @@ TEST_P(PairPlacerOf, KnowsWhereMoleculesBeginToTouch) {
   const auto survey_at = [&](PoseRadians radians, double r) {
     radians.r = r;
     placer.place(radians, placed.table());
-    return placer.survey(placed.table());
+    return placer.survey(placed.table(), false);
   };
   for (std::int64_t k = 0; k < 200; ++k) {
     const PoseRadians radians = radians_of(random_pose(5, k));
@@ -127,8 +127,8 @@ TEST_P(PairPlacerOf, SurveysWhatTheContactSearchLists) {
     degrees.r = 3.0;
     placer.place(radians_of(degrees), placed.table());
     const auto listed = find_short_contacts(placed.table(), placer.split());
-    EXPECT_EQ(placer.survey(placed.table()).contacts, static_cast<std::int64_t>(listed.size()));
-    contacts += placer.survey(placed.table()).contacts;
+    EXPECT_EQ(placer.survey(placed.table(), false).contacts, static_cast<std::int64_t>(listed.size()));
+    contacts += placer.survey(placed.table(), false).contacts;
   }
   EXPECT_GT(contacts, 100);
 }
