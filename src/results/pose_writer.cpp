@@ -56,18 +56,12 @@ double as_written(double coordinate, bool exact) {
   return exact ? without_negative_zero(coordinate) : coordinate;
 }
 
-void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed,
-                  bool exact) {
+void append_atom(std::string& frame, const Label& label, const Vec3& p, bool exact) {
   constexpr int kWidth = 15;
-  std::int32_t i = 0;
-  for (const Label& label : labels) {
-    const Vec3 p = placed.position(i++);
-    frame += text_of(label);
-    for (const double coordinate : {p.x, p.y, p.z}) {
-      frame += ' ';
-      append_fixed_field(frame, as_written(coordinate, exact), kWidth, kLength);
-    }
-    frame += '\n';
+  frame += text_of(label);
+  for (const double coordinate : {p.x, p.y, p.z}) {
+    frame += ' ';
+    append_fixed_field(frame, as_written(coordinate, exact), kWidth, kLength);
   }
 }
 
@@ -93,7 +87,7 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
 void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
                               const ConstAtomTable& placed) const {
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
-  frames += "\nProperties=species:S:1:pos:R:3";
+  frames += "\nProperties=species:S:1:pos:R:3:molecule:I:1";
   for (const Column& column : kPoseColumns) {
     if (!is_there(column, columns_)) continue;
     frames.append(" ").append(column.name).append("=");
@@ -101,7 +95,11 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
   }
   if (columns_.exact) frames += " placing=exact";
   frames += '\n';
-  append_atoms(frames, labels_, placed, columns_.exact);
+  std::int32_t i = 0;
+  for (const Label& label : labels_) {
+    append_atom(frames, label, placed.position(i), columns_.exact);
+    frames += i++ < n1_ ? " 1\n" : " 2\n";
+  }
 }
 
 }  // namespace dravo

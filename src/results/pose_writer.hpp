@@ -1,6 +1,7 @@
 /// Poses as text: frames of an extended xyz file and rows of a CSV table.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 
@@ -23,8 +24,9 @@ struct PoseColumns {
 /// number.
 class PoseWriter {
  public:
-  PoseWriter(std::span<const Label> labels, const PoseColumns& columns)
-      : labels_(labels), columns_(columns) {}
+  /// The first `n1` atoms are molecule 1.
+  PoseWriter(std::span<const Label> labels, std::int32_t n1, const PoseColumns& columns)
+      : labels_(labels), n1_(n1), columns_(columns) {}
 
   [[nodiscard]] std::string table_heading() const;
 
@@ -32,13 +34,14 @@ class PoseWriter {
 
   /// The pose whose atoms stand in `placed`:
   ///
-  ///     columns   1-2     4-18   20-34   36-50
-  ///               symbol  x      y       z       (A2,3(1X,F15.8)), Angstrom
+  ///     columns   1-2     4-18   20-34   36-50   52
+  ///               symbol  x      y       z       molecule   (A2,3(1X,F15.8),1X,I1), Angstrom
   void append_frame(std::string& frames, const ScannedPose& pose,
                     const ConstAtomTable& placed) const;
 
  private:
   std::span<const Label> labels_;
+  std::int32_t n1_;
   PoseColumns columns_;
 };
 

@@ -23,7 +23,7 @@ namespace {
 /// Chunks of some hundred kilobytes stay in the caches of a core.
 std::int64_t poses_of_chunk(const Pair& pair) {
   constexpr std::int64_t kBytesOfChunk = 262144;
-  constexpr std::int64_t kBytesOfAtom = 51;
+  constexpr std::int64_t kBytesOfAtom = 53;
   constexpr std::int64_t kBytesBesides = 600;
   return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.size()), 1);
 }
@@ -133,7 +133,7 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
       refuse_inputs_in_folder(request);
       refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
-    const PoseWriter writer(placer.labels(), columns_of(placer, plan));
+    const PoseWriter writer = writer_of(placer, plan);
     files.emplace(result_name(request), record_of(placer, pair, plan, request),
                   writer.table_heading(), request.earlier,
                   output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);

@@ -6,8 +6,9 @@
 
 namespace dravo {
 
-PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan) {
-  return {plan.above_contact(), plan.unique(), placer.exact()};
+PoseWriter writer_of(const PairPlacer& placer, const ScanPlan& plan) {
+  return {
+      placer.labels(), placer.split().n1, {plan.above_contact(), plan.unique(), placer.exact()}};
 }
 
 TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
@@ -15,7 +16,7 @@ TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanO
     : placer_(&placer),
       output_(&output),
       poses_(placer, plan.poses(), {plan.contacts(), plan.above_contact(), unique}),
-      writer_(placer.labels(), columns_of(placer, plan)),
+      writer_(writer_of(placer, plan)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {

@@ -26,8 +26,8 @@ struct ScanOutput {
   std::string pose_folder;  ///< of Kind::files: it gets a folder for each pose
 };
 
-/// Which columns the poses of a plan have.
-PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan);
+/// For the poses of a plan.
+PoseWriter writer_of(const PairPlacer& placer, const ScanPlan& plan);
 
 /// One per thread.
 class TextMaker {

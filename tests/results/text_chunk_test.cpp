@@ -46,8 +46,7 @@ std::vector<std::string> parts_of(const std::string& text, char separator) {
 }
 
 std::vector<Row> rows_of(const Scan& scan) {
-  const PoseWriter writer(scan.placer.labels(), columns_of(scan.placer, scan.plan));
-  const std::string heading = writer.table_heading();
+  const std::string heading = writer_of(scan.placer, scan.plan).table_heading();
   const auto names = parts_of(heading.substr(0, heading.find('\n')), ',');
   std::vector<Row> rows;
   for (const std::string& line : parts_of(scan.all().table, '\n')) {
