@@ -66,6 +66,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/pose_writer.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
+  src/results/record_text.cpp
   src/results/result_files.cpp
   src/results/scan_files.cpp
   src/results/scan_record.cpp

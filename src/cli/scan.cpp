@@ -127,12 +127,11 @@ void run(ScanCommand& options) {
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
-  if (like) request.like = fingerprint_of(*like);
   const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
   const PairPlacer placer(
       pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
-  report(run_scan(placer, pair.pair, plan, request), options, plan.files(), placer.exact());
+  report(run_scan(placer, {pair.pair, like}, plan, request), options, plan.files(), placer.exact());
 }
 
 void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {

@@ -39,7 +39,7 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const std::string
     records = progress_->records();
     require_same_origin(progress_->name(), records.front(), plan);
   }
-  results_ = std::make_unique<ResultFiles>(name_, plan.with_frames());
+  results_ = std::make_unique<ResultFiles>(name_, plan.results());
   if (!take_up(records)) begin(table_heading);
 }
 
@@ -71,7 +71,7 @@ void ScanFiles::clear_the_way(Earlier earlier) {
 void ScanFiles::begin(const std::string& table_heading) {
   progress_->clear();
   results_->begin();
-  results_->append_table(table_heading);
+  results_->append(ResultFile::table, table_heading);
   results_->describe(record_);
   sync_folder_of(name_);
   claim();
@@ -79,19 +79,21 @@ void ScanFiles::begin(const std::string& table_heading) {
 
 /// From the last record whose bytes are all there. False when there is none.
 bool ScanFiles::take_up(const std::vector<ScanRecord>& records) {
+  const auto molecules = record_.molecules;
   const auto whole = std::find_if(records.begin(), records.end(), [&](const ScanRecord& record) {
     return results_->take_up(record);
   });
   if (whole == records.end()) return false;
   record_ = *whole;
+  record_.molecules = molecules;
   sync_folder_of(name_);
   claimable_ = true;
   return true;
 }
 
 void ScanFiles::append(const TextChunk& chunk) {
-  results_->append_frames(chunk.frames);
-  results_->append_table(chunk.table);
+  results_->append(ResultFile::frames, chunk.frames);
+  results_->append(ResultFile::table, chunk.table);
   record_.totals.add(chunk.totals);
   results_->describe(record_);
   if (std::chrono::steady_clock::now() - claimed_ >= kMostUnclaimedTime) claim();

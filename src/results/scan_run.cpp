@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -21,11 +22,11 @@ namespace dravo {
 namespace {
 
 /// Chunks of some hundred kilobytes stay in the caches of a core.
-std::int64_t poses_of_chunk(const Pair& pair) {
+std::int64_t poses_of_chunk(std::int32_t atoms) {
   constexpr std::int64_t kBytesOfChunk = 262144;
   constexpr std::int64_t kBytesOfAtom = 53;
   constexpr std::int64_t kBytesBesides = 600;
-  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.size()), 1);
+  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * atoms), 1);
 }
 
 ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
@@ -98,17 +99,20 @@ void require_file_name(const std::string& name) {
                     dravo::quoted(name));
 }
 
-ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
+ChunkJob job_of(std::int32_t atoms, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
   const Stretch poses = stretch_of(plan, request);
-  return {poses.first + done, poses.end, poses_of_chunk(pair), request.threads};
+  return {poses.first + done, poses.end, poses_of_chunk(atoms), request.threads};
 }
 
-ScanRecord record_of(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                      const ScanRequest& request) {
-  auto origin = origin_of(placer, pair, plan);
-  if (!request.like.empty()) origin["like"] = request.like;
-  return {std::move(origin), plan.poses().size(), request.part.value_or(Shard{}), {}, 0, 0};
+  return {origin_of(placer, molecules, plan),
+          plan.poses().size(),
+          request.part.value_or(Shard{}),
+          {},
+          {},
+          std::make_shared<const ScannedPair>(molecules)};
 }
 
 }  // namespace
@@ -117,7 +121,7 @@ std::string result_name(const ScanRequest& request) {
   return request.part ? request.part->name(request.name) : request.name;
 }
 
-ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                     const ScanRequest& request) {
   require_short_enough(placer, plan);
   std::optional<UniquePoses> unique;
@@ -134,12 +138,12 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
       refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
     const PoseWriter writer = writer_of(placer, plan);
-    files.emplace(result_name(request), record_of(placer, pair, plan, request),
+    files.emplace(result_name(request), record_of(placer, molecules, plan, request),
                   writer.table_heading(), request.earlier,
                   output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
-  const ChunkJob job = job_of(pair, plan, request, totals.poses);
+  const ChunkJob job = job_of(placer.split().N, plan, request, totals.poses);
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
   if (files && files->finished()) return totals;
   if (output.kind == ScanOutput::Kind::files) folders.require_own(job.first, job.end);
