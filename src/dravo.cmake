@@ -70,6 +70,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/result_files.cpp
   src/results/scan_files.cpp
   src/results/scan_record.cpp
+  src/results/scan_results.cpp
   src/results/scan_run.cpp
   src/results/text_chunk.cpp
   src/scan/plan_file.cpp)

@@ -149,6 +149,7 @@ ScanRecord merge_shards(const std::string& name, bool overwrite) {
     for (const ResultFile file : joined.results()) {
       const std::string joins = part + ending_of(file);
       const bool repeats = k > 0 && file == ResultFile::table;
+      if (k > 0 && file == ResultFile::molecule2) continue;  // the same in all parts
       for_bytes(joins, repeats ? heading_bytes(joins) : 0,
                 [&](std::string_view bytes) { results.append(file, bytes); });
     }

@@ -65,7 +65,20 @@ void append_atom(std::string& frame, const Label& label, const Vec3& p, bool exa
   }
 }
 
+constexpr auto kProperties = "Properties=species:S:1:pos:R:3:molecule:I:1";
+
 }  // namespace
+
+std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
+                            const ConstAtomTable& placed, bool exact) {
+  const auto atoms = static_cast<std::int32_t>(labels.size());
+  std::string frame = std::to_string(atoms - n1) + "\n" + kProperties + "\n";
+  for (std::int32_t i = n1; i < atoms; ++i) {
+    append_atom(frame, labels[static_cast<std::size_t>(i)], placed.position(i), exact);
+    frame += " 2\n";
+  }
+  return frame;
+}
 
 std::string PoseWriter::table_heading() const {
   std::string heading;
@@ -87,7 +100,7 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
 void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
                               const ConstAtomTable& placed) const {
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
-  frames += "\nProperties=species:S:1:pos:R:3:molecule:I:1";
+  frames.append("\n").append(kProperties);
   for (const Column& column : kPoseColumns) {
     if (!is_there(column, columns_)) continue;
     frames.append(" ").append(column.name).append("=");

@@ -17,6 +17,11 @@ struct PoseColumns {
   bool exact = false;  ///< no column: comment lines say "placing=exact"
 };
 
+/// Molecule 2, the atoms behind the first `n1`, which stands still in all poses: a frame of its own
+/// with the lines that it has in those of both molecules.
+std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
+                            const ConstAtomTable& placed, bool exact);
+
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
 /// intermolecular distance, number of short contacts; `above_contact` behind the index in plans
 /// that count r from the contact, and `equivalents` at the end where equal poses are made once.
@@ -24,7 +29,8 @@ struct PoseColumns {
 /// number.
 class PoseWriter {
  public:
-  /// The first `n1` atoms are molecule 1.
+  /// The first `n1` atoms are molecule 1. Frames have so many atoms as there are labels: those of
+  /// molecule 1, or of both molecules.
   PoseWriter(std::span<const Label> labels, std::int32_t n1, const PoseColumns& columns)
       : labels_(labels), n1_(n1), columns_(columns) {}
 

@@ -10,6 +10,14 @@
 #include "scan/fingerprint.hpp"
 
 namespace dravo {
+namespace {
+
+/// Not in the record of a scan that writes frames of both molecules, or files.
+constexpr auto kWritingKey = "writing";
+constexpr auto kTableAlone = "table";
+constexpr auto kMovingAlone = "moving";
+
+}  // namespace
 
 std::int64_t Shard::first(std::int64_t poses) const {
   __extension__ using Wide = __int128;
@@ -22,11 +30,25 @@ std::string Shard::name(const std::string& scan) const {
   return fmt::format("{}-{}-of-{}", scan, number, of);
 }
 
+Writing ScanRecord::writing() const {
+  const auto has = [&](const char* key, const char* text) {
+    const auto found = origin.find(key);
+    return found != origin.end() && found->second == text;
+  };
+  if (has("files", "true")) return Writing::files;
+  if (has(kWritingKey, kTableAlone)) return Writing::table;
+  return has(kWritingKey, kMovingAlone) ? Writing::moving : Writing::frames;
+}
+
 std::vector<ResultFile> ScanRecord::results() const {
-  const auto files_of_poses = origin.find("files");
-  if (files_of_poses != origin.end() && files_of_poses->second == "true")
-    return {ResultFile::table};
-  return {ResultFile::frames, ResultFile::table};
+  switch (writing()) {
+    case Writing::frames:
+      return {ResultFile::frames, ResultFile::table};
+    case Writing::moving:
+      return {ResultFile::frames, ResultFile::table, ResultFile::molecule2};
+    default:
+      return {ResultFile::table};
+  }
 }
 
 std::string fingerprint_of(const Pair& pair) {
@@ -38,12 +60,14 @@ std::string fingerprint_of(const Pair& pair) {
 }
 
 std::map<std::string, std::string> origin_of(const PairPlacer& placer, const ScannedPair& molecules,
-                                             const ScanPlan& plan) {
+                                             const ScanPlan& plan, Writing writing) {
   auto origin = plan.description();
   origin[kVersionKey] = DRAVO_VERSION;
   origin["pair"] = fingerprint_of(molecules.pair);
   origin[kFrameRuleKey] = std::to_string(kFrameRule);
   origin[kPlacingKey] = words_of_placing(placer.exact());
+  if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
+  if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
   if (molecules.like) origin["like"] = fingerprint_of(*molecules.like);
   return origin;
 }

@@ -28,15 +28,25 @@ struct Shard {
   [[nodiscard]] std::string name(const std::string& scan) const;
 };
 
+/// What a scan writes of its poses.
+enum class Writing {
+  nothing,
+  table,   ///< their rows alone
+  moving,  ///< and frames of molecule 1; molecule 2, which stands still, once
+  frames,  ///< and frames of both molecules
+  files,   ///< and for each pose the files of qn-dravo
+};
+
 /// The files that a scan may have besides its record and its progress.
-enum class ResultFile : std::size_t { frames, table };
+enum class ResultFile : std::size_t { frames, table, molecule2 };
 
 /// What a file is called in a record, and behind NAME.
 struct ResultName {
   const char* key;
   const char* ending;
 };
-inline constexpr std::array<ResultName, 2> kResultNames{{{"frame", ".xyz"}, {"table", ".csv"}}};
+inline constexpr std::array<ResultName, 3> kResultNames{
+    {{"frame", ".xyz"}, {"table", ".csv"}, {"molecule2", "-molecule-2.xyz"}}};
 
 constexpr const char* ending_of(ResultFile file) {
   return kResultNames.at(static_cast<std::size_t>(file)).ending;
@@ -64,6 +74,8 @@ struct ScanRecord {
   /// Null in the progress of a scan and in records of earlier versions.
   std::shared_ptr<const ScannedPair> molecules = nullptr;
 
+  [[nodiscard]] Writing writing() const;
+
   /// The files of the finished scan.
   [[nodiscard]] std::vector<ResultFile> results() const;
 };
@@ -71,9 +83,10 @@ struct ScanRecord {
 /// Tells pairs apart: "6+9 atoms, 1234567890".
 std::string fingerprint_of(const Pair& pair);
 
-/// Pair, plan and the way of placing as `ScanRecord::origin` has them.
+/// Pair, plan, the way of placing and that of writing as `ScanRecord::origin` has them.
 std::map<std::string, std::string> origin_of(const PairPlacer& placer, const ScannedPair& molecules,
-                                             const ScanPlan& plan);
+                                             const ScanPlan& plan,
+                                             Writing writing = Writing::frames);
 
 /// Whether the poses of a scan are placed exactly. Throws std::out_of_range for records of earlier
 /// versions that do not tell it.

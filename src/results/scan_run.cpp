@@ -29,12 +29,6 @@ std::int64_t poses_of_chunk(std::int32_t atoms) {
   return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * atoms), 1);
 }
 
-ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
-  if (request.count_only) return {ScanOutput::Kind::counted, ""};
-  if (plan.files()) return {ScanOutput::Kind::files, request.name};
-  return {ScanOutput::Kind::frames, ""};
-}
-
 bool exists(const std::string& name) {
   std::error_code ignored;  // whatever it is, writing meets it too
   return std::filesystem::exists(name, ignored);
@@ -107,7 +101,7 @@ ChunkJob job_of(std::int32_t atoms, const ScanPlan& plan, const ScanRequest& req
 
 ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                      const ScanRequest& request) {
-  return {origin_of(placer, molecules, plan),
+  return {origin_of(placer, molecules, plan, request.writing),
           plan.poses().size(),
           request.part.value_or(Shard{}),
           {},
@@ -115,7 +109,21 @@ ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, con
           std::make_shared<const ScannedPair>(molecules)};
 }
 
+ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan) {
+  OwnedTable placed(placer.split().N);
+  placer.place({}, placed.table());
+  return {writer_of(placer, plan, Writing::frames).table_heading(),
+          molecule2_frame(placer.labels(), placer.split().n1, placed.table(), placer.exact())};
+}
+
 }  // namespace
+
+Writing writing_of(const ScanPlan& plan, const ScanRequest& request) {
+  if (request.writing == Writing::nothing || !plan.files()) return request.writing;
+  if (request.writing != Writing::frames)
+    throw InvalidInput("a plan with files for each pose excludes --table and --moving");
+  return Writing::files;
+}
 
 std::string result_name(const ScanRequest& request) {
   return request.part ? request.part->name(request.name) : request.name;
@@ -126,27 +134,31 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
   require_short_enough(placer, plan);
   std::optional<UniquePoses> unique;
   if (plan.unique()) unique.emplace(placer, plan.poses(), plan.above_contact());
-  const ScanOutput output = output_of(plan, request);
+  const Writing writing = writing_of(plan, request);
+  const ScanOutput output{writing, writing == Writing::files ? request.name : ""};
   const PoseFolders folders(output.pose_folder, plan.poses().size());
   std::optional<ScanFiles> files;
-  if (output.kind != ScanOutput::Kind::counted) {
+  if (output.writing != Writing::nothing) {
     require_file_name(request.name);
     refuse_inputs_as_results(result_name(request), request.inputs);
-    if (output.kind == ScanOutput::Kind::files) {
+    if (output.writing == Writing::files) {
       refuse_earlier_folder(request);
       refuse_inputs_in_folder(request);
       refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
-    const PoseWriter writer = writer_of(placer, plan);
-    files.emplace(result_name(request), record_of(placer, molecules, plan, request),
-                  writer.table_heading(), request.earlier,
-                  output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);
+    const ScanRecord record = record_of(placer, molecules, plan, request);
+    const auto open = [&] {
+      return std::make_unique<StreamedResults>(result_name(request), record.results(),
+                                               texts_of(placer, plan));
+    };
+    files.emplace(result_name(request), record, open, request.earlier,
+                  output.writing == Writing::files ? std::optional(folders) : std::nullopt);
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(placer.split().N, plan, request, totals.poses);
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
   if (files && files->finished()) return totals;
-  if (output.kind == ScanOutput::Kind::files) folders.require_own(job.first, job.end);
+  if (output.writing == Writing::files) folders.require_own(job.first, job.end);
 
   make_chunks<TextChunk>(
       job, [&] { return TextMaker(placer, plan, output, unique ? &*unique : nullptr); },

@@ -16,13 +16,17 @@ namespace dravo {
 
 struct ScanRequest {
   std::string name = "scan";  ///< of the results, without ending
-  bool count_only = false;    ///< nothing is written
+  /// Writing::files is the plan's to say.
+  Writing writing = Writing::frames;
   Earlier earlier = Earlier::refuse;
   std::optional<Shard> part;        ///< the whole scan without it
   std::vector<std::string> inputs;  ///< files that results must not replace
   int threads = 0;                  ///< as many as the machine has cores
   Progress::Kind progress = Progress::Kind::none;
 };
+
+/// What a plan and a request say together. Throws InvalidInput when they contradict each other.
+Writing writing_of(const ScanPlan& plan, const ScanRequest& request);
 
 /// Of the results, without ending.
 std::string result_name(const ScanRequest& request);
