@@ -71,9 +71,11 @@ set(DRAVO_RESULTS_SOURCES
   src/results/pose_writer.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
+  src/results/record_text.cpp
   src/results/result_files.cpp
   src/results/scan_files.cpp
   src/results/scan_record.cpp
+  src/results/scan_results.cpp
   src/results/scan_run.cpp
   src/results/status_line.cpp
   src/results/text_chunk.cpp

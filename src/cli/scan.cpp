@@ -103,15 +103,20 @@ std::vector<std::string> remarks_on_placing(const PairPlacer& placer, const Scan
   return remarks;
 }
 
+const char* written_endings(Writing writing) {
+  if (writing == Writing::moving) return ".xyz, .csv and -molecule-2.xyz";
+  return writing == Writing::frames ? ".xyz and .csv" : ".csv";
+}
+
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
-void report(const ScanTotals& totals, const ScanCommand& options, bool files, bool exact) {
+void report(const ScanTotals& totals, const ScanCommand& options, Writing writing, bool exact) {
   if (options.json) {
     std::cout << json_text_of(totals, exact) << '\n';
-  } else if (options.request.count_only) {
+  } else if (writing == Writing::nothing) {
     std::cout << sentence_about(totals) << '\n';
   } else if (!options.quiet) {
-    tell({sentence_about(totals), fmt::format("written: {}{}", result_name(options.request),
-                                              files ? ".csv" : ".xyz and .csv")});
+    tell({sentence_about(totals),
+          fmt::format("written: {}{}", result_name(options.request), written_endings(writing))});
   }
 }
 
@@ -129,14 +134,14 @@ void run(ScanCommand& options) {
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
-  if (like) request.like = fingerprint_of(*like);
   const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
   const PairPlacer placer(
       pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr,
                   plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
   if (!options.quiet && !request.count_only) tell_of_unknown_radii(pair.pair);
-  report(run_scan(placer, pair.pair, plan, request), options, plan.files(), placer.exact());
+  report(run_scan(placer, {pair.pair, like}, plan, request), options, writing_of(plan, request),
+         placer.exact());
 }
 
 void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {
@@ -163,7 +168,17 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opti
   ScanRequest& request = options->request;
   command.add_option("-o,--output", request.name, "name of the results without ending (scan)")
       ->type_name("NAME");
-  auto* count = command.add_flag("--count", request.count_only, "write nothing, count");
+  const auto add_writing = [&](const char* option, Writing writing, const char* help) {
+    return command.add_flag_function(
+        option, [&request, writing](std::int64_t) { request.writing = writing; }, help);
+  };
+  auto* count = add_writing("--count", Writing::nothing, "write nothing, count");
+  auto* table = add_writing("--table", Writing::table,
+                            "write the table alone; `dravo extract` makes frames from it");
+  auto* moving = add_writing("--moving", Writing::moving,
+                             "write frames of molecule 1 alone, and molecule 2 once");
+  for (CLI::Option* other : {count, moving, command.get_option("--files")}) table->excludes(other);
+  for (CLI::Option* other : {count, command.get_option("--files")}) moving->excludes(other);
   auto* resume = command.add_flag("--resume", options->resume, "go on with an unfinished scan");
   auto* overwrite =
       command.add_flag("--overwrite", options->overwrite, "replace the results of an earlier scan");

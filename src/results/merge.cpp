@@ -142,16 +142,17 @@ ScanRecord merge_shards(const std::string& name, bool overwrite) {
   ScanRecord joined = records.front();
   joined.shard = {};
   joined.totals = {};
-  ResultFiles results(name, joined.with_frames());
+  ResultFiles results(name, joined.results());
   results.begin();
   for (std::size_t k = 0; k < shards.size(); ++k) {
     const std::string part = shards[k].name(name);
-    const std::string table = part + kTableEnding;
-    if (joined.with_frames())
-      for_bytes(part + kFramesEnding, 0,
-                [&](std::string_view bytes) { results.append_frames(bytes); });
-    for_bytes(table, k == 0 ? 0 : heading_bytes(table),
-              [&](std::string_view bytes) { results.append_table(bytes); });
+    for (const ResultFile file : joined.results()) {
+      const std::string joins = part + ending_of(file);
+      const bool repeats = k > 0 && file == ResultFile::table;
+      if (k > 0 && file == ResultFile::molecule2) continue;  // the same in all parts
+      for_bytes(joins, repeats ? heading_bytes(joins) : 0,
+                [&](std::string_view bytes) { results.append(file, bytes); });
+    }
     joined.totals.add(records[k].totals);
   }
   results.describe(joined);

@@ -79,22 +79,29 @@ double as_written(double coordinate, bool exact) {
   return exact ? without_negative_zero(coordinate) : coordinate;
 }
 
-void append_atoms(std::string& frame, std::span<const Label> labels, const ConstAtomTable& placed,
-                  bool exact) {
+void append_atom(std::string& frame, const Label& label, const Vec3& p, bool exact) {
   constexpr int kWidth = 15;
-  std::int32_t i = 0;
-  for (const Label& label : labels) {
-    const Vec3 p = placed.position(i++);
-    frame += text_of(label);
-    for (const double coordinate : {p.x, p.y, p.z}) {
-      frame += ' ';
-      append_fixed_field(frame, as_written(coordinate, exact), kWidth, kLength);
-    }
-    frame += '\n';
+  frame += text_of(label);
+  for (const double coordinate : {p.x, p.y, p.z}) {
+    frame += ' ';
+    append_fixed_field(frame, as_written(coordinate, exact), kWidth, kLength);
   }
 }
 
+constexpr auto kProperties = "Properties=species:S:1:pos:R:3:molecule:I:1";
+
 }  // namespace
+
+std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
+                            const ConstAtomTable& placed, bool exact) {
+  const auto atoms = static_cast<std::int32_t>(labels.size());
+  std::string frame = std::to_string(atoms - n1) + "\n" + kProperties + "\n";
+  for (std::int32_t i = n1; i < atoms; ++i) {
+    append_atom(frame, labels[static_cast<std::size_t>(i)], placed.position(i), exact);
+    frame += " 2\n";
+  }
+  return frame;
+}
 
 std::string PoseWriter::table_heading() const {
   std::string heading;
@@ -116,12 +123,16 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
 void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
                               const ConstAtomTable& placed) const {
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
-  frames += "\nProperties=species:S:1:pos:R:3";
+  frames.append("\n").append(kProperties);
   for (const Column& column : kPoseColumns)
     if (is_there(column, columns_)) append_key(frames, column, pose);
   if (columns_.exact) frames += " placing=exact";
   frames += '\n';
-  append_atoms(frames, labels_, placed, columns_.exact);
+  std::int32_t i = 0;
+  for (const Label& label : labels_) {
+    append_atom(frames, label, placed.position(i), columns_.exact);
+    frames += i++ < n1_ ? " 1\n" : " 2\n";
+  }
 }
 
 }  // namespace dravo

@@ -1,6 +1,7 @@
 /// Poses as text: frames of an extended xyz file and rows of a CSV table.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 
@@ -16,6 +17,11 @@ struct PoseColumns {
   bool exact = false;  ///< no column: comment lines say "placing=exact"
 };
 
+/// Molecule 2, the atoms behind the first `n1`, which stands still in all poses: a frame of its own
+/// with the lines that it has in those of both molecules.
+std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
+                            const ConstAtomTable& placed, bool exact);
+
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
 /// intermolecular distance, number of short contacts, clearance and its two atoms, from 1;
 /// `above_contact` behind the index in plans that count r from the contact, and `equivalents` at
@@ -24,8 +30,10 @@ struct PoseColumns {
 /// empty, and a comment line lacks the three.
 class PoseWriter {
  public:
-  PoseWriter(std::span<const Label> labels, const PoseColumns& columns)
-      : labels_(labels), columns_(columns) {}
+  /// The first `n1` atoms are molecule 1. Frames have so many atoms as there are labels: those of
+  /// molecule 1, or of both molecules.
+  PoseWriter(std::span<const Label> labels, std::int32_t n1, const PoseColumns& columns)
+      : labels_(labels), n1_(n1), columns_(columns) {}
 
   [[nodiscard]] std::string table_heading() const;
 
@@ -33,13 +41,14 @@ class PoseWriter {
 
   /// The pose whose atoms stand in `placed`:
   ///
-  ///     columns   1-2     4-18   20-34   36-50
-  ///               symbol  x      y       z       (A2,3(1X,F15.8)), Angstrom
+  ///     columns   1-2     4-18   20-34   36-50   52
+  ///               symbol  x      y       z       molecule   (A2,3(1X,F15.8),1X,I1), Angstrom
   void append_frame(std::string& frames, const ScannedPose& pose,
                     const ConstAtomTable& placed) const;
 
  private:
   std::span<const Label> labels_;
+  std::int32_t n1_;
   PoseColumns columns_;
 };
 

@@ -80,7 +80,9 @@ std::vector<ScanRecord> ProgressFile::records() const {
 }
 
 void ProgressFile::write(const ScanRecord& record) {
-  const std::string text = text_of(record);
+  ScanRecord small = record;
+  small.molecules = nullptr;
+  const std::string text = text_of(small);
   const std::string line = fmt::format("{} {}\n", text, fingerprint_of(text));
   if (line.size() > kSlotBytes) throw std::length_error("the record of a scan is too long");
   const auto offset = static_cast<std::int64_t>(kSlotBytes) * next_slot_;

@@ -30,7 +30,8 @@ class ProgressFile {
   /// The whole ones, later first. Throws IoFailure when the file holds other things only.
   [[nodiscard]] std::vector<ScanRecord> records() const;
 
-  /// The record is on the disk when this returns; what it tells of must be there before.
+  /// The record is on the disk when this returns, without its molecules; what it tells of must be
+  /// there before.
   void write(const ScanRecord& record);
 
   /// The scan is finished, or begins anew.

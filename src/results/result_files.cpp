@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -18,7 +17,14 @@ namespace dravo {
 namespace {
 
 constexpr std::string_view kPart = ".part";
-constexpr std::array<const char*, 3> kEndings{kFramesEnding, kTableEnding, kRecordEnding};
+
+/// Of all files that a scan may have under its final names. The record first: it must not tell of
+/// results that are gone.
+std::vector<std::string> result_names(const std::string& name) {
+  std::vector<std::string> names{name + kRecordEnding};
+  for (const ResultName& result : kResultNames) names.push_back(name + result.ending);
+  return names;
+}
 
 bool exists(const std::string& name) { return ::access(name.c_str(), F_OK) == 0; }
 
@@ -41,10 +47,8 @@ std::optional<Checksum> checksum_in(const GrowingFile& file, std::int64_t bytes,
   return found && expected && found->value() != *expected ? std::nullopt : std::move(found);
 }
 
-void require_checksum(const std::string& record, const std::string& name, std::int64_t bytes,
-                      const std::optional<std::uint64_t>& expected) {
-  if (!expected) return;
-  if (checksum_of_first(bytes, name) == *expected) return;
+void require_checksum(const std::string& record, const std::string& name, const FileState& state) {
+  if (!state.checksum || checksum_of_first(state.bytes, name) == *state.checksum) return;
   throw IoFailure(fmt::format(
       "{}: has changed since it was written: its checksum is not that in {}", name, record));
 }
@@ -64,96 +68,90 @@ void write_record(const std::string& name, const std::string& text) {
 
 }  // namespace
 
-ResultFiles::ResultFiles(std::string name, bool with_frames) : name_(std::move(name)) {
-  const auto open = [&](const char* ending) {
-    const std::string result = name_ + ending;
+ResultFiles::ResultFiles(std::string name, const std::vector<ResultFile>& files)
+    : name_(std::move(name)) {
+  for (const ResultFile file : files) {
+    const std::string result = name_ + ending_of(file);
     std::string part = result;
     part += kPart;
     // A kill between the last steps of a scan leaves a result that has its name already.
     if (!exists(part) && exists(result)) rename_file(result, part);
-    return std::make_unique<GrowingFile>(part);
-  };
-  if (with_frames) frames_ = open(kFramesEnding);
-  table_ = open(kTableEnding);
+    files_[file] = std::make_unique<GrowingFile>(part);
+  }
 }
 
 void ResultFiles::begin() {
-  if (frames_) frames_->cut(0, {});
-  table_->cut(0, {});
+  for (const auto& [kind, file] : files_) file->cut(0, {});
 }
 
 bool ResultFiles::take_up(const ScanRecord& record) {
-  auto frames = frames_ ? checksum_in(*frames_, record.frame_bytes, record.frame_checksum)
-                        : std::optional(Checksum());
-  auto table = checksum_in(*table_, record.table_bytes, record.table_checksum);
-  if (!frames || !table) return false;
-  if (frames_) frames_->cut(record.frame_bytes, *std::move(frames));
-  table_->cut(record.table_bytes, *std::move(table));
+  std::map<ResultFile, Checksum> found;
+  for (const auto& [kind, file] : files_) {
+    const FileState& state = record.files.at(kind);
+    auto checksum = checksum_in(*file, state.bytes, state.checksum);
+    if (!checksum) return false;
+    found.emplace(kind, *std::move(checksum));
+  }
+  for (const auto& [kind, file] : files_)
+    file->cut(record.files.at(kind).bytes, std::move(found.at(kind)));
   return true;
 }
 
-void ResultFiles::append_frames(std::string_view bytes) {
-  if (frames_) frames_->append(bytes);
+void ResultFiles::append(ResultFile file, std::string_view bytes) {
+  const auto found = files_.find(file);
+  if (found != files_.end()) found->second->append(bytes);
 }
 
-void ResultFiles::append_table(std::string_view bytes) { table_->append(bytes); }
-
 void ResultFiles::describe(ScanRecord& record) const {
-  if (frames_) {
-    record.frame_bytes = frames_->size();
-    record.frame_checksum = frames_->checksum();
-  }
-  record.table_bytes = table_->size();
-  record.table_checksum = table_->checksum();
+  for (const auto& [kind, file] : files_) record.files[kind] = {file->size(), file->checksum()};
 }
 
 void ResultFiles::sync() {
-  if (frames_) frames_->sync();
-  table_->sync();
+  for (const auto& [kind, file] : files_) file->sync();
 }
 
 void ResultFiles::finish(const ScanRecord& record) {
-  for (auto* file : {frames_.get(), table_.get()})
-    if (file != nullptr) file->finish(file->name().substr(0, file->name().size() - kPart.size()));
+  for (const auto& [kind, file] : files_) file->finish(name_ + ending_of(kind));
   write_record(name_ + kRecordEnding, text_of(record) + "\n");
 }
 
 ScanRecord finished_record(const std::string& name) {
   const std::string file = name + kRecordEnding;
   ScanRecord record = parse_record(file, read_file(file));
-  if (record.with_frames()) require_size(name + kFramesEnding, record.frame_bytes);
-  require_size(name + kTableEnding, record.table_bytes);
+  for (const auto& [kind, state] : record.files) require_size(name + ending_of(kind), state.bytes);
   return record;
 }
 
 void require_unchanged(const std::string& name, const ScanRecord& record) {
   const std::string file = name + kRecordEnding;
-  if (record.with_frames())
-    require_checksum(file, name + kFramesEnding, record.frame_bytes, record.frame_checksum);
-  require_checksum(file, name + kTableEnding, record.table_bytes, record.table_checksum);
+  for (const auto& [kind, state] : record.files)
+    require_checksum(file, name + ending_of(kind), state);
 }
 
 bool has_finished_record(const std::string& name) { return exists(name + kRecordEnding); }
 
 void refuse_earlier_results(const std::string& name) {
-  for (const char* ending : kEndings)
-    if (exists(name + ending))
-      throw IoFailure(fmt::format("{}{}: exists already; --overwrite replaces it", name, ending));
+  for (const std::string& result : result_names(name))
+    if (exists(result)) throw IoFailure(result + ": exists already; --overwrite replaces it");
 }
 
 void remove_earlier_results(const std::string& name) {
-  // The record first: it must not tell of results that are gone.
-  for (const char* ending : {kRecordEnding, kFramesEnding, kTableEnding})
-    ::unlink((name + ending).c_str());
+  for (const std::string& result : result_names(name)) {
+    ::unlink(result.c_str());
+    ::unlink((result + std::string(kPart)).c_str());
+  }
 }
 
 void refuse_inputs_as_results(const std::string& name, const std::vector<std::string>& inputs) {
-  constexpr std::array<const char*, 7> kWritten{".xyz",  ".xyz.part",  ".csv",     ".csv.part",
-                                                ".json", ".json.part", ".progress"};
+  std::vector<std::string> written{name + ".progress"};
+  for (const std::string& result : result_names(name)) {
+    written.push_back(result);
+    written.push_back(result + std::string(kPart));
+  }
   for (const std::string& input : inputs)
-    for (const char* ending : kWritten) {
+    for (const std::string& file : written) {
       std::error_code ignored;  // what does not exist is not the same
-      if (std::filesystem::equivalent(input, name + ending, ignored))
+      if (std::filesystem::equivalent(input, file, ignored))
         throw IoFailure(input + ": would be replaced by the results; choose another --output");
     }
 }

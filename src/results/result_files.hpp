@@ -1,6 +1,7 @@
 /// The results of a scan: frames NAME.xyz, table NAME.csv, record NAME.json.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -11,16 +12,14 @@
 
 namespace dravo {
 
-inline constexpr auto kFramesEnding = ".xyz";
-inline constexpr auto kTableEnding = ".csv";
 inline constexpr auto kRecordEnding = ".json";
 
-/// Frames and table grow as NAME.xyz.part and NAME.csv.part and get their names when they are
-/// complete, the record last.
+/// Files grow as NAME.xyz.part and so on and get their names when they are complete, the record
+/// last.
 class ResultFiles {
  public:
   /// Takes up what is there.
-  ResultFiles(std::string name, bool with_frames);
+  ResultFiles(std::string name, const std::vector<ResultFile>& files);
 
   /// Whatever is there goes.
   void begin();
@@ -29,8 +28,8 @@ class ResultFiles {
   /// there as they were written.
   [[nodiscard]] bool take_up(const ScanRecord& record);
 
-  void append_frames(std::string_view bytes);  ///< nothing for a scan without frames
-  void append_table(std::string_view bytes);
+  /// Nothing for a file that this scan does not have.
+  void append(ResultFile file, std::string_view bytes);
 
   /// Byte counts and checksums of what was appended.
   void describe(ScanRecord& record) const;
@@ -44,8 +43,7 @@ class ResultFiles {
 
  private:
   std::string name_;
-  std::unique_ptr<GrowingFile> frames_;  ///< null for a scan without frames
-  std::unique_ptr<GrowingFile> table_;
+  std::map<ResultFile, std::unique_ptr<GrowingFile>> files_;
 };
 
 /// Reads NAME.json and checks the sizes of the results. Throws IoFailure.
@@ -57,8 +55,10 @@ void require_unchanged(const std::string& name, const ScanRecord& record);
 
 [[nodiscard]] bool has_finished_record(const std::string& name);
 
-/// Throws IoFailure when NAME.xyz, NAME.csv or NAME.json exist.
+/// Throws IoFailure when a result of this name exists, whichever of them the scan writes.
 void refuse_earlier_results(const std::string& name);
+
+/// Finished ones, and what is left of unfinished ones.
 void remove_earlier_results(const std::string& name);
 
 /// Throws IoFailure when an input is one of the files that a scan of this name writes.

@@ -6,6 +6,7 @@
 
 #include "common/errors.hpp"
 #include "results/durable.hpp"
+#include "results/result_files.hpp"
 
 namespace dravo {
 namespace {
@@ -19,7 +20,7 @@ bool has_earlier_scan(const std::string& name) {
   return has_finished_record(name) || has_progress(name);
 }
 
-ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const std::string& table_heading,
+ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const OpenResults& open,
                      Earlier earlier, std::optional<PoseFolders> folders)
     : name_(std::move(name)),
       folders_(std::move(folders)),
@@ -39,8 +40,8 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const std::string
     records = progress_->records();
     require_same_origin(progress_->name(), records.front(), plan);
   }
-  results_ = std::make_unique<ResultFiles>(name_, plan.with_frames());
-  if (!take_up(records)) begin(table_heading);
+  results_ = open();
+  if (!take_up(records)) begin();
 }
 
 /// What was appended before something failed is claimed too, so that nobody makes it again. Not
@@ -68,32 +69,30 @@ void ScanFiles::clear_the_way(Earlier earlier) {
         ": is of an unfinished scan; --resume goes on with it, --overwrite begins anew");
 }
 
-void ScanFiles::begin(const std::string& table_heading) {
+void ScanFiles::begin() {
   progress_->clear();
   results_->begin();
-  results_->append_table(table_heading);
-  results_->describe(record_);
   sync_folder_of(name_);
   claim();
 }
 
 /// From the last record whose bytes are all there. False when there is none.
 bool ScanFiles::take_up(const std::vector<ScanRecord>& records) {
+  const auto molecules = record_.molecules;
   const auto whole = std::find_if(records.begin(), records.end(), [&](const ScanRecord& record) {
     return results_->take_up(record);
   });
   if (whole == records.end()) return false;
   record_ = *whole;
+  record_.molecules = molecules;
   sync_folder_of(name_);
   claimable_ = true;
   return true;
 }
 
 void ScanFiles::append(const TextChunk& chunk) {
-  results_->append_frames(chunk.frames);
-  results_->append_table(chunk.table);
+  results_->append(chunk, record_);
   record_.totals.add(chunk.totals);
-  results_->describe(record_);
   if (std::chrono::steady_clock::now() - claimed_ >= kMostUnclaimedTime) claim();
 }
 
@@ -101,7 +100,7 @@ void ScanFiles::append(const TextChunk& chunk) {
 void ScanFiles::claim() {
   claimable_ = false;
   if (folders_) folders_->sync();
-  results_->sync();
+  results_->sync(record_);
   progress_->write(record_);
   claimed_ = std::chrono::steady_clock::now();
   claimable_ = true;

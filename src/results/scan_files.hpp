@@ -10,8 +10,8 @@
 
 #include "results/pose_folders.hpp"
 #include "results/progress_file.hpp"
-#include "results/result_files.hpp"
 #include "results/scan_record.hpp"
+#include "results/scan_results.hpp"
 #include "results/text_chunk.hpp"
 
 namespace dravo {
@@ -28,8 +28,8 @@ class ScanFiles {
   /// unfinished scan of the same origin with Earlier::resume. Throws IoFailure when files are in
   /// the way, when the earlier scan was another one, or while another process makes this one.
   /// `folders` are those of poses that have files of their own, whoever writes them.
-  ScanFiles(std::string name, const ScanRecord& plan, const std::string& table_heading,
-            Earlier earlier, std::optional<PoseFolders> folders = std::nullopt);
+  ScanFiles(std::string name, const ScanRecord& plan, const OpenResults& open, Earlier earlier,
+            std::optional<PoseFolders> folders = std::nullopt);
   ScanFiles(const ScanFiles&) = delete;
   ScanFiles& operator=(const ScanFiles&) = delete;
   ~ScanFiles();
@@ -47,7 +47,7 @@ class ScanFiles {
 
  private:
   void clear_the_way(Earlier earlier);
-  void begin(const std::string& table_heading);
+  void begin();
   bool take_up(const std::vector<ScanRecord>& records);
   void claim();
 
@@ -57,7 +57,7 @@ class ScanFiles {
   std::chrono::steady_clock::time_point claimed_ = std::chrono::steady_clock::now();
   bool claimable_ = false;  ///< `record_` tells of what the files have
   std::unique_ptr<ProgressFile> progress_;
-  std::unique_ptr<ResultFiles> results_;
+  std::unique_ptr<ScanResults> results_;
 };
 
 }  // namespace dravo

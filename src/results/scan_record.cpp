@@ -2,63 +2,20 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
-#include <limits>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
-
 #include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
-#include "common/number_text.hpp"
 #include "common/version.hpp"
+#include "results/record_keys.hpp"
 #include "scan/fingerprint.hpp"
 
 namespace dravo {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json json_of(const ScanTotals& totals) {
-  return {{"done", totals.poses},        {"left_out", totals.left_out},
-          {"written", totals.written},   {"with_contacts", totals.with_contacts},
-          {"shortest", totals.shortest}, {"shortest_index", totals.shortest_index}};
-}
-
-/// A count of a record.
-std::int64_t whole(const Json& json, const char* key, std::int64_t lowest = 0) {
-  const Json& value = json.at(key);
-  const auto count = value.is_number_integer() ? value.get<std::int64_t>() : lowest - 1;
-  if (count < lowest) throw std::out_of_range(key);
-  return count;
-}
-
-/// JSON has no infinity, which stands for "no pose yet".
-double distance_in(const Json& json) {
-  return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
-}
-
-constexpr auto kFrameChecksum = "frame_xxh3";
-constexpr auto kTableChecksum = "table_xxh3";
-
-/// As checksums are written everywhere: sixteen digits.
-std::string hexadecimal(std::uint64_t number) { return fmt::format("{:016x}", number); }
-
-/// Empty without the key.
-std::optional<std::uint64_t> checksum_in(const Json& json, const char* key) {
-  const auto found = json.find(key);
-  if (found == json.end()) return std::nullopt;
-  const auto text = found->get<std::string>();
-  std::uint64_t number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number, 16);
-  if (hexadecimal(number) != text) throw std::out_of_range(key);
-  return number;
-}
-
-constexpr auto kPlacing = "placing";
-constexpr auto kFrameRuleKey = "frame_rule";
-
-const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
+/// Not in the record of a scan that writes frames of both molecules, or files.
+constexpr auto kWritingKey = "writing";
+constexpr auto kTableAlone = "table";
+constexpr auto kMovingAlone = "moving";
 
 }  // namespace
 
@@ -73,9 +30,25 @@ std::string Shard::name(const std::string& scan) const {
   return fmt::format("{}-{}-of-{}", scan, number, of);
 }
 
-bool ScanRecord::with_frames() const {
-  const auto files = origin.find("files");
-  return files == origin.end() || files->second != "true";
+Writing ScanRecord::writing() const {
+  const auto has = [&](const char* key, const char* text) {
+    const auto found = origin.find(key);
+    return found != origin.end() && found->second == text;
+  };
+  if (has("files", "true")) return Writing::files;
+  if (has(kWritingKey, kTableAlone)) return Writing::table;
+  return has(kWritingKey, kMovingAlone) ? Writing::moving : Writing::frames;
+}
+
+std::vector<ResultFile> ScanRecord::results() const {
+  switch (writing()) {
+    case Writing::frames:
+      return {ResultFile::frames, ResultFile::table};
+    case Writing::moving:
+      return {ResultFile::frames, ResultFile::table, ResultFile::molecule2};
+    default:
+      return {ResultFile::table};
+  }
 }
 
 std::string fingerprint_of(const Pair& pair) {
@@ -86,14 +59,23 @@ std::string fingerprint_of(const Pair& pair) {
   return fmt::format("{}+{} atoms, {}", pair.n1(), pair.size() - pair.n1(), atoms.value());
 }
 
-std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Pair& pair,
-                                             const ScanPlan& plan) {
+std::map<std::string, std::string> origin_of(const PairPlacer& placer, const ScannedPair& molecules,
+                                             const ScanPlan& plan, Writing writing) {
   auto origin = plan.description();
-  origin["version"] = DRAVO_VERSION;
-  origin["pair"] = fingerprint_of(pair);
+  origin[kVersionKey] = DRAVO_VERSION;
+  origin["pair"] = fingerprint_of(molecules.pair);
   origin[kFrameRuleKey] = std::to_string(kFrameRule);
-  origin[kPlacing] = words_of_placing(placer.exact());
+  origin[kPlacingKey] = words_of_placing(placer.exact());
+  if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
+  if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
+  if (molecules.like) origin["like"] = fingerprint_of(*molecules.like);
   return origin;
+}
+
+const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
+
+bool is_exact(const ScanRecord& record) {
+  return record.origin.at(kPlacingKey) == words_of_placing(true);
 }
 
 std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
@@ -129,58 +111,6 @@ std::string sentence_about(const ScanTotals& totals) {
       "{} {}, {}{} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
       totals.poses, totals.poses == 1 ? "pose" : "poses", equal, totals.with_contacts,
       totals.written, fixed_text(totals.shortest, 4), totals.shortest_index);
-}
-
-std::string json_text_of(const ScanTotals& totals, bool exact) {
-  Json json = json_of(totals);
-  json[kPlacing] = words_of_placing(exact);
-  json[kFrameRuleKey] = kFrameRule;
-  return json.dump();
-}
-
-std::string json_text_of(const ScanRecord& record) {
-  Json json = json_of(record.totals);
-  const auto placing = record.origin.find(kPlacing);
-  if (placing != record.origin.end()) json[kPlacing] = placing->second;
-  const auto rule = record.origin.find(kFrameRuleKey);
-  if (rule == record.origin.end()) return json.dump();
-  if (const auto number = parse_integer(rule->second)) json[kFrameRuleKey] = *number;
-  return json.dump();
-}
-
-std::string text_of(const ScanRecord& record) {
-  Json json{{"origin", record.origin},          {"poses", record.poses},
-            {"shard", record.shard.number},     {"shards", record.shard.of},
-            {"totals", json_of(record.totals)}, {"frame_bytes", record.frame_bytes},
-            {"table_bytes", record.table_bytes}};
-  if (record.frame_checksum) json[kFrameChecksum] = hexadecimal(*record.frame_checksum);
-  if (record.table_checksum) json[kTableChecksum] = hexadecimal(*record.table_checksum);
-  return json.dump();
-}
-
-ScanRecord parse_record(const std::string& name, const std::string& text) {
-  try {
-    const Json json = Json::parse(text);
-    ScanRecord record;
-    json.at("origin").get_to(record.origin);
-    record.poses = whole(json, "poses");
-    record.shard = {whole(json, "shard", 1), whole(json, "shards", 1)};
-    const Json& totals = json.at("totals");
-    record.totals = {whole(totals, "done"),
-                     totals.contains("left_out") ? whole(totals, "left_out") : 0,
-                     whole(totals, "written"),
-                     whole(totals, "with_contacts"),
-                     distance_in(totals.at("shortest")),
-                     whole(totals, "shortest_index")};
-    record.frame_bytes = whole(json, "frame_bytes");
-    record.table_bytes = whole(json, "table_bytes");
-    record.frame_checksum = checksum_in(json, kFrameChecksum);
-    record.table_checksum = checksum_in(json, kTableChecksum);
-    if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
-    return record;
-  } catch (const std::exception&) {
-    throw IoFailure(name + ": expected the record of a scan by dravo, found something else");
-  }
 }
 
 }  // namespace dravo

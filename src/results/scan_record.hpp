@@ -1,8 +1,11 @@
 /// What a scan is and what it found, as its files tell it.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,28 +28,69 @@ struct Shard {
   [[nodiscard]] std::string name(const std::string& scan) const;
 };
 
+/// What a scan writes of its poses.
+enum class Writing {
+  nothing,
+  table,   ///< their rows alone
+  moving,  ///< and frames of molecule 1; molecule 2, which stands still, once
+  frames,  ///< and frames of both molecules
+  files,   ///< and for each pose the files of qn-dravo
+};
+
+/// The files that a scan may have besides its record and its progress.
+enum class ResultFile : std::size_t { frames, table, molecule2 };
+
+/// What a file is called in a record, and behind NAME.
+struct ResultName {
+  const char* key;
+  const char* ending;
+};
+inline constexpr std::array<ResultName, 3> kResultNames{
+    {{"frame", ".xyz"}, {"table", ".csv"}, {"molecule2", "-molecule-2.xyz"}}};
+
+constexpr const char* ending_of(ResultFile file) {
+  return kResultNames.at(static_cast<std::size_t>(file)).ending;
+}
+
+/// How much of a file is there.
+struct FileState {
+  std::int64_t bytes = 0;
+  std::optional<std::uint64_t> checksum = std::nullopt;  ///< not in records of earlier versions
+};
+
+/// What was placed: enough to place it again.
+struct ScannedPair {
+  Pair pair;
+  std::optional<Pair> like;  ///< whose axes were carried along
+};
+
 struct ScanRecord {
   /// Pair, plan and program, key and text: the results follow from them.
   std::map<std::string, std::string> origin;
   std::int64_t poses = 0;  ///< of all parts
   Shard shard;
   ScanTotals totals;
-  std::int64_t frame_bytes = 0;
-  std::int64_t table_bytes = 0;
-  /// Of those bytes. Not in records of earlier versions; of frames, not without frames.
-  std::optional<std::uint64_t> frame_checksum = std::nullopt;
-  std::optional<std::uint64_t> table_checksum = std::nullopt;
+  std::map<ResultFile, FileState> files;
+  /// Null in the progress of a scan and in records of earlier versions.
+  std::shared_ptr<const ScannedPair> molecules = nullptr;
 
-  /// Not when each pose has files of its own.
-  [[nodiscard]] bool with_frames() const;
+  [[nodiscard]] Writing writing() const;
+
+  /// The files of the finished scan.
+  [[nodiscard]] std::vector<ResultFile> results() const;
 };
 
 /// Tells pairs apart: "6+9 atoms, 1234567890".
 std::string fingerprint_of(const Pair& pair);
 
-/// Pair, plan and the way of placing as `ScanRecord::origin` has them.
-std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Pair& pair,
-                                             const ScanPlan& plan);
+/// Pair, plan, the way of placing and that of writing as `ScanRecord::origin` has them.
+std::map<std::string, std::string> origin_of(const PairPlacer& placer, const ScannedPair& molecules,
+                                             const ScanPlan& plan,
+                                             Writing writing = Writing::frames);
+
+/// Whether the poses of a scan are placed exactly. Throws std::out_of_range for records of earlier
+/// versions that do not tell it.
+bool is_exact(const ScanRecord& record);
 
 /// Throws IoFailure with every key that differs, unless both are records of the same scan; `name`
 /// is the file of the earlier one.

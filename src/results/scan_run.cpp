@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -21,17 +22,11 @@ namespace dravo {
 namespace {
 
 /// Chunks of some hundred kilobytes stay in the caches of a core.
-std::int64_t poses_of_chunk(const Pair& pair) {
+std::int64_t poses_of_chunk(std::int32_t atoms) {
   constexpr std::int64_t kBytesOfChunk = 262144;
-  constexpr std::int64_t kBytesOfAtom = 51;
+  constexpr std::int64_t kBytesOfAtom = 53;
   constexpr std::int64_t kBytesBesides = 700;
-  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * pair.size()), 1);
-}
-
-ScanOutput output_of(const ScanPlan& plan, const ScanRequest& request) {
-  if (request.count_only) return {ScanOutput::Kind::counted, ""};
-  if (plan.files()) return {ScanOutput::Kind::files, request.name};
-  return {ScanOutput::Kind::frames, ""};
+  return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * atoms), 1);
 }
 
 bool exists(const std::string& name) {
@@ -98,51 +93,72 @@ void require_file_name(const std::string& name) {
                     dravo::quoted(name));
 }
 
-ChunkJob job_of(const Pair& pair, const ScanPlan& plan, const ScanRequest& request,
+ChunkJob job_of(std::int32_t atoms, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
   const Stretch poses = stretch_of(plan, request);
-  return {poses.first + done, poses.end, poses_of_chunk(pair), request.threads};
+  return {poses.first + done, poses.end, poses_of_chunk(atoms), request.threads};
 }
 
-ScanRecord record_of(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                      const ScanRequest& request) {
-  auto origin = origin_of(placer, pair, plan);
-  if (!request.like.empty()) origin["like"] = request.like;
-  return {std::move(origin), plan.poses().size(), request.part.value_or(Shard{}), {}, 0, 0};
+  return {origin_of(placer, molecules, plan, request.writing),
+          plan.poses().size(),
+          request.part.value_or(Shard{}),
+          {},
+          {},
+          std::make_shared<const ScannedPair>(molecules)};
+}
+
+ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan) {
+  OwnedTable placed(placer.split().N);
+  placer.place({}, placed.table());
+  return {writer_of(placer, plan, Writing::frames).table_heading(),
+          molecule2_frame(placer.labels(), placer.split().n1, placed.table(), placer.exact())};
 }
 
 }  // namespace
+
+Writing writing_of(const ScanPlan& plan, const ScanRequest& request) {
+  if (request.writing == Writing::nothing || !plan.files()) return request.writing;
+  if (request.writing != Writing::frames)
+    throw InvalidInput("a plan with files for each pose excludes --table and --moving");
+  return Writing::files;
+}
 
 std::string result_name(const ScanRequest& request) {
   return request.part ? request.part->name(request.name) : request.name;
 }
 
-ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                     const ScanRequest& request) {
   require_short_enough(placer, plan);
   std::optional<UniquePoses> unique;
   if (plan.unique()) unique.emplace(placer, plan.poses(), plan.above_contact());
-  const ScanOutput output = output_of(plan, request);
+  const Writing writing = writing_of(plan, request);
+  const ScanOutput output{writing, writing == Writing::files ? request.name : ""};
   const PoseFolders folders(output.pose_folder, plan.poses().size());
   std::optional<ScanFiles> files;
-  if (output.kind != ScanOutput::Kind::counted) {
+  if (output.writing != Writing::nothing) {
     require_file_name(request.name);
     refuse_inputs_as_results(result_name(request), request.inputs);
-    if (output.kind == ScanOutput::Kind::files) {
+    if (output.writing == Writing::files) {
       refuse_earlier_folder(request);
       refuse_inputs_in_folder(request);
       refuse_earlier_poses(request, folders, stretch_of(plan, request));
     }
-    const PoseWriter writer(placer.labels(), columns_of(placer, plan));
-    files.emplace(result_name(request), record_of(placer, pair, plan, request),
-                  writer.table_heading(), request.earlier,
-                  output.kind == ScanOutput::Kind::files ? std::optional(folders) : std::nullopt);
+    const ScanRecord record = record_of(placer, molecules, plan, request);
+    const auto open = [&] {
+      return std::make_unique<StreamedResults>(result_name(request), record.results(),
+                                               texts_of(placer, plan));
+    };
+    files.emplace(result_name(request), record, open, request.earlier,
+                  output.writing == Writing::files ? std::optional(folders) : std::nullopt);
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
-  const ChunkJob job = job_of(pair, plan, request, totals.poses);
+  const ChunkJob job = job_of(placer.split().N, plan, request, totals.poses);
   Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
   if (files && files->finished()) return totals;
-  if (output.kind == ScanOutput::Kind::files) folders.require_own(job.first, job.end);
+  if (output.writing == Writing::files) folders.require_own(job.first, job.end);
 
   make_chunks<TextChunk>(
       job, [&] { return TextMaker(placer, plan, output, unique ? &*unique : nullptr); },

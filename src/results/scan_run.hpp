@@ -16,20 +16,23 @@ namespace dravo {
 
 struct ScanRequest {
   std::string name = "scan";  ///< of the results, without ending
-  bool count_only = false;    ///< nothing is written
+  /// Writing::files is the plan's to say.
+  Writing writing = Writing::frames;
   Earlier earlier = Earlier::refuse;
   std::optional<Shard> part;        ///< the whole scan without it
   std::vector<std::string> inputs;  ///< files that results must not replace
-  std::string like;                 ///< fingerprint of the pair whose axes are carried along
   int threads = 0;                  ///< as many as the machine has cores
   Progress::Kind progress = Progress::Kind::none;
 };
 
+/// What a plan and a request say together. Throws InvalidInput when they contradict each other.
+Writing writing_of(const ScanPlan& plan, const ScanRequest& request);
+
 /// Of the results, without ending.
 std::string result_name(const ScanRequest& request);
 
-/// `placer` places `pair`. Throws IoFailure when the results cannot be written.
-ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
+/// `placer` places `molecules`. Throws IoFailure when the results cannot be written.
+ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                     const ScanRequest& request);
 
 }  // namespace dravo

@@ -1,19 +1,27 @@
 #include "results/text_chunk.hpp"
 
+#include <cstddef>
+#include <span>
+
 #include "common/output_folder.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
 
 namespace dravo {
 
-PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan) {
-  return {plan.above_contact(), plan.unique(), placer.exact()};
+PoseWriter writer_of(const PairPlacer& placer, const ScanPlan& plan, Writing writing) {
+  const std::span<const Label> labels(placer.labels());
+  const auto n1 = static_cast<std::size_t>(placer.split().n1);
+  return {writing == Writing::moving ? labels.first(n1) : labels,
+
+          placer.split().n1,
+          {plan.above_contact(), plan.unique(), placer.exact()}};
 }
 
 namespace {
 
 PoseRules rules_of(const ScanPlan& plan, const ScanOutput& output, const UniquePoses* unique) {
-  const bool written = output.kind != ScanOutput::Kind::counted;
+  const bool written = output.writing != Writing::nothing;
   return {plan.contacts(), plan.above_contact(), written, unique};
 }
 
@@ -24,7 +32,7 @@ TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanO
     : placer_(&placer),
       output_(&output),
       poses_(placer, plan.poses(), rules_of(plan, output, unique)),
-      writer_(placer.labels(), columns_of(placer, plan)),
+      writer_(writer_of(placer, plan, output.writing)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
@@ -40,15 +48,15 @@ void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
     }
     chunk.totals.add(
         {1, 0, pose.wanted ? 1 : 0, numbers.contacts > 0 ? 1 : 0, numbers.shortest, numbers.index});
-    if (pose.wanted && output_->kind != ScanOutput::Kind::counted) write(pose, chunk);
+    if (pose.wanted && output_->writing != Writing::nothing) write(pose, chunk);
   });
 }
 
 void TextMaker::write(const MadePose& pose, TextChunk& chunk) {
   writer_.append_row(chunk.table, pose.numbers);
-  if (output_->kind == ScanOutput::Kind::files)
+  if (output_->writing == Writing::files)
     write_files(pose);
-  else
+  else if (output_->writing != Writing::table)
     writer_.append_frame(chunk.frames, pose.numbers, pose.atoms);
 }
 

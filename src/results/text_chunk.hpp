@@ -6,6 +6,7 @@
 
 #include "results/pose_folders.hpp"
 #include "results/pose_writer.hpp"
+#include "results/scan_record.hpp"
 #include "results/scan_totals.hpp"
 #include "scan/pair_placer.hpp"
 #include "scan/plan.hpp"
@@ -21,13 +22,12 @@ struct TextChunk {
 
 /// What becomes of the poses.
 struct ScanOutput {
-  enum class Kind { counted, frames, files };
-  Kind kind = Kind::counted;
-  std::string pose_folder;  ///< of Kind::files: it gets a folder for each pose
+  Writing writing = Writing::nothing;
+  std::string pose_folder;  ///< of Writing::files: it gets a folder for each pose
 };
 
-/// Which columns the poses of a plan have.
-PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan);
+/// For the poses of a plan; frames are those of Writing::moving or of both molecules.
+PoseWriter writer_of(const PairPlacer& placer, const ScanPlan& plan, Writing writing);
 
 /// One per thread.
 class TextMaker {

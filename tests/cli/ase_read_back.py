@@ -27,14 +27,16 @@ PLANS = {
 
 
 def frames_of(text):
-    """Symbols and coordinates as the lines hold them: columns 1-2, 4-18, 20-34, 36-50."""
+    """Symbols and coordinates as the lines hold them: columns 1-2, 4-18, 20-34, 36-50;
+    the molecule in column 52."""
     lines = text.splitlines()
     at = 0
     while at < len(lines):
         atoms = lines[at + 2:at + 2 + int(lines[at])]
-        assert all(len(line) == 50 for line in atoms), atoms
+        assert all(len(line) == 52 for line in atoms), atoms
         yield ([line[0:2].strip() for line in atoms],
-               [[float(line[3:18]), float(line[19:34]), float(line[35:50])] for line in atoms])
+               [[float(line[3:18]), float(line[19:34]), float(line[35:50])] for line in atoms],
+               [int(line[51:]) for line in atoms])
         at += 2 + len(atoms)
 
 
@@ -50,10 +52,11 @@ def check(name, folder):
     frames = ase.io.read(folder / f"{name}.xyz", index=":")
     assert len(rows) > 20, f"{name}: only {len(rows)} rows"
     assert len(frames) == len(rows) == len(texts), (name, len(frames), len(rows), len(texts))
-    for frame, row, (symbols, positions) in zip(frames, rows, texts):
+    for frame, row, (symbols, positions, molecules) in zip(frames, rows, texts):
         where = f"{name}, pose {row['index']}"
         assert frame.get_chemical_symbols() == symbols, where
         assert frame.get_positions().tolist() == positions, where
+        assert frame.arrays["molecule"].tolist() == molecules == [1] * 6 + [2] * 6, where
         assert not frame.pbc.any(), where
         assert list(frame.info) == list(row), f"{where}: {list(frame.info)}"
         for key, text in row.items():

@@ -112,11 +112,10 @@ Files with_record(const Words& words, const std::string& was, const std::string&
 
 TEST(ResumedScan, OfAnotherPlacingOrFrameRuleIsRefused) {
   const std::vector<std::pair<Files, std::string>> cases{
-      {with_record(kPart, "\"frame_rule\":\"1\"", "\"frame_rule\":\"2\""),
-       "frame_rule was 2, is 1"},
+      {with_record(kPart, "\"frame_rule\":1", "\"frame_rule\":2"), "frame_rule was 2, is 1"},
       {with_record(kPart, "\"placing\":\"as qn-dravo\"", "\"placing\":\"exact\""),
        "placing was exact, is as qn-dravo"},
-      {with_record(kPart, "\"frame_rule\":\"1\",", ""), "frame_rule was not given, is 1"}};
+      {with_record(kPart, "\"frame_rule\":1,", ""), "frame_rule was not given, is 1"}};
   for (const auto& [files, difference] : cases) {
     const Dimer folder;
     folder.put(files);
@@ -135,7 +134,7 @@ TEST(ResumedScan, OfAnotherPlacingOrFrameRuleIsRefused) {
 
 TEST(MergedParts, OfDifferentPlacingOrFrameRuleAreRefused) {
   const std::vector<std::array<std::string, 3>> cases{
-      {"\"frame_rule\":\"1\"", "\"frame_rule\":\"2\"", "frame_rule was 1, is 2"},
+      {"\"frame_rule\":1", "\"frame_rule\":2", "frame_rule was 1, is 2"},
       {"\"placing\":\"as qn-dravo\"", "\"placing\":\"exact\"",
        "placing was as qn-dravo, is exact"}};
   for (const auto& [was, is, difference] : cases) {

@@ -231,5 +231,23 @@ TEST(AppliedParameters, AreTheNudgedOnes) {
     EXPECT_NEAR(number(rows[k], "gamma_applied"), 0.09, kSinglePrecision) << "beta rounds to 0";
 }
 
+/// The column of molecules alone tells where the pair divides, so `identify` asks for no --split.
+TEST(FrameOfAScan, IsAPairThatTellsItsMolecules) {
+  const Dimer folder("dimethyl-sulfoxide-ethanol");
+  const Scan scan = scanned(folder, {"--r", "6,7", "--theta", "20:160:20", "--phi", "11", "--alpha",
+                                     "214", "--beta", "152", "--gamma", "306"});
+  ASSERT_EQ(scan.frames.size(), 16U);
+  EXPECT_EQ(scan.frames[0].molecules, "1111111111222222222") << "10 and 9 atoms";
+  const Outcome found = run_command(folder, {"identify", "scan.xyz", "--frame", "13", "--json"});
+  EXPECT_EQ(found.status, 0) << found.messages;
+  EXPECT_EQ(scan.rows[12].at("theta"), "100") << "the fifth of r = 7";
+  for (const auto& [name, value] : {std::pair{"r", 7.0}, {"theta", 100.0}, {"beta", 152.0}}) {
+    const std::string key = std::string("\"") + name + "\":";
+    const std::size_t begin = found.screen.find(key);
+    ASSERT_NE(begin, std::string::npos) << found.screen;
+    EXPECT_NEAR(std::stod(found.screen.substr(begin + key.size())), value, 0.1) << name;
+  }
+}
+
 }  // namespace
 }  // namespace dravo::test

@@ -39,8 +39,10 @@ inline Scan scanned(const TemporaryFolder& folder, const Words& words) {
   EXPECT_EQ(outcome.messages, "");
   const Scan scan{rows_of(outcome.files.at("scan.csv")), frames_of(outcome.files.at("scan.xyz"))};
   EXPECT_EQ(scan.frames.size(), scan.rows.size());
-  for (std::size_t k = 0; k < std::min(scan.rows.size(), scan.frames.size()); ++k)
+  for (std::size_t k = 0; k < std::min(scan.rows.size(), scan.frames.size()); ++k) {
     EXPECT_EQ(scan.frames[k].values, scan.rows[k]);
+    EXPECT_EQ(scan.frames[k].molecules, scan.frames[0].molecules);
+  }
   return scan;
 }
 

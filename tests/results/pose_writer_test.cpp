@@ -37,15 +37,15 @@ constexpr PoseColumns kExact{.exact = true};
 
 std::string row_of(const ScannedPose& pose, const PoseColumns& columns = {}) {
   std::string table;
-  PoseWriter(kLabels, columns).append_row(table, pose);
+  PoseWriter(kLabels, 1, columns).append_row(table, pose);
   return table;
 }
 
 TEST(PoseTable, HasAHeading) {
-  EXPECT_EQ(PoseWriter(kLabels, {}).table_heading(),
+  EXPECT_EQ(PoseWriter(kLabels, 1, {}).table_heading(),
             "index,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,phi_applied,"
             "alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
-  EXPECT_EQ(PoseWriter(kLabels, kAboveContact).table_heading(),
+  EXPECT_EQ(PoseWriter(kLabels, 1, kAboveContact).table_heading(),
             "index,above_contact,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,"
             "phi_applied,alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
 }
@@ -61,7 +61,7 @@ TEST(PoseTable, HasARowForAPose) {
 
 TEST(PoseTable, GrowsAtItsEnd) {
   std::string table = "before\n";
-  const PoseWriter writer(kLabels, {});
+  const PoseWriter writer(kLabels, 1, {});
   writer.append_row(table, hand_made());
   writer.append_row(table, hand_made());
   EXPECT_EQ(table, "before\n" + row_of(hand_made()) + row_of(hand_made()));
@@ -78,15 +78,16 @@ TEST(PoseTable, ShowsDirectionsThatHaveNoMeaning) {
 }
 
 TEST(PoseTable, TellsAtItsEndHowManyPosesARowStandsFor) {
-  const std::string heading = PoseWriter(kLabels, {}).table_heading();
-  EXPECT_EQ(PoseWriter(kLabels, kUnique).table_heading(),
+  const std::string heading = PoseWriter(kLabels, 1, {}).table_heading();
+  EXPECT_EQ(PoseWriter(kLabels, 1, kUnique).table_heading(),
             heading.substr(0, heading.size() - 1) + ",equivalents\n");
   const std::string row = row_of(hand_made());
   EXPECT_EQ(row_of(hand_made(), kUnique), row.substr(0, row.size() - 1) + ",12\n");
 }
 
 TEST(PoseTable, IsTheSameForExactPoses) {
-  EXPECT_EQ(PoseWriter(kLabels, kExact).table_heading(), PoseWriter(kLabels, {}).table_heading());
+  EXPECT_EQ(PoseWriter(kLabels, 1, kExact).table_heading(),
+            PoseWriter(kLabels, 1, {}).table_heading());
   EXPECT_EQ(row_of(hand_made(), kExact), row_of(hand_made()));
 }
 
@@ -121,7 +122,7 @@ std::string frame_of(const ScannedPose& pose, const std::vector<Atom>& atoms,
                      const PoseColumns& columns = {}) {
   SmallTable placed(atoms);
   std::string frames;
-  PoseWriter(kLabels, columns).append_frame(frames, pose, placed.table());
+  PoseWriter(kLabels, 1, columns).append_frame(frames, pose, placed.table());
   return frames;
 }
 
@@ -133,12 +134,13 @@ const std::string kComment =
 TEST(PoseFrame, HasCountParametersAndAtoms) {
   const std::vector<Atom> atoms{{"O", {1.0, -2.5, 0.0}}, {"Cl", {12345.678, -0.1, 1e-9}}};
   const std::string lines =
-      "O       1.00000000     -2.50000000      0.00000000\n"
-      "Cl  12345.67800000     -0.10000000      0.00000000\n";
+      "O       1.00000000     -2.50000000      0.00000000 1\n"
+      "Cl  12345.67800000     -0.10000000      0.00000000 2\n";
   EXPECT_EQ(frame_of(hand_made(), atoms),
-            "2\nProperties=species:S:1:pos:R:3 index=42 " + kComment + lines);
+            "2\nProperties=species:S:1:pos:R:3:molecule:I:1 index=42 " + kComment + lines);
   EXPECT_EQ(frame_of(hand_made(), atoms, kAboveContact),
-            "2\nProperties=species:S:1:pos:R:3 index=42 above_contact=0.25 " + kComment + lines);
+            "2\nProperties=species:S:1:pos:R:3:molecule:I:1 index=42 above_contact=0.25 " +
+                kComment + lines);
 }
 
 TEST(PoseFrame, EndsItsCommentWithWhatNotEveryScanHas) {
@@ -148,7 +150,7 @@ TEST(PoseFrame, EndsItsCommentWithWhatNotEveryScanHas) {
     return frame.substr(2, frame.find('\n', 2) - 1);
   };
   const std::string plain = comment_of({});
-  ASSERT_EQ(plain, "Properties=species:S:1:pos:R:3 index=42 " + kComment);
+  ASSERT_EQ(plain, "Properties=species:S:1:pos:R:3:molecule:I:1 index=42 " + kComment);
   const std::string words = plain.substr(0, plain.size() - 1);
   EXPECT_EQ(comment_of(kUnique), words + " equivalents=12\n");
   EXPECT_EQ(comment_of(kExact), words + " placing=exact\n");
@@ -162,16 +164,31 @@ TEST(PoseFrame, KeepsItsColumnsToTheLargestNumbers) {
                              {"Cl", {1000000.0, -100000.0, -1000000.0}}});
   const std::string atoms = frame.substr(frame.find("\nO ") + 1);
   EXPECT_EQ(atoms,
-            "O  999999.99999999 -99999.99999999     10.00000000\n"
+            "O  999999.99999999 -99999.99999999     10.00000000 1\n"
             "Cl ***************" +
-                std::string(" ***************") + " ***************\n");
+                std::string(" ***************") + " *************** 2\n");
+}
+
+TEST(PoseFrame, TellsTheMoleculeOfEachAtom) {
+  const std::vector<Label> labels{{'H', ' '}, {'O', ' '}, {'C', 'l'}};
+  SmallTable placed(std::vector<Atom>{{"H", {1.0, 2.0, 3.0}}, {"O", {}}, {"Cl", {}}});
+  for (const std::int32_t n1 : {1, 2}) {
+    std::string frame;
+    PoseWriter(labels, n1, {}).append_frame(frame, hand_made(), placed.table());
+    std::istringstream lines(frame);
+    std::string molecules;
+    for (std::string line; std::getline(lines, line);)
+      if (line.starts_with("H ") || line.starts_with("O ") || line.starts_with("Cl"))
+        molecules += line.substr(50);
+    EXPECT_EQ(molecules, n1 == 1 ? " 1 2 2" : " 1 1 2");
+  }
 }
 
 TEST(PoseFrame, FollowsTheFrameBefore) {
   const std::vector<Atom> atoms{{"O", {1.0, 2.0, 3.0}}, {"Cl", {4.0, 5.0, 6.0}}};
   SmallTable placed(atoms);
   std::string frames;
-  const PoseWriter writer(kLabels, {});
+  const PoseWriter writer(kLabels, 1, {});
   writer.append_frame(frames, hand_made(), placed.table());
   writer.append_frame(frames, hand_made(), placed.table());
   EXPECT_EQ(frames, frame_of(hand_made(), atoms) + frame_of(hand_made(), atoms));

@@ -18,7 +18,8 @@ namespace dravo::test {
 namespace {
 
 ScanRecord record_with(std::int64_t done) {
-  ScanRecord record{{{"r", "3"}, {"random", "5000"}}, 5000, {}, {}, 0, 0};
+  ScanRecord record{{{"r", "3"}, {"random", "5000"}}, 5000, {}, {}, {}};
+  record.files = {{ResultFile::frames, {}}, {ResultFile::table, {}}};
   record.totals = {done, 0, done, 0, 2.5, 1};
   return record;
 }
@@ -84,6 +85,17 @@ TEST(ProgressFile, KeepsTheLastTwoRecordsLaterFirst) {
     if (last.size() > 2) last.resize(2);
     EXPECT_EQ(scan.done(), last);
   }
+}
+
+/// A pair may be larger than the progress, which is written every second.
+TEST(ProgressFile, LeavesTheMoleculesOut) {
+  const Progressed scan;
+  ScanRecord record = record_with(100);
+  record.molecules = std::make_shared<const ScannedPair>(
+      ScannedPair{pair_of(sample("formamide-dimer")), std::nullopt});
+  ProgressFile(scan.scan()).write(record);
+  EXPECT_EQ(scan.text().find("symbols"), std::string::npos);
+  EXPECT_EQ(scan.done(), Poses{100});
 }
 
 TEST(ProgressFile, WrittenAfterAClearHasNoEarlierRecord) {

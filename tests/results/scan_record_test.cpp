@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -59,10 +61,8 @@ ScanRecord record() {
           123456789012345,
           {3, 7},
           {1000, 50, 900, 100, 1.8999999761581421, 17},
-          std::int64_t{5'000'000'000},
-          654321,
-          0x0123456789ABCDEFU,
-          std::numeric_limits<std::uint64_t>::max()};
+          {{ResultFile::frames, {std::int64_t{5'000'000'000}, 0x0123456789ABCDEFU}},
+           {ResultFile::table, {654321, std::numeric_limits<std::uint64_t>::max()}}}};
 }
 
 void expect_same(const ScanRecord& a, const ScanRecord& b) {
@@ -76,14 +76,90 @@ void expect_same(const ScanRecord& a, const ScanRecord& b) {
   EXPECT_EQ(a.totals.with_contacts, b.totals.with_contacts);
   EXPECT_EQ(a.totals.shortest, b.totals.shortest);
   EXPECT_EQ(a.totals.shortest_index, b.totals.shortest_index);
-  EXPECT_EQ(a.frame_bytes, b.frame_bytes);
-  EXPECT_EQ(a.table_bytes, b.table_bytes);
-  EXPECT_EQ(a.frame_checksum, b.frame_checksum);
-  EXPECT_EQ(a.table_checksum, b.table_checksum);
+  ASSERT_EQ(a.files.size(), b.files.size());
+  for (const auto& [file, state] : a.files) {
+    EXPECT_EQ(state.bytes, b.files.at(file).bytes);
+    EXPECT_EQ(state.checksum, b.files.at(file).checksum);
+  }
 }
 
 TEST(ScanRecord, IsReadBackFromItsText) {
   expect_same(parse_record("a.json", text_of(record())), record());
+}
+
+TEST(ScanRecord, HasNumbersAndTruthsAsSuch) {
+  ScanRecord scan = record();
+  scan.origin = {{"files", "false"},
+                 {"frame_rule", "1"},
+                 {"phi", "0:350:10"},
+                 {"r", "3.25"},
+                 {"theta", "90"},
+                 {"alpha", "1e-07"},
+                 {"seed", "18446744073709551615"},
+                 {"gamma", "05"},
+                 {"contacts", "keep"},
+                 {"version", "1.2"},
+                 {"beta", "null"}};
+  const std::string text = text_of(scan);
+  EXPECT_TRUE(text.starts_with(
+      "{\"origin\":{\"alpha\":1e-07,\"beta\":\"null\",\"contacts\":\"keep\",\"files\":false,"
+      "\"frame_rule\":1,\"gamma\":\"05\",\"phi\":\"0:350:10\",\"r\":3.25,"
+      "\"seed\":18446744073709551615,\"theta\":90,\"version\":\"1.2\"}"))
+      << text;
+  expect_same(parse_record("a.json", text), scan);
+}
+
+TEST(ScanRecord, OfAnEarlierVersionHasTextsForNumbersAndTruths) {
+  const std::string text =
+      "{\"origin\":{\"contacts\":\"keep\",\"files\":\"false\",\"frame_rule\":\"1\",\"r\":\"3\"},"
+      "\"poses\":5,\"shard\":1,\"shards\":1,\"totals\":{\"done\":5,\"left_out\":0,\"written\":5,"
+      "\"with_contacts\":0,\"shortest\":2.5,\"shortest_index\":1},\"frame_bytes\":10,"
+      "\"table_bytes\":20}";
+  const ScanRecord scan = parse_record("a.json", text);
+  EXPECT_EQ(scan.origin.at("files"), "false");
+  EXPECT_EQ(scan.origin.at("frame_rule"), "1");
+  EXPECT_EQ(scan.origin.at("r"), "3");
+  EXPECT_EQ(scan.molecules, nullptr);
+}
+
+TEST(ScanRecord, HasTheMoleculesWithEveryBit) {
+  const Pair pair(2, Molecule({"Cl", "H", "O"},
+                              {{1.0 / 3.0, -0.0, 5e-324}, {0.1 + 0.2, -99999.0, 0.0}, {1, 2, 3}}));
+  const Pair other(1, Molecule(std::vector<std::string>{"He", "U"}, {{0.1, 0.2, 0.3}, {4, 5, 6}}));
+  ScanRecord scan = record();
+  scan.molecules = std::make_shared<const ScannedPair>(ScannedPair{pair, std::nullopt});
+  ScanRecord read = parse_record("a.json", text_of(scan));
+  ASSERT_NE(read.molecules, nullptr);
+  EXPECT_EQ(read.molecules->pair.n1(), 2);
+  EXPECT_EQ(read.molecules->pair.labels(), pair.labels());
+  EXPECT_EQ(fingerprint_of(read.molecules->pair), fingerprint_of(pair)) << "to the last bit";
+  EXPECT_FALSE(read.molecules->like);
+
+  scan.molecules = std::make_shared<const ScannedPair>(ScannedPair{pair, other});
+  read = parse_record("a.json", text_of(scan));
+  ASSERT_TRUE(read.molecules->like);
+  EXPECT_EQ(fingerprint_of(*read.molecules->like), fingerprint_of(other));
+}
+
+TEST(ScanRecord, WithMoleculesThatAreNoneIsRefused) {
+  ScanRecord scan = record();
+  scan.molecules = std::make_shared<const ScannedPair>(
+      ScannedPair{Pair(1, Molecule(std::vector<std::string>{"He", "Ne"}, {{0, 0, 0}, {1, 2, 3}})),
+                  std::nullopt});
+  const std::string whole = text_of(scan);
+  const auto replaced = [&](const std::string& from, const std::string& to) {
+    std::string text = whole;
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return text.replace(at, from.size(), to);
+  };
+  for (const std::string& text :
+       {replaced("\"n1\":1", "\"n1\":2"), replaced("\"n1\":1", "\"n1\":0"),
+        replaced("\"Ne\"", "\"Xx\""), replaced("\"He\",", ""), replaced("2.0,", ""),
+        replaced("2.0", "\"2\""), replaced("\"symbols\"", "\"others\"")})
+    EXPECT_EQ(message_of([&] { (void)parse_record("a.json", text); }),
+              "a.json: expected the record of a scan by dravo, found something else")
+        << text;
 }
 
 TEST(ScanRecord, IsOneLine) { EXPECT_EQ(text_of(record()).find('\n'), std::string::npos); }
@@ -142,14 +218,14 @@ TEST(ScanRecord, HasWholeCountsThatAreNotNegative) {
     EXPECT_EQ(message_of([&] { (void)parse_record("a.json", with_value(key, "3")); }), "") << key;
   }
   EXPECT_EQ(parse_record("a.json", with_value("poses", "0")).poses, 0);
-  EXPECT_EQ(parse_record("a.json", with_value("table_bytes", "9223372036854775807")).table_bytes,
-            std::numeric_limits<std::int64_t>::max());
+  const ScanRecord longest =
+      parse_record("a.json", with_value("table_bytes", "9223372036854775807"));
+  EXPECT_EQ(longest.files.at(ResultFile::table).bytes, std::numeric_limits<std::int64_t>::max());
 }
 
 TEST(ScanRecord, HasNoChecksumsWhenAnEarlierVersionWroteIt) {
   ScanRecord older = record();
-  older.frame_checksum.reset();
-  older.table_checksum.reset();
+  for (auto& [file, state] : older.files) state.checksum.reset();
   EXPECT_EQ(text_of(older).find("xxh3"), std::string::npos);
   expect_same(parse_record("a.json", text_of(older)), older);
 }
@@ -188,11 +264,12 @@ TEST(ScanRecord, IsOfOneOfItsParts) {
 
 TEST(ScanRecord, HasFramesUnlessEachPoseHasFiles) {
   ScanRecord scan = record();
-  EXPECT_TRUE(scan.with_frames());
+  const std::vector<ResultFile> both{ResultFile::frames, ResultFile::table};
+  EXPECT_EQ(scan.results(), both);
   scan.origin["files"] = "false";
-  EXPECT_TRUE(scan.with_frames());
+  EXPECT_EQ(scan.results(), both);
   scan.origin["files"] = "true";
-  EXPECT_FALSE(scan.with_frames());
+  EXPECT_EQ(scan.results(), std::vector<ResultFile>{ResultFile::table});
 }
 
 // Differences.
@@ -208,7 +285,7 @@ void PrintTo(const Change& change, std::ostream* out) { *out << change.what; }
 class DifferenceOf : public ::testing::TestWithParam<Change> {};
 
 TEST_P(DifferenceOf, TwoScansIsNamedByItsKeys) {
-  const ScanRecord earlier{{{"r", "3"}, {"random", "5"}, {"seed", "1"}}, 5, {}, {}, 0, 0};
+  const ScanRecord earlier{{{"r", "3"}, {"random", "5"}, {"seed", "1"}}, 5, {}, {}, {}};
   ScanRecord now = earlier;
   GetParam().change(now);
   const std::string difference = GetParam().difference;
@@ -220,7 +297,10 @@ INSTANTIATE_TEST_SUITE_P(
     Keys, DifferenceOf,
     ::testing::Values(Change{"none", [](ScanRecord&) {}, ""},
                       Change{"progress",
-                             [](ScanRecord& now) { now.totals.poses = now.frame_bytes = 3; }, ""},
+                             [](ScanRecord& now) {
+                               now.totals.poses = now.files[ResultFile::table].bytes = 3;
+                             },
+                             ""},
                       Change{"another value", [](ScanRecord& now) { now.origin["seed"] = "2"; },
                              "seed was 1, is 2"},
                       Change{"a key more", [](ScanRecord& now) { now.origin["phi"] = "10"; },
@@ -246,9 +326,9 @@ TEST(Origin, TellsPlansAndPairsApart) {
   const ScanPlan plan = plan_of({{"r", "3"}, {"random", "5"}});
   const Pair pair = pair_of(sample("formamide-dimer"));
   const PairPlacer placer(pair);
-  const auto origin = origin_of(placer, pair, plan);
+  const auto origin = origin_of(placer, {pair, {}}, plan);
   for (const auto& [key, text] : plan.description()) EXPECT_EQ(origin.at(key), text);
-  EXPECT_EQ(origin_of(placer, pair, plan), origin);
+  EXPECT_EQ(origin_of(placer, {pair, {}}, plan), origin);
   EXPECT_EQ(origin.at("pair").substr(0, 11), "6+6 atoms, ");
 
   std::vector<SampleInput> others(4, sample("formamide-dimer"));
@@ -257,22 +337,22 @@ TEST(Origin, TellsPlansAndPairsApart) {
   others[2].n1 = 5;
   std::swap(others[3].atoms[1].position, others[3].atoms[2].position);
   for (const SampleInput& other : others)
-    EXPECT_NE(origin_of(placer, pair_of(other), plan).at("pair"), origin.at("pair"));
-  EXPECT_NE(origin_of(placer, pair, plan_of({{"r", "3"}, {"random", "6"}})), origin);
+    EXPECT_NE(origin_of(placer, {pair_of(other), {}}, plan).at("pair"), origin.at("pair"));
+  EXPECT_NE(origin_of(placer, {pair, {}}, plan_of({{"r", "3"}, {"random", "6"}})), origin);
 }
 
 TEST(Origin, TellsHowPosesAreMade) {
   const ScanPlan plan = plan_of({{"r", "3"}, {"random", "5"}});
   const Pair pair = pair_of(sample("formamide-dimer"));
-  const auto origin = origin_of(PairPlacer(pair), pair, plan);
+  const auto origin = origin_of(PairPlacer(pair), {pair, {}}, plan);
   EXPECT_EQ(origin.at("frame_rule"), "1");
   EXPECT_EQ(origin.at("placing"), "as qn-dravo");
   EXPECT_EQ(origin.count("unique"), 0U);
   EXPECT_EQ(origin.count("like"), 0U);
   const PairPlacer exact(pair, {.placing = Placing::exact});
-  EXPECT_EQ(origin_of(exact, pair, plan).at("placing"), "exact");
+  EXPECT_EQ(origin_of(exact, {pair, {}}, plan).at("placing"), "exact");
   const ScanPlan unique = plan_of({{"r", "3"}, {"random", "5"}, {"unique", "true"}});
-  EXPECT_EQ(origin_of(exact, pair, unique).at("unique"), "true");
+  EXPECT_EQ(origin_of(exact, {pair, {}}, unique).at("unique"), "true");
 }
 
 // Totals.

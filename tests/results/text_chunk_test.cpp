@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 /// Formamide dimers by a plan.
 struct Scan {
-  explicit Scan(const Options& options, ScanOutput wanted = {ScanOutput::Kind::frames, ""})
+  explicit Scan(const Options& options, ScanOutput wanted = {Writing::frames, ""})
       : plan(plan_of(options)), output(std::move(wanted)) {}
 
   [[nodiscard]] TextChunk all() const {
@@ -46,8 +46,7 @@ std::vector<std::string> parts_of(const std::string& text, char separator) {
 }
 
 std::vector<Row> rows_of(const Scan& scan) {
-  const PoseWriter writer(scan.placer.labels(), columns_of(scan.placer, scan.plan));
-  const std::string heading = writer.table_heading();
+  const std::string heading = writer_of(scan.placer, scan.plan, Writing::frames).table_heading();
   const auto names = parts_of(heading.substr(0, heading.find('\n')), ',');
   std::vector<Row> rows;
   for (const std::string& line : parts_of(scan.all().table, '\n')) {
@@ -124,7 +123,7 @@ TEST(FolderOfAPose, LosesTheFilesOfAnEarlierRun) {
   folder.write("1/[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz", "of another pose");
   folder.write("1/[0000.1-NAD-NAD]-(214-152-306)-QN-DRAVO-UCSF-Chimera.bild.part", "of a kill");
   folder.write("2/note.txt", "no pose of this scan");
-  const Scan scan(kNearAndFar, {ScanOutput::Kind::files, folder.path().string()});
+  const Scan scan(kNearAndFar, {Writing::files, folder.path().string()});
   EXPECT_EQ(scan.all().totals.written, 2) << "the second has contacts";
   EXPECT_EQ(files_in(folder.path() / "1").size(), 2U);
   EXPECT_EQ(files_in(folder.path() / "2"), std::vector<std::string>{"note.txt"});
@@ -144,7 +143,7 @@ TEST(FolderOfAPose, WithAnythingElseIsRefusedAndKeepsIt) {
     folder.write(other, "precious");
     const bool earlier_too = !std::string(other).starts_with(earlier + "/");
     if (earlier_too) folder.write(earlier, "of an earlier run");
-    const Scan scan(kNearAndFar, {ScanOutput::Kind::files, folder.path().string()});
+    const Scan scan(kNearAndFar, {Writing::files, folder.path().string()});
     const std::string top = (folder.path() / "1" / *std::next(fs::path(other).begin())).string();
     EXPECT_EQ(message_of([&] { (void)scan.all(); }),
               top + ": is in the way and of no scan; move it, or choose another --output");
@@ -158,7 +157,7 @@ TEST(FolderOfAPose, IsNoFileAndNoLink) {
   const std::string linked = "[0009.0-084-011]-(214-152-306)-QN-DRAVO.xyz";
   elsewhere.write(linked, "precious");
   const TemporaryFolder folder;
-  const Scan scan(kNearAndFar, {ScanOutput::Kind::files, folder.path().string()});
+  const Scan scan(kNearAndFar, {Writing::files, folder.path().string()});
   const std::string message = (folder.path() / "1").string() +
                               ": is in the way and of no scan; move it, or choose another --output";
   folder.write("1", "a file where the folder shall be");
@@ -174,7 +173,7 @@ TEST(FolderOfAPose, ThatCannotBeMadeIsRefused) {
   const TemporaryFolder folder;
   folder.write("taken", "a file");
   const std::string taken = (folder.path() / "taken").string();
-  const Scan scan({{"r", "6"}, {"random", "12"}}, {ScanOutput::Kind::files, taken});
+  const Scan scan({{"r", "6"}, {"random", "12"}}, {Writing::files, taken});
   EXPECT_EQ(message_of([&] { (void)scan.all(); }),
             taken + "/01: cannot make the folder: Not a directory");
 }

@@ -31,8 +31,9 @@ inline std::vector<Row> rows_of(const std::string& table) {
 }
 
 struct Frame {
-  Row values;   ///< what the comment line tells
-  Lines atoms;  ///< lines
+  Row values;             ///< what the comment line tells
+  Lines atoms;            ///< symbols and coordinates, as the lines have them
+  std::string molecules;  ///< a digit for each atom
 };
 
 /// The comment must tell where symbol and coordinates stand, as every frame of a scan does.
@@ -42,7 +43,7 @@ inline Row values_in(const std::string& comment) {
     const std::size_t equals = part.find('=');
     values[part.substr(0, equals)] = part.substr(equals + 1);
   }
-  EXPECT_EQ(values["Properties"], "species:S:1:pos:R:3");
+  EXPECT_EQ(values["Properties"], "species:S:1:pos:R:3:molecule:I:1");
   values.erase("Properties");
   return values;
 }
@@ -53,7 +54,11 @@ inline std::vector<Frame> frames_of(const std::string& text) {
   for (std::size_t k = 0; k < lines.size();) {
     const auto atoms = static_cast<std::ptrdiff_t>(std::stoul(lines[k]));
     const auto first = lines.begin() + static_cast<std::ptrdiff_t>(k) + 2;
-    frames.push_back({values_in(lines.at(k + 1)), Lines(first, first + atoms)});
+    frames.push_back({values_in(lines.at(k + 1)), Lines(first, first + atoms), ""});
+    for (std::string& line : frames.back().atoms) {
+      frames.back().molecules += line.substr(51);
+      line.resize(50);
+    }
     k += 2 + static_cast<std::size_t>(atoms);
   }
   return frames;

@@ -1,0 +1,12 @@
+/// Keys and words of a record that more than one source knows.
+#pragma once
+
+namespace dravo {
+
+inline constexpr auto kVersionKey = "version";
+inline constexpr auto kPlacingKey = "placing";
+inline constexpr auto kFrameRuleKey = "frame_rule";
+
+const char* words_of_placing(bool exact);
+
+}  // namespace dravo

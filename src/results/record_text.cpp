@@ -1,0 +1,186 @@
+/// The record of a scan as JSON.
+#include <fmt/format.h>
+
+#include <charconv>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "common/errors.hpp"
+#include "common/number_text.hpp"
+#include "results/record_keys.hpp"
+#include "results/scan_record.hpp"
+
+namespace dravo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// --- values -----------------------------------------------------------------------------------
+
+/// A count of a record.
+std::int64_t whole(const Json& json, const std::string& key, std::int64_t lowest = 0) {
+  const Json& value = json.at(key);
+  const auto count = value.is_number_integer() ? value.get<std::int64_t>() : lowest - 1;
+  if (count < lowest) throw std::out_of_range(key);
+  return count;
+}
+
+/// JSON has no infinity, which stands for "no pose yet".
+double distance_in(const Json& json) {
+  return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
+}
+
+/// As checksums are written everywhere: sixteen digits.
+std::string hexadecimal(std::uint64_t number) { return fmt::format("{:016x}", number); }
+
+/// Empty without the key.
+std::optional<std::uint64_t> checksum_in(const Json& json, const std::string& key) {
+  const auto found = json.find(key);
+  if (found == json.end()) return std::nullopt;
+  const auto text = found->get<std::string>();
+  std::uint64_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  if (hexadecimal(number) != text) throw std::out_of_range(key);
+  return number;
+}
+
+// --- origin -----------------------------------------------------------------------------------
+
+/// Numbers and truths as such, where the same text comes back from them. A version is a text.
+Json json_of(const std::string& key, const std::string& text) {
+  if (key == kVersionKey) return text;
+  Json value = Json::parse(text, nullptr, false);
+  const bool plain = value.is_number() || value.is_boolean();
+  return plain && value.dump() == text ? value : Json(text);
+}
+
+Json json_of(const std::map<std::string, std::string>& origin) {
+  Json json = Json::object();
+  for (const auto& [key, text] : origin) json[key] = json_of(key, text);
+  return json;
+}
+
+/// In records of earlier versions all values are texts.
+std::map<std::string, std::string> origin_in(const Json& json) {
+  if (!json.is_object()) throw std::out_of_range("origin");
+  std::map<std::string, std::string> origin;
+  for (const auto& [key, value] : json.items()) {
+    if (value.is_structured() || value.is_null()) throw std::out_of_range(key);
+    origin[key] = value.is_string() ? value.get<std::string>() : value.dump();
+  }
+  return origin;
+}
+
+// --- molecules --------------------------------------------------------------------------------
+
+Json json_of(const Pair& pair) {
+  const Molecule atoms(pair.labels(), pair.positions());
+  Json symbols = Json::array(), positions = Json::array();
+  for (std::int32_t i = 0; i < atoms.size(); ++i) symbols.push_back(atoms.symbol(i));
+  for (const Vec3& p : pair.positions()) positions.push_back(Json::array({p.x, p.y, p.z}));
+  return {{"n1", pair.n1()}, {"symbols", std::move(symbols)}, {"positions", std::move(positions)}};
+}
+
+Pair pair_in(const Json& json) {
+  std::vector<Vec3> positions;
+  for (const Json& p : json.at("positions")) {
+    if (p.size() != 3) throw std::out_of_range("positions");
+    positions.push_back({p[0].get<double>(), p[1].get<double>(), p[2].get<double>()});
+  }
+  const auto n1 = static_cast<std::int32_t>(
+      std::min<std::int64_t>(whole(json, "n1", 1), std::numeric_limits<std::int32_t>::max()));
+  return {n1, Molecule(json.at("symbols").get<std::vector<std::string>>(), std::move(positions))};
+}
+
+constexpr auto kGeometry = "geometry";
+constexpr auto kReference = "reference";
+
+std::shared_ptr<const ScannedPair> molecules_in(const Json& json) {
+  if (!json.contains(kGeometry)) return nullptr;
+  ScannedPair molecules{pair_in(json.at(kGeometry)), std::nullopt};
+  if (json.contains(kReference)) molecules.like = pair_in(json.at(kReference));
+  return std::make_shared<const ScannedPair>(std::move(molecules));
+}
+
+// --- totals and files -------------------------------------------------------------------------
+
+Json json_of(const ScanTotals& totals) {
+  return {{"done", totals.poses},        {"left_out", totals.left_out},
+          {"written", totals.written},   {"with_contacts", totals.with_contacts},
+          {"shortest", totals.shortest}, {"shortest_index", totals.shortest_index}};
+}
+
+ScanTotals totals_in(const Json& json) {
+  return {whole(json, "done"),
+          json.contains("left_out") ? whole(json, "left_out") : 0,
+          whole(json, "written"),
+          whole(json, "with_contacts"),
+          distance_in(json.at("shortest")),
+          whole(json, "shortest_index")};
+}
+
+std::string bytes_key(ResultFile file) {
+  return fmt::format("{}_bytes", kResultNames.at(static_cast<std::size_t>(file)).key);
+}
+
+std::string checksum_key(ResultFile file) {
+  return fmt::format("{}_xxh3", kResultNames.at(static_cast<std::size_t>(file)).key);
+}
+
+}  // namespace
+
+std::string json_text_of(const ScanTotals& totals, bool exact) {
+  Json json = json_of(totals);
+  json[kPlacingKey] = words_of_placing(exact);
+  json[kFrameRuleKey] = kFrameRule;
+  return json.dump();
+}
+
+std::string json_text_of(const ScanRecord& record) {
+  Json json = json_of(record.totals);
+  const auto placing = record.origin.find(kPlacingKey);
+  if (placing != record.origin.end()) json[kPlacingKey] = placing->second;
+  const auto rule = record.origin.find(kFrameRuleKey);
+  if (rule == record.origin.end()) return json.dump();
+  if (const auto number = parse_integer(rule->second)) json[kFrameRuleKey] = *number;
+  return json.dump();
+}
+
+std::string text_of(const ScanRecord& record) {
+  Json json{{"origin", json_of(record.origin)},
+            {"poses", record.poses},
+            {"shard", record.shard.number},
+            {"shards", record.shard.of},
+            {"totals", json_of(record.totals)}};
+  for (const auto& [file, state] : record.files) json[bytes_key(file)] = state.bytes;
+  for (const auto& [file, state] : record.files)
+    if (state.checksum) json[checksum_key(file)] = hexadecimal(*state.checksum);
+  if (record.molecules) {
+    json[kGeometry] = json_of(record.molecules->pair);
+    if (record.molecules->like) json[kReference] = json_of(*record.molecules->like);
+  }
+  return json.dump();
+}
+
+ScanRecord parse_record(const std::string& name, const std::string& text) {
+  try {
+    const Json json = Json::parse(text);
+    ScanRecord record;
+    record.origin = origin_in(json.at("origin"));
+    record.poses = whole(json, "poses");
+    record.shard = {whole(json, "shard", 1), whole(json, "shards", 1)};
+    record.totals = totals_in(json.at("totals"));
+    for (const ResultFile file : record.results())
+      record.files[file] = {whole(json, bytes_key(file)), checksum_in(json, checksum_key(file))};
+    record.molecules = molecules_in(json);
+    if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
+    return record;
+  } catch (const std::exception&) {
+    throw IoFailure(name + ": expected the record of a scan by dravo, found something else");
+  }
+}
+
+}  // namespace dravo
