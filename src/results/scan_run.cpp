@@ -12,6 +12,7 @@
 #include "common/number_format.hpp"
 #include "common/shown_text.hpp"
 #include "driver/user_parameters.hpp"
+#include "results/interruption.hpp"
 #include "results/pose_folders.hpp"
 #include "results/text_chunk.hpp"
 #include "scan/ordered_chunks.hpp"
@@ -140,9 +141,12 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(pair, plan, request, totals.poses);
-  Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
+  const std::int64_t planned = job.end - job.first + totals.poses;
+  Progress progress(request.progress, planned, totals.poses);
   if (files && files->finished()) return totals;
   if (output.kind == ScanOutput::Kind::files) folders.require_own(job.first, job.end);
+  std::optional<InterruptionWatch> watch;  // a scan that writes nothing has nothing to save
+  if (files) watch.emplace();
 
   make_chunks<TextChunk>(
       job, [&] { return TextMaker(placer, plan, output, unique ? &*unique : nullptr); },
@@ -150,6 +154,8 @@ ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& 
         if (files) files->append(chunk);
         totals.add(chunk.totals);
         progress.show(totals.poses);
+        if (watch && watch->noted() != 0 && totals.poses < planned)
+          throw Interrupted(watch->noted(), totals.poses, planned);
       });
   if (files) files->finish();
   return totals;

@@ -28,7 +28,8 @@ struct ScanRequest {
 /// Of the results, without ending.
 std::string result_name(const ScanRequest& request);
 
-/// `placer` places `pair`. Throws IoFailure when the results cannot be written.
+/// `placer` places `pair`. Throws IoFailure when the results cannot be written, NoRoom among them,
+/// and Interrupted after SIGINT or SIGTERM, when a scan that writes is not done yet.
 ScanTotals run_scan(const PairPlacer& placer, const Pair& pair, const ScanPlan& plan,
                     const ScanRequest& request);
 
