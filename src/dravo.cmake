@@ -30,6 +30,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/molecule.cpp
   src/molecules/pair_file.cpp
   src/molecules/pair_table.cpp
+  src/molecules/pose_range.cpp
   src/molecules/van_der_waals_radii.cpp
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
@@ -66,6 +67,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/durable.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp
+  src/results/interruption.cpp
   src/results/merge.cpp
   src/results/pose_folders.cpp
   src/results/pose_writer.cpp
@@ -107,7 +109,9 @@ function(dravo_program library)
     src/cli/place.cpp
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
-    src/cli/scan.cpp)
+    src/cli/scan.cpp
+    src/cli/usage.cpp
+    src/cli/words.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
     nlohmann_json::nlohmann_json)
   target_compile_options(dravo_cli PRIVATE -O1)

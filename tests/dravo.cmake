@@ -15,6 +15,7 @@ dravo_test_programs(molecules protocol
   molecule_test.cpp
   neighbour_grid_test.cpp
   pair_file_test.cpp
+  pose_range_test.cpp
   xyz_file_test.cpp)
 
 dravo_test_programs(identify protocol
@@ -88,12 +89,14 @@ dravo_test_programs(results results
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
+  cli/angles_test.cpp
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
   cli/here_test.cpp
   cli/identify_frames_test.cpp
   cli/identify_test.cpp
+  cli/interrupted_test.cpp
   cli/merge_test.cpp
   cli/missed_axes_test.cpp
   cli/other_scans_test.cpp
@@ -111,7 +114,8 @@ add_executable(cli_tests
   cli/scan_refusals_test.cpp
   cli/scan_totals_test.cpp
   cli/spoilt_scans_test.cpp
-  cli/turned_axes_test.cpp)
+  cli/turned_axes_test.cpp
+  cli/usage_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)

@@ -36,9 +36,9 @@ struct PlacerOptions {
 
 /// What a placement leaves beside the atoms.
 struct Placed {
-  /// As given, by an exact placement. As `qn-dravo`: as measured after the placement; the Euler
-  /// angles are those applied, and singular values have been moved off (theta 0 is applied as
-  /// 0.049).
+  /// As given, by an exact placement, with phi, alpha and gamma folded to 0 to 360. As `qn-dravo`:
+  /// as measured after the placement; the Euler angles are those applied, and singular values have
+  /// been moved off (theta 0 is applied as 0.049).
   PoseDegrees applied;
   ContactSurvey survey;
 };
@@ -77,8 +77,9 @@ class Placer {
 
   /// Places molecule 1. `positions`: x, y, z of each atom one
   /// behind the other, 3 N doubles, Angstrom; molecule 2's centre of mass is the origin and its
-  /// principal axes are X, Y, Z. Throws OutOfRange for a parameter out of its range, and
-  /// InvalidInput for a span of another length.
+  /// principal axes are X, Y, Z. phi, alpha and gamma may have any number of full turns. Throws
+  /// OutOfRange for another parameter out of its range and for what is not finite, and InvalidInput
+  /// for a span of another length.
   Placed place(const PoseDegrees& pose, std::span<double> positions) const;
 
   /// The atoms alone. Throws OutOfRange.

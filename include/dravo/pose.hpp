@@ -16,16 +16,21 @@ namespace dravo {
 /// molecule 2; it is turned by -alpha about Z, then by -beta about Y, then by -gamma about Z, all
 /// anticlockwise about these axes, which stay.
 ///
+/// phi, alpha and gamma are periodic: values outside of 0 to 360 stand for the same angle within it,
+/// wherever poses are placed. theta and beta are not: the place (theta, phi) beyond 180 is
+/// (360 - theta, phi + 180), and the turn with a beta below 0 is that with -beta, alpha + 180 and
+/// gamma + 180.
+///
 /// @code
 /// const dravo::PoseDegrees above{.r = 4.0, .theta = 0.0, .beta = 90.0};
 /// @endcode
 struct PoseDegrees {
   double r = 0.0;      ///< distance between the centres of mass, Angstrom, 0 to 9999.9
   double theta = 0.0;  ///< polar angle of molecule 1's position, 0 to 180
-  double phi = 0.0;    ///< azimuth of molecule 1's position, 0 to 360
-  double alpha = 0.0;  ///< first Euler angle (z-y-z), 0 to 360
+  double phi = 0.0;    ///< azimuth of molecule 1's position, periodic
+  double alpha = 0.0;  ///< first Euler angle (z-y-z), periodic
   double beta = 0.0;   ///< second Euler angle, 0 to 180
-  double gamma = 0.0;  ///< third Euler angle, 0 to 360
+  double gamma = 0.0;  ///< third Euler angle, periodic
 };
 
 /// The same with angles in radians.

@@ -76,12 +76,12 @@ struct PoseAxes {
 /// Poses in an order, numbered from 0. Immutable, cheap to copy, and usable from several threads.
 class Poses {
  public:
-  /// Every combination; r varies slowest, gamma fastest. Takes no memory for the poses. Throws
-  /// OutOfRange for values that no pose may have (`dravo/pose.hpp`), InvalidInput for more than
-  /// 1e15 poses.
+  /// Every combination; r varies slowest, gamma fastest. Takes no memory for the poses. phi, alpha
+  /// and gamma may have any number of full turns. Throws OutOfRange for other values that no pose
+  /// may have (`dravo/pose.hpp`), InvalidInput for more than 1e15 poses.
   static Poses grid(const PoseAxes& axes);
 
-  /// These poses. Throws OutOfRange, and InvalidInput for a number that is not finite.
+  /// These poses, with the same values allowed. Throws OutOfRange, and InvalidInput for a number that is not finite.
   static Poses list(std::vector<PoseDegrees> poses);
 
   /// For each r the same `count` directions, uniform on the sphere, with orientations uniform over
@@ -113,8 +113,8 @@ enum class ContactRule { keep, drop, only };
 struct ScannedPose {
   std::int64_t index = 0;      ///< place among the poses, from 1
   double above_contact = 0.0;  ///< the r of the poses, where it counts from the first contact
-  PoseDegrees asked;           ///< r is the whole distance, wherever it counts from
-  PoseDegrees applied;         ///< as measured after the placement, phi from 0 to 360
+  PoseDegrees asked;           ///< as given; r is the whole distance, wherever it counts from
+  PoseDegrees applied;         ///< as `Placed::applied`; phi, alpha and gamma from 0 to 360
   double shortest = 0.0;       ///< distance of the closest atoms of different molecules, Angstrom
   std::int64_t contacts = 0;   ///< how many pairs of them are in short contact
   /// As ContactSurvey has it. Infinite, and no atoms, unless asked for.

@@ -2,11 +2,12 @@
 /// arguments are parsed.
 ///
 /// The work throws NoUniqueFrame, NoRotationFound or CannotBeDone (exit status 1) for what cannot
-/// be done, any other Error (exit status 2) for wrong input, files or usage. Results go to standard
-/// output, messages to standard error.
+/// be done, EndedBySignal, any other Error (exit status 2) for wrong input, files or usage. Results
+/// go to standard output, messages to standard error.
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <string>
 
 #include "dravo/error.hpp"
 
@@ -16,6 +17,17 @@ namespace dravo {
 class CannotBeDone : public Error {
  public:
   using Error::Error;
+};
+
+/// Somebody ended the work by a signal (exit status 128 and its number).
+class EndedBySignal : public Error {
+ public:
+  EndedBySignal(const std::string& message, int signal) : Error(message), signal_(signal) {}
+
+  [[nodiscard]] int signal() const { return signal_; }
+
+ private:
+  int signal_;
 };
 
 void add_prepare(CLI::App& program);

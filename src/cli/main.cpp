@@ -4,8 +4,8 @@
 #include <string>
 
 #include "cli/commands.hpp"
+#include "cli/usage.hpp"
 #include "common/errors.hpp"
-#include "common/shown_text.hpp"
 #include "common/standard_streams.hpp"
 #include "common/version.hpp"
 
@@ -14,13 +14,22 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kCannotBeDone = 1;
 constexpr int kBadUsageOrInput = 2;
+constexpr int kSignal = 128;  // as shells count
 
 constexpr auto kExample =
     "Examples: two molecules placed; what a pair is; a scan around a molecule\n"
     "  dravo place water.xyz benzene.xyz --r 3.3 -o pair.xyz\n"
     "  dravo identify pair.xyz\n"
     "  dravo scan pair.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 --output water-benzene\n"
-    "`dravo COMMAND --help` tells more.";
+    "`dravo COMMAND --help` has more.\n"
+    "\n"
+    "Beside dravo stands qn-dravo. It takes no arguments: it places the pair of the\n"
+    "QN-input-GEOMETRY.xyz in its folder, draws both frames, and writes a log of every number.\n"
+    "`dravo prepare` writes its input, `dravo place --as-qn-dravo` gives its digits, and\n"
+    "`dravo identify` reads its results.";
+
+constexpr auto kVersions =
+    "dravo " DRAVO_VERSION "\nqn-dravo " DRAVO_VERSION ", revision " DRAVO_REVISION;
 
 int failed(int status, const std::string& message) {
   std::cerr << "dravo: " << message << '\n';
@@ -34,18 +43,22 @@ int results_delivered() {
   return failed(kBadUsageOrInput, "standard output: cannot write");
 }
 
+int bad_usage(const std::string& fault) {
+  return failed(kBadUsageOrInput, fault + "\nRun with --help for more.");
+}
+
 /// Help and version are what was asked for; any other end of the parsing is bad usage.
-int usage_ended(const CLI::App& program, const CLI::ParseError& end) {
+int parsing_ended(const CLI::App& program, const CLI::ParseError& end) {
   if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
     program.exit(end, std::cout, std::cerr);
     return results_delivered();
   }
-  return failed(kBadUsageOrInput, std::string(end.what()) + "\nRun with --help for more.");
+  return bad_usage(dravo::fault_of_parsing(program, end));
 }
 
 void describe(CLI::App& program) {
   program.footer(kExample);
-  program.set_version_flag("--version", "dravo " DRAVO_VERSION);
+  program.set_version_flag("--version", kVersions);
   program.require_subcommand(1);
   dravo::add_prepare(program);
   dravo::add_identify(program);
@@ -53,28 +66,20 @@ void describe(CLI::App& program) {
   dravo::add_scan(program);
   dravo::add_merge(program);
   for (CLI::App* command : program.get_subcommands({}))
-    command->set_version_flag("--version", "dravo " DRAVO_VERSION);
-}
-
-/// The library would only say that a command is missing.
-void require_known_command(const CLI::App& program, const std::string& word) {
-  const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
-  const auto is_word = [&](const CLI::App* command) { return command->get_name() == word; };
-  if (word.starts_with('-') || std::any_of(commands.begin(), commands.end(), is_word)) return;
-  throw dravo::InvalidInput(
-      dravo::quoted(word) +
-      ": no such command; there are prepare, identify, place, scan and merge");
+    command->set_version_flag("--version", kVersions);
 }
 
 int run(int argc, char** argv) {
   CLI::App program("Prepares, identifies, places and scans pairs of molecules", "dravo");
   describe(program);
   try {
-    if (argc > 1) require_known_command(program, argv[1]);
+    const auto fault =
+        dravo::fault_before_parsing(program, {argv + std::min(argc, 1), argv + argc});
+    if (fault) return bad_usage(*fault);
     program.parse(argc, argv);
     return results_delivered();
   } catch (const CLI::ParseError& end) {
-    return usage_ended(program, end);
+    return parsing_ended(program, end);
   }
 }
 
@@ -90,6 +95,8 @@ int main(int argc, char** argv) {
     return failed(kCannotBeDone, refusal.what());
   } catch (const dravo::CannotBeDone& refusal) {
     return failed(kCannotBeDone, refusal.what());
+  } catch (const dravo::EndedBySignal& end) {
+    return failed(kSignal + end.signal(), end.what());
   } catch (const dravo::Error& failure) {
     return failed(kBadUsageOrInput, failure.what());
   } catch (const std::exception& failure) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/commands.hpp"
+#include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 
 namespace dravo {
@@ -24,6 +25,7 @@ struct MergeOptions {
 };
 
 void run_merge(const MergeOptions& options) {
+  require_folder_of(options.name);
   const ScanRecord scan = merge_shards(options.name, options.overwrite);
   if (options.json)
     std::cout << json_text_of(scan) << '\n';

@@ -10,7 +10,20 @@
 
 namespace dravo {
 
+void require_folder_of(const std::string& name) {
+  const std::filesystem::path path(name);
+  if (!path.has_parent_path() || !path.has_filename()) return;
+  const std::string folder = path.parent_path().string();
+  std::error_code ignored;  // whatever it is, writing meets it too
+  const auto status = std::filesystem::status(folder, ignored);
+  if (status.type() == std::filesystem::file_type::not_found)
+    throw IoFailure(folder + ": there is no such folder");
+  if (std::filesystem::exists(status) && !std::filesystem::is_directory(status))
+    throw IoFailure(folder + ": is not a folder");
+}
+
 void require_replaceable(const std::string& name, bool overwrite) {
+  require_folder_of(name);
   std::error_code ignored;  // whatever it is, writing meets it too
   const auto status = std::filesystem::symlink_status(name, ignored);
   if (!std::filesystem::exists(status)) return;

@@ -7,8 +7,11 @@
 
 namespace dravo {
 
-/// An earlier file goes only when the user says so; a folder or a device never goes. Throws
-/// IoFailure.
+/// The folder of a file that is to be written must be there. Throws IoFailure.
+void require_folder_of(const std::string& name);
+
+/// The folder must be there, and an earlier file goes only when the user says so; a folder or a
+/// device never goes. Throws IoFailure.
 void require_replaceable(const std::string& name, bool overwrite);
 
 /// "wrote pair.xyz: molecule 1 has 3 atoms, molecule 2 has 12"

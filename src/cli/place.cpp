@@ -24,6 +24,7 @@
 #include "dravo/identify.hpp"
 #include "identify/kept_frame.hpp"
 #include "molecules/coordinate.hpp"
+#include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
@@ -48,7 +49,8 @@ struct PlaceCommand {
 /// Back where the file has molecule 2, whose coordinates stay.
 std::vector<Vec3> in_kept_frame(const PairFile& file, const Placer& placer,
                                 const PoseDegrees& pose) {
-  std::vector<Vec3> atoms = molecule1_in_kept_frame(file.pair, placer.molecules(), pose);
+  std::vector<Vec3> atoms =
+      molecule1_in_kept_frame(file.pair, placer.molecules(), with_folded_azimuths(pose));
   const auto& given = file.pair.positions();
   atoms.insert(atoms.end(), given.begin() + file.pair.n1(), given.end());
   return atoms;
@@ -113,7 +115,7 @@ void tell_of_values(const PlaceCommand& command, const Placer& placer, const Pos
   if (placer.exact()) return;
   const std::string missed = remark_on_missed_axes(placer.missed(), "the pose");
   if (!missed.empty()) tell({missed});
-  for (const auto& [name, asked, used] : nudged_in_a_build(pose))
+  for (const auto& [name, asked, used] : nudged_in_a_build(with_folded_azimuths(pose)))
     tell({fmt::format("{} {} is applied as {}", name, shortest_text(asked), fixed_text(used, 3))});
 }
 

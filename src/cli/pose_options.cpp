@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <cstddef>
 
 #include "common/errors.hpp"
@@ -10,7 +9,7 @@
 #include "common/shown_text.hpp"
 #include "dravo/frame.hpp"
 #include "dravo/identify.hpp"
-#include "driver/user_parameters.hpp"
+#include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
@@ -24,10 +23,10 @@ struct ValueHelp {
 constexpr std::array<ValueHelp, kPoseParameters.size()> kValueHelp{{
     {"ANGSTROM", "distance of the centres of mass, 0 to 9999.9; required for two files"},
     {"DEGREES", "polar angle of molecule 1's place, 0 to 180"},
-    {"DEGREES", "azimuth of molecule 1's place, 0 to 360"},
-    {"DEGREES", "first Euler angle of molecule 1, 0 to 360"},
+    {"DEGREES", "azimuth of molecule 1's place, with or without full turns"},
+    {"DEGREES", "first Euler angle of molecule 1, with or without full turns"},
     {"DEGREES", "second Euler angle, 0 to 180"},
-    {"DEGREES", "third Euler angle, 0 to 360"},
+    {"DEGREES", "third Euler angle, with or without full turns"},
 }};
 
 void add_value(CLI::App& command, const char* name, const ValueHelp& help,
@@ -53,7 +52,7 @@ double chosen_value(std::size_t k, const std::optional<GivenValue>& given,
   if (!defaults.here && given)
     throw InvalidInput(fmt::format("--{} {}: {}", parameter.name, given->text, kNoHere));
   if (!defaults.here)
-    throw InvalidInput(fmt::format("--{} is required: nothing else tells it", parameter.name));
+    throw InvalidInput(fmt::format("--{} is missing: two files do not give it", parameter.name));
   return OwnValue(parameter, defaults.here()).plus(given ? given->number.number : 0.0);
 }
 
@@ -68,9 +67,6 @@ std::string place_of(std::size_t k, const PoseDegrees& pose, const GivenPose& gi
 }
 
 void require_usable(const PoseDegrees& pose, const GivenPose& given, const PairRequest& request) {
-  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
-    if (!std::isfinite(pose.*kPoseParameters[k].value))
-      throw InvalidInput(place_of(k, pose, given, request) + ": expected a finite number");
   if (const auto complaint = complaint_about(pose))
     throw InvalidInput(
         fmt::format("{}: {}", place_of(pose_parameter(complaint->name()), pose, given, request),

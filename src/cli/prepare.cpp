@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -11,6 +12,7 @@
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
+#include "cli/words.hpp"
 #include "common/errors.hpp"
 #include "common/output_folder.hpp"
 #include "dravo/frame.hpp"
@@ -19,6 +21,7 @@
 #include "driver/user_parameters.hpp"
 #include "molecules/fragments.hpp"
 #include "molecules/input_text.hpp"
+#include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
@@ -78,18 +81,33 @@ std::string reason_of_nudge(Member angle, const PoseDegrees& degrees) {
   return "angles are kept off 0";
 }
 
-/// One line per value that a run will replace. The replacements are single-precision numbers and
-/// are shown as such: 0.049, not 0.04899999871850014.
-std::vector<std::string> nudging_remarks(const PoseDegrees& degrees) {
+/// The values that a run will replace, in one line; empty when there are none. The replacements are
+/// single-precision numbers and are shown as such: 0.049, not 0.04899999871850014.
+std::vector<std::string> nudging_remark(const PoseDegrees& degrees) {
   const PoseDegrees used = nudged_parameters(degrees);
-  std::vector<std::string> remarks;
+  std::vector<std::string> values, replacements, reasons;
   for (const auto& [name, angle] : kPoseParameters) {
     const double given = degrees.*angle;
     const std::string shown = number_text(static_cast<float>(used.*angle));
     if (used.*angle == given || shown == number_text(given)) continue;
-    remarks.push_back(fmt::format("{} {} will be used as {}: {}", name, number_text(given), shown,
-                                  reason_of_nudge(angle, degrees)));
+    values.push_back(fmt::format("{} {}", name, number_text(given)));
+    replacements.push_back(shown);
+    const std::string reason = reason_of_nudge(angle, degrees);
+    if (std::find(reasons.begin(), reasons.end(), reason) == reasons.end())
+      reasons.push_back(reason);
   }
+  if (values.empty()) return {};
+  return {fmt::format("{} will be used as {}: {}", enumerated(values), enumerated(replacements),
+                      fmt::join(reasons, "; "))};
+}
+
+/// Azimuths that are not written as they were asked for.
+std::vector<std::string> folding_remarks(const PoseDegrees& asked, const PoseDegrees& folded) {
+  std::vector<std::string> remarks;
+  for (const auto& [name, angle] : kPoseParameters)
+    if (folded.*angle != asked.*angle)
+      remarks.push_back(fmt::format("{} {} is written as {}, the same angle", name,
+                                    number_text(asked.*angle), number_text(folded.*angle)));
   return remarks;
 }
 
@@ -125,12 +143,14 @@ void prepare(const Preparation& wanted) {
   const PairFile file = read_pair(*wanted.request);
   tell(file.remarks);
   require_placeable(file.pair);
-  const PoseDegrees degrees =
+  const PoseDegrees asked =
       chosen_pose(wanted.given, pose_defaults(*wanted.request, file), *wanted.request);
+  const PoseDegrees degrees = with_folded_azimuths(asked);
   require_replaceable(wanted.output, wanted.overwrite);
   const std::string text = input_text(file.pair, degrees);
   require_same_when_read(wanted.output, text, file.pair, degrees);
-  tell(nudging_remarks(degrees));
+  tell(folding_remarks(asked, degrees));
+  tell(nudging_remark(degrees));
   WorkingDirectory().replace(wanted.output, text);
   tell({written_line(wanted.output, file.pair)});
 }

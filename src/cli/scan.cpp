@@ -11,12 +11,14 @@
 #include <vector>
 
 #include "cli/commands.hpp"
+#include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/identify.hpp"
+#include "results/interruption.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
 
@@ -33,10 +35,10 @@ struct PlanOption {
 constexpr std::array<PlanOption, 11> kPlanOptions{{
     {"r", "VALUES", "distance of the centres of mass in Angstrom, or \"contact + VALUES\""},
     {"theta", "VALUES", "polar angle of molecule 1's place in degrees, 0 to 180"},
-    {"phi", "VALUES", "azimuth of molecule 1's place, 0 to 360"},
-    {"alpha", "VALUES", "first Euler angle of molecule 1, 0 to 360"},
+    {"phi", "VALUES", "azimuth of molecule 1's place, with or without full turns"},
+    {"alpha", "VALUES", "first Euler angle of molecule 1, with or without full turns"},
     {"beta", "VALUES", "second Euler angle, 0 to 180"},
-    {"gamma", "VALUES", "third Euler angle, 0 to 360"},
+    {"gamma", "VALUES", "third Euler angle, with or without full turns"},
     {"zip", "CSV", "poses from a table with columns r to gamma, instead of a grid"},
     {"random", "N", "N random directions and orientations for each r, instead of a grid"},
     {"seed", "S", "of the random numbers, 0 if not given"},
@@ -120,12 +122,29 @@ void report(const ScanTotals& totals, const ScanCommand& options, Writing writin
   }
 }
 
+/// A scan that ends early says how to go on.
+ScanTotals scanned(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
+                   const ScanRequest& request) {
+  const char* const how = request.earlier == Earlier::overwrite
+                              ? "the same command with --resume instead of --overwrite goes on"
+                              : "the same command with --resume goes on";
+  try {
+    return run_scan(placer, molecules, plan, request);
+  } catch (const Interrupted& end) {
+    throw EndedBySignal(fmt::format("{}; {}", end.what(), how), end.signal());
+  } catch (const NoRoom& end) {
+    if (request.writing == Writing::nothing) throw;
+    throw IoFailure(fmt::format("{}; {} when there is room", end.what(), how));
+  }
+}
+
 void run(ScanCommand& options) {
   ScanRequest& request = options.request;
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
   if (!options.shard.empty()) request.part = parse_shard(options.shard);
   request.progress = kind_of_status(options.quiet);
+  if (request.writing != Writing::nothing) require_folder_of(request.name);
   const PairFile pair = read_pair(*options.pair);
   if (!options.quiet) tell(pair.remarks);
   const PlanKeys keys = keys_of(options);
@@ -139,8 +158,8 @@ void run(ScanCommand& options) {
       pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr,
                   plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
-  if (!options.quiet && !request.count_only) tell_of_unknown_radii(pair.pair);
-  report(run_scan(placer, {pair.pair, like}, plan, request), options, writing_of(plan, request),
+  if (!options.quiet && request.writing != Writing::nothing) tell_of_unknown_radii(pair.pair);
+  report(scanned(placer, {pair.pair, like}, plan, request), options, writing_of(plan, request),
          placer.exact());
 }
 

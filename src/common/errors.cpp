@@ -37,7 +37,10 @@ NoRotationFound::NoRotationFound(Search search)
 
 void throw_system_failure(const std::string& name, const char* action) {
   const int reason = errno;
-  throw IoFailure(name + ": cannot " + action + ": " + std::generic_category().message(reason));
+  const std::string message =
+      name + ": cannot " + action + ": " + std::generic_category().message(reason);
+  if (reason == ENOSPC || reason == EDQUOT || reason == EFBIG) throw NoRoom(message);
+  throw IoFailure(message);
 }
 
 }  // namespace dravo

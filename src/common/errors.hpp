@@ -7,7 +7,14 @@
 
 namespace dravo {
 
-/// "NAME: cannot ACTION: " and the system's reason, from errno. Throws IoFailure.
+/// The disk is full, or a limit of disk space or file size is reached.
+class NoRoom : public IoFailure {
+ public:
+  using IoFailure::IoFailure;
+};
+
+/// "NAME: cannot ACTION: " and the system's reason, from errno. Throws IoFailure, and NoRoom where
+/// that is the reason.
 [[noreturn]] void throw_system_failure(const std::string& name, const char* action);
 
 }  // namespace dravo

@@ -1,11 +1,9 @@
 #include "driver/user_parameters.hpp"
 
 #include <array>
-#include <string>
 
 #include "common/constants.hpp"
 #include "common/rounding.hpp"
-#include "common/text.hpp"
 
 namespace dravo {
 namespace {
@@ -82,12 +80,6 @@ void nudge_singular_values(PoseDegrees& degrees) {
   }
 }
 
-const char* name_of(Parameter parameter) {
-  const auto* entry = kPoseParameters.begin();
-  while (entry->value != parameter) ++entry;
-  return entry->name;
-}
-
 }  // namespace
 
 std::size_t pose_parameter(std::string_view name) {
@@ -109,27 +101,6 @@ std::optional<RangeFault> find_range_fault(const PoseDegrees& degrees) {
   for (const RangeCheck& check : kRangeChecks)
     if (fails(check, degrees.*check.parameter))
       return RangeFault{check.parameter, check.message, check.allowed};
-  return std::nullopt;
-}
-
-OutOfRange out_of_range(const RangeFault& fault, const PoseDegrees& degrees) {
-  constexpr double kHighestPolar = 180.0;
-  constexpr double kHighestTurn = 360.0;
-  const bool polar =
-      fault.parameter == &PoseDegrees::theta || fault.parameter == &PoseDegrees::beta;
-  double highest = polar ? kHighestPolar : kHighestTurn;
-  if (fault.parameter == &PoseDegrees::r) highest = kLongestDistance;
-  std::string sentence(trimmed(fault.message));
-  sentence.append(sentence.ends_with('.') || sentence.ends_with('!') ? " " : ". ");
-  sentence.append(trimmed(fault.allowed));
-  return {sentence, name_of(fault.parameter), degrees.*fault.parameter, 0.0, highest};
-}
-
-std::optional<OutOfRange> complaint_about(const PoseDegrees& degrees) {
-  if (const auto fault = find_range_fault(degrees)) return out_of_range(*fault, degrees);
-  if (degrees.r > kLongestDistance)
-    return OutOfRange("distance too long for the names of files. Allowed: r<9999.9", "r", degrees.r,
-                      0.0, kLongestDistance);
   return std::nullopt;
 }
 

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "common/constants.hpp"
-#include "dravo/error.hpp"
 #include "dravo/pose.hpp"
 
 namespace dravo {
@@ -18,13 +17,6 @@ struct RangeFault {
 
 /// The first check that fails on values in degrees; empty when none does.
 std::optional<RangeFault> find_range_fault(const PoseDegrees& degrees);
-
-/// The same as a failure to throw, with its sentence.
-OutOfRange out_of_range(const RangeFault& fault, const PoseDegrees& degrees);
-
-/// The first value that `qn-dravo` would refuse, in one sentence; empty when all are in range.
-/// Angstrom and degrees.
-std::optional<OutOfRange> complaint_about(const PoseDegrees& degrees);
 
 /// Longest distance in Angstrom that the names of files have room for: 9999.9 in single precision.
 inline constexpr double kLongestDistance = widened(9999.9F);

@@ -21,6 +21,7 @@
 #include "molecules/coordinate.hpp"
 #include "molecules/element_label.hpp"
 #include "molecules/fragments.hpp"
+#include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
@@ -138,11 +139,13 @@ void require_coordinates(const NamedText& source, const std::vector<Vec3>& posit
   }
 }
 
+/// What `qn-dravo` takes is read; whoever uses it may ask for more.
 void require_in_range(const std::string& name, const PoseDegrees& stated) {
-  const PoseDegrees ruled = with_beta_zero_rule(stated);
-  if (const auto fault = find_range_fault(ruled))
-    throw InvalidInput(fmt::format("{}: {}, found {}", name, out_of_range(*fault, ruled).what(),
-                                   shortest_text(ruled.*fault->parameter)));
+  const PoseDegrees folded = with_folded_azimuths(stated);
+  const auto complaint = complaint_about(folded);
+  if (complaint && find_range_fault(with_beta_zero_rule(folded)))
+    throw InvalidInput(fmt::format("{}: {} {}: {}", name, complaint->name(),
+                                   shortest_text(complaint->value()), complaint->what()));
 }
 
 /// A `Pair` knows which counts it takes.

@@ -14,6 +14,7 @@
 #include "common/ordered_chunks.hpp"
 #include "common/shown_text.hpp"
 #include "driver/user_parameters.hpp"
+#include "results/interruption.hpp"
 #include "results/pose_folders.hpp"
 #include "results/text_chunk.hpp"
 #include "scan/pair_placer.hpp"
@@ -156,9 +157,12 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
   }
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(placer.split().N, plan, request, totals.poses);
-  Progress progress(request.progress, job.end - job.first + totals.poses, totals.poses);
+  const std::int64_t planned = job.end - job.first + totals.poses;
+  Progress progress(request.progress, planned, totals.poses);
   if (files && files->finished()) return totals;
   if (output.writing == Writing::files) folders.require_own(job.first, job.end);
+  std::optional<InterruptionWatch> watch;  // a scan that writes nothing has nothing to save
+  if (files) watch.emplace();
 
   make_chunks<TextChunk>(
       job, [&] { return TextMaker(placer, plan, output, unique ? &*unique : nullptr); },
@@ -166,6 +170,8 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
         if (files) files->append(chunk);
         totals.add(chunk.totals);
         progress.show(totals.poses);
+        if (watch && watch->noted() != 0 && totals.poses < planned)
+          throw Interrupted(watch->noted(), totals.poses, planned);
       });
   if (files) files->finish();
   return totals;

@@ -31,7 +31,8 @@ Writing writing_of(const ScanPlan& plan, const ScanRequest& request);
 /// Of the results, without ending.
 std::string result_name(const ScanRequest& request);
 
-/// `placer` places `molecules`. Throws IoFailure when the results cannot be written.
+/// `placer` places `molecules`. Throws IoFailure when the results cannot be written, NoRoom among
+/// them, and Interrupted after SIGINT or SIGTERM, when a scan that writes is not done yet.
 ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                     const ScanRequest& request);
 

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "common/turn.hpp"
+
 namespace dravo {
 namespace {
 
@@ -48,9 +50,7 @@ std::vector<std::int64_t> AxisLookup::places_of(double value, double tolerance) 
 }
 
 double AxisLookup::reduced(double value) const {
-  if (kind_ == Kind::straight) return value;
-  const double turn = std::fmod(value, 360.0);
-  return turn < 0.0 ? turn + 360.0 : turn;
+  return kind_ == Kind::straight ? value : folded_turn(value);
 }
 
 double AxisLookup::apart(double one, double other) const {

@@ -86,7 +86,7 @@ std::int64_t EqualPoses::stands_for(std::int64_t index) const {
   if (above_contact_) degrees.r = kApart;
   const RelativePose own = relative_pose(degrees);
   Equals equals(grid_, places);
-  equals.add(places);  // a polar angle just above 180 is not looked up as such
+  equals.add(places);  // whatever rounding does to the look-up
   for (const OwnRotation& h : symmetry_.rotations[1])
     for (const OwnRotation& g : symmetry_.rotations[0]) {
       const RelativePose turned{h.matrix * own.place, h.matrix * own.turn * g.matrix};

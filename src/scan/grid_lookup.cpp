@@ -8,6 +8,7 @@
 
 #include "common/constants.hpp"
 #include "dravo/error.hpp"
+#include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
@@ -44,8 +45,8 @@ GridLookup::GridLookup(const Shapes& shapes, double radius, const std::array<Axi
     if (axes[k].size() > kMostValues)
       throw InvalidInput(fmt::format("{} has {} values; equal poses are looked up among {} at most",
                                      kPoseParameters[k].name, axes[k].size(), kMostValues));
-    const bool azimuth = k == grid_axis::phi || k == grid_axis::alpha || k == grid_axis::gamma;
-    axes_.emplace_back(axes[k], azimuth ? AxisLookup::Kind::circular : AxisLookup::Kind::straight);
+    axes_.emplace_back(axes[k], is_azimuth(kPoseParameters[k]) ? AxisLookup::Kind::circular
+                                                               : AxisLookup::Kind::straight);
   }
   const bool atom = shapes[0] == Shape::atom;
   const bool atoms = atom && shapes[1] == Shape::atom;

@@ -2,25 +2,8 @@
 
 #include "common/number_text.hpp"
 #include "common/text.hpp"
-#include "common/turn.hpp"
 
 namespace dravo {
-namespace {
-
-bool is_azimuth(double PoseDegrees::*parameter) {
-  return parameter == &PoseDegrees::phi || parameter == &PoseDegrees::alpha ||
-         parameter == &PoseDegrees::gamma;
-}
-
-}  // namespace
-
-OwnValue::OwnValue(const PoseParameter& parameter, const PoseDegrees& here)
-    : value_(here.*parameter.value), is_azimuth_(is_azimuth(parameter.value)) {}
-
-double OwnValue::plus(double offset) const {
-  const double sum = value_ + offset;
-  return is_azimuth_ ? folded_turn(sum) : sum;
-}
 
 bool begins_with_here(std::string_view text) { return trimmed(text).starts_with(kHere); }
 

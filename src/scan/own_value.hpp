@@ -15,16 +15,15 @@ namespace dravo {
 /// A parameter of the pair as it stands, as what others count from.
 class OwnValue {
  public:
-  OwnValue(const PoseParameter& parameter, const PoseDegrees& here);
+  OwnValue(const PoseParameter& parameter, const PoseDegrees& here)
+      : value_(here.*parameter.value) {}
 
   [[nodiscard]] double value() const { return value_; }
 
-  /// The sum; azimuths (phi, alpha, gamma) are folded to 0 to below 360.
-  [[nodiscard]] double plus(double offset) const;
+  [[nodiscard]] double plus(double offset) const { return value_ + offset; }
 
  private:
   double value_;
-  bool is_azimuth_;
 };
 
 /// What stands in for the parameters that nobody gives.

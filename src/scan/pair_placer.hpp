@@ -9,6 +9,7 @@
 #include "dravo/place.hpp"
 #include "driver/user_parameters.hpp"
 #include "molecules/pair_table.hpp"
+#include "molecules/pose_range.hpp"
 #include "output/contact_surveyor.hpp"
 #include "output/placement.hpp"
 
@@ -37,9 +38,11 @@ class PairPlacer {
   /// By how much the searches of the analysis missed the axes, degrees: poses are that uncertain.
   [[nodiscard]] double missed() const { return ready_.missed; }
 
-  /// The parameters that a pose in range is placed by: moved off singular values unless exact.
+  /// The parameters that a pose in range is placed by: azimuths folded, and moved off singular
+  /// values unless exact.
   [[nodiscard]] PoseRadians used_parameters(const PoseDegrees& pose) const {
-    return in_radians(exact() ? pose : nudged_parameters(pose));
+    const PoseDegrees folded = with_folded_azimuths(pose);
+    return in_radians(exact() ? folded : nudged_parameters(folded));
   }
 
   /// The pair by used parameters.

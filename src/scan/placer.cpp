@@ -4,8 +4,8 @@
 #include "dravo/error.hpp"
 #include "dravo/place.hpp"
 #include "dravo/scan.hpp"
-#include "driver/user_parameters.hpp"
 #include "molecules/pair_table.hpp"
+#include "molecules/pose_range.hpp"
 #include "scan/pair_placer.hpp"
 #include "scan/pose_maker.hpp"
 #include "scan/scan.hpp"
@@ -45,7 +45,7 @@ Placed Placer::place(const PoseDegrees& pose, std::span<double> positions) const
     positions[k++] = p.y;
     positions[k++] = p.z;
   }
-  return {exact() ? pose : applied_parameters(placement, used),
+  return {exact() ? with_folded_azimuths(pose) : applied_parameters(placement, used),
           placer_->survey(placed.table(), true)};
 }
 

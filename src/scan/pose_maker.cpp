@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "common/constants.hpp"
-#include "driver/user_parameters.hpp"
+#include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
@@ -47,8 +47,8 @@ MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
     asked.r = pose.radians.r = distance_beyond(placer_->touching_distance(pose.radians), planned.r);
   pose.placement = placer_->place(pose.radians, placed_.table());
   const ContactSurvey survey = placer_->survey(placed_.table(), rules_.clearance);
-  pose.numbers.applied =
-      placer_->exact() ? asked : applied_parameters(pose.placement, pose.radians);
+  pose.numbers.applied = placer_->exact() ? with_folded_azimuths(asked)
+                                          : applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
   pose.numbers.contacts = survey.contacts;
   pose.numbers.clearance = survey.clearance;

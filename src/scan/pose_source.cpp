@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "driver/user_parameters.hpp"
+#include "molecules/pose_range.hpp"
 #include "scan/random_pose.hpp"
 
 namespace dravo {
@@ -99,15 +99,12 @@ class ListedPoses final : public PoseSource {
 
 }  // namespace
 
-/// Looks at both ends of every stretch: what lies between them is in range when they are. (Azimuths
-/// that count from the pair's own are in range anyway.)
+/// Looks at both ends of every stretch: what lies between them is in range when they are.
 std::optional<AxisFault> find_axis_fault(const Axis& axis, const PoseParameter& parameter) {
   for (const Axis::Segment& segment : axis.segments())
-    for (const std::int64_t i : {std::int64_t{0}, segment.count - 1}) {
-      PoseDegrees degrees;
-      degrees.*parameter.value = axis.at(segment.first + i);
-      if (const auto complaint = complaint_about(degrees)) return AxisFault{&segment, *complaint};
-    }
+    for (const std::int64_t i : {std::int64_t{0}, segment.count - 1})
+      if (const auto complaint = complaint_about(parameter, axis.at(segment.first + i)))
+        return AxisFault{&segment, *complaint};
   return std::nullopt;
 }
 

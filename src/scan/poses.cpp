@@ -8,7 +8,7 @@
 
 #include "dravo/error.hpp"
 #include "dravo/scan.hpp"
-#include "driver/user_parameters.hpp"
+#include "molecules/pose_range.hpp"
 #include "scan/axis.hpp"
 #include "scan/pose_source.hpp"
 

@@ -12,7 +12,7 @@
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
-#include "driver/user_parameters.hpp"
+#include "molecules/pose_range.hpp"
 #include "scan/fingerprint.hpp"
 
 namespace dravo {

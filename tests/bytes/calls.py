@@ -109,7 +109,7 @@ dravo prepare water.xyz water.xyz --r 0 --beta 0.3 --gamma 20; qn-dravo
 dravo prepare dimer.xyz --split 6 --r 6.5 {ANGLES} && qn-dravo
 dravo prepare dimer.xyz --split auto --r 1e1 --phi=1.5e2 && qn-dravo
 dravo prepare mixed.xyz --split auto --r 6.5
-dravo prepare numbers.xyz --split 6 --r 9999.9 --theta 180.4 --phi 360.4 --alpha 360.4
+dravo prepare numbers.xyz --split 6 --r 9999.9 --theta 180 --phi 360 --alpha 360
 dravo prepare upper.xyz --split 6 --r 5
 dravo prepare extended.xyz --split 6 --r 5
 dravo prepare frames.xyz --frame 2 --split 6 --r 5

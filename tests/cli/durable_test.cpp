@@ -285,7 +285,9 @@ TEST(StoppedScan, GoesOnFromWhatWasWrittenWhenTheDiskWasFull) {
   const std::string full = "pwrite scan.csv.part " + std::to_string(ENOSPC) + " 4";
   const Outcome stopped = watched.run(folder, scan_words(), {{"WATCHED_FAIL", full}});
   EXPECT_EQ(stopped.status, 2);
-  EXPECT_EQ(stopped.messages, "dravo: scan.csv.part: cannot write: No space left on device\n");
+  EXPECT_EQ(stopped.messages,
+            "dravo: scan.csv.part: cannot write: No space left on device; the same command with "
+            "--resume goes on when there is room\n");
   const Outcome resumed = run_command(folder, Words{"scan", kInput, "--resume"} + kPlan);
   const std::regex earlier("dravo: ([1-9][0-9]*) of 1000 poses were made earlier\n");
   EXPECT_TRUE(std::regex_search(resumed.messages, earlier)) << resumed.messages;
@@ -304,7 +306,10 @@ TEST(LateError, OfAFileThatIsClosedIsNoSuccess) {
         watched.run(folder, scan_words(),
                     {{"WATCHED_FAIL", "close " + part + " " + std::to_string(EDQUOT) + " 1"}});
     EXPECT_EQ(outcome.status, 2) << file;
-    EXPECT_EQ(outcome.messages, "dravo: " + part + ": cannot write: Disk quota exceeded\n");
+    EXPECT_EQ(outcome.messages,
+              "dravo: " + part +
+                  ": cannot write: Disk quota exceeded; the same command with --resume goes on "
+                  "when there is room\n");
     EXPECT_EQ(outcome.files.count(file), 0U);
     EXPECT_EQ(outcome.files.count("scan.progress"), 1U);
     expect_files(run_command(folder, scan_words({"--resume"})).files, undisturbed(), file);

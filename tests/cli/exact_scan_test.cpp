@@ -88,8 +88,9 @@ TEST(ExactScan, TellsWhatChangesNothing) {
 
 TEST(ExactScan, AndOneOfQnDravoExcludeEachOther) {
   const Dimer folder;
-  expect_refusal(run_scan(folder, kOnePose + Words{"--exact", "--as-qn-dravo"}),
-                 "--exact excludes --as-qn-dravo\n" + kUsage.substr(0, kUsage.size() - 1), {});
+  expect_refusal(
+      run_scan(folder, kOnePose + Words{"--exact", "--as-qn-dravo"}),
+      "--exact and --as-qn-dravo exclude each other\n" + kUsage.substr(0, kUsage.size() - 1), {});
   expect_refusal(run_scan(folder, kOnePose + Words{"--like", kInput, "--as-qn-dravo"}),
                  "axes carried along from a reference are not those of qn-dravo", {});
 }
@@ -268,7 +269,8 @@ TEST(UniqueScan, IsRefusedForListsAndAsByQnDravo) {
   expect_refusal(run_scan(folder, {"--zip", "poses.csv", "--unique", "--quiet"}),
                  "equal poses are found in grids and among random poses, not in lists", before);
   expect_refusal(run_scan(folder, kOnePose + Words{"--unique", "--as-qn-dravo", "--quiet"}),
-                 "--unique excludes --as-qn-dravo\nRun with --help for more.", before);
+                 "--unique and --as-qn-dravo exclude each other\nRun with --help for more.",
+                 before);
 }
 
 }  // namespace

@@ -352,10 +352,11 @@ TEST(BadUsage, OfMergeHasStatus2AndAMessage) {
   const Outcome nameless = run_command(folder, {"merge"});
   EXPECT_EQ(nameless.status, 2);
   EXPECT_EQ(nameless.screen, "");
-  EXPECT_EQ(nameless.messages, "dravo: name is required\n" + kUsage);
+  EXPECT_EQ(nameless.messages,
+            "dravo: NAME is missing: what --output was for the parts\n" + kUsage);
   const Outcome folderless = run_command(folder, {"merge", "none/all"});
   EXPECT_EQ(folderless.status, 2);
-  EXPECT_EQ(folderless.messages, "dravo: none: cannot read: No such file or directory\n");
+  EXPECT_EQ(folderless.messages, "dravo: none: there is no such folder\n");
 }
 
 }  // namespace

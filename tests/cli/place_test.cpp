@@ -221,8 +221,8 @@ TEST(Place, WritesAFileThatIsNotThereYet) {
   const Files before = folder.outputs();
   expect_refusal(folder.place({kInput, "--r", "5", "--output", "out.xyz"}),
                  "out.xyz: exists already; --overwrite replaces it", before);
-  expect_refusal(folder.place({kInput, "-o", "none/out.xyz"}),
-                 "none/out.xyz.part: cannot open for writing: No such file or directory", before);
+  expect_refusal(folder.place({kInput, "-o", "none/out.xyz"}), "none: there is no such folder",
+                 before);
 }
 
 TEST(Place, ToAStreamThatIsFullIsAFailure) {
@@ -361,9 +361,9 @@ TEST(Place, RefusesWhatNoPairOrPoseHas) {
   const Molecules folder;
   const Files before = folder.outputs();
   const std::vector<Refused> cases{
-      {{"water.xyz", "nitrogen.xyz"}, "--r is required: nothing else tells it"},
-      {{"water.xyz", "nitrogen.xyz", "--r", "4", "--theta", "190"},
-       "--theta 190: polar angle out of range. Allowed: 0<theta<180 degrees"},
+      {{"water.xyz", "nitrogen.xyz"}, "--r is missing: two files do not give it"},
+      {{"water.xyz", "nitrogen.xyz", "--r", "4", "--theta", "190", "--phi", "20"},
+       "--theta 190: 0 <= theta <= 180; theta 170 with phi 200 is the same direction"},
       {{"water.xyz", "nitrogen.xyz", "--r", "here+1"},
        "--r here+1: here needs a pair as it stands; two files do not tell how their molecules "
        "stand"},
@@ -371,7 +371,7 @@ TEST(Place, RefusesWhatNoPairOrPoseHas) {
        "pair.xyz: where molecule 2 begins is not known; use --split N1, the number of atoms of "
        "molecule 1, or --split auto, by bonds"},
       {{kInput, "--exact", "--as-qn-dravo"},
-       "--exact excludes --as-qn-dravo\n" + kUsage.substr(0, kUsage.size() - 1)},
+       "--exact and --as-qn-dravo exclude each other\n" + kUsage.substr(0, kUsage.size() - 1)},
       {{kInput, "--as-qn-dravo", "--like", kInput},
        "axes carried along from a reference are not those of qn-dravo"},
       {{"none.xyz", "--r", "4"}, "none.xyz: cannot read: No such file or directory"},

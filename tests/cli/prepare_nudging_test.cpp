@@ -61,9 +61,19 @@ constexpr std::array<const char*, 6> kNames{"r", "theta", "phi", "alpha", "beta"
 /// The values with those replaced that the messages announce, which are single-precision numbers.
 Values as_announced(Values values, const std::string& messages) {
   for (const std::string& line : lines_of(messages)) {
-    const Lines part = groups_of(line, "dravo: ([a-z]+) [^ ]+ will be used as ([0-9.]+): .*");
+    const Lines part = groups_of(line, "dravo: (.*) will be used as ([^:]*): .*");
+    if (part.empty()) continue;
+    const auto words_of = [](std::string text) {
+      for (const std::string between : {", ", " and "})
+        for (std::size_t at = 0; (at = text.find(between)) != std::string::npos;)
+          text.replace(at, between.size(), "|");
+      return parts_of(text, '|');
+    };
+    const Lines replaced = words_of(part[1]), used = words_of(part[2]);
+    EXPECT_EQ(replaced.size(), used.size());
     for (std::size_t k = 0; k < kNames.size(); ++k)
-      if (!part.empty() && part[1] == kNames[k]) values[k] = std::stof(part[2]);
+      for (std::size_t i = 0; i < used.size(); ++i)
+        if (replaced[i].starts_with(std::string(kNames[k]) + " ")) values[k] = std::stof(used[i]);
   }
   return values;
 }
@@ -82,6 +92,10 @@ struct Nudging {
 };
 
 void PrintTo(const Nudging& nudging, std::ostream* out) { *out << nudging.name; }
+
+constexpr auto kAllZero =
+    "theta 0, phi 0, alpha 0 and gamma 0 will be used as 0.049, 0.049, 0.09 and 0.09: phi has no "
+    "meaning at theta 0; angles are kept off 0; beta rounds to 0, where only alpha + gamma counts";
 
 const std::vector<Nudging> kNudgings{
     {"nothing is singular", {}, {}},
@@ -110,9 +124,9 @@ const std::vector<Nudging> kNudgings{
     {"beta 180",
      {{"beta", "180"}},
      {"beta 180 will be used as 179.99: alpha and gamma are not separate angles at beta 180"}},
-    {"beta just above 180",
-     {{"beta", "180.05"}},
-     {"beta 180.05 will be used as 179.99: alpha and gamma are not separate angles at beta 180"}},
+    {"beta just below 180",
+     {{"beta", "179.95"}},
+     {"beta 179.95 will be used as 179.99: alpha and gamma are not separate angles at beta 180"}},
     {"gamma 0", {{"gamma", "0"}}, {"gamma 0 will be used as 0.09: angles are kept off 0"}},
     {"beta 0 stays and fixes gamma",
      {{"beta", "0"}},
@@ -123,10 +137,10 @@ const std::vector<Nudging> kNudgings{
     {"beta 0.5 leaves gamma", {{"beta", "0.5"}}, {}},
     {"all angles 0",
      {{"theta", "0"}, {"phi", "0"}, {"alpha", "0"}, {"beta", "0"}, {"gamma", "0"}},
-     {"theta 0 will be used as 0.049: phi has no meaning at theta 0",
-      "phi 0 will be used as 0.049: angles are kept off 0",
-      "alpha 0 will be used as 0.09: angles are kept off 0",
-      "gamma 0 will be used as 0.09: beta rounds to 0, where only alpha + gamma counts"}},
+     {kAllZero}},
+    {"two angles for one reason",
+     {{"phi", "0"}, {"alpha", "0"}},
+     {"phi 0 and alpha 0 will be used as 0.049 and 0.09: angles are kept off 0"}},
 };
 
 class NudgedValues : public ::testing::TestWithParam<Nudging> {};
@@ -169,13 +183,7 @@ TEST(ValuesNotGivenForTwoFiles, AreZeroInTheFileAndNudgedInTheRun) {
   folder.write("one.xyz", xyz(atoms_of("formamide-dimer", 1, 6)));
   folder.write("two.xyz", xyz(atoms_of("formamide-dimer", 7, 12)));
   const Outcome outcome = run_command(folder, {"prepare", "one.xyz", "two.xyz", "--r", "4"});
-  EXPECT_EQ(outcome.messages,
-            "dravo: theta 0 will be used as 0.049: phi has no meaning at theta 0\n"
-            "dravo: phi 0 will be used as 0.049: angles are kept off 0\n"
-            "dravo: alpha 0 will be used as 0.09: angles are kept off 0\n"
-            "dravo: gamma 0 will be used as 0.09: beta rounds to 0, where only alpha + gamma "
-            "counts\n" +
-                kWritten);
+  EXPECT_EQ(outcome.messages, "dravo: " + std::string(kAllZero) + "\n" + kWritten);
   EXPECT_EQ(parse_sample(input_in(folder)).parameters,
             (std::array<std::string, 6>{"4", "0", "0", "0", "0", "0"}));
 }

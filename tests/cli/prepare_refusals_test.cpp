@@ -32,22 +32,22 @@ void expect_refused(const TemporaryFolder& folder, const Words& words, const std
 }
 
 const std::vector<Refused> kOutOfRange{
-    {"r below 0", {"--r", "-1.5"}, "--r -1.5: negative r not allowed! Allowed: r>0"},
-    {"theta below 0", {"--theta=-7"}, "--theta -7: polar angle out of range! Allowed: 0<theta<180"},
-    {"alpha below 0",
-     {"--alpha", "-1e-9"},
-     "--alpha -1e-09: ALPHA Euler angle out of range! Allowed: 0<ALPHA<360 degrees"},
+    {"r below 0", {"--r", "-1.5"}, "--r -1.5: 0 <= r <= 9999.9; a distance is not negative"},
+    {"theta below 0",
+     {"--theta=-7", "--phi", "20"},
+     "--theta -7: 0 <= theta <= 180; theta 7 with phi 200 is the same direction"},
     {"beta too large",
-     {"--beta", "180.5"},
-     "--beta 180.5: Beta Euler angle out of range! Allowed: 0<beta<180 degrees"},
+     {"--beta", "180.5", "--alpha", "270", "--gamma", "-10"},
+     "--beta 180.5: 0 <= beta <= 180; beta 179.5 with alpha 90 and gamma 170 is the same "
+     "orientation"},
     {"distance that fits no file name",
      {"--r", "9999.95"},
-     "--r 9999.95: distance too long for the names of files. Allowed: r<9999.9"},
+     "--r 9999.95: 0 <= r <= 9999.9; the names of files have no room for longer distances"},
 };
 
 class OutOfRange : public ::testing::TestWithParam<Refused> {};
 
-TEST_P(OutOfRange, IsRefusedInTheWordsOfTheMainProgram) {
+TEST_P(OutOfRange, IsRefusedWithTheRange) {
   Words words{"pair.xyz", "--split", "6"};
   if (!GetParam().words[0].starts_with("--r")) words = words + Words{"--r", "4"};
   expect_refused(XyzDimer(), words + GetParam().words, GetParam().message);
@@ -55,27 +55,31 @@ TEST_P(OutOfRange, IsRefusedInTheWordsOfTheMainProgram) {
 
 INSTANTIATE_TEST_SUITE_P(Values, OutOfRange, ::testing::ValuesIn(kOutOfRange));
 
-TEST(LastValueInRange, IsTakenAsTheMainProgramTakesIt) {
-  // Upper limits look at whole degrees.
+TEST(LastValueInRange, IsTaken) {
   const XyzDimer folder;
   const SampleInput written = parse_sample(
-      prepared(folder, {"pair.xyz", "--split", "6", "--r", "9999.9", "--theta", "180.4", "--phi",
-                        "360.4", "--alpha", "360.4", "--beta", "180.4", "--gamma", "360.4"}));
+      prepared(folder, {"pair.xyz", "--split", "6", "--r", "9999.9", "--theta", "180", "--phi",
+                        "360", "--alpha", "360", "--beta", "180", "--gamma", "360"}));
   EXPECT_EQ(written.parameters,
-            (std::array<std::string, 6>{"9999.9", "180.4", "360.4", "360.4", "180.4", "360.4"}));
+            (std::array<std::string, 6>{"9999.9", "180", "360", "360", "180", "360"}));
 }
 
 const std::vector<Refused> kBadUsage{
-    {"no file", {"--r", "4"}, "file is required\n" + kUsage},
+    {"no file",
+     {"--r", "4"},
+     "FILE is missing: xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz\n" +
+         kUsage},
     {"three files",
      {"pair.xyz", "pair.xyz", "more.xyz", "--r", "4"},
-     "The following argument was not expected: more.xyz\n" + kUsage},
+     "\"more.xyz\": not expected; dravo prepare takes FILE and FILE2, and a value with blanks needs "
+     "quotes\n" +
+         kUsage},
     {"r twice",
      {"pair.xyz", "--r", "1", "--r", "2"},
-     "--r: At Most 1 required but received 2\n" + kUsage},
+     "--r: expected one value, found \"1\" and \"2\"\n" + kUsage},
     {"an angle twice",
      {"pair.xyz", "--r", "1", "--phi", "2", "--phi=2"},
-     "--phi: At Most 1 required but received 2\n" + kUsage},
+     "--phi: expected one value, found \"2\" and \"2\"\n" + kUsage},
     {"r is no number",
      {"pair.xyz", "--r", "4A"},
      "--r: expected a finite number, found \"4A\"\n" + kUsage},
@@ -84,17 +88,19 @@ const std::vector<Refused> kBadUsage{
      "--r: expected here, or here + a finite number, found \"here * 2\"\n" + kUsage},
     {"r is the next option",
      {"pair.xyz", "--r", "--phi", "3"},
-     "--r: expected a finite number, found \"--phi\"\n" + kUsage},
+     "--r: expected ANGSTROM, found the option --phi\n" + kUsage},
     {"no frame before the first",
      {"pair.xyz", "--r", "4", "--frame", "0"},
-     "--frame: Value 0 not in range 1 to 2147483647\n" + kUsage},
-    {"r has no value", {"pair.xyz", "--r"}, "--r: 1 required ANGSTROM missing\n" + kUsage},
+     "--frame: expected a whole number of 1 or more, found \"0\"\n" + kUsage},
+    {"r has no value",
+     {"pair.xyz", "--r"},
+     "--r: expected ANGSTROM, found nothing behind it\n" + kUsage},
     {"unknown unit",
      {"pair.xyz", "--r", "4", "--unit", "nm"},
-     "--unit: nm not in {angstrom,bohr}\n" + kUsage},
+     "--unit: expected angstrom or bohr, found \"nm\"\n" + kUsage},
     {"unknown option",
      {"pair.xyz", "--r", "4", "--delta"},
-     "The following argument was not expected: --delta\n" + kUsage},
+     "--delta is not an option of dravo prepare\n" + kUsage},
 };
 
 class BadUsage : public ::testing::TestWithParam<Refused> {};
@@ -112,14 +118,14 @@ const Words kSplitAtSix{"--split", "6", "--r", "4"};
 const std::vector<Refused> kBadInput{
     {"no such file", Words{"none.xyz"} + kSplitAtSix,
      "none.xyz: cannot read: No such file or directory"},
-    {"no distance", {"one.xyz", "two.xyz"}, "--r is required: nothing else tells it"},
+    {"no distance", {"one.xyz", "two.xyz"}, "--r is missing: two files do not give it"},
     {"here in two files",
      {"one.xyz", "two.xyz", "--r", "4", "--phi", "here + 1"},
      "--phi here + 1: here needs a pair as it stands; two files do not tell how their molecules "
      "stand"},
     {"theta beyond its range by here",
      {"there.xyz", "--theta", "here+100"},
-     "--theta here+100 = 190: polar angle out of range. Allowed: 0<theta<180 degrees"},
+     "--theta here+100 = 190: 0 <= theta <= 180; theta 170 with phi 191 is the same direction"},
     {"no atoms for molecule 2",
      {"pair.xyz", "--r", "4", "--split", "12"},
      "pair.xyz: no atoms are left for molecule 2: 12 atoms in all, 12 of molecule 1"},
@@ -286,8 +292,7 @@ TEST(MissingFolder, IsOneMessageAndStatusTwo) {
   const XyzDimer folder;
   const Outcome outcome = run_command(folder, kSimple + Words{"-o", "none/new.xyz"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.messages,
-            "dravo: none/new.xyz.part: cannot open for writing: No such file or directory\n");
+  EXPECT_EQ(outcome.messages, "dravo: none: there is no such folder\n");
 }
 
 TEST(UnwritableFolder, IsOneMessageAndStatusTwo) {

@@ -1,4 +1,4 @@
-/// What holds for every command: help, versions, unknown names, lost results.
+/// What holds for every command: help, versions, lost results.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -10,6 +10,7 @@
 
 #include "cli/scanned.hpp"
 #include "common/version.hpp"
+#include "support/text_lines.hpp"
 
 namespace dravo::test {
 namespace {
@@ -25,19 +26,6 @@ TEST(LostResults, AreAFailure) {
     EXPECT_EQ(outcome.status, 2) << words.back();
     EXPECT_EQ(outcome.messages, "dravo: standard output: cannot write\n") << words.back();
   }
-}
-
-TEST(UnknownCommand, IsNamed) {
-  const TemporaryFolder folder;
-  for (const std::string word : {"put", "Scan", "scans", ""}) {
-    const Outcome outcome = run_command(folder, {word, "--help"});
-    EXPECT_EQ(outcome.status, 2) << word;
-    EXPECT_EQ(outcome.screen, "") << word;
-    EXPECT_EQ(outcome.messages, "dravo: \"" + word +
-                                    "\": no such command; there are prepare, identify, place, scan "
-                                    "and merge\n");
-  }
-  EXPECT_EQ(run_command(folder, {}).messages, "dravo: A subcommand is required\n" + kUsage);
 }
 
 /// What is no fault of usage, input or files.
@@ -67,9 +55,34 @@ TEST(EverySubcommand, TellsHelpWithAnExampleAndItsVersion) {
     EXPECT_NE(help.screen.find("\nExample"), std::string::npos) << help.screen;
     const Outcome version = run_command(folder, {command, "--version"});
     EXPECT_EQ(version.status, 0) << command;
-    EXPECT_EQ(version.screen, "dravo " DRAVO_VERSION "\n") << command;
+    EXPECT_EQ(version.screen,
+              "dravo " DRAVO_VERSION "\nqn-dravo " DRAVO_VERSION ", revision " DRAVO_REVISION "\n")
+        << command;
     EXPECT_EQ(version.messages, "") << command;
   }
+}
+
+TEST(Help, TellsWhatQnDravoIsFor) {
+  const TemporaryFolder folder;
+  const Outcome help = run_command(folder, {"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.screen.find("qn-dravo. It takes no arguments"), std::string::npos) << help.screen;
+  EXPECT_NE(help.screen.find(kInput), std::string::npos) << help.screen;
+}
+
+/// The version that a run of qn-dravo writes down.
+TEST(Versions, AreThoseOfBothPrograms) {
+  const Dimer folder;
+  ASSERT_EQ(run_in(folder, DRAVO_DEFAULT_PROGRAM).status, 0);
+  const std::string log = folder.read("QN-LOG-PARAM.txt");
+  const std::string screen = run_command(folder, {"--version"}).screen;
+  const Lines lines = lines_of(screen);
+  ASSERT_EQ(lines.size(), 2U) << screen;
+  const std::string version = lines[1].substr(9, lines[1].find(',') - 9);
+  EXPECT_EQ(lines[0], "dravo " + version);
+  EXPECT_NE(log.find(" QN-DRAVO Version " + version + " "), std::string::npos) << version;
+  const std::string revision = lines[1].substr(lines[1].rfind(' ') + 1);
+  EXPECT_NE(log.find("-" + revision + "\n"), std::string::npos) << revision;
 }
 
 }  // namespace

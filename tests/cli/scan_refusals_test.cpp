@@ -76,14 +76,18 @@ struct Refused {
 
 TEST(BadUsageOrInput, HasStatus2AndAMessageAndWritesNothing) {
   const std::vector<Refused> cases{
-      {"no file", {}, "pair is required\n" + kUsage},
+      {"no file",
+       {},
+       "FILE is missing: xyz file of molecule 1 or of both molecules, QN-input-GEOMETRY.xyz or "
+       "input-GEOMETRY.xyz\n" +
+           kUsage},
       {"no such pair", Words{"none.xyz"} + kOnePose,
        "none.xyz: cannot read: No such file or directory\n"},
       {"no letter of an exponent",
        {kInput, "--r", "3-4", "--random", "1"},
        "--r: expected a number or start:stop:step, found \"3-4\"\n3-4\n^^^\n"},
       {"no frame before the first", Words{kInput, "--frame", "0"} + kOnePose,
-       "--frame: Value 0 not in range 1 to 2147483647\n" + kUsage},
+       "--frame: expected a whole number of 1 or more, found \"0\"\n" + kUsage},
       {"folder for a name", Words{kInput, "--output", "results/"} + kOnePose,
        "--output: expected the name of a file without ending, found \"results/\"\n"},
       {"no name", Words{kInput, "--output", ""} + kOnePose,
@@ -95,11 +99,11 @@ TEST(BadUsageOrInput, HasStatus2AndAMessageAndWritesNothing) {
       {"part of nothing", Words{kInput, "--shard", "1"} + kOnePose,
        "--shard: expected I/N with I from 1 to N, found \"1\"\n"},
       {"resume and overwrite", Words{kInput, "--resume", "--overwrite"} + kOnePose,
-       "--resume excludes --overwrite\n" + kUsage},
+       "--resume and --overwrite exclude each other\n" + kUsage},
       {"no thread", Words{kInput, "--threads", "0"} + kOnePose,
-       "--threads: Value 0 not in range 1 to 1024\n" + kUsage},
+       "--threads: expected a whole number from 1 to 1024, found \"0\"\n" + kUsage},
       {"no such folder", Words{kInput, "--output", "none/scan"} + kOnePose,
-       "none/scan.progress: cannot open for writing: No such file or directory\n"},
+       "none: there is no such folder\n"},
   };
   for (const Refused& refused : cases) {
     const Dimer folder;

@@ -4,6 +4,9 @@
 ///     WATCHED_LOG    file that gets a line for each call: name of the call, file, details
 ///     WATCHED_FAIL   "CALL FILE ERRNO N": the N-th such call fails
 ///     WATCHED_KILL   N: the process is killed at its N-th call
+///     WATCHED_SIGNAL "NUMBER N COUNT": the process gets the signal at its N-th call, and at so
+///     many
+///                    calls in all
 ///     WATCHED_CLOCK  milliseconds that pass from one look at the steady clock to the next, no
 ///     others
 #include <dlfcn.h>
@@ -63,6 +66,13 @@ bool watch(const std::string& call, const std::string& file, const std::string& 
   static std::atomic<int> calls = 0;
   const char* killed_at = std::getenv("WATCHED_KILL");
   if (killed_at != nullptr && ++calls == std::atoi(killed_at)) ::kill(::getpid(), SIGKILL);
+  int signal = 0, first = 0, count = 0;
+  const char* signalled = std::getenv("WATCHED_SIGNAL");
+  if (signalled != nullptr && std::sscanf(signalled, "%d %d %d", &signal, &first, &count) == 3) {
+    static std::atomic<int> signalled_calls = 0;
+    const int now = ++signalled_calls;
+    if (now >= first && now < first + count) ::kill(::getpid(), signal);
+  }
   const bool fails = shall_fail(call, file);
   write_down((fails ? "failed-" : "") + call + " " + file + " " + details + "\n");
   return !fails;

@@ -431,8 +431,8 @@ const std::vector<Failure> kFailures{
      [](const SampleInput& pair) { return "150001" + pair.text().substr(2); },
      "pair.xyz: a pair has at most 150000 atoms, found 150001"},
     {"QN input, parameter out of range", asking("pair.xyz"),
-     changed([](SampleInput& pair) { pair.parameters[2] = "360.5"; }),
-     "pair.xyz: azimuth angle out of range. Allowed: 0<phi<360 degrees, found 360.5"},
+     changed([](SampleInput& pair) { pair.parameters[1] = "180.5"; }),
+     "pair.xyz: theta 180.5: 0 <= theta <= 180; theta 179.5 with phi 191 is the same direction"},
     {"QN input, label", asking("pair.xyz"), changed([](SampleInput& pair) {
        pair.atoms[1] = {"Carbon", {1.0, 2.0, 3.0}};
      }),

@@ -60,11 +60,13 @@ void PrintTo(const TwoNames& pair, std::ostream* out) { *out << pair.one << " on
 
 class EqualPosesOf : public ::testing::TestWithParam<TwoNames> {};
 
-/// Poles, no distance at all, full turns beside none, and angles that no rotation makes equal.
+/// Poles, no distance at all, full turns beside none, angles that no rotation makes equal, and the
+/// same angles within a turn and beyond it.
 const std::vector<PoseAxes> kGrids{
     {"0,3.1", "0:180:45", "0:360:60", "0,90,180,360", "0,60,180", "0,90,360"},
     {"3.1,0,3.1", "0,70,110,180", "0:300:60,30", "10,190,350", "0,90,180", "0,60,120,300"},
     {"2.5", "35,90,145", "20,160,200,340,20", "0,45,180,225", "25,155", "15,165,195,345"},
+    {"3.1", "0,70,180", "-60:420:60,-1e-20", "-90,0,90,270", "0,90,180", "-300,60,120"},
 };
 
 TEST_P(EqualPosesOf, APairAreThoseThatAComparisonFinds) {

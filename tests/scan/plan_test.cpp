@@ -93,11 +93,11 @@ TEST(ZippedPlan, NamesTheListInItsMessages) {
   const std::string list = (folder.path() / "poses.csv").string();
   EXPECT_EQ(message_of([&] { const ScanPlan plan(keys); }),
             list + ": cannot read: No such file or directory");
-  folder.write("poses.csv", "1,2,3,4,5,400\n");
+  folder.write("poses.csv", "1,2,3,4,500,400\n");
   EXPECT_EQ(message_of([&] { const ScanPlan plan(keys); }),
             list +
-                ":1: GAMMA Euler angle out of range! Allowed: 0<GAMMA<360 degrees\n"
-                "1,2,3,4,5,400\n          ^^^");
+                ":1: 0 <= beta <= 180; beta 140 is the same orientation\n"
+                "1,2,3,4,500,400\n        ^^^");
 }
 
 // Random.
@@ -193,7 +193,7 @@ TEST(Plan, TakesTheEndsOfTheRanges) {
   const ScanPlan plan = plan_of({{"r", "0,9999.9"},
                                  {"theta", "0,180"},
                                  {"phi", "0,360"},
-                                 {"alpha", "0,360.4"},  // rounds to 360
+                                 {"alpha", "0,360"},
                                  {"beta", "0,180"},
                                  {"gamma", "0,360"}});
   EXPECT_EQ(plan.poses().size(), 64);

@@ -123,12 +123,14 @@ TEST(UniquePosesAboveContact, OfRandomDirectionsKeepTheirDirections) {
   }
 }
 
-TEST(UniquePoses, CountThemselvesJustAbove180) {
-  // 180.49 degrees are taken, as whole degrees are looked at.
-  const Placer placer = exact_placer("water", "water");
-  const auto found = unique_poses(placer, Poses::grid({4, "180.3", 10, 20, "180.4", 30}));
+TEST(UniquePoses, CountTheSameAnglesBeyondATurn) {
+  const Placer placer = exact_placer("hypochlorous acid", "hydrogen peroxide");
+  const Poses poses = Poses::grid({4, 75, "-350,10,370", "20,380", 40, "30,-330,750"});
+  const auto found = unique_poses(placer, poses);
   ASSERT_EQ(found.size(), 1U);
-  EXPECT_EQ(found[0].equivalents, 1);
+  EXPECT_EQ(found[0].equivalents, 3 * 2 * 3) << "of phi, alpha and gamma";
+  EXPECT_EQ(found[0].asked.phi, -350.0) << "the first of them";
+  EXPECT_EQ(found[0].applied.phi, 10.0);
 }
 
 TEST(UniquePoses, AreTheSameInAnyNumberOfThreads) {

@@ -230,15 +230,16 @@ INSTANTIATE_TEST_SUITE_P(
     Ranges, ZippedListRefuses,
     ::testing::Values(
         Wrong{"1,2,3,4,5,6\n-1,2,3,4,5,6\n",
-              ":2: negative r not allowed! Allowed: r>0\n-1,2,3,4,5,6\n^^"},
+              ":2: 0 <= r <= 9999.9; a distance is not negative\n-1,2,3,4,5,6\n^^"},
         Wrong{"10000,2,3,4,5,6\n",
-              ":1: distance too long for the names of files. Allowed: r<9999.9\n"
+              ":1: 0 <= r <= 9999.9; the names of files have no room for longer distances\n"
               "10000,2,3,4,5,6\n^^^^^"},
-        Wrong{"1,181,3,4,5,6\n",
-              ":1: polar angle out of range. Allowed: 0<theta<180 degrees\n1,181,3,4,5,6\n  ^^^"},
-        Wrong{"gamma,beta,alpha,phi,theta,r\n1,2, 400 ,4,5,6\n",
-              ":2: ALPHA Euler angle out of range! Allowed: 0<ALPHA<360 degrees\n"
-              "1,2, 400 ,4,5,6\n     ^^^"}));
+        Wrong{
+            "1,181,3,4,5,6\n",
+            ":1: 0 <= theta <= 180; theta 179 with phi 183 is the same direction\n1,181,3,4,5,6\n  ^^^"},
+        Wrong{"gamma,beta,alpha,phi,theta,r\n1, -2 ,400,4,5,6\n",
+              ":2: 0 <= beta <= 180; beta 2 with alpha 220 and gamma 181 is the same orientation\n"
+              "1, -2 ,400,4,5,6\n   ^^"}));
 
 INSTANTIATE_TEST_SUITE_P(EmptyLists, ZippedListRefuses,
                          ::testing::Values(Wrong{"", ": expected rows of six numbers, found none"},

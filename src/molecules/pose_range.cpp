@@ -1,0 +1,89 @@
+#include "molecules/pose_range.hpp"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <string>
+
+#include "common/number_format.hpp"
+#include "common/turn.hpp"
+#include "driver/user_parameters.hpp"
+
+namespace dravo {
+namespace {
+
+constexpr double kHalfTurn = 180.0;
+constexpr double kFullTurn = 360.0;
+
+using Value = double PoseDegrees::*;
+
+/// Without the tail of digits that a difference leaves.
+std::string shown(double degrees) {
+  constexpr double kBillion = 1e9;
+  return shortest_text(std::round(degrees * kBillion) / kBillion);
+}
+
+/// "phi 200", half a turn from the phi of the pose; "phi + 180" without a pose.
+std::string opposite(const PoseParameter& azimuth, const PoseDegrees* pose) {
+  if (pose == nullptr) return fmt::format("{} + 180", azimuth.name);
+  return fmt::format("{} {}", azimuth.name, shown(folded_turn(pose->*azimuth.value + kHalfTurn)));
+}
+
+/// What makes the same pose as a theta or a beta out of range. A place with -theta is that with
+/// theta on the other side of Z, and Ry(-beta) = Rz(180) Ry(beta) Rz(180).
+std::string same_pose(Value parameter, double value, const PoseDegrees* pose) {
+  const auto& [r, theta, phi, alpha, beta, gamma] = kPoseParameters;
+  const double turn = folded_turn(value);
+  const bool beyond = turn > kHalfTurn;
+  const std::string in_range = shown(beyond ? kFullTurn - turn : turn);
+  if (parameter == theta.value)
+    return fmt::format("theta {}{} is the same direction", in_range,
+                       beyond ? " with " + opposite(phi, pose) : "");
+  return fmt::format(
+      "beta {}{} is the same orientation", in_range,
+      beyond ? fmt::format(" with {} and {}", opposite(alpha, pose), opposite(gamma, pose)) : "");
+}
+
+std::optional<OutOfRange> complaint(const PoseParameter& parameter, double value,
+                                    const PoseDegrees* pose) {
+  const bool is_r = parameter.value == &PoseDegrees::r;
+  const double highest = is_r ? kLongestDistance : (is_azimuth(parameter) ? kFullTurn : kHalfTurn);
+  const auto refused = [&](const std::string& sentence) {
+    return OutOfRange(sentence, parameter.name, value, 0.0, highest);
+  };
+  if (!std::isfinite(value)) return refused("expected a finite number");
+  if (is_azimuth(parameter) || (value >= 0.0 && value <= highest)) return std::nullopt;
+  if (is_r)
+    return refused(value < 0.0
+                       ? "0 <= r <= 9999.9; a distance is not negative"
+                       : "0 <= r <= 9999.9; the names of files have no room for longer distances");
+  return refused(
+      fmt::format("0 <= {} <= 180; {}", parameter.name, same_pose(parameter.value, value, pose)));
+}
+
+}  // namespace
+
+bool is_azimuth(const PoseParameter& parameter) {
+  return parameter.value == &PoseDegrees::phi || parameter.value == &PoseDegrees::alpha ||
+         parameter.value == &PoseDegrees::gamma;
+}
+
+PoseDegrees with_folded_azimuths(const PoseDegrees& pose) {
+  PoseDegrees folded = pose;
+  for (double* const azimuth : {&folded.phi, &folded.alpha, &folded.gamma})
+    if (std::isfinite(*azimuth) && !(*azimuth >= 0.0 && *azimuth <= kFullTurn))
+      *azimuth = folded_turn(*azimuth);
+  return folded;
+}
+
+std::optional<OutOfRange> complaint_about(const PoseDegrees& pose) {
+  for (const PoseParameter& parameter : kPoseParameters)
+    if (auto found = complaint(parameter, pose.*parameter.value, &pose)) return found;
+  return std::nullopt;
+}
+
+std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double value) {
+  return complaint(parameter, value, nullptr);
+}
+
+}  // namespace dravo

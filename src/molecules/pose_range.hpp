@@ -1,0 +1,26 @@
+/// Which poses there are, and which of them are the same by their periodic angles.
+#pragma once
+
+#include <optional>
+
+#include "dravo/error.hpp"
+#include "dravo/pose.hpp"
+
+namespace dravo {
+
+/// Whether full turns of a parameter change nothing: phi, alpha and gamma.
+bool is_azimuth(const PoseParameter& parameter);
+
+/// phi, alpha and gamma outside of 0 to 360 degrees folded to 0 to below 360; 360 stays 360, and
+/// what is not finite stays as it is.
+PoseDegrees with_folded_azimuths(const PoseDegrees& pose);
+
+/// The first value that no pose may have: an r outside of 0 to 9999.9 Angstrom, a theta or a beta
+/// outside of 0 to 180 degrees, anything that is not finite. The sentence has the range and, of an
+/// angle, the values in range that make the same pose. Empty when there is none.
+std::optional<OutOfRange> complaint_about(const PoseDegrees& pose);
+
+/// The same of one value, beside which the others may be any.
+std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double value);
+
+}  // namespace dravo
