@@ -9,10 +9,14 @@
 
 #include "common/number_text.hpp"
 #include "dravo/error.hpp"
+#include "molecules/input_file.hpp"
+#include "molecules/length_unit.hpp"
 
 namespace dravo {
 
-void add_split_options(CLI::App& command, const SharedRequest& request) {
+namespace {
+
+void add_split(CLI::App& command, const SharedRequest& request) {
   const auto read_split = [request](const std::string& text) {
     if (text == "auto") {
       request->split = SplitByBonds{};
@@ -35,11 +39,33 @@ void add_split_options(CLI::App& command, const SharedRequest& request) {
       ->check(CLI::Range(1, std::numeric_limits<std::int32_t>::max()));
 }
 
+}  // namespace
+
+void add_split_options(CLI::App& command, const SharedRequest& request) {
+  add_split(command, request);
+  command.add_flag_callback(
+      "--no-check", [request] { request->check = false; },
+      "take a pair with bonds across the split, or with atoms closer than 0.5 Angstrom");
+  std::vector<std::string> names;
+  for (const NamedUnit& unit : kLengthUnits) names.emplace_back(unit.name);
+  const auto read_unit = [request](const std::string& name) {
+    for (const NamedUnit& unit : kLengthUnits)
+      if (unit.name == name) request->unit = unit.unit;
+  };
+  command
+      .add_option_function<std::string>("--unit", read_unit,
+                                        "unit of the coordinates, in all files of molecules")
+      ->type_name("UNIT")
+      ->check(CLI::IsMember(names))
+      ->default_str(names[0]);
+}
+
 SharedRequest add_pair_options(CLI::App& command) {
   auto request = std::make_shared<PairRequest>();
   command
       .add_option("pair", request->file,
-                  "xyz file of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz")
+                  "xyz file of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz; - is "
+                  "standard input")
       ->required()
       ->type_name("FILE");
   add_split_options(command, request);
@@ -56,19 +82,17 @@ CLI::Option* add_like_option(CLI::App& command, std::string& file) {
 std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request,
                                    const Pair& pair) {
   if (file.empty()) return std::nullopt;
+  if (is_standard_input(file) &&
+      (is_standard_input(request.file) || is_standard_input(request.second_file)))
+    throw InvalidInput("standard input (-) can be one file only");
   PairRequest of_reference = request;
   of_reference.file = file;
   of_reference.second_file.clear();
   of_reference.frame = 1;
-  if (request.split && std::holds_alternative<SplitByBonds>(*request.split))
-    return read_pair(of_reference).pair;
-  try {
+  if (request.split && !std::holds_alternative<SplitByBonds>(*request.split))
     of_reference.split.reset();
-    return read_pair(of_reference).pair;
-  } catch (const InvalidInput&) {  // it does not tell where molecule 2 begins, or cannot be read
-    of_reference.split = pair.n1();
-    return read_pair(of_reference).pair;
-  }
+  of_reference.n1_if_untold = pair.n1();
+  return read_pair(of_reference).pair;
 }
 
 void add_placing_options(CLI::App& command, PlacingOptions& options) {

@@ -11,6 +11,7 @@
 #include "dravo/frame.hpp"
 #include "dravo/identify.hpp"
 #include "driver/user_parameters.hpp"
+#include "molecules/input_file.hpp"
 
 namespace dravo {
 namespace {
@@ -62,7 +63,7 @@ std::string place_of(std::size_t k, const PoseDegrees& pose, const GivenPose& gi
                      const PairRequest& request) {
   const PoseParameter& parameter = kPoseParameters[k];
   const std::string value = shortest_text(pose.*parameter.value);
-  if (!given[k]) return fmt::format("{}: {} {}", request.file, parameter.name, value);
+  if (!given[k]) return fmt::format("{}: {} {}", shown_name(request.file), parameter.name, value);
   if (!given[k]->number.from_here) return fmt::format("--{} {}", parameter.name, value);
   return fmt::format("--{} {} = {}", parameter.name, given[k]->text, value);
 }

@@ -17,6 +17,7 @@
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/identify.hpp"
+#include "molecules/input_file.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
 
@@ -127,6 +128,7 @@ void run(ScanCommand& options) {
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
+  std::erase_if(request.inputs, is_standard_input);  // no result can replace it
   if (like) request.like = fingerprint_of(*like);
   const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
   const PairPlacer placer(
