@@ -22,12 +22,15 @@ set(DRAVO_LIBRARY_SOURCES
   src/identify/identification.cpp
   src/identify/principal_frames.cpp
   src/identify/strict_frame.cpp
+  src/molecules/bond_survey.cpp
   src/molecules/covalent_radii.cpp
   src/molecules/element_label.cpp
+  src/molecules/foreign_format.cpp
   src/molecules/fragments.cpp
   src/molecules/frame_stream.cpp
   src/molecules/input_text.cpp
   src/molecules/molecule.cpp
+  src/molecules/pair_check.cpp
   src/molecules/pair_file.cpp
   src/molecules/pair_table.cpp
   src/molecules/pose_range.cpp

@@ -9,11 +9,13 @@ target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_sanitized_resu
 dravo_test_programs(molecules protocol
   covalent_radii_test.cpp
   element_label_test.cpp
+  foreign_format_test.cpp
   fragments_test.cpp
   frame_stream_test.cpp
   input_text_test.cpp
   molecule_test.cpp
   neighbour_grid_test.cpp
+  pair_check_test.cpp
   pair_file_test.cpp
   pose_range_test.cpp
   xyz_file_test.cpp)
@@ -41,6 +43,7 @@ function(dravo_test_molecules folder)
 endfunction()
 
 dravo_test_molecules(identify)
+dravo_test_molecules(molecules)
 
 dravo_test_programs(symmetry protocol
   candidate_frames_test.cpp
@@ -90,9 +93,11 @@ add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
   cli/angles_test.cpp
+  cli/checks_test.cpp
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
+  cli/formats_test.cpp
   cli/here_test.cpp
   cli/identify_frames_test.cpp
   cli/identify_test.cpp
@@ -114,6 +119,7 @@ add_executable(cli_tests
   cli/scan_refusals_test.cpp
   cli/scan_totals_test.cpp
   cli/spoilt_scans_test.cpp
+  cli/standard_input_test.cpp
   cli/turned_axes_test.cpp
   cli/usage_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)

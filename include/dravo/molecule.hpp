@@ -72,7 +72,7 @@ class Pair {
   std::int32_t n1_;
 };
 
-enum class LengthUnit { angstrom, bohr };
+enum class LengthUnit { angstrom, bohr, nm };
 
 /// The two molecules are the two bonded components.
 struct SplitByBonds {};
@@ -83,11 +83,16 @@ using Split = std::optional<std::variant<SplitByBonds, std::int32_t>>;
 
 /// Which pair is wanted of which files.
 struct PairRequest {
-  std::string file;
+  std::string file;              ///< "-" for standard input
   std::string second_file = {};  ///< molecule 2, when `file` holds molecule 1 alone; else empty
   Split split = std::nullopt;
   std::int32_t frame = 1;  ///< of files with several, from 1
   LengthUnit unit = LengthUnit::angstrom;
+  /// Refuse bonds across the split, atoms closer than 0.5 Angstrom and coordinates in another unit;
+  /// remark on molecules that are not one connected whole.
+  bool check = true;
+  /// Atoms of molecule 1 when neither `split` nor the file tells.
+  std::optional<std::int32_t> n1_if_untold = std::nullopt;
 };
 
 struct PairFile {

@@ -298,7 +298,7 @@ void add_identify(CLI::App& program) {
   command.footer(kExample);
   const auto options = std::make_shared<IdentifyCommand>();
   options->frames.request = add_pair_file(command);
-  add_split_option(command, options->frames.request);
+  add_reading_options(command, options->frames.request);
   command
       .add_option("--frame", options->frame,
                   "which frame of a file with several, from 1; a table for all, A:B or A:B:STEP")

@@ -122,6 +122,7 @@ void identify_frames(const FramesCommand& command) {
   const ManyFrames wanted{*command.request,
                           command.selection,
                           {command.rule, like ? &*like : nullptr},
+                          command.criterion,
                           command.threads};
   TableOutput output(command.output);
   FrameTable table(command.unwrap);

@@ -15,6 +15,7 @@ struct FramesCommand {
   IndexSelection selection = IndexSelection::parse("--frame", "all");
   FrameRule rule = FrameRule::extended;
   std::string like;
+  ContactCriterion criterion;
   std::string output;  ///< empty for standard output
   bool overwrite = false;
   bool unwrap = false;

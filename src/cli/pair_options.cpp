@@ -9,11 +9,14 @@
 
 #include "common/number_text.hpp"
 #include "dravo/error.hpp"
+#include "molecules/input_file.hpp"
+#include "molecules/length_unit.hpp"
 #include "molecules/van_der_waals_radii.hpp"
 
 namespace dravo {
+namespace {
 
-void add_split_option(CLI::App& command, const SharedRequest& request) {
+void add_split(CLI::App& command, const SharedRequest& request) {
   const auto read_split = [request](const std::string& text) {
     if (text == "auto") {
       request->split = SplitByBonds{};
@@ -33,8 +36,29 @@ void add_split_option(CLI::App& command, const SharedRequest& request) {
       ->type_name("N1|auto");
 }
 
+}  // namespace
+
+void add_reading_options(CLI::App& command, const SharedRequest& request) {
+  add_split(command, request);
+  command.add_flag_callback(
+      "--no-check", [request] { request->check = false; },
+      "take a pair with bonds across the split, or with atoms closer than 0.5 Angstrom");
+  std::vector<std::string> names;
+  for (const NamedUnit& unit : kLengthUnits) names.emplace_back(unit.name);
+  const auto read_unit = [request](const std::string& name) {
+    for (const NamedUnit& unit : kLengthUnits)
+      if (unit.name == name) request->unit = unit.unit;
+  };
+  command
+      .add_option_function<std::string>("--unit", read_unit,
+                                        "unit of the coordinates, in all files of molecules")
+      ->type_name("UNIT")
+      ->check(CLI::IsMember(names))
+      ->default_str(names[0]);
+}
+
 void add_split_options(CLI::App& command, const SharedRequest& request) {
-  add_split_option(command, request);
+  add_reading_options(command, request);
   command.add_option("--frame", request->frame, "which frame of a file with several, from 1")
       ->type_name("K")
       ->check(CLI::Range(1, std::numeric_limits<std::int32_t>::max()));
@@ -44,7 +68,8 @@ SharedRequest add_pair_file(CLI::App& command) {
   auto request = std::make_shared<PairRequest>();
   command
       .add_option("pair", request->file,
-                  "xyz file of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz")
+                  "xyz file of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz; - is "
+                  "standard input")
       ->required()
       ->type_name("FILE");
   return request;
@@ -66,19 +91,17 @@ CLI::Option* add_like_option(CLI::App& command, std::string& file) {
 std::optional<Pair> reference_pair(const std::string& file, const PairRequest& request,
                                    std::optional<std::int32_t> n1) {
   if (file.empty()) return std::nullopt;
+  if (is_standard_input(file) &&
+      (is_standard_input(request.file) || is_standard_input(request.second_file)))
+    throw InvalidInput("standard input (-) can be one file only");
   PairRequest of_reference = request;
   of_reference.file = file;
   of_reference.second_file.clear();
   of_reference.frame = 1;
-  if (request.split && std::holds_alternative<SplitByBonds>(*request.split))
-    return read_pair(of_reference).pair;
-  try {
+  if (request.split && !std::holds_alternative<SplitByBonds>(*request.split))
     of_reference.split.reset();
-    return read_pair(of_reference).pair;
-  } catch (const InvalidInput&) {  // it does not tell where molecule 2 begins, or cannot be read
-    of_reference.split = n1;
-    return read_pair(of_reference).pair;
-  }
+  of_reference.n1_if_untold = n1;
+  return read_pair(of_reference).pair;
 }
 
 void add_placing_options(CLI::App& command, PlacingOptions& options) {

@@ -17,16 +17,17 @@ namespace dravo {
 /// Filled when the arguments are parsed; shared by the options and the work of a command.
 using SharedRequest = std::shared_ptr<PairRequest>;
 
-/// `--split N1|auto`.
-void add_split_option(CLI::App& command, const SharedRequest& request);
+/// What tells how the file of a pair is read, but for its frame: `--split N1|auto`, `--unit UNIT`
+/// and `--no-check`.
+void add_reading_options(CLI::App& command, const SharedRequest& request);
 
-/// `--split N1|auto` and `--frame K`.
+/// The same and `--frame K`.
 void add_split_options(CLI::App& command, const SharedRequest& request);
 
 /// The file of a pair as first argument.
 SharedRequest add_pair_file(CLI::App& command);
 
-/// The file of a pair as first argument, `--split` and `--frame`.
+/// The file of a pair as first argument, and how it is read.
 SharedRequest add_pair_options(CLI::App& command);
 
 /// `--like FILE`, the file of the same pair whose axes are carried along.

@@ -9,6 +9,7 @@
 #include "common/shown_text.hpp"
 #include "dravo/frame.hpp"
 #include "dravo/identify.hpp"
+#include "molecules/input_file.hpp"
 #include "molecules/pose_range.hpp"
 
 namespace dravo {
@@ -61,7 +62,7 @@ std::string place_of(std::size_t k, const PoseDegrees& pose, const GivenPose& gi
                      const PairRequest& request) {
   const PoseParameter& parameter = kPoseParameters[k];
   const std::string value = shortest_text(pose.*parameter.value);
-  if (!given[k]) return fmt::format("{}: {} {}", request.file, parameter.name, value);
+  if (!given[k]) return fmt::format("{}: {} {}", shown_name(request.file), parameter.name, value);
   if (!given[k]->number.from_here) return fmt::format("--{} {}", parameter.name, value);
   return fmt::format("--{} {} = {}", parameter.name, given[k]->text, value);
 }

@@ -155,18 +155,6 @@ void prepare(const Preparation& wanted) {
   tell({written_line(wanted.output, file.pair)});
 }
 
-// --- options ----------------------------------------------------------------------------------
-
-void add_unit(CLI::App& command, const SharedRequest& request) {
-  const auto read_unit = [request](const std::string& text) {
-    request->unit = text == "bohr" ? LengthUnit::bohr : LengthUnit::angstrom;
-  };
-  command.add_option_function<std::string>("--unit", read_unit, "unit of the coordinates in FILE")
-      ->type_name("UNIT")
-      ->check(CLI::IsMember({"angstrom", "bohr"}))
-      ->default_str("angstrom");
-}
-
 }  // namespace
 
 void add_prepare(CLI::App& program) {
@@ -181,7 +169,6 @@ void add_prepare(CLI::App& program) {
   add_second_file(command, wanted->request);
   add_pose_options(command, wanted->given);
   add_split_options(command, wanted->request);
-  add_unit(command, wanted->request);
   command.add_option("-o,--output", wanted->output, "file to write")
       ->type_name("FILE")
       ->capture_default_str();

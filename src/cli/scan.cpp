@@ -18,6 +18,7 @@
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/identify.hpp"
+#include "molecules/input_file.hpp"
 #include "results/interruption.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
@@ -153,10 +154,10 @@ void run(ScanCommand& options) {
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
+  std::erase_if(request.inputs, is_standard_input);  // no result can replace it
   const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
-  const PairPlacer placer(
-      pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr,
-                  plan.criterion()});
+  const PairPlacer placer(pair.pair, {exact ? Placing::exact : options.placing.placing,
+                                      like ? &*like : nullptr, plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
   if (!options.quiet && request.writing != Writing::nothing) tell_of_unknown_radii(pair.pair);
   report(scanned(placer, {pair.pair, like}, plan, request), options, writing_of(plan, request),

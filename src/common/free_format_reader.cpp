@@ -182,15 +182,17 @@ void FreeFormatReader::refuse_end_of_file(const Expected& expected) const {
                                     {name_, missing_line}));
 }
 
-std::string read_file(const std::string& name) {
-  const auto fail = [&](int reason) -> IoFailure {
-    return IoFailure{name + ": cannot read: " + std::generic_category().message(reason)};
-  };
-  const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) throw fail(errno);
+namespace {
+
+[[noreturn]] void refuse_to_read(const std::string& name, int reason) {
+  throw IoFailure(name + ": cannot read: " + std::generic_category().message(reason));
+}
+
+/// From where the descriptor stands to the end. Returns errno, 0 when all is read.
+int read_rest(int descriptor, std::string& contents) {
   struct stat status {};
   const bool has_size = ::fstat(descriptor, &status) == 0 && status.st_size > 0;
-  std::string contents(has_size ? static_cast<std::size_t>(status.st_size) + 1 : 4096, '\0');
+  contents.assign(has_size ? static_cast<std::size_t>(status.st_size) + 1 : 4096, '\0');
   std::size_t filled = 0;
   while (true) {
     const ssize_t count = ::read(descriptor, contents.data() + filled, contents.size() - filled);
@@ -199,13 +201,29 @@ std::string read_file(const std::string& name) {
       filled += static_cast<std::size_t>(count);
       if (filled == contents.size()) contents.resize(2 * filled);
     } else if (errno != EINTR) {
-      const int reason = errno;
-      ::close(descriptor);
-      throw fail(reason);
+      return errno;
     }
   }
-  ::close(descriptor);
   contents.resize(filled);
+  return 0;
+}
+
+}  // namespace
+
+std::string read_file(const std::string& name) {
+  const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) refuse_to_read(name, errno);
+  std::string contents;
+  const int reason = read_rest(descriptor, contents);
+  ::close(descriptor);
+  if (reason != 0) refuse_to_read(name, reason);
+  return contents;
+}
+
+std::string read_standard_input() {
+  std::string contents;
+  const int reason = read_rest(STDIN_FILENO, contents);
+  if (reason != 0) refuse_to_read("standard input", reason);
   return contents;
 }
 

@@ -109,4 +109,7 @@ class FreeFormatReader {
 /// The whole file as bytes. Throws IoFailure with the system's reason.
 std::string read_file(const std::string& name);
 
+/// The same of standard input.
+std::string read_standard_input();
+
 }  // namespace dravo

@@ -12,6 +12,8 @@
 #include "common/ordered_chunks.hpp"
 #include "common/text.hpp"
 #include "dravo/error.hpp"
+#include "molecules/foreign_format.hpp"
+#include "molecules/length_unit.hpp"
 #include "molecules/pair_file.hpp"
 
 namespace dravo {
@@ -35,6 +37,12 @@ struct Batch {
   std::int64_t bytes = 0;  ///< of the file, behind them
 };
 
+/// The first frame that is wanted shows a mistake that all of them have, such as a wrong unit.
+class MistakenPairs : public InvalidInput {
+ public:
+  using InvalidInput::InvalidInput;
+};
+
 std::string joined(const std::vector<std::string>& sentences) {
   std::string text;
   for (const std::string& sentence : sentences)
@@ -42,11 +50,18 @@ std::string joined(const std::vector<std::string>& sentences) {
   return text;
 }
 
-void identify_pair(const Pair& pair, const IdentifyOptions& options, IdentifiedFrame& frame) {
-  const Identification found = identify(pair, options);
+void identify_pair(const Pair& pair, const ManyFrames& wanted, IdentifiedFrame& frame) {
+  const Identification found = identify(pair, wanted.options);
   frame.parameters = found.parameters;
-  frame.survey = survey_contacts(pair);
+  frame.survey = survey_contacts(pair, wanted.criterion);
   frame.remark = joined(remarks_on(found));
+}
+
+void add_findings(const std::vector<std::string>& findings, IdentifiedFrame& frame) {
+  for (std::string finding : findings) {
+    std::replace(finding.begin(), finding.end(), '\n', ' ');
+    frame.remark.append(frame.remark.empty() ? "" : "; ").append(finding);
+  }
 }
 
 /// Whether the stream is a `QN-input-GEOMETRY.xyz`, which holds one pair.
@@ -55,6 +70,14 @@ bool holds_qn_input(FrameStream& stream) {
   const std::string_view first = stream.first_lines(1);
   const auto N = parse_integer(trimmed(first.substr(0, first.find('\n'))));
   return N && is_qn_input(stream.first_lines(*N + kLinesBesides));
+}
+
+/// Only a text that does not begin with a count can be of another format.
+void refuse_foreign_format(FrameStream& stream, const std::string& file) {
+  constexpr std::int64_t kLines = 1000;
+  if (stream.begins_with_count()) return;
+  if (const auto message = foreign_format_message(file, stream.first_lines(kLines)))
+    throw InvalidInput(*message, {stream.name()});
 }
 
 /// The selected frames of a stream, batch after batch.
@@ -106,10 +129,7 @@ class WantedFrames {
 class FrameIdentifier {
  public:
   FrameIdentifier(const FrameStream& stream, const ManyFrames& wanted)
-      : name_(stream.name()),
-        angstrom_per_unit_(angstrom_per(wanted.pair.unit)),
-        request_(wanted.pair),
-        options_(wanted.options) {}
+      : name_(stream.name()), wanted_(&wanted) {}
 
   void make(Batch& batch) const {
     batch.found.clear();
@@ -126,6 +146,8 @@ class FrameIdentifier {
     IdentifiedFrame frame{.number = number};
     try {
       look_at(lines, n1, frame);
+    } catch (const MistakenPairs&) {
+      throw;
     } catch (const NoUniqueFrame& refusal) {
       frame.bad = {fmt::format("frame {}: {}", number, joined(refusal.reasons())), true};
     } catch (const Error& failure) {
@@ -136,15 +158,19 @@ class FrameIdentifier {
 
   void look_at(const NamedText& lines, std::optional<std::int32_t> n1,
                IdentifiedFrame& frame) const {
-    XyzFrame read = read_xyz_frame(lines, frame.number, angstrom_per_unit_);
+    const PairRequest& request = wanted_->pair;
+    XyzFrame read = read_xyz_frame(lines, frame.number, named_unit(request.unit).angstrom);
     read.n1 = n1;
-    identify_pair(pair_of_frame(std::move(read), request_).pair, options_, frame);
+    const auto [pair, check] = pair_of_frame(std::move(read), request);
+    if (frame.number == wanted_->selection.first() && !check.refusals.empty())
+      throw MistakenPairs(check.refusals[0]);
+    identify_pair(pair, *wanted_, frame);
+    add_findings(check.refusals, frame);
+    add_findings(check.warnings, frame);
   }
 
   std::string_view name_;
-  double angstrom_per_unit_;
-  const PairRequest& request_;
-  IdentifyOptions options_;
+  const ManyFrames* wanted_;
 };
 
 }  // namespace
@@ -153,11 +179,11 @@ std::int64_t identify_frames(FrameStream& stream, const ManyFrames& wanted,
                              const TakeFrames& take) {
   if (holds_qn_input(stream)) {
     IdentifiedFrame only{.number = 1};
-    identify_pair(pair_of_text({stream.name(), stream.rest()}, wanted.pair).pair, wanted.options,
-                  only);
+    identify_pair(pair_of_text(stream.rest(), wanted.pair).pair, wanted, only);
     take({&only, 1}, stream.bytes());
     return 1;
   }
+  refuse_foreign_format(stream, wanted.pair.file);
   WantedFrames frames(stream, wanted.selection);
   make_chunks_of_stream<Batch>(
       wanted.threads, [&](Batch& batch) { return frames.fill(batch); },

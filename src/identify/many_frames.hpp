@@ -35,6 +35,7 @@ struct ManyFrames {
   PairRequest pair;  ///< its file is that of the stream; its frame is not looked at
   IndexSelection selection = IndexSelection::parse("frames", "all");
   IdentifyOptions options = {};
+  ContactCriterion criterion = {};
   int threads = 0;  ///< 0 for as many as the machine has cores
 };
 
@@ -45,8 +46,9 @@ using TakeFrames = std::function<void(std::span<const IdentifiedFrame>, std::int
 /// called by one thread at a time; what it throws ends the work and is thrown here. Returns the
 /// number of frames that were looked through, those that were not selected among them.
 ///
-/// Throws IoFailure, and InvalidInput when the file has not the first of the selected frames, or
-/// one that was selected alone.
+/// Where the distances of the first of them show a mistake (`check_pair`), InvalidInput is thrown;
+/// those of later ones stand in the remarks. Throws IoFailure, and InvalidInput when the file has
+/// not the first of the selected frames, or one that was selected alone.
 std::int64_t identify_frames(FrameStream& stream, const ManyFrames& wanted, const TakeFrames& take);
 
 }  // namespace dravo

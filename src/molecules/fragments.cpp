@@ -104,13 +104,14 @@ std::string atoms_text(std::int32_t count) {
   return fmt::format("{} {}", count, count == 1 ? "atom" : "atoms");
 }
 
-std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows) {
+std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows,
+                           std::int32_t atoms_before) {
   std::map<std::string_view, std::size_t> counts;  // in alphabetical order
   Rows atoms;
   for (const std::int32_t row : rows) {
     const std::string_view label = text_of(labels[static_cast<std::size_t>(row)]);
     ++counts[label.substr(0, label.find(' '))];
-    atoms.push_back(row + 1);
+    atoms.push_back(atoms_before + row + 1);
   }
   std::string formula;
   const auto append = [&](std::string_view symbol) {
@@ -126,6 +127,26 @@ std::string describe_atoms(std::span<const Label> labels, std::span<const std::i
   while (!counts.empty()) append(counts.begin()->first);
   return fmt::format("{} {} ({})", atoms_text(static_cast<std::int32_t>(rows.size())), formula,
                      ranges_of(atoms));
+}
+
+std::string shortened(std::string enumeration) {
+  constexpr std::size_t kMost = 300;
+  if (enumeration.size() > kMost)
+    enumeration.replace(enumeration.rfind(", ", kMost), std::string::npos, ", ...");
+  return enumeration;
+}
+
+std::string molecule_text(std::size_t number, std::span<const Label> labels, const Rows& rows) {
+  return fmt::format("molecule {}: {}", number, shortened(describe_atoms(labels, rows)));
+}
+
+std::string listed_molecules(std::span<const Label> labels, const std::vector<Rows>& molecules) {
+  constexpr std::size_t kMostListed = 10;
+  std::string text;
+  for (std::size_t k = 0; k < std::min(molecules.size(), kMostListed); ++k)
+    text += "\n  " + molecule_text(k + 1, labels, molecules[k]);
+  if (molecules.size() > kMostListed) text += "\n  ...";
+  return text;
 }
 
 }  // namespace dravo

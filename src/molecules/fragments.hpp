@@ -1,6 +1,7 @@
 /// Molecules as what is bonded.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -21,7 +22,18 @@ std::vector<Rows> bonded_components(std::span<const Label> labels, std::span<con
 /// "6 atoms", "1 atom".
 std::string atoms_text(std::int32_t count);
 
-/// "6 atoms CH3NO (1-6)": number, formula in Hill's order, numbers of the atoms.
-std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows);
+/// "6 atoms CH3NO (1-6)": number, formula in Hill's order, numbers of the atoms, which count on
+/// from `atoms_before`.
+std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows,
+                           std::int32_t atoms_before = 0);
+
+/// An enumeration that ends early, with "...", where it is long.
+std::string shortened(std::string enumeration);
+
+/// "molecule 2: 6 atoms CH3NO (7-12)".
+std::string molecule_text(std::size_t number, std::span<const Label> labels, const Rows& rows);
+
+/// The first of the molecules, each on a line of its own, with an end of line before it.
+std::string listed_molecules(std::span<const Label> labels, const std::vector<Rows>& molecules);
 
 }  // namespace dravo

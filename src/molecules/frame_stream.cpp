@@ -13,6 +13,7 @@
 #include "common/text.hpp"
 #include "dravo/atoms.hpp"
 #include "molecules/element_label.hpp"
+#include "molecules/input_file.hpp"
 #include "molecules/xyz_file.hpp"
 
 namespace dravo {
@@ -40,8 +41,9 @@ bool reads_as_atom(std::string_view line) {
 }  // namespace
 
 FrameStream::FrameStream(const std::string& file)
-    : name_(file == "-" ? "standard input" : file),
-      descriptor_(file == "-" ? STDIN_FILENO : ::open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
+    : name_(shown_name(file)),
+      descriptor_(is_standard_input(file) ? STDIN_FILENO
+                                          : ::open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
   if (descriptor_ < 0) throw_system_failure(name_, "read");
   struct stat facts {};
   if (::fstat(descriptor_, &facts) == 0 && S_ISREG(facts.st_mode)) bytes_ = facts.st_size;
@@ -147,6 +149,11 @@ void FrameStream::find_trailer() {
   const std::size_t end = behind_lines(frame_bytes_, kLines);
   if (end == unread().size() && !fill()) n1_ = trailer_in(unread().substr(frame_bytes_));
   if (n1_) frame_bytes_ = end;
+}
+
+bool FrameStream::begins_with_count() {
+  skip_blank_lines();
+  return unread().empty() || count_at(0);
 }
 
 std::string_view FrameStream::first_lines(std::int64_t lines) {

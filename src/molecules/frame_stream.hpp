@@ -33,6 +33,9 @@ class FrameStream {
   /// stands alone in a line with no atom in the line below. Throws IoFailure.
   bool next(Frame& frame);
 
+  /// Whether the first line that is not blank is the count of a frame. Until a frame is taken.
+  bool begins_with_count();
+
   /// The text as far as so many lines, from where no frame was taken yet. Until a frame is taken.
   std::string_view first_lines(std::int64_t lines);
 

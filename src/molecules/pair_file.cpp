@@ -20,13 +20,15 @@
 #include "driver/user_parameters.hpp"
 #include "molecules/coordinate.hpp"
 #include "molecules/element_label.hpp"
+#include "molecules/foreign_format.hpp"
 #include "molecules/fragments.hpp"
+#include "molecules/input_file.hpp"
+#include "molecules/length_unit.hpp"
+#include "molecules/pair_check.hpp"
 #include "molecules/pose_range.hpp"
 
 namespace dravo {
 namespace {
-
-constexpr double kAngstromPerBohr = 0.529177210903;  // CODATA 2018
 
 /// What one file holds.
 struct Contents {
@@ -35,6 +37,7 @@ struct Contents {
   std::optional<std::int32_t> n1;  ///< of a file that tells it
   std::optional<PoseDegrees> parameters;
   std::int32_t frames = 1;
+  bool any_unit = true;  ///< false for formats that are always in Angstrom
 
   [[nodiscard]] std::int32_t N() const { return static_cast<std::int32_t>(labels.size()); }
 };
@@ -167,6 +170,7 @@ Contents read_qn_input(const NamedText& source, std::int32_t N) {
   const InputGeometry input = read_input(reader, atoms, copy, contents.labels, kAnyCounts);
   contents.n1 = input.split.n1;
   contents.parameters = input.stated;
+  contents.any_unit = false;
   require_in_range(name, input.stated);
   for (std::int32_t i = 0; i < N; ++i) contents.positions.push_back(atoms.position(i));
   require_elements(source, contents.labels);
@@ -182,29 +186,48 @@ void require_plain_request(const std::string& name, const PairRequest& request) 
     throw InvalidInput(
         fmt::format("{}: there is no frame {}: the file holds one pair", name, request.frame));
   if (request.unit != LengthUnit::angstrom)
-    throw InvalidInput(name + ": files of this format are in Angstrom, not in bohr");
+    throw InvalidInput(fmt::format("{}: files of this format are in Angstrom, not in {}", name,
+                                   named_unit(request.unit).name));
 }
 
 Contents contents_of(XyzFrame frame) {
-  const auto n1 = frame.n1 ? frame.n1 : frame.n1_of_column;
-  return {std::move(frame.labels), std::move(frame.positions), n1, std::nullopt, frame.frames};
+  Contents contents;
+  contents.labels = std::move(frame.labels);
+  contents.positions = std::move(frame.positions);
+  contents.n1 = frame.n1 ? frame.n1 : frame.n1_of_column;
+  contents.frames = frame.frames;
+  contents.any_unit = !frame.n1;
+  return contents;
 }
 
-Contents contents_of(const NamedText& source, const PairRequest& request) {
-  const std::string name(source.name);
-  const auto N = first_integer(source.text);
-  if (N && is_qn_input(source.text, *N)) {
+/// As `read_xyz`, but of another format it tells which.
+XyzFrame read_xyz_or_tell(const std::string& file, const NamedText& source, std::int32_t frame,
+                          LengthUnit unit) {
+  try {
+    return read_xyz(source, frame, named_unit(unit).angstrom);
+  } catch (const InvalidInput&) {
+    if (const auto message = foreign_format_message(file, source.text))
+      throw InvalidInput(*message, {std::string(source.name)});
+    throw;
+  }
+}
+
+/// `file` is its name, or "-".
+Contents contents_of(const std::string& file, std::string_view text, const PairRequest& request) {
+  const std::string name = shown_name(file);
+  const NamedText source{name, text};
+  const auto N = first_integer(text);
+  if (N && is_qn_input(text, *N)) {
     require_plain_request(name, request);
     return read_qn_input(source, *N);
   }
-  XyzFrame frame = read_xyz(source, request.frame, angstrom_per(request.unit));
+  XyzFrame frame = read_xyz_or_tell(file, source, request.frame, request.unit);
   if (frame.n1) require_plain_request(name, request);
   return contents_of(std::move(frame));
 }
 
-Contents read_contents(const std::string& name, const PairRequest& request) {
-  const std::string text = read_file(name);
-  return contents_of({name, text}, request);
+Contents read_contents(const std::string& file, const PairRequest& request) {
+  return contents_of(file, read_input(file), request);
 }
 
 void remark_on_frames(const std::string& name, const Contents& contents, std::int32_t frame,
@@ -215,26 +238,17 @@ void remark_on_frames(const std::string& name, const Contents& contents, std::in
 
 // --- two molecules ----------------------------------------------------------------------------
 
-/// Ends a long enumeration early.
-std::string shortened(std::string text) {
-  constexpr std::size_t kMost = 300;
-  if (text.size() > kMost) text.replace(text.rfind(", ", kMost), std::string::npos, ", ...");
-  return text;
-}
-
-std::string molecule_text(std::size_t number, std::span<const Label> labels, const Rows& rows) {
-  return fmt::format("molecule {}: {}", number, shortened(describe_atoms(labels, rows)));
-}
-
-[[noreturn]] void refuse_components(const std::string& name, std::span<const Label> labels,
+[[noreturn]] void refuse_components(const PairRequest& request, const Contents& contents,
                                     const std::vector<Rows>& components) {
-  constexpr std::size_t kMostListed = 10;
   std::string text =
-      fmt::format("{}: the bonds make {} {}, not two; use --split N1", name, components.size(),
+      fmt::format("{}: the bonds make {} {}, not two", request.file, components.size(),
                   components.size() == 1 ? "molecule" : "molecules");
-  for (std::size_t k = 0; k < std::min(components.size(), kMostListed); ++k)
-    text += "\n  " + molecule_text(k + 1, labels, components[k]);
-  if (components.size() > kMostListed) text += "\n  ...";
+  if (const auto unit = better_unit(contents.labels, contents.positions, request.unit)) {
+    const char* const name = named_unit(*unit).name;
+    text += fmt::format("\nthe coordinates make molecules in {}: use --unit {}", name, name);
+  } else {
+    text += "; use --split N1" + listed_molecules(contents.labels, components);
+  }
   throw InvalidInput(text);
 }
 
@@ -248,10 +262,11 @@ std::vector<Value> reordered(const std::vector<Value>& values, const Rows& rows)
 }
 
 /// Returns n1; moves the atoms of molecule 1 to the front.
-std::int32_t split_by_bonds(const std::string& name, Contents& contents,
+std::int32_t split_by_bonds(const PairRequest& request, Contents& contents,
                             std::vector<std::string>& remarks) {
+  const std::string name = shown_name(request.file);
   const auto components = bonded_components(contents.labels, contents.positions);
-  if (components.size() != 2) refuse_components(name, contents.labels, components);
+  if (components.size() != 2) refuse_components(request, contents, components);
   for (std::size_t k = 0; k < 2; ++k)
     remarks.push_back(molecule_text(k + 1, contents.labels, components[k]));
   const auto n1 = static_cast<std::int32_t>(components[0].size());
@@ -276,17 +291,18 @@ std::int32_t split_of(const PairRequest& request, Contents& contents,
                       std::vector<std::string>& remarks) {
   if (!request.split) {
     if (contents.n1) return *contents.n1;
+    if (request.n1_if_untold) return *request.n1_if_untold;
     throw InvalidInput(
-        request.file +
+        shown_name(request.file) +
         ": where molecule 2 begins is not known; use --split N1, the number of atoms "
         "of molecule 1, or --split auto, by bonds");
   }
   if (std::holds_alternative<SplitByBonds>(*request.split))
-    return split_by_bonds(request.file, contents, remarks);
+    return split_by_bonds(request, contents, remarks);
   const std::int32_t n1 = std::get<std::int32_t>(*request.split);
   if (contents.n1.value_or(n1) != n1)
-    throw InvalidInput(fmt::format("{}: the file gives molecule 1 {}, --split {}", request.file,
-                                   atoms_text(*contents.n1), n1));
+    throw InvalidInput(fmt::format("{}: the file gives molecule 1 {}, --split {}",
+                                   shown_name(request.file), atoms_text(*contents.n1), n1));
   return n1;
 }
 
@@ -298,40 +314,69 @@ Pair pair_of(const std::string& name, Contents& contents, std::int32_t n1) {
   }
 }
 
-PairFile pair_file_of(Contents contents, const PairRequest& request) {
-  std::vector<std::string> remarks;
-  remark_on_frames(request.file, contents, request.frame, remarks);
+PairCheck checked(const Pair& pair, const PairRequest& request, const PairOrigin& origin) {
+  return request.check ? check_pair(pair, origin) : PairCheck{};
+}
+
+/// Throws InvalidInput for what nobody wants.
+void apply(PairCheck found, const std::string& name, std::vector<std::string>& remarks) {
+  if (!found.refusals.empty()) throw InvalidInput(found.refusals[0], {name});
+  for (std::string& warning : found.warnings) remarks.push_back(std::move(warning));
+}
+
+CheckedPair checked_pair(Contents contents, const PairRequest& request,
+                         std::vector<std::string>& remarks) {
+  const std::string name = shown_name(request.file);
+  const Division division = contents.parameters ? Division::apart
+                            : contents.n1       ? Division::told
+                                                : Division::asked;
   const std::int32_t n1 = split_of(request, contents, remarks);
-  return {pair_of(request.file, contents, n1), contents.parameters, std::move(remarks)};
+  Pair pair = pair_of(name, contents, n1);
+  PairCheck check = checked(pair, request, {name, "", division, request.unit, contents.any_unit});
+  return {std::move(pair), std::move(check)};
+}
+
+PairFile pair_file_of(Contents contents, const PairRequest& request) {
+  const std::string name = shown_name(request.file);
+  const auto parameters = contents.parameters;
+  std::vector<std::string> remarks;
+  remark_on_frames(name, contents, request.frame, remarks);
+  auto [pair, check] = checked_pair(std::move(contents), request, remarks);
+  apply(std::move(check), name, remarks);
+  return {std::move(pair), parameters, std::move(remarks)};
 }
 
 PairFile read_two_files(const PairRequest& request) {
   if (request.split)
     throw InvalidInput("--split does not go with two files: each of them is one molecule");
+  if (is_standard_input(request.file) && is_standard_input(request.second_file))
+    throw InvalidInput("standard input (-) can be one file only");
   std::vector<std::string> remarks;
   std::array<Contents, 2> molecules;
+  const std::array<std::string, 2> names{shown_name(request.file), shown_name(request.second_file)};
   for (const std::size_t k : {0U, 1U}) {
-    const std::string& name = k == 0 ? request.file : request.second_file;
-    molecules[k] = read_contents(name, request);
+    molecules[k] = read_contents(k == 0 ? request.file : request.second_file, request);
     if (molecules[k].n1)
-      throw InvalidInput(name + ": the file holds both molecules; it cannot be one of two files");
-    remark_on_frames(name, molecules[k], request.frame, remarks);
+      throw InvalidInput(names[k] +
+                         ": the file holds both molecules; it cannot be one of two files");
+    remark_on_frames(names[k], molecules[k], request.frame, remarks);
   }
   auto& [one, two] = molecules;
   const std::int32_t n1 = one.N();
   one.labels.insert(one.labels.end(), two.labels.begin(), two.labels.end());
   one.positions.insert(one.positions.end(), two.positions.begin(), two.positions.end());
-  return {pair_of(request.file + ", " + request.second_file, one, n1), std::nullopt,
-          std::move(remarks)};
+  Pair pair = pair_of(names[0] + ", " + names[1], one, n1);
+  apply(checked(pair, request, {names[0], names[1], Division::apart, request.unit}), names[0],
+        remarks);
+  return {std::move(pair), std::nullopt, std::move(remarks)};
 }
 
 }  // namespace
 
-double angstrom_per(LengthUnit unit) { return unit == LengthUnit::bohr ? kAngstromPerBohr : 1.0; }
-
 Molecule read_molecule(const std::string& file, std::int32_t frame, LengthUnit unit) {
-  const std::string text = read_file(file);
-  XyzFrame found = read_xyz({file, text}, frame, angstrom_per(unit));
+  const std::string name = shown_name(file);
+  const std::string text = read_input(file);
+  XyzFrame found = read_xyz_or_tell(file, {name, text}, frame, unit);
   return {std::move(found.labels), std::move(found.positions)};
 }
 
@@ -340,12 +385,13 @@ bool is_qn_input(std::string_view text) {
   return N && is_qn_input(text, *N);
 }
 
-PairFile pair_of_text(const NamedText& source, const PairRequest& request) {
-  return pair_file_of(contents_of(source, request), request);
+PairFile pair_of_text(std::string_view text, const PairRequest& request) {
+  return pair_file_of(contents_of(request.file, text, request), request);
 }
 
-PairFile pair_of_frame(XyzFrame frame, const PairRequest& request) {
-  return pair_file_of(contents_of(std::move(frame)), request);
+CheckedPair pair_of_frame(XyzFrame frame, const PairRequest& request) {
+  std::vector<std::string> ignored;  // how bonds divide it
+  return checked_pair(contents_of(std::move(frame)), request, ignored);
 }
 
 PairFile read_pair(const PairRequest& request) {

@@ -3,21 +3,25 @@
 
 #include <string_view>
 
-#include "common/shown_text.hpp"
 #include "dravo/molecule.hpp"
+#include "molecules/pair_check.hpp"
 #include "molecules/xyz_file.hpp"
 
 namespace dravo {
 
-double angstrom_per(LengthUnit unit);
-
 /// Whether a text is a `QN-input-GEOMETRY.xyz`. Its count and the four lines behind its atoms tell.
 bool is_qn_input(std::string_view text);
 
-/// As `read_pair` does with a file of this text.
-PairFile pair_of_text(const NamedText& source, const PairRequest& request);
+/// As `read_pair` does with `request.file`, which has this text.
+PairFile pair_of_text(std::string_view text, const PairRequest& request);
+
+/// A pair and what its distances show; nothing when it is not to be checked.
+struct CheckedPair {
+  Pair pair;
+  PairCheck check;
+};
 
 /// The pair of a frame of `request.file`.
-PairFile pair_of_frame(XyzFrame frame, const PairRequest& request);
+CheckedPair pair_of_frame(XyzFrame frame, const PairRequest& request);
 
 }  // namespace dravo
