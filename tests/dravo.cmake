@@ -14,6 +14,7 @@ dravo_test_programs(molecules protocol
   molecule_test.cpp
   neighbour_grid_test.cpp
   pair_file_test.cpp
+  van_der_waals_radii_test.cpp
   xyz_file_test.cpp)
 
 dravo_test_programs(identify protocol
@@ -21,7 +22,10 @@ dravo_test_programs(identify protocol
   axes_test.cpp
   carried_frames_test.cpp
   closed_form_test.cpp
+  contact_radii_test.cpp
+  contacts_test.cpp
   frame_words_test.cpp
+  hydrogen_bonds_test.cpp
   identification_test.cpp
   remarks_test.cpp
   rotors_test.cpp)
@@ -86,6 +90,7 @@ dravo_test_programs(results results
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
+  cli/contacts_test.cpp
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp

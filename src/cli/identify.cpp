@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "cli/commands.hpp"
+#include "cli/contact_report.hpp"
 #include "cli/pair_options.hpp"
 #include "common/number_format.hpp"
 #include "dravo/error.hpp"
@@ -222,16 +223,24 @@ struct IdentifyCommand {
   bool all_sets = false;
   FrameRule frames = FrameRule::extended;
   std::string like;
+  ContactCriterion criterion;
 };
 
 void show(const IdentifyCommand& command) {
   const PairFile file = read_pair(*command.request);
   tell(file.remarks);
+  tell_of_unknown_radii(file.pair);
   const std::optional<Pair> like = reference_pair(command.like, *command.request, file.pair);
   try {
     const Identification found = identify(file.pair, {command.frames, like ? &*like : nullptr});
-    std::cout << (command.json ? json_of(found, command.all_sets).dump(2) + '\n'
-                               : text_of(found, command.all_sets));
+    if (command.json) {
+      Json json = json_of(found, command.all_sets);
+      json.update(contact_json(file.pair, command.criterion));
+      std::cout << json.dump(2) << '\n';
+    } else {
+      std::cout << text_of(found, command.all_sets)
+                << contact_section(file.pair, command.criterion);
+    }
   } catch (const NoUniqueFrame& refusal) {
     if (command.json) std::cout << refused_json(refusal.reasons());
     throw;
@@ -261,6 +270,7 @@ void add_identify(CLI::App& program) {
                            ->check(CLI::IsMember({"extended", "strict"}))
                            ->default_str("extended");
   add_like_option(command, options->like)->excludes(frames);
+  add_contact_option(command, options->criterion);
   command.callback([options] { show(*options); });
 }
 

@@ -130,9 +130,8 @@ void run(ScanCommand& options) {
                     plan.zip_file(), options.placing.like};
   if (like) request.like = fingerprint_of(*like);
   const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
-  const PairPlacer placer(
-      pair.pair, {exact ? Placing::exact : options.placing.placing, like ? &*like : nullptr,
-                  plan.criterion()});
+  const PairPlacer placer(pair.pair, {exact ? Placing::exact : options.placing.placing,
+                                      like ? &*like : nullptr, plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
   if (!options.quiet && !request.count_only) tell_of_unknown_radii(pair.pair);
   report(run_scan(placer, pair.pair, plan, request), options, plan.files(), placer.exact());
