@@ -18,6 +18,7 @@ dravo_test_programs(molecules protocol
   pair_check_test.cpp
   pair_file_test.cpp
   pose_range_test.cpp
+  van_der_waals_radii_test.cpp
   xyz_file_test.cpp)
 
 dravo_test_programs(identify protocol
@@ -25,7 +26,10 @@ dravo_test_programs(identify protocol
   axes_test.cpp
   carried_frames_test.cpp
   closed_form_test.cpp
+  contact_radii_test.cpp
+  contacts_test.cpp
   frame_words_test.cpp
+  hydrogen_bonds_test.cpp
   identification_test.cpp
   many_frames_test.cpp
   remarks_test.cpp
@@ -94,6 +98,7 @@ target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
   cli/angles_test.cpp
   cli/checks_test.cpp
+  cli/contacts_test.cpp
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp

@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "cli/commands.hpp"
+#include "cli/contact_report.hpp"
 #include "cli/identify_frames.hpp"
 #include "cli/pair_options.hpp"
 #include "common/number_format.hpp"
@@ -251,12 +252,18 @@ void show_one(const IdentifyCommand& command) {
   const PairRequest& request = *command.frames.request;
   const PairFile file = read_pair(request);
   tell(file.remarks);
-  const std::optional<Pair> like = reference_pair(command.frames.like, request, file.pair.n1());
+  tell_of_unknown_radii(file.pair);
+  const FramesCommand& frames = command.frames;
+  const std::optional<Pair> like = reference_pair(frames.like, request, file.pair.n1());
   try {
-    const Identification found =
-        identify(file.pair, {command.frames.rule, like ? &*like : nullptr});
-    std::cout << (command.json ? json_of(found, command.all_sets).dump(2) + '\n'
-                               : text_of(found, command.all_sets));
+    const Identification found = identify(file.pair, {frames.rule, like ? &*like : nullptr});
+    if (command.json) {
+      Json json = json_of(found, command.all_sets);
+      json.update(contact_json(file.pair, frames.criterion));
+      std::cout << json.dump(2) << '\n';
+    } else {
+      std::cout << text_of(found, command.all_sets) << contact_section(file.pair, frames.criterion);
+    }
   } catch (const NoUniqueFrame& refusal) {
     if (command.json) std::cout << refused_json(refusal.reasons());
     throw;
@@ -318,6 +325,7 @@ void add_identify(CLI::App& program) {
                          ->check(CLI::IsMember({"extended", "strict"}))
                          ->default_str("extended");
   add_like_option(command, options->frames.like)->excludes(rule);
+  add_contact_option(command, options->frames.criterion);
   add_table_options(command, options->frames);
   command.callback([options] { show(*options); });
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cli/commands.hpp"
+#include "cli/contact_report.hpp"
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
@@ -41,6 +42,7 @@ struct PlaceCommand {
   SharedRequest request = std::make_shared<PairRequest>();
   GivenPose given;
   PlacingOptions placing;
+  ContactCriterion criterion;
   bool keep_frame = false;
   std::string output;
   bool overwrite = false;
@@ -76,22 +78,6 @@ std::string frame_of(const Placer& placer, const PoseDegrees& pose,
     text += i < placer.n1() ? " 1\n" : " 2\n";
   }
   return text;
-}
-
-std::string atom_text(const Placer& placer, std::int32_t atom) {
-  const Label& label = placer.labels()[static_cast<std::size_t>(atom)];
-  return fmt::format("{}{}", std::string_view(label.data(), label[1] == ' ' ? 1 : 2), atom + 1);
-}
-
-void tell_of_contacts(const Placer& placer, const std::vector<Vec3>& atoms) {
-  constexpr std::size_t kMostListed = 10;
-  const auto contacts = short_contacts({placer.n1(), Molecule(placer.labels(), atoms)});
-  for (std::size_t k = 0; k < contacts.size() && k < kMostListed; ++k)
-    tell({fmt::format("short contact: {} of molecule 1 and {} of molecule 2, {} Angstrom",
-                      atom_text(placer, contacts[k].atom1), atom_text(placer, contacts[k].atom2),
-                      fixed_text(contacts[k].distance, 4))});
-  if (contacts.size() > kMostListed)
-    tell({fmt::format("and {} more short contacts", contacts.size() - kMostListed)});
 }
 
 /// Names of parameters that change nothing in this pose.
@@ -130,11 +116,12 @@ void place(const PlaceCommand& command) {
   if (!command.output.empty()) require_replaceable(command.output, command.overwrite);
   const Placing placing =
       command.placing.placing == Placing::automatic ? Placing::exact : command.placing.placing;
-  const Placer placer(file.pair, {placing, reference});
+  const Placer placer(file.pair, {placing, reference, command.criterion});
   std::vector<Vec3> atoms = placer.positions(pose);
   tell_of_values(command, placer, pose);
   tell(remarks_on(placer.molecules()));
-  tell_of_contacts(placer, atoms);
+  tell_of_unknown_radii(file.pair);
+  tell(contact_messages({placer.n1(), Molecule(placer.labels(), atoms)}, command.criterion));
   if (command.keep_frame) atoms = in_kept_frame(file, placer, pose);
   const std::string text = frame_of(placer, pose, atoms);
   if (command.output.empty()) {
@@ -154,6 +141,7 @@ void add_place(CLI::App& program) {
   add_second_file(command, options->request);
   add_pose_options(command, options->given);
   add_placing_options(command, options->placing);
+  add_contact_option(command, options->criterion);
   command.add_flag("--keep-frame", options->keep_frame, "leave molecule 2 where its file has it")
       ->excludes(command.get_option("--as-qn-dravo"));
   command.add_option("-o,--output", options->output, "file to write (standard output)")

@@ -157,8 +157,9 @@ ScanPlan::ScanPlan(const PlanKeys& keys, const PoseDefaults& defaults)
 
 void ScanPlan::read_criterion(const PlanWord& word) {
   if (files_)
-    word.refuse("with files the short contacts are those of qn-dravo, 1.9 Angstrom and less; leave "
-                "contact-distance out");
+    word.refuse(
+        "with files the short contacts are those of qn-dravo, 1.9 Angstrom and less; leave "
+        "contact-distance out");
   try {
     criterion_ = ContactCriterion::of_text(word.text);
   } catch (const InvalidInput& fault) {

@@ -27,6 +27,9 @@ ScannedPose hand_made() {
   pose.applied = {3.4999999951, 89.9999996, 45.0, 0.09, 179.99, 359.9899999};
   pose.shortest = 1.8999999762;
   pose.contacts = 3;
+  pose.clearance = 0.71428571;
+  pose.clearance_atom1 = 0;
+  pose.clearance_atom2 = 1;
   pose.equivalents = 12;
   return pose;
 }
@@ -44,19 +47,21 @@ std::string row_of(const ScannedPose& pose, const PoseColumns& columns = {}) {
 TEST(PoseTable, HasAHeading) {
   EXPECT_EQ(PoseWriter(kLabels, 1, {}).table_heading(),
             "index,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,phi_applied,"
-            "alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
+            "alpha_applied,beta_applied,gamma_applied,shortest,contacts,clearance,"
+            "clearance_atom1,clearance_atom2\n");
   EXPECT_EQ(PoseWriter(kLabels, 1, kAboveContact).table_heading(),
             "index,above_contact,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,"
-            "phi_applied,alpha_applied,beta_applied,gamma_applied,shortest,contacts\n");
+            "phi_applied,alpha_applied,beta_applied,gamma_applied,shortest,contacts,clearance,"
+            "clearance_atom1,clearance_atom2\n");
 }
 
 TEST(PoseTable, HasARowForAPose) {
   EXPECT_EQ(row_of(hand_made()),
             "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,179.990000,"
-            "359.990000,1.89999998,3\n");
+            "359.990000,1.89999998,3,0.714286,1,2\n");
   EXPECT_EQ(row_of(hand_made(), kAboveContact),
             "42,0.25,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,"
-            "179.990000,359.990000,1.89999998,3\n");
+            "179.990000,359.990000,1.89999998,3,0.714286,1,2\n");
 }
 
 TEST(PoseTable, GrowsAtItsEnd) {
@@ -74,7 +79,21 @@ TEST(PoseTable, ShowsDirectionsThatHaveNoMeaning) {
   pose.contacts = 0;
   EXPECT_EQ(row_of(pose),
             "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,nan,45.000000,0.090000,179.990000,"
-            "359.990000,inf,0\n");
+            "359.990000,inf,0,0.714286,1,2\n");
+}
+
+/// No element of one molecule has a radius.
+ScannedPose without_clearance() {
+  ScannedPose pose = hand_made();
+  pose.clearance = kInfinity;
+  pose.clearance_atom1 = pose.clearance_atom2 = -1;
+  return pose;
+}
+
+TEST(PoseTable, LeavesTheCellsOfNoClearanceEmpty) {
+  EXPECT_EQ(row_of(without_clearance()),
+            "42,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,179.990000,"
+            "359.990000,1.89999998,3,,,\n");
 }
 
 TEST(PoseTable, TellsAtItsEndHowManyPosesARowStandsFor) {
@@ -106,7 +125,7 @@ TEST(PoseTable, WhatWasAskedReadsBackAsTheSameNumber) {
     pose.above_contact = value;
     pose.asked = {value, value, value, value, value, value};
     const std::vector<std::string> columns = parts(row_of(pose, kAboveContact));
-    ASSERT_EQ(columns.size(), 16U);
+    ASSERT_EQ(columns.size(), 19U);
     for (std::size_t k = 1; k < 8; ++k)
       EXPECT_EQ(std::strtod(columns[k].c_str(), nullptr), value) << columns[k];
   }
@@ -129,7 +148,8 @@ std::string frame_of(const ScannedPose& pose, const std::vector<Atom>& atoms,
 const std::string kComment =
     "r=3.5 theta=90 phi=45 alpha=0.1 beta=1e-07 gamma=359.99 r_applied=3.50000000 "
     "theta_applied=90.000000 phi_applied=45.000000 alpha_applied=0.090000 "
-    "beta_applied=179.990000 gamma_applied=359.990000 shortest=1.89999998 contacts=3\n";
+    "beta_applied=179.990000 gamma_applied=359.990000 shortest=1.89999998 contacts=3 "
+    "clearance=0.714286 clearance_atom1=1 clearance_atom2=2\n";
 
 TEST(PoseFrame, HasCountParametersAndAtoms) {
   const std::vector<Atom> atoms{{"O", {1.0, -2.5, 0.0}}, {"Cl", {12345.678, -0.1, 1e-9}}};
@@ -141,6 +161,15 @@ TEST(PoseFrame, HasCountParametersAndAtoms) {
   EXPECT_EQ(frame_of(hand_made(), atoms, kAboveContact),
             "2\nProperties=species:S:1:pos:R:3:molecule:I:1 index=42 above_contact=0.25 " +
                 kComment + lines);
+}
+
+/// A key without a value would end the line for readers of extended xyz.
+TEST(PoseFrame, LacksTheKeysOfNoClearance) {
+  const std::vector<Atom> atoms{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}};
+  const std::string frame = frame_of(without_clearance(), atoms);
+  EXPECT_EQ(frame.substr(0, frame.find("O ")),
+            "2\nProperties=species:S:1:pos:R:3:molecule:I:1 index=42 " +
+                kComment.substr(0, kComment.find(" clearance=")) + "\n");
 }
 
 TEST(PoseFrame, EndsItsCommentWithWhatNotEveryScanHas) {
