@@ -92,6 +92,7 @@ function(dravo_program library)
   dravo_results_library(${library})
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
+    src/cli/convert.cpp
     src/cli/identify.cpp
     src/cli/main.cpp
     src/cli/merge.cpp

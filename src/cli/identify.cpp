@@ -242,7 +242,7 @@ void show(const IdentifyCommand& command) {
 
 void add_identify(CLI::App& program) {
   CLI::App& command = *program.add_subcommand(
-      "identify", "Tell the six parameters of a pair as it stands, and the frames behind them");
+      "identify", "Find the six parameters of a pair as it stands, and the frames behind them");
   command.footer(kExample);
   const auto options = std::make_shared<IdentifyCommand>();
   options->request = add_pair_options(command);

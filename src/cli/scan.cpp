@@ -109,7 +109,7 @@ void report(const ScanTotals& totals, const ScanCommand& options, bool files, bo
   if (options.json) {
     std::cout << json_text_of(totals, exact) << '\n';
   } else if (options.request.count_only) {
-    std::cout << sentence_about(totals) << '\n';
+    std::cout << sentence_about(totals, false) << '\n';
   } else if (!options.quiet) {
     tell({sentence_about(totals), fmt::format("written: {}{}", result_name(options.request),
                                               files ? ".csv" : ".xyz and .csv")});

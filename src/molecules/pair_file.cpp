@@ -329,6 +329,19 @@ Molecule read_molecule(const std::string& file, std::int32_t frame, LengthUnit u
   return {std::move(found.labels), std::move(found.positions)};
 }
 
+AtomsFile read_atoms(const PairRequest& request) {
+  Contents contents = read_contents(request.file, request);
+  std::vector<std::string> remarks;
+  remark_on_frames(request.file, contents, request.frame, remarks);
+  if (!request.split && !contents.n1)
+    return {{std::move(contents.labels), std::move(contents.positions)},
+            std::nullopt,
+            std::move(remarks)};
+  const std::int32_t n1 = split_of(request, contents, remarks);
+  const Pair pair = pair_of(request.file, contents, n1);
+  return {{pair.labels(), pair.positions()}, n1, std::move(remarks)};
+}
+
 PairFile read_pair(const PairRequest& request) {
   return request.second_file.empty() ? read_one_file(request) : read_two_files(request);
 }

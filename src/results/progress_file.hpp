@@ -33,7 +33,7 @@ class ProgressFile {
   /// The record is on the disk when this returns; what it tells of must be there before.
   void write(const ScanRecord& record);
 
-  /// The scan is finished, or begins anew.
+  /// The scan is finished, or starts over.
   void clear();
 
  private:
