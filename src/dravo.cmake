@@ -104,6 +104,7 @@ function(dravo_program library)
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
+    src/cli/convert.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp
     src/cli/main.cpp

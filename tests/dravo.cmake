@@ -99,6 +99,7 @@ add_executable(cli_tests
   cli/angles_test.cpp
   cli/checks_test.cpp
   cli/contacts_test.cpp
+  cli/convert_test.cpp
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
@@ -146,7 +147,7 @@ find_program(DRAVO_PYTHON NAMES python3 HINTS /usr/bin NO_CMAKE_ENVIRONMENT_PATH
 if(DRAVO_PYTHON)
   add_test(NAME cli/ase_read_back COMMAND ${DRAVO_PYTHON}
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/ase_read_back.py $<TARGET_FILE:dravo-cli>
-    ${PROJECT_SOURCE_DIR}/examples/formamide-dimer/QN-input-GEOMETRY.xyz)
+    ${PROJECT_SOURCE_DIR}/examples/formamide-dimer/QN-input-GEOMETRY.xyz $<TARGET_FILE:qn-dravo>)
   set_tests_properties(cli/ase_read_back PROPERTIES SKIP_RETURN_CODE 77)
 endif()
 

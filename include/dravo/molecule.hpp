@@ -109,6 +109,18 @@ struct PairFile {
 /// is not two molecules, and IoFailure when the system refuses the file.
 PairFile read_pair(const PairRequest& request);
 
+/// All atoms of a file, whatever their molecules.
+struct AtomsFile {
+  Molecule atoms;
+  /// Atoms of molecule 1, the first ones, where the file or the request divides them; else empty.
+  std::optional<std::int32_t> n1;
+  std::vector<std::string> remarks;  ///< as those of a `PairFile`
+};
+
+/// Reads the same files, with one molecule, two, or any number of them. The request is for one
+/// file. Throws as `read_pair` does, but not where nothing divides the atoms.
+AtomsFile read_atoms(const PairRequest& request);
+
 /// Reads one molecule, all atoms of frame `frame` (from 1) of a standard or extended xyz file.
 /// Throws InvalidInput and IoFailure.
 Molecule read_molecule(const std::string& file, std::int32_t frame = 1,

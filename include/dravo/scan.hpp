@@ -81,7 +81,8 @@ class Poses {
   /// may have (`dravo/pose.hpp`), InvalidInput for more than 1e15 poses.
   static Poses grid(const PoseAxes& axes);
 
-  /// These poses, with the same values allowed. Throws OutOfRange, and InvalidInput for a number that is not finite.
+  /// These poses, with the same values allowed. Throws OutOfRange, and InvalidInput for a number
+  /// that is not finite.
   static Poses list(std::vector<PoseDegrees> poses);
 
   /// For each r the same `count` directions, uniform on the sphere, with orientations uniform over

@@ -35,5 +35,6 @@ void add_identify(CLI::App& program);
 void add_place(CLI::App& program);
 void add_scan(CLI::App& program);
 void add_merge(CLI::App& program);
+void add_convert(CLI::App& program);
 
 }  // namespace dravo

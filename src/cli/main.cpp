@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "cli/commands.hpp"
@@ -65,6 +66,7 @@ void describe(CLI::App& program) {
   dravo::add_place(program);
   dravo::add_scan(program);
   dravo::add_merge(program);
+  dravo::add_convert(program);
   for (CLI::App* command : program.get_subcommands({}))
     command->set_version_flag("--version", kVersions);
 }
@@ -99,6 +101,8 @@ int main(int argc, char** argv) {
     return failed(kSignal + end.signal(), end.what());
   } catch (const dravo::Error& failure) {
     return failed(kBadUsageOrInput, failure.what());
+  } catch (const std::bad_alloc&) {
+    return failed(kBadUsageOrInput, "cannot go on: there is not enough memory");
   } catch (const std::exception& failure) {
     return failed(kBadUsageOrInput, std::string("cannot go on: ") + failure.what());
   }

@@ -2,10 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <system_error>
 
+#include "common/atom_table.hpp"
 #include "common/errors.hpp"
+#include "common/record_format.hpp"
 #include "molecules/fragments.hpp"
 
 namespace dravo {
@@ -30,6 +33,22 @@ void require_replaceable(const std::string& name, bool overwrite) {
   if (!std::filesystem::is_regular_file(status) && !std::filesystem::is_symlink(status))
     throw IoFailure(name + ": cannot replace it: not a regular file");
   if (!overwrite) throw IoFailure(name + ": exists already; --overwrite replaces it");
+}
+
+std::string atom_lines(const std::vector<Label>& labels, const std::vector<Vec3>& positions,
+                       std::optional<std::int32_t> n1) {
+  constexpr int kWidth = 15, kDecimals = 8;
+  std::string text;
+  for (std::size_t k = 0; k < labels.size(); ++k) {
+    text += text_of(labels[k]);
+    for (const double coordinate : {positions[k].x, positions[k].y, positions[k].z}) {
+      text += ' ';
+      append_fixed_field(text, coordinate, kWidth, kDecimals);
+    }
+    if (n1) text += static_cast<std::int32_t>(k) < *n1 ? " 1" : " 2";
+    text += '\n';
+  }
+  return text;
 }
 
 std::string written_line(const std::string& name, const Pair& pair) {

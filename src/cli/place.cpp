@@ -59,25 +59,17 @@ std::vector<Vec3> in_kept_frame(const PairFile& file, const Placer& placer,
 }
 
 /// Extended xyz, with the six parameters and the number of its molecule for each atom.
-std::string frame_of(const Placer& placer, const PoseDegrees& pose,
-                     const std::vector<Vec3>& atoms) {
-  constexpr int kWidth = 15, kDecimals = 8;
+std::string frame_of(const Placer& placer, const PoseDegrees& pose, std::vector<Vec3> atoms) {
   std::string text = std::to_string(placer.size()) + "\n";
   text += "Properties=species:S:1:pos:R:3:molecule:I:1";
   for (const auto& [name, value] : kPoseParameters)
     text += fmt::format(" {}={}", name, shortest_text(pose.*value));
   text += fmt::format(" placing={}\n", placer.exact() ? "exact" : "as_qn_dravo");
-  for (std::int32_t i = 0; i < placer.size(); ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    text += text_of(placer.labels()[k]);
-    for (const double coordinate : {atoms[k].x, atoms[k].y, atoms[k].z}) {
-      text += ' ';
-      append_fixed_field(text, placer.exact() ? without_negative_zero(coordinate) : coordinate,
-                         kWidth, kDecimals);
-    }
-    text += i < placer.n1() ? " 1\n" : " 2\n";
-  }
-  return text;
+  // The digits of qn-dravo stay as they are.
+  for (Vec3& p : atoms)
+    if (placer.exact())
+      p = {without_negative_zero(p.x), without_negative_zero(p.y), without_negative_zero(p.z)};
+  return text + atom_lines(placer.labels(), atoms, placer.n1());
 }
 
 /// Names of parameters that change nothing in this pose.

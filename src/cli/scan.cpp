@@ -116,7 +116,7 @@ void report(const ScanTotals& totals, const ScanCommand& options, Writing writin
   if (options.json) {
     std::cout << json_text_of(totals, exact) << '\n';
   } else if (writing == Writing::nothing) {
-    std::cout << sentence_about(totals) << '\n';
+    std::cout << sentence_about(totals, false) << '\n';
   } else if (!options.quiet) {
     tell({sentence_about(totals),
           fmt::format("written: {}{}", result_name(options.request), written_endings(writing))});

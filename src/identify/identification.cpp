@@ -132,7 +132,7 @@ std::vector<std::string> remarks_on(const Identification& identification) {
     remarks.push_back(std::move(remark));
   if (!for_qn_dravo) return remarks;
   for (const auto& [name, given, used] : nudged_in_a_build(found))
-    remarks.push_back(fmt::format("a build uses {} for {} {}, and its pair differs by that",
+    remarks.push_back(fmt::format("qn-dravo uses {} for {} {}, so its pair differs by that",
                                   fixed_text(used, 3), name, shown(given)));
   return remarks;
 }

@@ -112,14 +112,18 @@ std::string label_fault(std::string_view text) {
   const std::string instead = candidates(text);
   if (capitalized(text) == "D" || capitalized(text) == "T")
     return name + " is an isotope of hydrogen: write \"H\", which counts with the mass 1.008";
+  if (all_digits(text) && is_dummy(text))
+    return name +
+           " is a dummy atom, or a label that qn-dravo did not know: write the symbol of its "
+           "element, or leave it out";
   if (is_dummy(text)) return name + " is a dummy atom, which has no mass: leave it out";
   if (is_beyond_uranium(text))
     return name + " is beyond uranium: elements H to U, atomic numbers 1 to 92, are known";
   if (may_be_atom_name(text) && symbol_in_any_case(text))
     return fmt::format("{} may be the element {} or the name of an atom of {}: write {}", name,
                        capitalized(text), text.substr(0, 1), instead);
-  if (!instead.empty()) return fmt::format("{} is no element symbol: write {}", name, instead);
-  return name + " is no element: write a symbol H to U or an atomic number 1 to 92";
+  if (!instead.empty()) return fmt::format("{} is not an element symbol: write {}", name, instead);
+  return name + " is not an element: write a symbol H to U or an atomic number 1 to 92";
 }
 
 }  // namespace dravo

@@ -394,6 +394,20 @@ CheckedPair pair_of_frame(XyzFrame frame, const PairRequest& request) {
   return checked_pair(contents_of(std::move(frame)), request, ignored);
 }
 
+AtomsFile read_atoms(const PairRequest& request) {
+  const std::string name = shown_name(request.file);
+  Contents contents = read_contents(request.file, request);
+  std::vector<std::string> remarks;
+  remark_on_frames(name, contents, request.frame, remarks);
+  if (!request.split && !contents.n1)
+    return {{std::move(contents.labels), std::move(contents.positions)},
+            std::nullopt,
+            std::move(remarks)};
+  const std::int32_t n1 = split_of(request, contents, remarks);
+  const Pair pair = pair_of(name, contents, n1);
+  return {{pair.labels(), pair.positions()}, n1, std::move(remarks)};
+}
+
 PairFile read_pair(const PairRequest& request) {
   return request.second_file.empty() ? pair_file_of(read_contents(request.file, request), request)
                                      : read_two_files(request);

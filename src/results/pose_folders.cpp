@@ -86,7 +86,7 @@ Contents contents_of(const std::string& folder) {
 void refuse_other(const Contents& contents) {
   if (contents.other)
     throw IoFailure(
-        fmt::format("{}: is in the way and of no scan; move it, or choose another --output",
+        fmt::format("{}: is in the way and belongs to no scan; move it, or choose another --output",
                     contents.other->string()));
 }
 

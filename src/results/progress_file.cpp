@@ -72,7 +72,7 @@ std::vector<ScanRecord> ProgressFile::records() const {
   if (records.empty())
     throw IoFailure(name_ +
                     ": expected the progress of a scan, found something else; --overwrite "
-                    "begins anew");
+                    "starts over");
   std::sort(records.begin(), records.end(), [](const ScanRecord& a, const ScanRecord& b) {
     return a.totals.poses > b.totals.poses;
   });

@@ -34,7 +34,7 @@ class ProgressFile {
   /// there before.
   void write(const ScanRecord& record);
 
-  /// The scan is finished, or begins anew.
+  /// The scan is finished, or starts over.
   void clear();
 
  private:

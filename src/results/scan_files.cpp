@@ -66,7 +66,7 @@ void ScanFiles::clear_the_way(Earlier earlier) {
   else if (earlier == Earlier::refuse)
     throw IoFailure(
         progress_->name() +
-        ": is of an unfinished scan; --resume goes on with it, --overwrite begins anew");
+        ": is of an unfinished scan; --resume goes on with it, --overwrite starts over");
 }
 
 void ScanFiles::begin() {

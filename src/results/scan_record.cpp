@@ -103,14 +103,15 @@ void require_same_origin(const std::string& name, const ScanRecord& earlier,
   if (!differs.empty()) throw IoFailure(fmt::format("{}: is of another scan: {}", name, differs));
 }
 
-std::string sentence_about(const ScanTotals& totals) {
+std::string sentence_about(const ScanTotals& totals, bool written) {
   if (totals.poses == 0) return "no poses";
   const std::string equal =
       totals.left_out > 0 ? fmt::format("{} equal to earlier ones, ", totals.left_out) : "";
   return fmt::format(
-      "{} {}, {}{} with short contacts, {} wanted; shortest distance {} Angstrom in pose {}",
+      "{} {}, {}{} with short contacts, {} {}; shortest distance {} Angstrom in pose {}",
       totals.poses, totals.poses == 1 ? "pose" : "poses", equal, totals.with_contacts,
-      totals.written, fixed_text(totals.shortest, 4), totals.shortest_index);
+      totals.written, written ? "written" : "to be written", fixed_text(totals.shortest, 4),
+      totals.shortest_index);
 }
 
 }  // namespace dravo

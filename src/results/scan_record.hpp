@@ -96,8 +96,8 @@ bool is_exact(const ScanRecord& record);
 /// is the file of the earlier one.
 void require_same_origin(const std::string& name, const ScanRecord& earlier, const ScanRecord& now);
 
-/// One sentence for people.
-std::string sentence_about(const ScanTotals& totals);
+/// One sentence for people; `written`: a scan wrote what it counted.
+std::string sentence_about(const ScanTotals& totals, bool written = true);
 
 /// Totals and the way of placing as JSON, on one line.
 std::string json_text_of(const ScanTotals& totals, bool exact);

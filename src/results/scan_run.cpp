@@ -46,13 +46,13 @@ Stretch stretch_of(const ScanPlan& plan, const ScanRequest& request) {
   return {shard.first(plan.poses().size()), shard.end(plan.poses().size())};
 }
 
-bool begins_anew(const ScanRequest& request) {
+bool starts_over(const ScanRequest& request) {
   return request.earlier == Earlier::overwrite || !has_earlier_scan(result_name(request));
 }
 
 /// Files of other poses would stand among the new ones. The parts of a scan share the folder.
 void refuse_earlier_folder(const ScanRequest& request) {
-  const bool begins = request.earlier != Earlier::overwrite && begins_anew(request);
+  const bool begins = request.earlier != Earlier::overwrite && starts_over(request);
   if (begins && !request.part && exists(request.name))
     throw IoFailure(request.name + ": exists already; remove it, or choose another --output");
 }
@@ -60,7 +60,7 @@ void refuse_earlier_folder(const ScanRequest& request) {
 /// Before a scan begins. No two parts share the folder of a pose.
 void refuse_earlier_poses(const ScanRequest& request, const PoseFolders& folders,
                           const Stretch& poses) {
-  if (!begins_anew(request)) return;
+  if (!starts_over(request)) return;
   folders.require_own(poses.first, poses.end);
   const auto used = folders.used(poses.first, poses.end);
   if (used && request.earlier != Earlier::overwrite)
@@ -71,9 +71,10 @@ void refuse_earlier_poses(const ScanRequest& request, const PoseFolders& folders
 void require_short_enough(const PairPlacer& placer, const ScanPlan& plan) {
   const double longest = placer.longest_touching_distance() + plan.longest_r();
   if (plan.above_contact() && longest > kLongestDistance)
-    throw IoFailure(
-        fmt::format("r may become {} Angstrom, too long for the names of files. Allowed: r<9999.9",
-                    fixed_text(longest, 1)));
+    throw IoFailure(fmt::format(
+        "r may become {} Angstrom; 0 <= r <= 9999.9, as the names of files have no room "
+        "for longer distances",
+        fixed_text(longest, 1)));
 }
 
 /// Files of an earlier scan are removed from the folder of a pose before it is filled.

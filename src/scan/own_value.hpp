@@ -31,14 +31,14 @@ struct PoseDefaults {
   /// r to gamma. Where there is none, the pair's own value stands in, if `here` is there to tell
   /// it.
   std::array<std::optional<double>, kPoseParameters.size()> values{};
-  /// Tells the parameters of the pair as it stands; called only when they are needed. Empty where
+  /// Finds the parameters of the pair as it stands; called only when they are needed. Empty where
   /// the molecules do not stand in one space, as those of two files.
   std::function<PoseDegrees()> here{};
 };
 
 /// The complaint where `here` is asked for and nothing tells it.
 inline constexpr auto kNoHere =
-    "here needs a pair as it stands; two files do not tell how their molecules stand";
+    "here needs a pair as it stands; two files do not say how their molecules stand";
 
 inline constexpr std::string_view kHere = "here";
 

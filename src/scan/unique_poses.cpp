@@ -11,7 +11,7 @@ UniquePoses::UniquePoses(const PairPlacer& placer, const Poses& poses, bool abov
     : symmetry_(symmetry_of(placer.molecules())) {
   if (!placer.exact())
     throw InvalidInput(
-        "equal poses are told apart from others when they are placed exactly, not as by qn-dravo");
+        "equal poses are found among poses that are placed exactly, not as by qn-dravo");
   switch (poses.source().kind()) {
     case PoseSource::Kind::grid:
       of_grid_.emplace(placer.molecules(), placer.radius_of_molecule1(), *poses.source().axes(),

@@ -1,12 +1,13 @@
 """Reads the results of a scan with ASE and with Python's csv, and compares the two; then a placed
-pair.
+pair, and what `dravo convert` makes of the files of qn-dravo.
 
-    ase_read_back.py DRAVO PAIR
+    ase_read_back.py DRAVO PAIR QN_DRAVO
 
-runs DRAVO on PAIR in a temporary folder. Exit status 77 when ASE is not installed.
+runs DRAVO on PAIR, and QN_DRAVO, in a temporary folder. Exit status 77 when ASE is not installed.
 """
 import csv
 import math
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -14,6 +15,7 @@ from pathlib import Path
 
 try:
     import ase.io
+    from ase.data import atomic_numbers
 except ImportError:
     print("python3-ase is not installed")
     sys.exit(77)
@@ -79,13 +81,32 @@ def check_placed(dravo, pair, folder):
     assert atoms.info["placing"] == "exact"
 
 
-def main(dravo, pair):
+def check_converted(dravo, pair, qn_dravo, folder):
+    """Every xyz file of a run; atomic numbers or symbols, as the run wrote them."""
+    shutil.copy(pair, folder / "QN-input-GEOMETRY.xyz")
+    subprocess.run([qn_dravo], cwd=folder, check=True, stdout=subprocess.DEVNULL)
+    written = [*folder.glob("*QN-DRAVO.xyz"), folder / "input-GEOMETRY.xyz"]
+    assert len(written) == 2, written
+    for file in written:
+        subprocess.run([dravo, "convert", file.name, "--split", "6", "-o", "converted.xyz",
+                        "--overwrite"], cwd=folder, check=True)
+        atoms = ase.io.read(folder / "converted.xyz")
+        lines = [line.split() for line in file.read_text().splitlines()[2:14]]
+        numbers = [int(line[0]) if line[0].isdigit() else atomic_numbers[line[0]] for line in lines]
+        assert atoms.get_atomic_numbers().tolist() == numbers
+        assert atoms.get_positions().tolist() == [[float(x) for x in line[1:4]] for line in lines]
+        assert atoms.arrays["molecule"].tolist() == [1] * 6 + [2] * 6
+
+
+def main(dravo, pair, qn_dravo):
     with tempfile.TemporaryDirectory() as name:
         for plan, options in PLANS.items():
             subprocess.run([dravo, "scan", pair, *options, "--quiet", "--output", plan], cwd=name,
                            check=True)
             print(f"{plan}: {check(plan, Path(name))} frames read back")
         check_placed(dravo, pair, Path(name))
+    with tempfile.TemporaryDirectory() as name:
+        check_converted(dravo, pair, qn_dravo, Path(name))
 
 
 if __name__ == "__main__":

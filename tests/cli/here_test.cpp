@@ -100,7 +100,7 @@ TEST(Here, IsRefusedForTwoFiles) {
   const Files before = folder.outputs();
   expect_refusal(
       run_command(folder, Words{"scan"} + kTwoFiles + Words{"--r", "here"}),
-      "--r: here needs a pair as it stands; two files do not tell how their molecules stand\n"
+      "--r: here needs a pair as it stands; two files do not say how their molecules stand\n"
       "here\n^^^^",
       before);
 }

@@ -128,7 +128,7 @@ TEST(EarlierResults, AreRefusedWithoutResumeOrOverwrite) {
   folder.put(stopped);
   expect_refusal(
       run_scan(folder, kPlan),
-      "scan.progress: is of an unfinished scan; --resume goes on with it, --overwrite begins anew",
+      "scan.progress: is of an unfinished scan; --resume goes on with it, --overwrite starts over",
       stopped);
   expect_success(run_scan(folder, kPlan + Words{"--overwrite"}), whole, "over an unfinished scan");
 }

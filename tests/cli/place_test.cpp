@@ -371,7 +371,7 @@ TEST(Place, RefusesWhatNoPairOrPoseHas) {
       {{"water.xyz", "nitrogen.xyz", "--r", "4", "--theta", "190", "--phi", "20"},
        "--theta 190: 0 <= theta <= 180; theta 170 with phi 200 is the same direction"},
       {{"water.xyz", "nitrogen.xyz", "--r", "here+1"},
-       "--r here+1: here needs a pair as it stands; two files do not tell how their molecules "
+       "--r here+1: here needs a pair as it stands; two files do not say how their molecules "
        "stand"},
       {{"pair.xyz", "--r", "4"},
        "pair.xyz: where molecule 2 begins is not known; use --split N1, the number of atoms of "

@@ -45,7 +45,7 @@ TEST(FolderOfSomebody, IsRefusedBeforeAnythingIsWritten) {
   fs::create_directories(folder.path() / "results" / "1");
   folder.write("results/1/thesis.txt", "three years");
   const std::string in_the_way =
-      "results/1/thesis.txt: is in the way and of no scan; move it, or choose another --output";
+      "results/1/thesis.txt: is in the way and belongs to no scan; move it, or choose another --output";
   for (const Words& how : kWays) {
     for (const char* part : {"1/1", "1/2"})
       expect_refusal(folder, how + Words{"--shard", part}, in_the_way);
@@ -116,9 +116,10 @@ TEST(FolderOfAStoppedPart, WithAnythingElseIsRefusedBeforeItGoesOn) {
   for (const char* how : {"--resume", "--overwrite"}) {
     const Outcome outcome = scan_files(folder, {how});
     EXPECT_EQ(outcome.status, 2) << how;
-    EXPECT_EQ(outcome.messages,
-              "dravo: results/3/thesis.txt: is in the way and of no scan; move it, or choose "
-              "another --output\n");
+    EXPECT_EQ(
+        outcome.messages,
+        "dravo: results/3/thesis.txt: is in the way and belongs to no scan; move it, or choose "
+        "another --output\n");
     for (const auto& [name, text] : before)
       if (name.starts_with("results/")) {
         EXPECT_TRUE(tree_of(folder).at(name) == text) << how;

@@ -121,7 +121,7 @@ const std::vector<Refused> kBadInput{
     {"no distance", {"one.xyz", "two.xyz"}, "--r is missing: two files do not give it"},
     {"here in two files",
      {"one.xyz", "two.xyz", "--r", "4", "--phi", "here + 1"},
-     "--phi here + 1: here needs a pair as it stands; two files do not tell how their molecules "
+     "--phi here + 1: here needs a pair as it stands; two files do not say how their molecules "
      "stand"},
     {"theta beyond its range by here",
      {"there.xyz", "--theta", "here+100"},

@@ -42,12 +42,12 @@ TEST(WantOfMemory, IsToldAsWhatItIs) {
              Screen::kept, little_memory);
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.screen, "");
-  EXPECT_EQ(outcome.messages, "dravo: cannot go on: std::bad_alloc\n");
+  EXPECT_EQ(outcome.messages, "dravo: cannot go on: there is not enough memory\n");
 }
 
 TEST(EverySubcommand, TellsHelpWithAnExampleAndItsVersion) {
   const TemporaryFolder folder;
-  for (const char* command : {"prepare", "identify", "scan", "merge"}) {
+  for (const char* command : {"prepare", "identify", "scan", "merge", "convert"}) {
     const Outcome help = run_command(folder, {command, "--help"});
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_EQ(help.messages, "") << command;

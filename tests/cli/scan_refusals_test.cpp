@@ -59,7 +59,8 @@ TEST(TooFarAPose, IsRefusedBeforeAScanBegins) {
       EXPECT_EQ(outcome.screen, "");
       EXPECT_EQ(outcome.messages,
                 "dravo: r may become " + told.str() +
-                    " Angstrom, too long for the names of files. Allowed: r<9999.9\n");
+                    " Angstrom; 0 <= r <= 9999.9, as the names of files have no room for longer "
+                    "distances\n");
       EXPECT_TRUE(outcome.files.empty());
     }
   }

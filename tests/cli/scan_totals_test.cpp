@@ -98,20 +98,24 @@ TEST(Totals, AgreeWithTheRowsInSentenceJsonAndFile) {
     EXPECT_EQ(json_number(record, "table_bytes"),
               static_cast<double>(json.files.at("scan.csv").size()));
 
-    std::ostringstream sentence;
-    sentence.precision(4);
-    sentence << std::fixed << rows.size() << " poses, " << counted.with_contacts
-             << " with short contacts, " << written << " wanted; shortest distance "
-             << counted.shortest << " Angstrom in pose " << counted.index << '\n';
+    const auto sentence = [&](const char* what_becomes) {
+      std::ostringstream text;
+      text.precision(4);
+      text << std::fixed << rows.size() << " poses, " << counted.with_contacts
+           << " with short contacts, " << written << what_becomes << "; shortest distance "
+           << counted.shortest << " Angstrom in pose " << counted.index << '\n';
+      return text.str();
+    };
     const Outcome told = run_scan(folder, plan + Words{"--overwrite"});
     EXPECT_EQ(told.screen, "");
-    EXPECT_EQ(told.messages, "dravo: " + sentence.str() + "dravo: written: scan.xyz and .csv\n");
+    EXPECT_EQ(told.messages,
+              "dravo: " + sentence(" written") + "dravo: written: scan.xyz and .csv\n");
 
     const TemporaryFolder empty;
     empty.write(kInput, folder.read(kInput));
     const Outcome counting = run_scan(empty, plan + Words{"--count"});
     EXPECT_EQ(counting.status, 0);
-    EXPECT_EQ(counting.screen, sentence.str());
+    EXPECT_EQ(counting.screen, sentence(" to be written"));
     EXPECT_EQ(counting.messages, "");
     EXPECT_TRUE(counting.files.empty());
     const Outcome counting_json = run_scan(empty, plan + Words{"--count", "--json"});

@@ -43,7 +43,7 @@ TEST(SpoiltProgress, WithoutAWholeRecordIsRefusedAndMayBeOverwritten) {
     folder.put(spoilt);
     expect_refusal(run_scan(folder, kPlan + Words{"--resume"}),
                    "scan.progress: expected the progress of a scan, found something else; "
-                   "--overwrite begins anew",
+                   "--overwrite starts over",
                    spoilt, garbage);
     expect_success(run_scan(folder, kPlan + Words{"--overwrite"}), whole, "over " + garbage);
   }

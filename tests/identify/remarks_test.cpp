@@ -24,14 +24,14 @@ const std::vector<RemarkCase> kRemarkCases{
      {5, 60, 70, 300, 0.25, 100},
      {"beta is near 0: only alpha + gamma = 40.00000000 has a meaning; to build this pair give "
       "alpha as 39.91000000",
-      "a build uses 0.090 for gamma 100.00000000, and its pair differs by that"}},
+      "qn-dravo uses 0.090 for gamma 100.00000000, so its pair differs by that"}},
     {"beta 0.75, where a build keeps gamma",
      {5, 60, 70, 300, 0.75, 100},
      {"beta is near 0: only alpha + gamma = 40.00000000 has a meaning"}},
     {"beta 0.75 and a gamma that a build moves a little",
      {5, 60, 70, 300, 0.75, 0.0625},
      {"beta is near 0: only alpha + gamma = 300.06250000 has a meaning",
-      "a build uses 0.090 for gamma 0.06250000, and its pair differs by that"}},
+      "qn-dravo uses 0.090 for gamma 0.06250000, so its pair differs by that"}},
     {"beta 1", {5, 60, 70, 300, 1, 100}, {}},
     {"beta 179.5",
      {5, 60, 70, 30, 179.5, 100},
@@ -46,11 +46,11 @@ const std::vector<RemarkCase> kRemarkCases{
      {5, 0.03125, 0, 0.0625, 179.9375, 0},
      {"beta is near 180: only alpha - gamma = 0.06250000 has a meaning",
       "theta is near 0: phi has no meaning",
-      "a build uses 0.049 for theta 0.03125000, and its pair differs by that",
-      "a build uses 0.049 for phi 0.00000000, and its pair differs by that",
-      "a build uses 0.090 for alpha 0.06250000, and its pair differs by that",
-      "a build uses 179.990 for beta 179.93750000, and its pair differs by that",
-      "a build uses 0.090 for gamma 0.00000000, and its pair differs by that"}},
+      "qn-dravo uses 0.049 for theta 0.03125000, so its pair differs by that",
+      "qn-dravo uses 0.049 for phi 0.00000000, so its pair differs by that",
+      "qn-dravo uses 0.090 for alpha 0.06250000, so its pair differs by that",
+      "qn-dravo uses 179.990 for beta 179.93750000, so its pair differs by that",
+      "qn-dravo uses 0.090 for gamma 0.00000000, so its pair differs by that"}},
 };
 
 void PrintTo(const RemarkCase& remark, std::ostream* out) { *out << remark.name; }

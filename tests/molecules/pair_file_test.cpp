@@ -436,7 +436,7 @@ const std::vector<Failure> kFailures{
     {"QN input, label", asking("pair.xyz"), changed([](SampleInput& pair) {
        pair.atoms[1] = {"Carbon", {1.0, 2.0, 3.0}};
      }),
-     "pair.xyz:3: \"Carbon\" is no element symbol: write \"Ca\" or \"C\"\nCarbon 1 2 3\n^^^^^^"},
+     "pair.xyz:3: \"Carbon\" is not an element symbol: write \"Ca\" or \"C\"\nCarbon 1 2 3\n^^^^^^"},
     {"QN input, label in quotes", asking("pair.xyz"), changed([](SampleInput& pair) {
        pair.atoms[1] = {"'D'", {1.0, 2.0, 3.0}};
      }),

@@ -155,7 +155,8 @@ const std::vector<Failure> kFailures{
     {"1\n\nH 0 0 0\nH 0 0 1\n",
      "w.xyz:4: expected the end of the file or the number of atoms of frame 2, found \"H\"\n"
      "H 0 0 1\n^"},
-    {"2\n\nH 0 0 0\nC1 0 0 1\n", "w.xyz:4: \"C1\" is no element symbol: write \"C\"\nC1 0 0 1\n^^"},
+    {"2\n\nH 0 0 0\nC1 0 0 1\n",
+     "w.xyz:4: \"C1\" is not an element symbol: write \"C\"\nC1 0 0 1\n^^"},
     {"1\n\nH 0 zero 0\n",
      "w.xyz:3: expected the y coordinate (a number) of atom 1, found \"zero\"\nH 0 zero 0\n    ^^^^"},
     {"1\n\nH 0 0 nan\n",

@@ -147,8 +147,8 @@ TEST(ProgressFile, WithoutAWholeRecordIsRefused) {
     scan.put(text);
     EXPECT_EQ(message_of([&] { (void)ProgressFile(scan.scan()).records(); }),
               scan.file() +
-                  ": expected the progress of a scan, found something else; --overwrite begins "
-                  "anew");
+                  ": expected the progress of a scan, found something else; --overwrite starts "
+                  "over");
     EXPECT_TRUE(scan.text() == text) << "a file of somebody else stays";
   }
 }

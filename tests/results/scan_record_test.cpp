@@ -389,12 +389,16 @@ TEST(ScanTotals, TakeTheShortestDistanceFromPosesThatWereMade) {
 }
 
 TEST(ScanTotals, AreOneSentence) {
-  EXPECT_EQ(sentence_about({1000, 0, 900, 100, 1.23456, 17}),
-            "1000 poses, 100 with short contacts, 900 wanted; shortest distance 1.2346 Angstrom in "
-            "pose 17");
+  EXPECT_EQ(
+      sentence_about({1000, 0, 900, 100, 1.23456, 17}),
+      "1000 poses, 100 with short contacts, 900 written; shortest distance 1.2346 Angstrom in "
+      "pose 17");
   EXPECT_EQ(sentence_about({1000, 60, 900, 100, 1.23456, 17}),
-            "1000 poses, 60 equal to earlier ones, 100 with short contacts, 900 wanted; shortest "
+            "1000 poses, 60 equal to earlier ones, 100 with short contacts, 900 written; shortest "
             "distance 1.2346 Angstrom in pose 17");
+  EXPECT_EQ(sentence_about({2, 0, 1, 1, 1.23456, 2}, false),
+            "2 poses, 1 with short contacts, 1 to be written; shortest distance 1.2346 Angstrom in "
+            "pose 2");
 }
 
 TEST(ScanTotals, OfNothingAreTwoWords) { EXPECT_EQ(sentence_about({}), "no poses"); }

@@ -146,7 +146,7 @@ TEST(FolderOfAPose, WithAnythingElseIsRefusedAndKeepsIt) {
     const Scan scan(kNearAndFar, {Writing::files, folder.path().string()});
     const std::string top = (folder.path() / "1" / *std::next(fs::path(other).begin())).string();
     EXPECT_EQ(message_of([&] { (void)scan.all(); }),
-              top + ": is in the way and of no scan; move it, or choose another --output");
+              top + ": is in the way and belongs to no scan; move it, or choose another --output");
     EXPECT_EQ(file_text(file.string()), "precious");
     EXPECT_EQ(fs::exists(folder.path() / earlier), true) << "nothing was removed";
   }
@@ -158,8 +158,9 @@ TEST(FolderOfAPose, IsNoFileAndNoLink) {
   elsewhere.write(linked, "precious");
   const TemporaryFolder folder;
   const Scan scan(kNearAndFar, {Writing::files, folder.path().string()});
-  const std::string message = (folder.path() / "1").string() +
-                              ": is in the way and of no scan; move it, or choose another --output";
+  const std::string message =
+      (folder.path() / "1").string() +
+      ": is in the way and belongs to no scan; move it, or choose another --output";
   folder.write("1", "a file where the folder shall be");
   EXPECT_EQ(message_of([&] { (void)scan.all(); }), message);
   EXPECT_EQ(file_text((folder.path() / "1").string()), "a file where the folder shall be");

@@ -257,7 +257,7 @@ TEST(PlanFromHere, RefusesAPairThatStandsNowhere) {
   EXPECT_EQ(message_of([] {
               (void)plan_of(one_pose({{"phi", "here + 10"}}));
             }),
-            "--phi: here needs a pair as it stands; two files do not tell how their molecules "
+            "--phi: here needs a pair as it stands; two files do not say how their molecules "
             "stand\nhere + 10\n^^^^^^^^^");
 }
 
