@@ -60,10 +60,12 @@ set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 set(DRAVO_RESULTS_SOURCES
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/extract.cpp
   src/results/growing_file.cpp
   src/results/merge.cpp
   src/results/pose_folders.cpp
   src/results/pose_writer.cpp
+  src/results/poses_again.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
   src/results/record_text.cpp
@@ -72,6 +74,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_record.cpp
   src/results/scan_results.cpp
   src/results/scan_run.cpp
+  src/results/table_rows.cpp
   src/results/text_chunk.cpp
   src/scan/plan_file.cpp)
 list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
@@ -92,6 +95,7 @@ function(dravo_program library)
   dravo_results_library(${library})
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
+    src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/main.cpp
     src/cli/merge.cpp

@@ -89,8 +89,10 @@ add_executable(cli_tests
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
+  cli/extract_test.cpp
   cli/here_test.cpp
   cli/identify_test.cpp
+  cli/less_output_test.cpp
   cli/merge_test.cpp
   cli/missed_axes_test.cpp
   cli/other_scans_test.cpp

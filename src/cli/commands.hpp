@@ -23,5 +23,6 @@ void add_identify(CLI::App& program);
 void add_place(CLI::App& program);
 void add_scan(CLI::App& program);
 void add_merge(CLI::App& program);
+void add_extract(CLI::App& program);
 
 }  // namespace dravo

@@ -52,6 +52,7 @@ void describe(CLI::App& program) {
   dravo::add_place(program);
   dravo::add_scan(program);
   dravo::add_merge(program);
+  dravo::add_extract(program);
   for (CLI::App* command : program.get_subcommands({}))
     command->set_version_flag("--version", "dravo " DRAVO_VERSION);
 }
@@ -63,7 +64,7 @@ void require_known_command(const CLI::App& program, const std::string& word) {
   if (word.starts_with('-') || std::any_of(commands.begin(), commands.end(), is_word)) return;
   throw dravo::InvalidInput(
       dravo::quoted(word) +
-      ": no such command; there are prepare, identify, place, scan and merge");
+      ": no such command; there are prepare, identify, place, scan, merge and extract");
 }
 
 int run(int argc, char** argv) {

@@ -112,7 +112,7 @@ ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, con
 ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan) {
   OwnedTable placed(placer.split().N);
   placer.place({}, placed.table());
-  return {writer_of(placer, plan, Writing::frames).table_heading(),
+  return {writer_of(placer, columns_of(placer, plan), Writing::frames).table_heading(),
           molecule2_frame(placer.labels(), placer.split().n1, placed.table(), placer.exact())};
 }
 

@@ -33,9 +33,10 @@ TEST(UnknownCommand, IsNamed) {
     const Outcome outcome = run_command(folder, {word, "--help"});
     EXPECT_EQ(outcome.status, 2) << word;
     EXPECT_EQ(outcome.screen, "") << word;
-    EXPECT_EQ(outcome.messages, "dravo: \"" + word +
-                                    "\": no such command; there are prepare, identify, place, scan "
-                                    "and merge\n");
+    EXPECT_EQ(outcome.messages,
+              "dravo: \"" + word +
+                  "\": no such command; there are prepare, identify, place, scan, "
+                  "merge and extract\n");
   }
   EXPECT_EQ(run_command(folder, {}).messages, "dravo: A subcommand is required\n" + kUsage);
 }
