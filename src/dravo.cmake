@@ -74,6 +74,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_record.cpp
   src/results/scan_results.cpp
   src/results/scan_run.cpp
+  src/results/scan_size.cpp
   src/results/table_rows.cpp
   src/results/text_chunk.cpp
   src/scan/plan_file.cpp)

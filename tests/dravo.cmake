@@ -80,6 +80,7 @@ dravo_test_programs(results results
   progress_file_test.cpp
   progress_test.cpp
   scan_record_test.cpp
+  scan_size_test.cpp
   text_chunk_test.cpp)
 
 # The built dravo, as it is and sanitized.
@@ -108,6 +109,7 @@ add_executable(cli_tests
   cli/scan_plans_test.cpp
   cli/scan_poses_test.cpp
   cli/scan_refusals_test.cpp
+  cli/scan_size_test.cpp
   cli/scan_totals_test.cpp
   cli/spoilt_scans_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
