@@ -68,12 +68,14 @@ set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 set(DRAVO_RESULTS_SOURCES
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/extract.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp
   src/results/interruption.cpp
   src/results/merge.cpp
   src/results/pose_folders.cpp
   src/results/pose_writer.cpp
+  src/results/poses_again.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
   src/results/record_text.cpp
@@ -82,7 +84,9 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_record.cpp
   src/results/scan_results.cpp
   src/results/scan_run.cpp
+  src/results/scan_size.cpp
   src/results/status_line.cpp
+  src/results/table_rows.cpp
   src/results/text_chunk.cpp
   src/scan/plan_file.cpp)
 list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
@@ -105,6 +109,7 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp
     src/cli/main.cpp

@@ -90,6 +90,7 @@ dravo_test_programs(results results
   progress_file_test.cpp
   progress_test.cpp
   scan_record_test.cpp
+  scan_size_test.cpp
   text_chunk_test.cpp)
 
 # The built dravo, as it is and sanitized.
@@ -103,11 +104,13 @@ add_executable(cli_tests
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
+  cli/extract_test.cpp
   cli/formats_test.cpp
   cli/here_test.cpp
   cli/identify_frames_test.cpp
   cli/identify_test.cpp
   cli/interrupted_test.cpp
+  cli/less_output_test.cpp
   cli/merge_test.cpp
   cli/missed_axes_test.cpp
   cli/other_scans_test.cpp
@@ -123,6 +126,7 @@ add_executable(cli_tests
   cli/scan_plans_test.cpp
   cli/scan_poses_test.cpp
   cli/scan_refusals_test.cpp
+  cli/scan_size_test.cpp
   cli/scan_totals_test.cpp
   cli/spoilt_scans_test.cpp
   cli/standard_input_test.cpp

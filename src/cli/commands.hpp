@@ -36,5 +36,6 @@ void add_place(CLI::App& program);
 void add_scan(CLI::App& program);
 void add_merge(CLI::App& program);
 void add_convert(CLI::App& program);
+void add_extract(CLI::App& program);
 
 }  // namespace dravo

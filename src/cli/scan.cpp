@@ -145,6 +145,7 @@ void run(ScanCommand& options) {
   if (options.overwrite) request.earlier = Earlier::overwrite;
   if (!options.shard.empty()) request.part = parse_shard(options.shard);
   request.progress = kind_of_status(options.quiet);
+  if (!options.quiet) request.tell = [](const std::string& news) { tell({news}); };
   if (request.writing != Writing::nothing) require_folder_of(request.name);
   const PairFile pair = read_pair(*options.pair);
   if (!options.quiet) tell(pair.remarks);
@@ -204,6 +205,7 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opti
       command.add_flag("--overwrite", options->overwrite, "replace the results of an earlier scan");
   resume->excludes(overwrite);
   count->excludes(resume)->excludes(overwrite);
+  command.add_flag("--force", request.force, "begin though the disk has too little room");
   command.add_option("--shard", options->shard, "the I-th of N parts, for `dravo merge`")
       ->type_name("I/N");
   command

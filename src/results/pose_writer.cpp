@@ -1,9 +1,12 @@
 #include "results/pose_writer.hpp"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <system_error>
 
 #include "common/number_format.hpp"
 #include "common/record_format.hpp"
@@ -60,6 +63,40 @@ constexpr std::array<Column, 20> kPoseColumns{{
     {"equivalents", [](auto& text, const auto& p) { append_shortest(text, p.equivalents); },
      &PoseColumns::equivalents},
 }};
+
+/// A number that is all of a text.
+template <class Number>
+bool read_number(std::string_view text, Number& number) {
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc{} && stop == end;
+}
+
+/// A column that tells how a pose came about.
+struct KnownColumn {
+  std::string_view name;
+  bool (*read)(std::string_view text, ScannedPose& pose);
+};
+
+constexpr std::array<KnownColumn, 9> kKnownColumns{{
+    {"index", [](auto text, auto& p) { return read_number(text, p.index); }},
+    {"above_contact", [](auto text, auto& p) { return read_number(text, p.above_contact); }},
+    {"r", [](auto text, auto& p) { return read_number(text, p.asked.r); }},
+    {"theta", [](auto text, auto& p) { return read_number(text, p.asked.theta); }},
+    {"phi", [](auto text, auto& p) { return read_number(text, p.asked.phi); }},
+    {"alpha", [](auto text, auto& p) { return read_number(text, p.asked.alpha); }},
+    {"beta", [](auto text, auto& p) { return read_number(text, p.asked.beta); }},
+    {"gamma", [](auto text, auto& p) { return read_number(text, p.asked.gamma); }},
+    {"equivalents", [](auto text, auto& p) { return read_number(text, p.equivalents); }},
+}};
+
+/// True for other columns.
+bool read_known(std::string_view name, std::string_view text, ScannedPose& pose) {
+  const auto* const known =
+      std::find_if(kKnownColumns.begin(), kKnownColumns.end(),
+                   [&](const KnownColumn& column) { return column.name == name; });
+  return known == kKnownColumns.end() || known->read(text, pose);
+}
 
 bool is_there(const Column& column, const PoseColumns& columns) {
   return column.only_with == nullptr || columns.*column.only_with;
@@ -118,6 +155,17 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
     column.append(table, pose);
   }
   table += '\n';
+}
+
+std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
+  ScannedPose pose;
+  for (const Column& column : kPoseColumns) {
+    if (!is_there(column, columns_)) continue;
+    const std::size_t comma = std::min(row.find(','), row.size());
+    if (!read_known(column.name, row.substr(0, comma), pose)) return std::nullopt;
+    row.remove_prefix(std::min(comma + 1, row.size()));
+  }
+  return pose;
 }
 
 void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "common/atom_table.hpp"
 #include "dravo/scan.hpp"
@@ -38,6 +40,10 @@ class PoseWriter {
   [[nodiscard]] std::string table_heading() const;
 
   void append_row(std::string& table, const ScannedPose& pose) const;
+
+  /// What a row tells of how its pose came about: index, r above the contact, what was asked, how
+  /// many poses it stands for. Empty for a text that is no row.
+  [[nodiscard]] std::optional<ScannedPose> read_row(std::string_view row) const;
 
   /// The pose whose atoms stand in `placed`:
   ///

@@ -39,9 +39,34 @@ std::optional<ScanRecord> record_in(const std::string& name, std::string_view sl
   return parse_record(name, std::string(text));
 }
 
+/// The whole ones, later first.
+std::vector<ScanRecord> records_in(const std::string& name) {
+  std::string text = read_file(name);
+  text.resize(2 * kSlotBytes);
+  std::vector<ScanRecord> records;
+  for (const std::size_t slot : {0U, 1U})
+    if (const auto record =
+            record_in(name, std::string_view(text).substr(slot * kSlotBytes, kSlotBytes)))
+      records.push_back(*record);
+  std::sort(records.begin(), records.end(), [](const ScanRecord& a, const ScanRecord& b) {
+    return a.totals.poses > b.totals.poses;
+  });
+  return records;
+}
+
 }  // namespace
 
 bool has_progress(const std::string& scan) { return ::access((scan + kEnding).c_str(), F_OK) == 0; }
+
+std::int64_t poses_in_progress(const std::string& scan) {
+  if (!has_progress(scan)) return 0;
+  try {
+    const auto records = records_in(scan + kEnding);
+    return records.empty() ? 0 : records.front().totals.poses;
+  } catch (const Error&) {  // whoever goes on with it meets this too
+    return 0;
+  }
+}
 
 ProgressFile::ProgressFile(const std::string& scan)
     : name_(scan + kEnding),
@@ -62,20 +87,11 @@ ProgressFile::~ProgressFile() {
 }
 
 std::vector<ScanRecord> ProgressFile::records() const {
-  std::string text = read_file(name_);
-  text.resize(2 * kSlotBytes);
-  std::vector<ScanRecord> records;
-  for (const std::size_t slot : {0U, 1U})
-    if (const auto record =
-            record_in(name_, std::string_view(text).substr(slot * kSlotBytes, kSlotBytes)))
-      records.push_back(*record);
+  std::vector<ScanRecord> records = records_in(name_);
   if (records.empty())
     throw IoFailure(name_ +
                     ": expected the progress of a scan, found something else; --overwrite "
                     "starts over");
-  std::sort(records.begin(), records.end(), [](const ScanRecord& a, const ScanRecord& b) {
-    return a.totals.poses > b.totals.poses;
-  });
   return records;
 }
 

@@ -1,6 +1,7 @@
 /// NAME.progress: how far a scan is, for the process that goes on with it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@
 namespace dravo {
 
 [[nodiscard]] bool has_progress(const std::string& scan);
+
+/// How many poses a scan has made by its progress, whoever holds it now; 0 when nothing tells it.
+[[nodiscard]] std::int64_t poses_in_progress(const std::string& scan);
 
 /// Held by one process at a time. Two records are kept, each with its fingerprint, so that the one
 /// before the last stays whole while the last is written. A file without any record goes with its

@@ -28,6 +28,13 @@ std::vector<std::string> result_names(const std::string& name) {
 
 bool exists(const std::string& name) { return ::access(name.c_str(), F_OK) == 0; }
 
+/// And of what is left of unfinished ones.
+std::vector<std::string> names_with_parts(const std::string& name) {
+  std::vector<std::string> names = result_names(name);
+  for (const std::string& result : result_names(name)) names.push_back(result + std::string(kPart));
+  return names;
+}
+
 void rename_file(const std::string& from, const std::string& to) {
   if (std::rename(from.c_str(), to.c_str()) != 0) throw_system_failure(to, "put in place");
 }
@@ -135,19 +142,23 @@ void refuse_earlier_results(const std::string& name) {
     if (exists(result)) throw IoFailure(result + ": exists already; --overwrite replaces it");
 }
 
-void remove_earlier_results(const std::string& name) {
-  for (const std::string& result : result_names(name)) {
-    ::unlink(result.c_str());
-    ::unlink((result + std::string(kPart)).c_str());
+double bytes_of_earlier_results(const std::string& name) {
+  double bytes = 0.0;
+  for (const std::string& result : names_with_parts(name)) {
+    std::error_code failure;
+    const auto size = std::filesystem::file_size(result, failure);
+    if (!failure) bytes += static_cast<double>(size);
   }
+  return bytes;
+}
+
+void remove_earlier_results(const std::string& name) {
+  for (const std::string& result : names_with_parts(name)) ::unlink(result.c_str());
 }
 
 void refuse_inputs_as_results(const std::string& name, const std::vector<std::string>& inputs) {
-  std::vector<std::string> written{name + ".progress"};
-  for (const std::string& result : result_names(name)) {
-    written.push_back(result);
-    written.push_back(result + std::string(kPart));
-  }
+  std::vector<std::string> written = names_with_parts(name);
+  written.push_back(name + ".progress");
   for (const std::string& input : inputs)
     for (const std::string& file : written) {
       std::error_code ignored;  // what does not exist is not the same

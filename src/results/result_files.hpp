@@ -58,6 +58,9 @@ void require_unchanged(const std::string& name, const ScanRecord& record);
 /// Throws IoFailure when a result of this name exists, whichever of them the scan writes.
 void refuse_earlier_results(const std::string& name);
 
+/// Of those that `remove_earlier_results` removes.
+double bytes_of_earlier_results(const std::string& name);
+
 /// Finished ones, and what is left of unfinished ones.
 void remove_earlier_results(const std::string& name);
 

@@ -16,6 +16,8 @@
 #include "driver/user_parameters.hpp"
 #include "results/interruption.hpp"
 #include "results/pose_folders.hpp"
+#include "results/result_files.hpp"
+#include "results/scan_size.hpp"
 #include "results/text_chunk.hpp"
 #include "scan/pair_placer.hpp"
 
@@ -114,8 +116,53 @@ ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, con
 ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan) {
   OwnedTable placed(placer.split().N);
   placer.place({}, placed.table());
-  return {writer_of(placer, plan, Writing::frames).table_heading(),
+  return {writer_of(placer, columns_of(placer, plan), Writing::frames).table_heading(),
           molecule2_frame(placer.labels(), placer.split().n1, placed.table(), placer.exact())};
+}
+
+/// The poses that are left to make, as far as the files tell it before anybody holds them.
+Stretch left_to_make(const ScanPlan& plan, const ScanRequest& request) {
+  Stretch poses = stretch_of(plan, request);
+  if (request.earlier != Earlier::resume) return poses;
+  if (has_finished_record(result_name(request))) return {poses.end, poses.end};
+  poses.first += poses_in_progress(result_name(request));
+  return poses;
+}
+
+void announce_size(const PairPlacer& placer, const ScanPlan& plan, const ScanRequest& request,
+                   Writing writing) {
+  const std::string name = result_name(request);
+  const Stretch poses = left_to_make(plan, request);
+  const ScanSize size = expected_size(placer, plan, writing, poses.first, poses.end);
+  double free = free_bytes(name);
+  if (request.earlier == Earlier::overwrite) free += bytes_of_earlier_results(name);
+  if (!request.force) require_room(name, size, writing, free);
+  const auto announcement = announcement_of(size, writing);
+  if (announcement && request.tell) request.tell(*announcement);
+}
+
+/// Null for a scan that only counts.
+std::unique_ptr<ScanFiles> opened_files(const PairPlacer& placer, const ScannedPair& molecules,
+                                        const ScanPlan& plan, const ScanRequest& request,
+                                        const PoseFolders& folders) {
+  const Writing writing = writing_of(plan, request);
+  if (writing == Writing::nothing) return nullptr;
+  const std::string name = result_name(request);
+  require_file_name(request.name);
+  refuse_inputs_as_results(name, request.inputs);
+  if (writing == Writing::files) {
+    refuse_earlier_folder(request);
+    refuse_inputs_in_folder(request);
+    refuse_earlier_poses(request, folders, stretch_of(plan, request));
+  }
+  announce_size(placer, plan, request, writing);
+  const ScanRecord record = record_of(placer, molecules, plan, request);
+  const auto open = [&] {
+    return std::make_unique<StreamedResults>(name, record.results(), texts_of(placer, plan));
+  };
+  return std::make_unique<ScanFiles>(
+      name, record, open, request.earlier,
+      writing == Writing::files ? std::optional(folders) : std::nullopt);
 }
 
 }  // namespace
@@ -139,29 +186,13 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
   const Writing writing = writing_of(plan, request);
   const ScanOutput output{writing, writing == Writing::files ? request.name : ""};
   const PoseFolders folders(output.pose_folder, plan.poses().size());
-  std::optional<ScanFiles> files;
-  if (output.writing != Writing::nothing) {
-    require_file_name(request.name);
-    refuse_inputs_as_results(result_name(request), request.inputs);
-    if (output.writing == Writing::files) {
-      refuse_earlier_folder(request);
-      refuse_inputs_in_folder(request);
-      refuse_earlier_poses(request, folders, stretch_of(plan, request));
-    }
-    const ScanRecord record = record_of(placer, molecules, plan, request);
-    const auto open = [&] {
-      return std::make_unique<StreamedResults>(result_name(request), record.results(),
-                                               texts_of(placer, plan));
-    };
-    files.emplace(result_name(request), record, open, request.earlier,
-                  output.writing == Writing::files ? std::optional(folders) : std::nullopt);
-  }
+  const auto files = opened_files(placer, molecules, plan, request, folders);
   ScanTotals totals = files ? files->totals() : ScanTotals{};
   const ChunkJob job = job_of(placer.split().N, plan, request, totals.poses);
   const std::int64_t planned = job.end - job.first + totals.poses;
   Progress progress(request.progress, planned, totals.poses);
   if (files && files->finished()) return totals;
-  if (output.writing == Writing::files) folders.require_own(job.first, job.end);
+  if (writing == Writing::files) folders.require_own(job.first, job.end);
   std::optional<InterruptionWatch> watch;  // a scan that writes nothing has nothing to save
   if (files) watch.emplace();
 

@@ -1,6 +1,7 @@
 /// A scan, or a part of it, from plan to files.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,9 +20,11 @@ struct ScanRequest {
   /// Writing::files is the plan's to say.
   Writing writing = Writing::frames;
   Earlier earlier = Earlier::refuse;
-  std::optional<Shard> part;        ///< the whole scan without it
-  std::vector<std::string> inputs;  ///< files that results must not replace
-  int threads = 0;                  ///< as many as the machine has cores
+  bool force = false;  ///< though the disk has less room than the results take
+  std::function<void(const std::string&)> tell = {};  ///< news before the scan begins; may be null
+  std::optional<Shard> part;                          ///< the whole scan without it
+  std::vector<std::string> inputs;                    ///< files that results must not replace
+  int threads = 0;                                    ///< as many as the machine has cores
   Progress::Kind progress = Progress::Kind::none;
 };
 

@@ -9,13 +9,15 @@
 
 namespace dravo {
 
-PoseWriter writer_of(const PairPlacer& placer, const ScanPlan& plan, Writing writing) {
-  const std::span<const Label> labels(placer.labels());
-  const auto n1 = static_cast<std::size_t>(placer.split().n1);
-  return {writing == Writing::moving ? labels.first(n1) : labels,
+PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan) {
+  return {plan.above_contact(), plan.unique(), placer.exact()};
+}
 
-          placer.split().n1,
-          {plan.above_contact(), plan.unique(), placer.exact()}};
+PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing) {
+  const std::span<const Label> labels(placer.labels());
+  const std::int32_t n1 = placer.split().n1;
+  return {writing == Writing::moving ? labels.first(static_cast<std::size_t>(n1)) : labels, n1,
+          columns};
 }
 
 namespace {
@@ -32,7 +34,7 @@ TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanO
     : placer_(&placer),
       output_(&output),
       poses_(placer, plan.poses(), rules_of(plan, output, unique)),
-      writer_(writer_of(placer, plan, output.writing)),
+      writer_(writer_of(placer, columns_of(placer, plan), output.writing)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {

@@ -26,8 +26,11 @@ struct ScanOutput {
   std::string pose_folder;  ///< of Writing::files: it gets a folder for each pose
 };
 
-/// For the poses of a plan; frames are those of Writing::moving or of both molecules.
-PoseWriter writer_of(const PairPlacer& placer, const ScanPlan& plan, Writing writing);
+/// Which columns the poses of a plan have.
+PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan);
+
+/// Its frames are those of Writing::moving or of both molecules.
+PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing);
 
 /// One per thread.
 class TextMaker {

@@ -23,8 +23,6 @@
 namespace dravo {
 namespace {
 
-constexpr std::string_view kContactDistance = "contact-distance";
-
 constexpr std::array<std::string_view, 7> kOtherKeys{
     "zip", "random", "seed", "contacts", kContactDistance, "files", "unique"};
 
@@ -165,7 +163,7 @@ void ScanPlan::read_criterion(const PlanWord& word) {
   } catch (const InvalidInput& fault) {
     word.refuse(fault.what());
   }
-  description_[std::string(kContactDistance)] = criterion_.text();
+  description_[kContactDistance] = criterion_.text();
 }
 
 Poses ScanPlan::read_poses(const PlanKeys& keys, const PoseDefaults& defaults) {

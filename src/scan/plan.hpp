@@ -15,6 +15,9 @@
 
 namespace dravo {
 
+/// The key of what counts as a contact, in plans and records.
+inline constexpr auto kContactDistance = "contact-distance";
+
 /// Three ways to make poses. In all of them r varies slowest.
 ///
 ///     grid     every combination; gamma varies fastest

@@ -45,9 +45,21 @@ MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
   pose.radians = placer_->used_parameters(asked);
   if (rules_.above_contact)
     asked.r = pose.radians.r = distance_beyond(placer_->touching_distance(pose.radians), planned.r);
+  place(pose);
+  return pose;
+}
+
+MadePose PoseMaker::made_again(const ScannedPose& known) {
+  MadePose pose{known, false, false, placer_->used_parameters(known.asked), {}, placed_.table()};
+  place(pose);
+  return pose;
+}
+
+/// By its radians.
+void PoseMaker::place(MadePose& pose) {
   pose.placement = placer_->place(pose.radians, placed_.table());
   const ContactSurvey survey = placer_->survey(placed_.table(), rules_.clearance);
-  pose.numbers.applied = placer_->exact() ? with_folded_azimuths(asked)
+  pose.numbers.applied = placer_->exact() ? with_folded_azimuths(pose.numbers.asked)
                                           : applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
   pose.numbers.contacts = survey.contacts;
@@ -55,7 +67,6 @@ MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
   pose.numbers.clearance_atom1 = survey.clearance_atom1;
   pose.numbers.clearance_atom2 = survey.clearance_atom2;
   pose.wanted = is_wanted(rules_.contacts, survey.contacts > 0);
-  return pose;
 }
 
 }  // namespace dravo

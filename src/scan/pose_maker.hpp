@@ -52,8 +52,14 @@ class PoseMaker {
     for (const PoseDegrees& asked : asked_) take(made(++index, asked));
   }
 
+  /// The pose of which index, r above the contact, what was asked (r is the whole distance) and how
+  /// many poses it stands for are known; the rest is found as it was when the pose was made.
+  MadePose made_again(const ScannedPose& known);
+
  private:
   MadePose made(std::int64_t index, const PoseDegrees& planned);
+
+  void place(MadePose& pose);
 
   const PairPlacer* placer_;
   Poses poses_;

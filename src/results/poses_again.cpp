@@ -1,0 +1,81 @@
+#include "results/poses_again.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "common/errors.hpp"
+#include "common/shown_text.hpp"
+#include "common/text.hpp"
+#include "driver/user_parameters.hpp"
+#include "results/result_files.hpp"
+#include "results/text_chunk.hpp"
+
+namespace dravo {
+namespace {
+
+PoseColumns columns_in(std::string_view heading, bool exact) {
+  const auto names = parts_between(heading, ',');
+  const auto has = [&](std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  };
+  return {has("above_contact"), has("equivalents"), exact};
+}
+
+/// More may follow behind a comma.
+bool begins_with(std::string_view row, std::string_view begin) {
+  return row.starts_with(begin) && (row.size() == begin.size() || row[begin.size()] == ',');
+}
+
+std::string_view without_line_end(std::string_view line) { return line.substr(0, line.size() - 1); }
+
+}  // namespace
+
+PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
+  const std::string file = name + kRecordEnding;
+  if (!record.molecules)
+    throw IoFailure(
+        file + ": is of an earlier version and does not hold the molecules; make the scan again");
+  const ScannedPair& molecules = *record.molecules;
+  if (fingerprint_of(molecules.pair) != record.origin.at("pair"))
+    throw IoFailure(file + ": the molecules have changed since it was written");
+  const bool exact = is_exact(record);
+  const auto distance = record.origin.find(kContactDistance);
+  const ContactCriterion criterion = distance == record.origin.end()
+                                         ? ContactCriterion()
+                                         : ContactCriterion::of_text(distance->second);
+  PairPlacer placer(molecules.pair, {exact ? Placing::exact : Placing::automatic,
+                                     molecules.like ? &*molecules.like : nullptr, criterion});
+  if (placer.exact() != exact)
+    throw IoFailure(file + ": this version of the program places the pair in another way");
+  return placer;
+}
+
+PosesAgain::PosesAgain(const PairPlacer& placer, std::string_view heading, Writing writing,
+                       std::string table)
+    : writer_(writer_of(placer, columns_in(heading, placer.exact()), writing)),
+      maker_(placer, Poses::list({}), {.clearance = true}),
+      table_(std::move(table)) {
+  if (!begins_with(heading, without_line_end(writer_.table_heading())))
+    throw IoFailure(fmt::format("{}:1: expected the columns of a scan by this program, found {}",
+                                table_, quoted(heading)));
+}
+
+void PosesAgain::append_frame(std::string& frames, std::string_view row) {
+  const auto known = writer_.read_row(row);
+  if (!known || complaint_about({0.0, known->asked.theta, known->asked.phi, known->asked.alpha,
+                                 known->asked.beta, known->asked.gamma}))
+    throw IoFailure(fmt::format("{}: expected a row of the scan, found {}", table_, quoted(row)));
+  const MadePose pose = maker_.made_again(*known);
+  row_.clear();
+  writer_.append_row(row_, pose.numbers);
+  if (!begins_with(row, without_line_end(row_)))
+    throw IoFailure(
+        fmt::format("{}: the row of pose {} is not the one that this program writes: the table has "
+                    "changed, or another version made it",
+                    table_, known->index));
+  writer_.append_frame(frames, pose.numbers, pose.atoms);
+}
+
+}  // namespace dravo

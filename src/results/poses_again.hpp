@@ -1,0 +1,37 @@
+/// The frames of poses that a table tells of, placed again.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "results/pose_writer.hpp"
+#include "results/scan_record.hpp"
+#include "scan/pair_placer.hpp"
+#include "scan/pose_maker.hpp"
+
+namespace dravo {
+
+/// Places what a scan placed, in its way. Throws IoFailure for the record of an earlier version,
+/// which does not hold what was placed; `name` is the scan's.
+PairPlacer placer_of(const std::string& name, const ScanRecord& record);
+
+class PosesAgain {
+ public:
+  /// `heading` is that of the rows, without an end of line, and `table` their file. The placer must
+  /// live as long. Throws IoFailure for other columns than those of a scan.
+  PosesAgain(const PairPlacer& placer, std::string_view heading, Writing writing,
+             std::string table);
+
+  /// The frame that the scan wrote for the pose of this row, which is without an end of line. More
+  /// columns may follow those of a scan. Throws IoFailure when the pose has another row: the table
+  /// or the program has changed.
+  void append_frame(std::string& frames, std::string_view row);
+
+ private:
+  PoseWriter writer_;
+  PoseMaker maker_;
+  std::string table_;
+  std::string row_;
+};
+
+}  // namespace dravo
