@@ -218,8 +218,9 @@ std::string packed_message(const std::string& name, const Packing& packing) {
   std::string unpacked = name;
   if (unpacked.size() > packing.ending.size() && unpacked.ends_with(packing.ending))
     unpacked.resize(unpacked.size() - packing.ending.size());
-  return fmt::format("{}: this is compressed by {}; unpack it first:\n  {} {} > {}", name, packing.name,
-                     packing.unpack_file, shell_word(name), shell_word(free_name(unpacked)));
+  return fmt::format("{}: this is compressed by {}; unpack it first:\n  {} {} > {}", name,
+                     packing.name, packing.unpack_file, shell_word(name),
+                     shell_word(free_name(unpacked)));
 }
 
 std::string converted_message(const std::string& name, const Format& format) {
@@ -244,7 +245,8 @@ std::string converted_message(const std::string& name, const Format& format) {
 std::string shell_word(const std::string& name) {
   constexpr std::string_view kPlain = "_./+,=:@%-";
   const bool plain = !name.empty() && std::all_of(name.begin(), name.end(), [&](char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || kPlain.find(c) != kPlain.npos;
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+           kPlain.find(c) != std::string_view::npos;
   });
   std::string word = name.starts_with('-') ? "./" + name : name;
   if (plain) return word;
