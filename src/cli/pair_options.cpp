@@ -44,6 +44,7 @@ void add_reading_options(CLI::App& command, const SharedRequest& request) {
       "--no-check", [request] { request->check = false; },
       "take a pair with bonds across the split, or with atoms closer than 0.5 Angstrom");
   std::vector<std::string> names;
+  names.reserve(kLengthUnits.size());
   for (const NamedUnit& unit : kLengthUnits) names.emplace_back(unit.name);
   const auto read_unit = [request](const std::string& name) {
     for (const NamedUnit& unit : kLengthUnits)

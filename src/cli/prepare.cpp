@@ -162,8 +162,10 @@ void add_prepare(CLI::App& program) {
       *program.add_subcommand("prepare", "Write the input file of qn-dravo from xyz files");
   const auto wanted = std::make_shared<Preparation>();
   command
-      .add_option("file", wanted->request->file,
-                  "xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz")
+      .add_option(
+          "file", wanted->request->file,
+          "xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz; - is standard "
+          "input")
       ->required()
       ->type_name("FILE");
   add_second_file(command, wanted->request);

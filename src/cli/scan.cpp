@@ -226,7 +226,8 @@ void add_scan(CLI::App& program) {
   options->pair = add_pair_options(command);
   add_second_file(command, options->pair);
   command.get_option("pair")->description(
-      "xyz file of molecule 1 or of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz");
+      "xyz file of molecule 1 or of both molecules, QN-input-GEOMETRY.xyz or input-GEOMETRY.xyz; "
+      "- is standard input");
   add_plan_options(command, options);
   add_run_options(command, options);
   command.callback([options] { run(*options); });

@@ -62,9 +62,6 @@ class Surveyor {
 
  private:
   [[nodiscard]] std::int32_t size() const { return static_cast<std::int32_t>(radii_.size()); }
-  [[nodiscard]] bool counts(std::int32_t i, std::int32_t j) const {
-    return atoms_.across || (i < atoms_.n1) == (j < atoms_.n1);
-  }
   bool is_piled_up();
   void look_at(std::int32_t i, std::int32_t j);
   std::int32_t root_of(std::int32_t atom);
@@ -101,7 +98,7 @@ bool Surveyor::is_piled_up() {
                    [&](std::int32_t i, std::int32_t j) {
                      const double distance = modulus(atoms_.positions[static_cast<std::size_t>(i)] -
                                                      atoms_.positions[static_cast<std::size_t>(j)]);
-                     if (distance < kClosestAtoms && counts(i, j)) too_close.add({i, j, distance});
+                     if (distance < kClosestAtoms) too_close.add({i, j, distance});
                      return too_close.count() <= enough;
                    });
   if (too_close.count() <= enough) return false;
@@ -110,7 +107,6 @@ bool Surveyor::is_piled_up() {
 }
 
 void Surveyor::look_at(std::int32_t i, std::int32_t j) {
-  if (!counts(i, j)) return;
   const auto a = static_cast<std::size_t>(i), b = static_cast<std::size_t>(j);
   const Vec3 difference = atoms_.positions[a] - atoms_.positions[b];
   const double longest = longest_bond(radii_[a], radii_[b]);

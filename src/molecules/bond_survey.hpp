@@ -58,7 +58,6 @@ struct SurveyedAtoms {
   std::span<const Label> labels;
   std::span<const Vec3> positions;
   std::int32_t n1;
-  bool across = true;  ///< pairs of atoms of different molecules count too
 };
 
 /// One to two microseconds for a dozen atoms. Where more pairs than atoms are too close, nothing

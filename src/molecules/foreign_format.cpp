@@ -245,7 +245,8 @@ std::string converted_message(const std::string& name, const Format& format) {
 std::string shell_word(const std::string& name) {
   constexpr std::string_view kPlain = "_./+,=:@%-";
   const bool plain = !name.empty() && std::all_of(name.begin(), name.end(), [&](char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || kPlain.find(c) != kPlain.npos;
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+           kPlain.find(c) != std::string_view::npos;
   });
   std::string word = name.starts_with('-') ? "./" + name : name;
   if (plain) return word;

@@ -24,6 +24,7 @@ struct Part {
   std::string_view name;          ///< of the file
   std::int32_t atoms_before = 0;  ///< in the file
   std::string_view molecule{};    ///< which one, in words; empty for both
+  bool other_is_right = false;    ///< the other file's unit is
 };
 
 // --- units ------------------------------------------------------------------------------------
@@ -46,8 +47,7 @@ std::optional<LengthUnit> find_unit(const SurveyedAtoms& atoms, LengthUnit unit)
     const double factor = other.angstrom / named_unit(unit).angstrom;
     std::transform(atoms.positions.begin(), atoms.positions.end(), positions.begin(),
                    [&](const Vec3& p) { return factor * p; });
-    if (looks_right(survey_bonds({atoms.labels, positions, atoms.n1, atoms.across})))
-      return other.unit;
+    if (looks_right(survey_bonds({atoms.labels, positions, atoms.n1}))) return other.unit;
   }
   return std::nullopt;
 }
@@ -79,11 +79,11 @@ std::string unit_refusal(const BondSurvey& found, const Part& part, LengthUnit u
     what = "atoms closer than any bond: " + distances_text(found.too_short, part);
   if (!found.too_close.empty()) what = too_close_text(found, part);
   const char* const name = named_unit(unit).name;
-  const std::string advice = origin.any_unit
-                                 ? fmt::format("use --unit {}", name)
-                                 : "but files of this format are in Angstrom; convert them";
-  return fmt::format("{}: {}\nthe coordinates make molecules in {}{} {}; {}", part.name, what, name,
-                     origin.any_unit ? ":" : ",", advice, kGoesOn);
+  std::string advice = fmt::format(": use --unit {}", name);
+  if (!origin.any_unit) advice = ", but files of this format are in Angstrom; convert them";
+  if (part.other_is_right) advice = ", but those of the other file do not; convert one of them";
+  return fmt::format("{}: {}\nthe coordinates make molecules in {}{}; {}", part.name, what, name,
+                     advice, kGoesOn);
 }
 
 // --- bonds between the molecules --------------------------------------------------------------
@@ -174,20 +174,25 @@ void check_part(const Part& part, const PairOrigin& origin, PairCheck& check) {
     if (found.pieces[molecule] > 1) check.warnings.push_back(pieces_warning(part, molecule));
 }
 
-/// A molecule by itself.
-Part molecule_part(const Pair& pair, const PairOrigin& origin, int molecule) {
+SurveyedAtoms molecule_atoms(const Pair& pair, int molecule) {
   const auto first = static_cast<std::size_t>(molecule == 1 ? 0 : pair.n1());
   const std::int32_t count = molecule == 1 ? pair.n1() : pair.size() - pair.n1();
   const auto atoms = static_cast<std::size_t>(count);
-  Part part{{std::span(pair.labels()).subspan(first, atoms),
-             std::span(pair.positions()).subspan(first, atoms), count},
-            origin.name};
+  return {std::span(pair.labels()).subspan(first, atoms),
+          std::span(pair.positions()).subspan(first, atoms), count};
+}
+
+/// A molecule by itself.
+Part molecule_part(const Pair& pair, const PairOrigin& origin, int molecule) {
+  Part part{molecule_atoms(pair, molecule), origin.name};
   if (origin.second_name.empty()) {
-    part.atoms_before = static_cast<std::int32_t>(first);
+    part.atoms_before = molecule == 1 ? 0 : pair.n1();
     part.molecule = molecule == 1 ? "molecule 1" : "molecule 2";
   } else {
     if (molecule == 2) part.name = origin.second_name;
     part.molecule = "the molecule";
+    const BondSurvey other = survey_bonds(molecule_atoms(pair, 3 - molecule));
+    part.other_is_right = other.bonded_atoms > 0 && !looks_wrong(other);
   }
   return part;
 }

@@ -23,7 +23,7 @@ enum class Division {
 /// Where a pair comes from, as messages tell it.
 struct PairOrigin {
   std::string_view name;              ///< of the file
-  std::string_view second_name = "";  ///< of that of molecule 2, where each has its own
+  std::string_view second_name = {};  ///< of that of molecule 2, where each has its own
   Division division = Division::asked;
   LengthUnit unit = LengthUnit::angstrom;
   bool any_unit = true;  ///< false for the formats that are always in Angstrom

@@ -117,14 +117,18 @@ TEST_P(Mistakes, AreRefusedByEveryCommandWithWhatToTry) {
 
 INSTANTIATE_TEST_SUITE_P(Files, Mistakes, ::testing::ValuesIn(kMistakes));
 
-TEST(OneOfTwoFiles, InAnotherUnitIsNamed) {
+TEST(TwoFiles, InAnotherUnitAreRefusedAndNamed) {
   const Formamides folder;
-  for (const char* command : {"place", "prepare", "scan"})
+  for (const char* command : {"place", "prepare", "scan"}) {
+    EXPECT_EQ(run_command(folder, {command, "bohr-1.xyz", "bohr-2.xyz", "--r", "4"}).messages,
+              "dravo: bohr-1.xyz: no two atoms are as close as a bond\n"
+              "the coordinates make molecules in bohr: use --unit bohr; --no-check goes on as it "
+              "is\n");
     EXPECT_EQ(run_command(folder, {command, "1.xyz", "bohr-2.xyz", "--r", "4"}).messages,
               "dravo: bohr-2.xyz: no two atoms are as close as a bond\n"
-              "the coordinates make molecules in bohr: use --unit bohr" +
-                  kGoesOn + "\n")
-        << command;
+              "the coordinates make molecules in bohr, but those of the other file do not; "
+              "convert one of them; --no-check goes on as it is\n");
+  }
 }
 
 TEST(NoCheck, TakesEveryPair) {
@@ -146,30 +150,50 @@ double r_of(const Formamides& folder, const Words& words) {
   return Json::parse(outcome.screen)["parameters"]["r"];
 }
 
-TEST(Units, AreThoseOfTheFileAndChangeNoResult) {
+const Words kPose{"--r",     "4",  "--theta", "70", "--phi",   "30",
+                  "--alpha", "10", "--beta",  "20", "--gamma", "40"};
+
+class Unit : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(Unit, OfAPairChangesNoDistance) {
+  const Formamides folder;
+  const std::string file = std::string(GetParam()) + ".xyz";
+  const double r = r_of(folder, {"pair.xyz", "--split", "6"});
+  const Words words{file, "--unit", GetParam()};
+  EXPECT_NEAR(r_of(folder, words + Words{"--split", "6"}), r, 1e-12);
+  EXPECT_NEAR(r_of(folder, words + Words{"--split", "auto"}), r, 1e-12);
+  EXPECT_NEAR(r_of(folder, words + Words{"--split", "6", "--like", file}), r, 1e-12);
+}
+
+TEST_P(Unit, OfTwoFilesChangesNoPlacedAtom) {
+  const std::string unit = GetParam();
+  const Words two{unit + "-1.xyz", unit + "-2.xyz", "--unit", unit};
+  const Formamides folder;
+  const Outcome placed = run_command(folder, Words{"place"} + two + kPose);
+  EXPECT_EQ(placed.status, 0) << placed.messages;
+  EXPECT_EQ(placed.screen, run_command(folder, Words{"place", "1.xyz", "2.xyz"} + kPose).screen);
+
+  EXPECT_EQ(run_command(folder, Words{"scan", "-o", "a"} + two + kPose).status, 0);
+  EXPECT_EQ(run_command(folder, Words{"scan", "-o", "b", "1.xyz", "2.xyz"} + kPose).status, 0);
+  EXPECT_EQ(folder.read("a.xyz"), folder.read("b.xyz"));
+}
+
+TEST_P(Unit, OfAnInputBecomesAngstrom) {
+  const Formamides folder;
+  const std::string file = std::string(GetParam()) + ".xyz";
+  const Words words{file, "--split", "6", "--unit", GetParam()};
+  const SampleInput written = parse_sample(prepared(folder, words + kPose));
+  const auto expected = sample("formamide-dimer").atoms;
+  ASSERT_EQ(written.atoms.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i)
+    EXPECT_NEAR(modulus(written.atoms[i].position - expected[i].position), 0.0, 1e-12) << i;
+}
+
+INSTANTIATE_TEST_SUITE_P(Units, Unit, ::testing::Values("bohr", "nm"));
+
+TEST(UncheckedUnit, MakesEverythingLonger) {
   const Formamides folder;
   const double r = r_of(folder, {"pair.xyz", "--split", "6"});
-  for (const std::string unit : {"bohr", "nm"}) {
-    const Words of_unit{"--unit", unit};
-    EXPECT_NEAR(r_of(folder, Words{unit + ".xyz", "--split", "6"} + of_unit), r, 1e-12);
-    EXPECT_NEAR(r_of(folder, Words{unit + ".xyz", "--split", "auto"} + of_unit), r, 1e-12);
-    EXPECT_NEAR(
-        r_of(folder, Words{unit + ".xyz", "--split", "6", "--like", unit + ".xyz"} + of_unit), r,
-        1e-12);
-    const Words two{unit + "-1.xyz", unit + "-2.xyz", "--r", "4", "--phi", "30"};
-    const Words angles{"--alpha", "10", "--theta", "70", "--beta", "20", "--gamma", "40"};
-    const std::string placed =
-        run_command(folder, Words{"place", "1.xyz", "2.xyz", "--r", "4", "--phi", "30"} + angles)
-            .screen;
-    EXPECT_NE(placed, "");
-    EXPECT_EQ(run_command(folder, Words{"place"} + two + angles + of_unit).screen, placed);
-    EXPECT_EQ(
-        run_command(folder, Words{"scan"} + two + angles + of_unit + Words{"-o", "scan-" + unit})
-            .status,
-        0);
-    EXPECT_EQ(run_command(folder, Words{"prepare", "--overwrite"} + two + of_unit).status, 0);
-  }
-  // Taken as Angstrom, everything is as much too long.
   EXPECT_NEAR(r_of(folder, {"bohr.xyz", "--split", "6", "--no-check"}), r / kBohr, 1e-12);
 }
 

@@ -174,7 +174,7 @@ TEST(Help, HasAnExampleAndGoesToTheScreen) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.messages, "");
   for (const char* part :
-       {"--theta DEGREES", "--split N1|auto", "--unit UNIT:{angstrom,bohr}", "--overwrite",
+       {"--theta DEGREES", "--split N1|auto", "--unit UNIT:{angstrom,bohr,nm}", "--overwrite",
         "\n  dravo prepare formamide.xyz ethanol.xyz --r 4 --theta 90 --phi 45 --beta 30\n"})
     EXPECT_NE(outcome.screen.find(part), std::string::npos) << part;
 }

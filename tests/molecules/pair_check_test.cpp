@@ -113,22 +113,52 @@ TEST(CheckOfPairs, EveryPublishedMoleculeIsOneWhole) {
   }
 }
 
-TEST(CheckOfPairs, PublishedDimersInAnotherUnitAreRefusedWithIt) {
-  for (const auto& [name, n1, atoms] : s22_dimers())
-    for (const NamedUnit& written : kLengthUnits)
-      for (const NamedUnit& read : kLengthUnits) {
-        if (written.unit == read.unit) continue;
-        std::vector<Vec3> positions;
-        for (const Vec3& p : atoms.positions())
-          positions.push_back(read.angstrom / written.angstrom * p);
-        const Pair pair(n1, Molecule(atoms.labels(), positions));
-        for (const Division division : {Division::asked, Division::told, Division::apart}) {
-          const auto refusals = check_pair(pair, origin(division, read.unit)).refusals;
-          ASSERT_EQ(refusals.size(), 1U) << name << written.name << read.name;
-          EXPECT_NE(refusals[0].find(std::string("use --unit ") + written.name), std::string::npos)
-              << refusals[0];
-        }
-      }
+struct WrongUnit {
+  NamedUnit written;
+  NamedUnit read;
+};
+
+std::vector<WrongUnit> wrong_units() {
+  std::vector<WrongUnit> cases;
+  for (const NamedUnit& written : kLengthUnits)
+    for (const NamedUnit& read : kLengthUnits)
+      if (written.unit != read.unit) cases.push_back({written, read});
+  return cases;
+}
+
+void PrintTo(const WrongUnit& wrong, std::ostream* out) {
+  *out << wrong.written.name << " as " << wrong.read.name;
+}
+
+class PairInAnotherUnit : public ::testing::TestWithParam<WrongUnit> {};
+
+TEST_P(PairInAnotherUnit, IsRefusedWithItsOwn) {
+  const auto& [written, read] = GetParam();
+  const std::string advice = std::string("use --unit ") + written.name;
+  for (const auto& [name, n1, atoms] : s22_dimers()) {
+    std::vector<Vec3> positions;
+    for (const Vec3& p : atoms.positions())
+      positions.push_back(read.angstrom / written.angstrom * p);
+    const Pair pair(n1, Molecule(atoms.labels(), positions));
+    for (const Division division : {Division::asked, Division::told, Division::apart}) {
+      const auto refusals = check_pair(pair, origin(division, read.unit)).refusals;
+      ASSERT_EQ(refusals.size(), 1U) << name;
+      EXPECT_NE(refusals[0].find(advice), std::string::npos) << refusals[0];
+    }
+  }
+}
+
+TEST_P(PairInAnotherUnit, IsKnownWithoutADivision) {
+  const auto& [written, read] = GetParam();
+  const Pair pair = pair_of(6, formamides(), read.angstrom / written.angstrom);
+  EXPECT_EQ(better_unit(pair.labels(), pair.positions(), read.unit), written.unit);
+}
+
+INSTANTIATE_TEST_SUITE_P(Units, PairInAnotherUnit, ::testing::ValuesIn(wrong_units()));
+
+TEST(BetterUnit, IsNoneForMolecules) {
+  const Pair pair = pair_of(6, formamides());
+  EXPECT_EQ(better_unit(pair.labels(), pair.positions(), LengthUnit::angstrom), std::nullopt);
 }
 
 // --- what is found, and what is to be tried ---------------------------------------------------
@@ -327,12 +357,14 @@ TEST(CheckOfPairs, AFormatThatIsAlwaysInAngstromIsToBeConverted) {
 /// Hydrogen molecules on a cubic lattice, 0.75 Angstrom long, in rows of 20.
 Atoms lattice(int molecules, double factor = 1.0) {
   Atoms atoms;
-  for (int k = 0; k < molecules; ++k)
+  for (int k = 0; k < molecules; ++k) {
+    const int row = k / 20, layer = k / 400;
     for (const double atom : {0.0, 0.75}) {
       atoms.symbols.emplace_back("H");
       atoms.positions.push_back(factor *
-                                Vec3{3.5 * (k % 20) + atom, 3.5 * (k / 20 % 20), 3.5 * (k / 400)});
+                                Vec3{3.5 * (k % 20) + atom, 3.5 * (row % 20), 3.5 * layer});
     }
+  }
   return atoms;
 }
 
@@ -371,19 +403,6 @@ TEST(CheckOfPairs, AtomsAllInOnePlaceAreFoundAtOnce) {
   const auto refusals = check_pair(pair, origin(Division::asked)).refusals;
   ASSERT_EQ(refusals.size(), 1U);
   EXPECT_TRUE(refusals[0].starts_with("f: atoms closer than 0.5 Angstrom: C1-C2 0.0000, "));
-}
-
-// --- reading ----------------------------------------------------------------------------------
-
-TEST(BetterUnit, IsThatInWhichAtomsHaveTheirBonds) {
-  const Atoms atoms = formamides();
-  for (const NamedUnit& written : kLengthUnits)
-    for (const NamedUnit& read : kLengthUnits) {
-      const Pair pair = pair_of(6, atoms, read.angstrom / written.angstrom);
-      const auto unit = better_unit(pair.labels(), pair.positions(), read.unit);
-      EXPECT_EQ(unit, written.unit == read.unit ? std::nullopt : std::optional(written.unit))
-          << written.name << ' ' << read.name;
-    }
 }
 
 }  // namespace
