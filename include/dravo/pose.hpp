@@ -16,10 +16,10 @@ namespace dravo {
 /// molecule 2; it is turned by -alpha about Z, then by -beta about Y, then by -gamma about Z, all
 /// anticlockwise about these axes, which stay.
 ///
-/// phi, alpha and gamma are periodic: values outside of 0 to 360 stand for the same angle within
-/// it, wherever poses are placed. theta and beta are not: the place (theta, phi) beyond 180 is (360
-/// - theta, phi + 180), and the turn with a beta below 0 is that with -beta, alpha + 180 and gamma
-/// + 180.
+/// phi, alpha and gamma are periodic: wherever poses are placed, values outside of 0 to 360 stand
+/// for the same angle within it. theta and beta are not, and have values from 0 to 180 alone: what
+/// lies at theta 190 has theta 170 with phi + 180, and a turn by beta -30 is that by beta 30 with
+/// alpha + 180 and gamma + 180.
 ///
 /// @code
 /// const dravo::PoseDegrees above{.r = 4.0, .theta = 0.0, .beta = 90.0};

@@ -46,6 +46,6 @@ InterruptionWatch::~InterruptionWatch() {
     if (!is_ignored(signal)) set_action(signal, SIG_DFL);
 }
 
-int InterruptionWatch::noted() const { return noted_signal; }
+int InterruptionWatch::noted() { return noted_signal; }
 
 }  // namespace dravo

@@ -28,7 +28,7 @@ class InterruptionWatch {
   InterruptionWatch& operator=(const InterruptionWatch&) = delete;
 
   /// The signal that came, 0 for none.
-  [[nodiscard]] int noted() const;
+  [[nodiscard]] static int noted();
 };
 
 }  // namespace dravo

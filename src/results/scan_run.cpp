@@ -202,8 +202,8 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
         if (files) files->append(chunk);
         totals.add(chunk.totals);
         progress.show(totals.poses);
-        if (watch && watch->noted() != 0 && totals.poses < planned)
-          throw Interrupted(watch->noted(), totals.poses, planned);
+        if (watch && InterruptionWatch::noted() != 0 && totals.poses < planned)
+          throw Interrupted(InterruptionWatch::noted(), totals.poses, planned);
       });
   if (files) files->finish();
   return totals;

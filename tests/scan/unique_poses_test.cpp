@@ -178,9 +178,8 @@ TEST(UniquePoses, AreNotFoundInLists) {
 
 TEST(UniquePoses, AreNotFoundAmongThoseOfQnDravo) {
   const Placer placer(pair_of(sample("formamide-dimer")));
-  EXPECT_EQ(
-      message_of<InvalidInput>([&] { (void)unique_poses(placer, Poses::random(3, 4.0)); }),
-      "equal poses are found among poses that are placed exactly, not as by qn-dravo");
+  EXPECT_EQ(message_of<InvalidInput>([&] { (void)unique_poses(placer, Poses::random(3, 4.0)); }),
+            "equal poses are found among poses that are placed exactly, not as by qn-dravo");
 }
 
 TEST(UniquePoses, AreNotLookedForOnAxesOfTooManyValues) {
