@@ -43,10 +43,10 @@ struct Trajectory {
   std::string path = folder.path() / "t.xyz";
 
   [[nodiscard]] ManyFrames by_bonds(const char* selection = "all", int threads = 1) const {
-    return {{.file = path, .split = SplitByBonds{}},
-            IndexSelection::parse("frames", selection),
-            {},
-            threads};
+    ManyFrames wanted{{.file = path, .split = SplitByBonds{}}};
+    wanted.selection = IndexSelection::parse("frames", selection);
+    wanted.threads = threads;
+    return wanted;
   }
 };
 
