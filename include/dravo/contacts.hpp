@@ -118,9 +118,9 @@ struct HydrogenBond {
   double angle;     ///< D-H...A, degrees
 };
 
-/// The hydrogen bonds between the molecules by the two numbers above, ordered by hydrogens, then
-/// acceptors. D and A are N, O or F. H is bonded to D, and not to A: no farther than the sum of the
-/// covalent radii and 0.4 Angstrom.
+/// The hydrogen bonds between the molecules by the two numbers above, ordered as short contacts: by
+/// the one of H and A that is of molecule 1, then by the other. D and A are N, O or F. H is bonded
+/// to D, and not to A: no farther than the sum of the covalent radii and 0.4 Angstrom.
 std::vector<HydrogenBond> hydrogen_bonds(const Pair& pair);
 
 }  // namespace dravo

@@ -5,8 +5,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <string_view>
+#include <utility>
 
 #include "common/atom_table.hpp"
 #include "common/number_format.hpp"
@@ -21,6 +25,7 @@ constexpr int kDecimals = 4;  ///< of distances and ratios
 constexpr int kAngleDecimals = 1;
 
 constexpr std::size_t kClosestPairs = 5;  ///< that identify tells
+constexpr std::size_t kMostBonds = 20;    ///< hydrogen bonds that it shows
 constexpr std::size_t kMostListed = 10;   ///< contacts, and hydrogen bonds, that place tells
 
 /// "O1".
@@ -55,10 +60,6 @@ bool is_contact(const ClosePair& atoms, const ContactCriterion& criterion) {
   return (criterion.by_radii() ? atoms.ratio : atoms.distance) <= criterion.value();
 }
 
-bool is_between(const HydrogenBond& bond, std::int32_t atom1, std::int32_t atom2) {
-  return std::minmax(bond.hydrogen, bond.acceptor) == std::minmax(atom1, atom2);
-}
-
 /// "O1 and H11".
 std::string atoms_text(const Pair& pair, std::int32_t atom1, std::int32_t atom2) {
   return fmt::format("{} and {}", atom_text(pair, atom1), atom_text(pair, atom2));
@@ -70,12 +71,15 @@ std::string clearance_text(const Pair& pair, const ContactSurvey& survey) {
                      atoms_text(pair, survey.clearance_atom1, survey.clearance_atom2));
 }
 
-std::string hydrogen_bond_lines(const Pair& pair, const std::vector<HydrogenBond>& bonds) {
+std::string hydrogen_bond_lines(const Pair& pair) {
+  const std::vector<HydrogenBond> bonds = hydrogen_bonds(pair);
   if (bonds.empty()) return "  hydrogen bonds  none\n";
   std::string text;
-  for (const HydrogenBond& bond : bonds)
+  const std::size_t listed = std::min(bonds.size(), kMostBonds);
+  for (const HydrogenBond& bond : std::span(bonds).first(listed))
     text += fmt::format("  {:<14}  {:<18}  {}, {}\n", text.empty() ? "hydrogen bonds" : "",
                         name_of(bond, pair), distance_text(bond.distance), angle_text(bond));
+  if (bonds.size() > listed) text += fmt::format("{:18}and {} more\n", "", bonds.size() - listed);
   return text;
 }
 
@@ -105,7 +109,6 @@ std::string closest_message(const Pair& pair, const ContactCriterion& criterion)
 }  // namespace
 
 std::string contact_section(const Pair& pair, const ContactCriterion& criterion) {
-  const std::vector<HydrogenBond> bonds = hydrogen_bonds(pair);
   const ContactSurvey survey = survey_contacts(pair, criterion);
   std::string text =
       "\nclosest atoms of different molecules\n"
@@ -117,7 +120,7 @@ std::string contact_section(const Pair& pair, const ContactCriterion& criterion)
                         ratio_text(atoms.ratio), is_contact(atoms, criterion) ? "  contact" : "");
   text += fmt::format("  contacts        {}, {}\n", survey.contacts, words_of(criterion));
   text += fmt::format("  clearance       {}\n", clearance_text(pair, survey));
-  return text + hydrogen_bond_lines(pair, bonds);
+  return text + hydrogen_bond_lines(pair);
 }
 
 Json contact_json(const Pair& pair, const ContactCriterion& criterion) {
@@ -148,20 +151,21 @@ Json contact_json(const Pair& pair, const ContactCriterion& criterion) {
 }
 
 std::vector<std::string> contact_messages(const Pair& pair, const ContactCriterion& criterion) {
-  std::vector<HydrogenBond> bonds = hydrogen_bonds(pair);
+  std::multimap<std::pair<std::int32_t, std::int32_t>, HydrogenBond> bonds;
+  for (const HydrogenBond& bond : hydrogen_bonds(pair))
+    bonds.emplace(std::minmax({bond.hydrogen, bond.acceptor}), bond);
   std::vector<std::string> contacts, others, messages;
   for (const auto& [atom1, atom2, distance] : short_contacts(pair, criterion)) {
-    std::string line =
-        fmt::format("short contact: {} of molecule 1 and {} of molecule 2, {}",
-                    atom_text(pair, atom1), atom_text(pair, atom2), distance_text(distance));
-    std::erase_if(bonds, [&, one = atom1, two = atom2](const HydrogenBond& bond) {
-      if (!is_between(bond, one, two)) return false;
-      line += fmt::format("; hydrogen bond {}, {}", name_of(bond, pair), angle_text(bond));
-      return true;
-    });
-    contacts.push_back(std::move(line));
+    contacts.push_back(fmt::format("short contact: {} of molecule 1 and {} of molecule 2, {}",
+                                   atom_text(pair, atom1), atom_text(pair, atom2),
+                                   distance_text(distance)));
+    const auto [first, end] = bonds.equal_range({atom1, atom2});
+    for (auto bond = first; bond != end; ++bond)
+      contacts.back() += fmt::format("; hydrogen bond {}, {}", name_of(bond->second, pair),
+                                     angle_text(bond->second));
+    bonds.erase(first, end);
   }
-  for (const HydrogenBond& bond : bonds)
+  for (const auto& [atoms, bond] : bonds)
     others.push_back(fmt::format("hydrogen bond: {}, {}, {}", name_of(bond, pair),
                                  distance_text(bond.distance), angle_text(bond)));
   append_first(messages, contacts, "short contacts");

@@ -67,9 +67,12 @@ std::vector<HydrogenBond> hydrogen_bonds(const Pair& pair) {
           bonds.push_back({donor, h, acceptor, modulus(a - p), angle});
       }
   }
-  std::sort(bonds.begin(), bonds.end(), [](const HydrogenBond& a, const HydrogenBond& b) {
-    return std::tie(a.hydrogen, a.acceptor, a.donor) < std::tie(b.hydrogen, b.acceptor, b.donor);
-  });
+  const auto key = [](const HydrogenBond& bond) {
+    const auto [atom1, atom2] = std::minmax(bond.hydrogen, bond.acceptor);
+    return std::tuple(atom1, atom2, bond.donor);
+  };
+  std::sort(bonds.begin(), bonds.end(),
+            [&](const HydrogenBond& a, const HydrogenBond& b) { return key(a) < key(b); });
   return bonds;
 }
 

@@ -148,6 +148,14 @@ void expect_as_shown(const TemporaryFolder& folder, const Shown& shown) {
                                                        << joined(output);
 }
 
+TEST(Documents, ShowOfContactsWhatTheirCommandsPrint) {
+  auto shown = shown_in(lines_of(file_text(DRAVO_SOURCES "/docs/contacts.md")));
+  std::erase_if(shown, [](const Shown& command) { return command.output.empty(); });
+  ASSERT_EQ(shown.size(), 3U);
+  const Sources folder;
+  for (const Shown& command : shown) expect_as_shown(folder, command);
+}
+
 TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
   const auto shown = shown_in(lines_of(file_text(DRAVO_SOURCES "/docs/frames.md")));
   ASSERT_GE(shown.size(), 8U);

@@ -122,6 +122,18 @@ TEST(ClosestPairs, OfAPairAreThoseThatAreThere) {
 
 Pair pair_of(const NamedPair& named) { return {named.n1, named.atoms}; }
 
+TEST(ShortContacts, OfPublishedDimersAreNoneByCriteriaThatLeaveHydrogenBondsInPeace) {
+  std::size_t usual = 0;
+  for (const NamedPair& named : s22_dimers()) {
+    const Pair pair = pair_of(named);
+    usual += short_contacts(pair).size();
+    for (const ContactCriterion& criterion :
+         {ContactCriterion::distance(1.6), ContactCriterion::van_der_waals(0.6)})
+      EXPECT_EQ(short_contacts(pair, criterion).size(), 0U) << named.name << criterion.text();
+  }
+  EXPECT_GT(usual, 5U);
+}
+
 /// Every pair of atoms, compared with its radii one by one.
 TEST(SurveyContacts, OfPublishedDimersIsThatOfAllPairs) {
   for (const NamedPair& named : s22_dimers())

@@ -59,6 +59,34 @@ TEST(Placer, FindsWhereThePairBeginsToTouch) {
   EXPECT_NEAR(placer.place(pose, numbers).survey.shortest, kShortDistance, 1e-9);
 }
 
+TEST(Placer, KnowsContactsByItsCriterion) {
+  const Pair pair = pair_of(sample("formamide-dimer"));
+  std::vector<double> numbers(36);
+  for (const ContactCriterion& criterion :
+       {ContactCriterion::distance(3.0), ContactCriterion::van_der_waals(0.9)}) {
+    const Placer placer(pair, {.criterion = criterion});
+    PoseDegrees pose = kPose;
+    pose.r = placer.touching_distance(kPose);
+    const ContactSurvey touching = placer.place(pose, numbers).survey;
+    EXPECT_NEAR(criterion.by_radii() ? touching.clearance : touching.shortest, criterion.value(),
+                1e-9);
+    pose.r -= 0.5;
+    const ContactSurvey survey = placer.place(pose, numbers).survey;
+    const ContactSurvey expected = survey_contacts(moved_pair(placer, pose), criterion);
+    EXPECT_GT(survey.contacts, 0);
+    EXPECT_EQ(survey.contacts, expected.contacts);
+    EXPECT_EQ(survey.clearance, expected.clearance);
+    EXPECT_EQ(survey.clearance_atom1, expected.clearance_atom1);
+    EXPECT_EQ(survey.clearance_atom2, expected.clearance_atom2);
+  }
+}
+
+TEST(Placer, RefusesACriterionThatNeedsUnknownRadii) {
+  const Pair pair = pair_of({{"He", {0, 0, 0}}}, {{"Rn", {0, 0, 4}}});
+  EXPECT_NO_THROW(Placer{pair});
+  EXPECT_THROW(Placer(pair, {.criterion = ContactCriterion::van_der_waals()}), InvalidInput);
+}
+
 TEST(Placer, RefusesPosesOutOfRangeWithNameValueAndBounds) {
   const Placer placer(pair_of(sample("formamide-dimer")));
   PoseDegrees pose = kPose;

@@ -27,6 +27,13 @@ TEST(PlanDescription, IsWhatDecidesAboutThePoses) {
       plan_of({{"r", "3"}, {"random", "5"}, {"contacts", "drop"}}).description(),
       (Description{
           {"r", "3"}, {"random", "5"}, {"seed", "0"}, {"contacts", "drop"}, {"files", "false"}}));
+  EXPECT_EQ(plan_of({{"r", "3"}, {"random", "5"}, {"contact-distance", "vdw * .80"}}).description(),
+            (Description{{"r", "3"},
+                         {"random", "5"},
+                         {"seed", "0"},
+                         {"contacts", "keep"},
+                         {"contact-distance", "vdw*0.8"},
+                         {"files", "false"}}));
 }
 
 std::string described_distances(const std::string& r) {

@@ -89,6 +89,26 @@ TEST_F(NumbersOfAScan, AreThoseOfEveryPosePlacedByItself) {
   }
 }
 
+TEST_F(NumbersOfAScan, HaveAClearanceUnlessItIsNotWanted) {
+  const Found with = scanned(poses, {.positions = true});
+  const Found without = scanned(poses, {.clearance = false});
+  ASSERT_EQ(without.poses.size(), with.poses.size());
+  for (std::size_t k = 0; k < with.poses.size(); ++k) {
+    const ScannedPose& pose = with.poses[k];
+    const double* const atoms = &with.positions[36 * k];
+    std::vector<Vec3> positions;
+    for (std::size_t i = 0; i < 12; ++i)
+      positions.push_back({atoms[3 * i], atoms[3 * i + 1], atoms[3 * i + 2]});
+    const ContactSurvey expected = survey_contacts({6, Molecule(pair.labels(), positions)});
+    ASSERT_EQ(pose.clearance, expected.clearance) << k;
+    ASSERT_EQ(pose.clearance_atom1, expected.clearance_atom1) << k;
+    ASSERT_EQ(pose.clearance_atom2, expected.clearance_atom2) << k;
+    ASSERT_EQ(without.poses[k].clearance, INFINITY);
+    ASSERT_EQ(without.poses[k].clearance_atom1, -1);
+    ASSERT_EQ(without.poses[k].contacts, pose.contacts);
+  }
+}
+
 TEST_F(NumbersOfAScan, DoNotDependOnThreads) {
   const Found one = scanned(poses, {.threads = 1, .positions = true});
   for (const int threads : {0, 2, 5}) {
