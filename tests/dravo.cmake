@@ -75,6 +75,7 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
   COMPILE_OPTIONS -O2 SKIP_PRECOMPILE_HEADERS ON)
 
 dravo_test_programs(results results
+  best_poses_test.cpp
   checksum_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
@@ -87,6 +88,7 @@ dravo_test_programs(results results
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
+  cli/best_scan_test.cpp
   cli/durable_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
