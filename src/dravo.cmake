@@ -66,6 +66,8 @@ set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 
 # The bytes of scans.
 set(DRAVO_RESULTS_SOURCES
+  src/results/best_poses.cpp
+  src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
   src/results/extract.cpp

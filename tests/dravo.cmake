@@ -84,6 +84,7 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
   COMPILE_OPTIONS -O2 SKIP_PRECOMPILE_HEADERS ON)
 
 dravo_test_programs(results results
+  best_poses_test.cpp
   checksum_test.cpp
   frame_table_test.cpp
   pose_writer_test.cpp
@@ -98,6 +99,7 @@ add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
 add_executable(cli_tests
   cli/angles_test.cpp
+  cli/best_scan_test.cpp
   cli/checks_test.cpp
   cli/contacts_test.cpp
   cli/convert_test.cpp

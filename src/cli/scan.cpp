@@ -69,6 +69,8 @@ struct ScanCommand {
   bool quiet = false;
   bool json = false;
   std::string shard;
+  std::int64_t best = 0;  ///< 0 for all poses
+  std::string by = "shortest";
   ScanRequest request;
 };
 
@@ -80,6 +82,12 @@ Shard parse_shard(const std::string& text) {
     throw InvalidInput(
         fmt::format("--shard: expected I/N with I from 1 to N, found {}", dravo::quoted(text)));
   return {*number, *of};
+}
+
+/// "shortest", or "-shortest" for the largest values.
+BestRule best_rule(std::int64_t count, const std::string& by) {
+  const bool largest = by.starts_with('-');
+  return {count, by.substr(largest ? 1 : 0), largest};
 }
 
 PlanKeys keys_of(const ScanCommand& options) {
@@ -143,6 +151,7 @@ void run(ScanCommand& options) {
   ScanRequest& request = options.request;
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
+  if (options.best > 0) request.best = best_rule(options.best, options.by);
   if (!options.shard.empty()) request.part = parse_shard(options.shard);
   request.progress = kind_of_status(options.quiet);
   if (!options.quiet) request.tell = [](const std::string& news) { tell({news}); };
@@ -200,6 +209,17 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opti
                              "write frames of molecule 1 alone, and molecule 2 once");
   for (CLI::Option* other : {count, moving, command.get_option("--files")}) table->excludes(other);
   for (CLI::Option* other : {count, command.get_option("--files")}) moving->excludes(other);
+  constexpr std::int64_t kMostBest = 1'000'000'000;
+  auto* best = command
+                   .add_option("--best", options->best,
+                               "keep the N poses with the smallest values of a column of the table")
+                   ->type_name("N")
+                   ->check(CLI::Range(std::int64_t{1}, kMostBest))
+                   ->excludes(count)
+                   ->excludes(command.get_option("--files"));
+  command.add_option("--by", options->by, "this column (shortest); -COLUMN: the largest values")
+      ->type_name("[-]COLUMN")
+      ->needs(best);
   auto* resume = command.add_flag("--resume", options->resume, "go on with an unfinished scan");
   auto* overwrite =
       command.add_flag("--overwrite", options->overwrite, "replace the results of an earlier scan");

@@ -33,19 +33,20 @@ std::int64_t number_from_1(const OptionText& source, std::string_view word) {
   const char* const end = word.data() + word.size();
   const auto [stop, error] = std::from_chars(word.data(), end, number);
   if (error != std::errc{} || stop != end || number < 1)
-    source.refuse(word, "expected a whole number from 1 on, found " + quoted(word));
+    source.refuse(word, "expected a whole number from 1 on, found " + dravo::quoted(word));
   return number;
 }
 
 IndexSelection::Range parse_range(const OptionText& source, std::string_view part,
                                   const std::vector<std::string_view>& words) {
   if (words.size() > 3)
-    source.refuse(part, "expected FIRST:LAST or FIRST:LAST:STEP, found " + quoted(part));
+    source.refuse(part, "expected FIRST:LAST or FIRST:LAST:STEP, found " + dravo::quoted(part));
   const std::int64_t first = number_from_1(source, words[0]);
   const std::int64_t last = number_from_1(source, words[1]);
   const std::int64_t step = words.size() == 3 ? number_from_1(source, words[2]) : 1;
   if (last < first)
-    source.refuse(part, "expected FIRST:LAST with LAST not before FIRST, found " + quoted(part));
+    source.refuse(part,
+                  "expected FIRST:LAST with LAST not before FIRST, found " + dravo::quoted(part));
   return {first, last - (last - first) % step, step};
 }
 

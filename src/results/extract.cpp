@@ -89,7 +89,7 @@ void extract_poses(const ExtractRequest& request,
   TableRows rows(table);
   PosesAgain poses(placer, rows.heading(), request.moving ? Writing::moving : Writing::frames,
                    table);
-  SelectedRows selected(rows, request.poses, true, table);
+  SelectedRows selected(rows, request.poses, !record.best(), table);
   require_rows(selected, request, record, table);
   std::string frames;
   selected.for_each([&](std::int64_t, const std::string& row) {

@@ -12,8 +12,11 @@
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
 #include "common/number_text.hpp"
+#include "results/best_results.hpp"
+#include "results/poses_again.hpp"
 #include "results/progress_file.hpp"
 #include "results/result_files.hpp"
+#include "results/table_rows.hpp"
 
 namespace dravo {
 namespace {
@@ -125,12 +128,69 @@ std::int64_t heading_bytes(const std::string& table) {
   return static_cast<std::int64_t>(heading.size()) + 1;
 }
 
+/// The bytes of all parts, one behind the other.
+void append_parts(ResultFiles& results, const std::vector<ResultFile>& files,
+                  const std::vector<std::string>& parts) {
+  results.begin();
+  for (const std::string& part : parts)
+    for (const ResultFile file : files) {
+      const bool first = part == parts.front();
+      if (file == ResultFile::molecule2 && !first) continue;  // the same in all parts
+      const std::string joins = part + ending_of(file);
+      const bool repeats = file == ResultFile::table && !first;
+      for_bytes(joins, repeats ? heading_bytes(joins) : 0,
+                [&](std::string_view bytes) { results.append(file, bytes); });
+    }
+}
+
+/// Selects again among the best poses of all parts.
+class BestOfParts {
+ public:
+  BestOfParts(const ScanRecord& record, const std::vector<std::string>& parts)
+      : heading_(TableRows(table_of(parts.front())).heading()),
+        best_(*record.best(), heading_),
+        writing_(record.writing()) {
+    if (writing_ != Writing::table) placer_.emplace(placer_of(parts.front(), record));
+    if (writing_ == Writing::moving)
+      molecule2_ = read_file(parts.front() + ending_of(ResultFile::molecule2));
+    for (const std::string& part : parts) {
+      TableRows rows(table_of(part));
+      for (std::string row; rows.next(row);) (void)best_.add(row + "\n");
+    }
+  }
+
+  void write(ResultFiles& results) const {
+    const ResultTexts texts{heading_ + "\n", molecule2_};
+    if (!placer_) return write_best(results, best_, texts, nullptr);
+    PosesAgain poses(*placer_, heading_, writing_, "a part of the scan");
+    write_best(results, best_, texts,
+               [&](std::string& frames, std::string_view row) { poses.append_frame(frames, row); });
+  }
+
+  [[nodiscard]] std::int64_t size() const { return best_.size(); }
+
+ private:
+  static std::string table_of(const std::string& part) {
+    return part + ending_of(ResultFile::table);
+  }
+
+  std::string heading_;
+  BestPoses best_;
+  Writing writing_;
+  std::optional<PairPlacer> placer_;  ///< empty for a scan without frames
+  std::string molecule2_;
+};
+
 }  // namespace
 
 ScanRecord merge_shards(const std::string& name, bool overwrite) {
   const std::vector<Shard> shards = shards_with(name, kRecordEnding);
   require_all(name, shards);
   const std::vector<ScanRecord> records = checked_records(name, shards);
+  std::vector<std::string> parts;
+  for (const Shard& shard : shards) parts.push_back(shard.name(name));
+  std::optional<BestOfParts> best;
+  if (records.front().best()) best.emplace(records.front(), parts);
   const ProgressFile held(name);
   if (!held.empty())
     throw IoFailure(held.name() + ": is of an unfinished scan of that name; finish or remove it");
@@ -142,18 +202,13 @@ ScanRecord merge_shards(const std::string& name, bool overwrite) {
   ScanRecord joined = records.front();
   joined.shard = {};
   joined.totals = {};
+  for (const ScanRecord& record : records) joined.totals.add(record.totals);
   ResultFiles results(name, joined.results());
-  results.begin();
-  for (std::size_t k = 0; k < shards.size(); ++k) {
-    const std::string part = shards[k].name(name);
-    for (const ResultFile file : joined.results()) {
-      const std::string joins = part + ending_of(file);
-      const bool repeats = k > 0 && file == ResultFile::table;
-      if (k > 0 && file == ResultFile::molecule2) continue;  // the same in all parts
-      for_bytes(joins, repeats ? heading_bytes(joins) : 0,
-                [&](std::string_view bytes) { results.append(file, bytes); });
-    }
-    joined.totals.add(records[k].totals);
+  if (best) {
+    best->write(results);
+    joined.totals.kept = best->size();
+  } else {
+    append_parts(results, joined.results(), parts);
   }
   results.describe(joined);
   results.finish(joined);

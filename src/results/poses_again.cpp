@@ -59,14 +59,15 @@ PosesAgain::PosesAgain(const PairPlacer& placer, std::string_view heading, Writi
       table_(std::move(table)) {
   if (!begins_with(heading, without_line_end(writer_.table_heading())))
     throw IoFailure(fmt::format("{}:1: expected the columns of a scan by this program, found {}",
-                                table_, quoted(heading)));
+                                table_, dravo::quoted(heading)));
 }
 
 void PosesAgain::append_frame(std::string& frames, std::string_view row) {
   const auto known = writer_.read_row(row);
   if (!known || complaint_about({0.0, known->asked.theta, known->asked.phi, known->asked.alpha,
                                  known->asked.beta, known->asked.gamma}))
-    throw IoFailure(fmt::format("{}: expected a row of the scan, found {}", table_, quoted(row)));
+    throw IoFailure(
+        fmt::format("{}: expected a row of the scan, found {}", table_, dravo::quoted(row)));
   const MadePose pose = maker_.made_again(*known);
   row_.clear();
   writer_.append_row(row_, pose.numbers);

@@ -108,9 +108,11 @@ std::shared_ptr<const ScannedPair> molecules_in(const Json& json) {
 // --- totals and files -------------------------------------------------------------------------
 
 Json json_of(const ScanTotals& totals) {
-  return {{"done", totals.poses},        {"left_out", totals.left_out},
-          {"written", totals.written},   {"with_contacts", totals.with_contacts},
-          {"shortest", totals.shortest}, {"shortest_index", totals.shortest_index}};
+  Json json{{"done", totals.poses},        {"left_out", totals.left_out},
+            {"written", totals.written},   {"with_contacts", totals.with_contacts},
+            {"shortest", totals.shortest}, {"shortest_index", totals.shortest_index}};
+  if (totals.kept) json["kept"] = *totals.kept;
+  return json;
 }
 
 ScanTotals totals_in(const Json& json) {
@@ -119,7 +121,8 @@ ScanTotals totals_in(const Json& json) {
           whole(json, "written"),
           whole(json, "with_contacts"),
           distance_in(json.at("shortest")),
-          whole(json, "shortest_index")};
+          whole(json, "shortest_index"),
+          json.contains("kept") ? std::optional(whole(json, "kept")) : std::nullopt};
 }
 
 std::string bytes_key(ResultFile file) {
@@ -128,6 +131,14 @@ std::string bytes_key(ResultFile file) {
 
 std::string checksum_key(ResultFile file) {
   return fmt::format("{}_xxh3", kResultNames.at(static_cast<std::size_t>(file)).key);
+}
+
+/// Those that a record has to tell of.
+std::vector<ResultFile> files_in(const Json& json, const ScanRecord& record) {
+  if (record.best())
+    for (const ResultFile file : {ResultFile::best1, ResultFile::best2})
+      if (json.contains(bytes_key(file))) return {file};
+  return record.results();
 }
 
 }  // namespace
@@ -173,7 +184,7 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
     record.poses = whole(json, "poses");
     record.shard = {whole(json, "shard", 1), whole(json, "shards", 1)};
     record.totals = totals_in(json.at("totals"));
-    for (const ResultFile file : record.results())
+    for (const ResultFile file : files_in(json, record))
       record.files[file] = {whole(json, bytes_key(file)), checksum_in(json, checksum_key(file))};
     record.molecules = molecules_in(json);
     if (record.shard.number > record.shard.of) throw std::out_of_range("shard");

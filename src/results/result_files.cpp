@@ -75,12 +75,15 @@ void write_record(const std::string& name, const std::string& text) {
 
 }  // namespace
 
+std::string part_name(const std::string& name, ResultFile file) {
+  return name + ending_of(file) + std::string(kPart);
+}
+
 ResultFiles::ResultFiles(std::string name, const std::vector<ResultFile>& files)
     : name_(std::move(name)) {
   for (const ResultFile file : files) {
     const std::string result = name_ + ending_of(file);
-    std::string part = result;
-    part += kPart;
+    const std::string part = part_name(name_, file);
     // A kill between the last steps of a scan leaves a result that has its name already.
     if (!exists(part) && exists(result)) rename_file(result, part);
     files_[file] = std::make_unique<GrowingFile>(part);

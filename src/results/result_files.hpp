@@ -46,6 +46,9 @@ class ResultFiles {
   std::map<ResultFile, std::unique_ptr<GrowingFile>> files_;
 };
 
+/// What a file is called until it is complete.
+std::string part_name(const std::string& name, ResultFile file);
+
 /// Reads NAME.json and checks the sizes of the results. Throws IoFailure.
 ScanRecord finished_record(const std::string& name);
 

@@ -5,17 +5,11 @@
 #include <vector>
 
 #include "common/errors.hpp"
+#include "results/best_results.hpp"
 #include "results/durable.hpp"
 #include "results/result_files.hpp"
 
 namespace dravo {
-namespace {
-
-/// What a kill may cost at most, besides the chunks in work. The disk is not troubled more often.
-constexpr auto kMostUnclaimedTime = std::chrono::seconds(1);
-
-}  // namespace
-
 bool has_earlier_scan(const std::string& name) {
   return has_finished_record(name) || has_progress(name);
 }
@@ -30,7 +24,8 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const OpenResults
     record_ = finished_record(name_);
     require_same_origin(name_ + kRecordEnding, record_, plan);
     require_unchanged(name_, record_);
-    progress_->clear();  // a kill in the last step left it
+    remove_best_so_far(name_);  // a kill in the last steps left these
+    progress_->clear();
     progress_.reset();
     return;
   }
@@ -71,7 +66,7 @@ void ScanFiles::clear_the_way(Earlier earlier) {
 
 void ScanFiles::begin() {
   progress_->clear();
-  results_->begin();
+  results_->begin(record_);
   sync_folder_of(name_);
   claim();
 }
@@ -93,7 +88,8 @@ bool ScanFiles::take_up(const std::vector<ScanRecord>& records) {
 void ScanFiles::append(const TextChunk& chunk) {
   results_->append(chunk, record_);
   record_.totals.add(chunk.totals);
-  if (std::chrono::steady_clock::now() - claimed_ >= kMostUnclaimedTime) claim();
+  // What a kill may cost at most, besides the chunks in work.
+  if (std::chrono::steady_clock::now() - claimed_ >= results_->time_between_syncs()) claim();
 }
 
 /// What a record tells of is on the disk before the record is.

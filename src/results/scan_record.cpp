@@ -16,6 +16,8 @@ namespace {
 constexpr auto kWritingKey = "writing";
 constexpr auto kTableAlone = "table";
 constexpr auto kMovingAlone = "moving";
+constexpr auto kBestKey = "best";
+constexpr auto kByKey = "by";
 
 }  // namespace
 
@@ -40,6 +42,14 @@ Writing ScanRecord::writing() const {
   return has(kWritingKey, kMovingAlone) ? Writing::moving : Writing::frames;
 }
 
+std::optional<BestRule> ScanRecord::best() const {
+  const auto count = origin.find(kBestKey);
+  if (count == origin.end()) return std::nullopt;
+  const std::string& by = origin.at(kByKey);
+  const bool largest = by.starts_with('-');
+  return BestRule{std::stoll(count->second), by.substr(largest ? 1 : 0), largest};
+}
+
 std::vector<ResultFile> ScanRecord::results() const {
   switch (writing()) {
     case Writing::frames:
@@ -60,16 +70,23 @@ std::string fingerprint_of(const Pair& pair) {
 }
 
 std::map<std::string, std::string> origin_of(const PairPlacer& placer, const ScannedPair& molecules,
-                                             const ScanPlan& plan, Writing writing) {
+                                             const ScanPlan& plan) {
   auto origin = plan.description();
   origin[kVersionKey] = DRAVO_VERSION;
   origin["pair"] = fingerprint_of(molecules.pair);
   origin[kFrameRuleKey] = std::to_string(kFrameRule);
   origin[kPlacingKey] = words_of_placing(placer.exact());
-  if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
-  if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
   if (molecules.like) origin["like"] = fingerprint_of(*molecules.like);
   return origin;
+}
+
+void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
+                   const std::optional<BestRule>& best) {
+  if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
+  if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
+  if (!best) return;
+  origin[kBestKey] = std::to_string(best->count);
+  origin[kByKey] = (best->largest ? "-" : "") + best->column;
 }
 
 const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
@@ -107,11 +124,13 @@ std::string sentence_about(const ScanTotals& totals, bool written) {
   if (totals.poses == 0) return "no poses";
   const std::string equal =
       totals.left_out > 0 ? fmt::format("{} equal to earlier ones, ", totals.left_out) : "";
+  const std::string which = totals.kept
+                                ? fmt::format("the best {} of {}", *totals.kept, totals.written)
+                                : std::to_string(totals.written);
   return fmt::format(
       "{} {}, {}{} with short contacts, {} {}; shortest distance {} Angstrom in pose {}",
-      totals.poses, totals.poses == 1 ? "pose" : "poses", equal, totals.with_contacts,
-      totals.written, written ? "written" : "to be written", fixed_text(totals.shortest, 4),
-      totals.shortest_index);
+      totals.poses, totals.poses == 1 ? "pose" : "poses", equal, totals.with_contacts, which,
+      written ? "written" : "to be written", fixed_text(totals.shortest, 4), totals.shortest_index);
 }
 
 }  // namespace dravo

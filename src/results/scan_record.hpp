@@ -37,16 +37,32 @@ enum class Writing {
   files,   ///< and for each pose the files of qn-dravo
 };
 
+/// The poses with the smallest values of a column are kept, or those with the largest.
+struct BestRule {
+  std::int64_t count;
+  std::string column;
+  bool largest;
+};
+
 /// The files that a scan may have besides its record and its progress.
-enum class ResultFile : std::size_t { frames, table, molecule2 };
+enum class ResultFile : std::size_t {
+  frames,
+  table,
+  molecule2,
+  best1,  ///< of an unfinished scan, the best poses so far: this file and the next in turn
+  best2,
+};
 
 /// What a file is called in a record, and behind NAME.
 struct ResultName {
   const char* key;
   const char* ending;
 };
-inline constexpr std::array<ResultName, 3> kResultNames{
-    {{"frame", ".xyz"}, {"table", ".csv"}, {"molecule2", "-molecule-2.xyz"}}};
+inline constexpr std::array<ResultName, 5> kResultNames{{{"frame", ".xyz"},
+                                                         {"table", ".csv"},
+                                                         {"molecule2", "-molecule-2.xyz"},
+                                                         {"best1", ".best-1"},
+                                                         {"best2", ".best-2"}}};
 
 constexpr const char* ending_of(ResultFile file) {
   return kResultNames.at(static_cast<std::size_t>(file)).ending;
@@ -76,6 +92,9 @@ struct ScanRecord {
 
   [[nodiscard]] Writing writing() const;
 
+  /// Empty for a scan that keeps all poses.
+  [[nodiscard]] std::optional<BestRule> best() const;
+
   /// The files of the finished scan.
   [[nodiscard]] std::vector<ResultFile> results() const;
 };
@@ -83,10 +102,13 @@ struct ScanRecord {
 /// Tells pairs apart: "6+9 atoms, 1234567890".
 std::string fingerprint_of(const Pair& pair);
 
-/// Pair, plan, the way of placing and that of writing as `ScanRecord::origin` has them.
+/// Pair, plan and the way of placing as `ScanRecord::origin` has them.
 std::map<std::string, std::string> origin_of(const PairPlacer& placer, const ScannedPair& molecules,
-                                             const ScanPlan& plan,
-                                             Writing writing = Writing::frames);
+                                             const ScanPlan& plan);
+
+/// Adds what of the poses is written, and where.
+void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
+                   const std::optional<BestRule>& best);
 
 /// Whether the poses of a scan are placed exactly. Throws std::out_of_range for records of earlier
 /// versions that do not tell it.

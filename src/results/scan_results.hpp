@@ -1,6 +1,7 @@
 /// Where the poses of a scan go while it is made.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,18 +21,22 @@ class ScanResults {
   ScanResults& operator=(const ScanResults&) = delete;
   virtual ~ScanResults() = default;
 
-  /// Whatever is there goes.
-  virtual void begin() = 0;
+  /// Whatever is there goes. The record tells of what there is without any pose.
+  virtual void begin(ScanRecord& record) = 0;
 
   /// Back to what a record tells of. False, and nothing is done, when it is not all there as it was
   /// written.
   [[nodiscard]] virtual bool take_up(const ScanRecord& record) = 0;
 
-  /// The record tells of the bytes that are there now.
+  /// The record tells of the chunk too; but not when this throws, whatever was written of it.
   virtual void append(const TextChunk& chunk, ScanRecord& record) = 0;
 
-  /// The record tells of all that was appended, and that is on the disk when this returns.
+  /// What the record tells of is on the disk when this returns.
   virtual void sync(ScanRecord& record) = 0;
+
+  [[nodiscard]] virtual std::chrono::milliseconds time_between_syncs() const {
+    return std::chrono::seconds(1);
+  }
 
   /// Of a scan whose poses have all been appended: complete files get their names for good, the
   /// record, which tells of them, last.
@@ -54,10 +59,10 @@ class StreamedResults final : public ScanResults {
   StreamedResults(std::string name, const std::vector<ResultFile>& files, ResultTexts texts)
       : files_(std::move(name), files), texts_(std::move(texts)) {}
 
-  void begin() override;
+  void begin(ScanRecord& record) override;
   [[nodiscard]] bool take_up(const ScanRecord& record) override { return files_.take_up(record); }
   void append(const TextChunk& chunk, ScanRecord& record) override;
-  void sync(ScanRecord& record) override;
+  void sync(ScanRecord& /*record*/) override { files_.sync(); }
   void finish(ScanRecord& record) override { files_.finish(record); }
 
  private:

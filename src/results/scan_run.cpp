@@ -14,8 +14,10 @@
 #include "common/ordered_chunks.hpp"
 #include "common/shown_text.hpp"
 #include "driver/user_parameters.hpp"
+#include "results/best_results.hpp"
 #include "results/interruption.hpp"
 #include "results/pose_folders.hpp"
+#include "results/poses_again.hpp"
 #include "results/result_files.hpp"
 #include "results/scan_size.hpp"
 #include "results/text_chunk.hpp"
@@ -105,7 +107,9 @@ ChunkJob job_of(std::int32_t atoms, const ScanPlan& plan, const ScanRequest& req
 
 ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                      const ScanRequest& request) {
-  return {origin_of(placer, molecules, plan, request.writing),
+  auto origin = origin_of(placer, molecules, plan);
+  add_to_origin(origin, request.writing, request.best);
+  return {std::move(origin),
           plan.poses().size(),
           request.part.value_or(Shard{}),
           {},
@@ -132,13 +136,35 @@ Stretch left_to_make(const ScanPlan& plan, const ScanRequest& request) {
 void announce_size(const PairPlacer& placer, const ScanPlan& plan, const ScanRequest& request,
                    Writing writing) {
   const std::string name = result_name(request);
-  const Stretch poses = left_to_make(plan, request);
-  const ScanSize size = expected_size(placer, plan, writing, poses.first, poses.end);
+  const Stretch poses = request.best ? stretch_of(plan, request) : left_to_make(plan, request);
+  ScanSize size = expected_size(placer, plan, writing, poses.first, poses.end);
+  if (request.best) size = size_of_best(size, request.best->count, poses.end - poses.first);
   double free = free_bytes(name);
   if (request.earlier == Earlier::overwrite) free += bytes_of_earlier_results(name);
   if (!request.force) require_room(name, size, writing, free);
   const auto announcement = announcement_of(size, writing);
   if (announcement && request.tell) request.tell(*announcement);
+}
+
+OpenResults results_opener(const PairPlacer& placer, const ScanPlan& plan,
+                           const ScanRequest& request, const ScanRecord& record) {
+  const std::string name = result_name(request);
+  const ResultTexts texts = texts_of(placer, plan);
+  if (!request.best)
+    return [=, files = record.results()] {
+      return std::make_unique<StreamedResults>(name, files, texts);
+    };
+  const std::string_view heading(texts.table_heading.data(), texts.table_heading.size() - 1);
+  AppendFrame append_frame;
+  if (record.writing() != Writing::table)
+    append_frame = [poses = std::make_shared<PosesAgain>(placer, heading, record.writing(),
+                                                         name + ending_of(ResultFile::table))](
+                       std::string& frames, std::string_view row) {
+      poses->append_frame(frames, row);
+    };
+  return [=, best = BestPoses(*request.best, heading)] {
+    return std::make_unique<BestResults>(name, best, texts, append_frame);
+  };
 }
 
 /// Null for a scan that only counts.
@@ -155,11 +181,9 @@ std::unique_ptr<ScanFiles> opened_files(const PairPlacer& placer, const ScannedP
     refuse_inputs_in_folder(request);
     refuse_earlier_poses(request, folders, stretch_of(plan, request));
   }
-  announce_size(placer, plan, request, writing);
   const ScanRecord record = record_of(placer, molecules, plan, request);
-  const auto open = [&] {
-    return std::make_unique<StreamedResults>(name, record.results(), texts_of(placer, plan));
-  };
+  const OpenResults open = results_opener(placer, plan, request, record);
+  announce_size(placer, plan, request, writing);
   return std::make_unique<ScanFiles>(
       name, record, open, request.earlier,
       writing == Writing::files ? std::optional(folders) : std::nullopt);
@@ -169,8 +193,8 @@ std::unique_ptr<ScanFiles> opened_files(const PairPlacer& placer, const ScannedP
 
 Writing writing_of(const ScanPlan& plan, const ScanRequest& request) {
   if (request.writing == Writing::nothing || !plan.files()) return request.writing;
-  if (request.writing != Writing::frames)
-    throw InvalidInput("a plan with files for each pose excludes --table and --moving");
+  if (request.writing != Writing::frames || request.best)
+    throw InvalidInput("a plan with files for each pose excludes --table, --moving and --best");
   return Writing::files;
 }
 
@@ -184,7 +208,9 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
   std::optional<UniquePoses> unique;
   if (plan.unique()) unique.emplace(placer, plan.poses(), plan.above_contact());
   const Writing writing = writing_of(plan, request);
-  const ScanOutput output{writing, writing == Writing::files ? request.name : ""};
+  // Frames of the best poses are made when these are known.
+  const ScanOutput output{request.best ? Writing::table : writing,
+                          writing == Writing::files ? request.name : ""};
   const PoseFolders folders(output.pose_folder, plan.poses().size());
   const auto files = opened_files(placer, molecules, plan, request, folders);
   ScanTotals totals = files ? files->totals() : ScanTotals{};
@@ -205,8 +231,9 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
         if (watch && InterruptionWatch::noted() != 0 && totals.poses < planned)
           throw Interrupted(InterruptionWatch::noted(), totals.poses, planned);
       });
-  if (files) files->finish();
-  return totals;
+  if (!files) return totals;
+  files->finish();
+  return files->totals();
 }
 
 }  // namespace dravo

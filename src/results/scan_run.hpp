@@ -19,6 +19,7 @@ struct ScanRequest {
   std::string name = "scan";  ///< of the results, without ending
   /// Writing::files is the plan's to say.
   Writing writing = Writing::frames;
+  std::optional<BestRule> best;  ///< all poses without it
   Earlier earlier = Earlier::refuse;
   bool force = false;  ///< though the disk has less room than the results take
   std::function<void(const std::string&)> tell = {};  ///< news before the scan begins; may be null

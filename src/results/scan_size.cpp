@@ -85,6 +85,11 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, Writing w
   return size;
 }
 
+ScanSize size_of_best(const ScanSize& all, std::int64_t kept, std::int64_t poses) {
+  const double share = kept < poses ? static_cast<double>(kept) / static_cast<double>(poses) : 1.0;
+  return {share * all.frames, 3.0 * share * all.table, all.at_most};
+}
+
 std::string size_text(double bytes) {
   constexpr std::array<const char*, 7> kUnits{"bytes", "kB", "MB", "GB", "TB", "PB", "EB"};
   constexpr double kNext = 999.5;  // would be shown as 1000

@@ -24,6 +24,10 @@ struct ScanSize {
 ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, Writing writing,
                        std::int64_t first, std::int64_t end);
 
+/// Of the best ones among so many poses, whose size is known: their rows are there three times, in
+/// the table and in the two files that a later run goes on with.
+ScanSize size_of_best(const ScanSize& all, std::int64_t kept, std::int64_t poses);
+
 /// "1.23 GB": three digits, in units of a thousand of the next smaller one.
 std::string size_text(double bytes);
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 
 namespace dravo {
 
@@ -13,6 +14,8 @@ struct ScanTotals {
   std::int64_t with_contacts = 0;
   double shortest = std::numeric_limits<double>::infinity();  ///< of all poses, Angstrom
   std::int64_t shortest_index = 0;  ///< the first pose with it, from 1; 0 without poses
+  /// Of those written, by a scan that keeps its best poses, once it is finished.
+  std::optional<std::int64_t> kept = std::nullopt;
 
   void add(const ScanTotals& later) {
     poses += later.poses;

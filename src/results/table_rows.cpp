@@ -16,7 +16,8 @@ std::int64_t index_of_row(std::string_view row, const std::string& table) {
   const char* const end = row.data() + row.size();
   const auto [stop, error] = std::from_chars(row.data(), end, index);
   if (error != std::errc{} || (stop != end && *stop != ','))
-    throw IoFailure(fmt::format("{}: expected a row of the scan, found {}", table, quoted(row)));
+    throw IoFailure(
+        fmt::format("{}: expected a row of the scan, found {}", table, dravo::quoted(row)));
   return index;
 }
 

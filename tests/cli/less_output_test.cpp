@@ -193,7 +193,7 @@ TEST(WaysOfWriting, ExcludeEachOther) {
       {{"--moving", "--files"}, "--files excludes --moving\n" + kUsage},
       {{"--moving", "--count"}, "--count excludes --moving\n" + kUsage},
       {{"--table", "--plan", "files.toml"},
-       "a plan with files for each pose excludes --table and --moving\n"}};
+       "a plan with files for each pose excludes --table, --moving and --best\n"}};
   for (const auto& [words, message] : cases) {
     const Dimer folder;
     folder.write("files.toml", "files = true\n");
