@@ -131,7 +131,7 @@ TEST(BestScan, IsToldInTheSentenceAndTheTotals) {
   const Dimer folder;
   const Words plan{"--r", "6", "--random", "12", "--best", "5"};
   const Outcome told = run_scan(folder, plan);
-  EXPECT_NE(told.messages.find("12 wanted, the best 5 kept; shortest distance"), std::string::npos)
+  EXPECT_NE(told.messages.find("the best 5 of 12 written; shortest distance"), std::string::npos)
       << told.messages;
   EXPECT_TRUE(told.messages.ends_with("dravo: written: scan.xyz and .csv\n"));
   const Outcome totals = run_scan(folder, plan + Words{"--overwrite", "--json", "--quiet"});
@@ -191,7 +191,8 @@ TEST(BestScan, IsRefusedForAColumnThatIsNotThereAndNothingIsTouched) {
   folder.put(made(kMany));
   const std::string columns =
       "; it has index, r, theta, phi, alpha, beta, gamma, r_applied, theta_applied, phi_applied, "
-      "alpha_applied, beta_applied, gamma_applied, shortest, contacts";
+      "alpha_applied, beta_applied, gamma_applied, shortest, contacts, clearance, clearance_atom1, "
+      "clearance_atom2";
   expect_refusal(run_scan(folder, kMany + Words{"--best", "3", "--by", "energy", "--overwrite"}),
                  "--by: the table has no column \"energy\"" + columns, folder.outputs());
   expect_refusal(
@@ -201,11 +202,13 @@ TEST(BestScan, IsRefusedForAColumnThatIsNotThereAndNothingIsTouched) {
 
 TEST(BestScan, ExcludesWhatDoesNotGoWithIt) {
   const std::vector<std::pair<Words, std::string>> cases{
-      {{"--best", "3", "--files"}, "--files excludes --best\n" + kUsage},
-      {{"--best", "3", "--count"}, "--count excludes --best\n" + kUsage},
-      {{"--best", "0"}, "--best: Value 0 not in range 1 to 1000000000\n" + kUsage},
-      {{"--best", "-1"}, "--best: Value -1 not in range 1 to 1000000000\n" + kUsage},
-      {{"--by", "r"}, "--by requires --best\n" + kUsage},
+      {{"--best", "3", "--files"}, "--files and --best exclude each other\n" + kUsage},
+      {{"--best", "3", "--count"}, "--count and --best exclude each other\n" + kUsage},
+      {{"--best", "0"},
+       "--best: expected a whole number from 1 to 1000000000, found \"0\"\n" + kUsage},
+      {{"--best", "-1"},
+       "--best: expected a whole number from 1 to 1000000000, found \"-1\"\n" + kUsage},
+      {{"--by", "r"}, "--by needs --best\n" + kUsage},
       {{"--best", "3", "--plan", "files.toml"},
        "a plan with files for each pose excludes --table, --moving and --best\n"}};
   for (const auto& [words, message] : cases) {

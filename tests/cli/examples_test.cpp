@@ -212,18 +212,11 @@ void put_files_of_the_table(const Sources& folder) {
   folder.write("input-GEOMETRY.xyz", run_in(run).files.at("input-GEOMETRY.xyz"));
 }
 
-/// Options and commands of the table that this program does not have yet.
-const Words kNotThereYet{"--frame all", "--contact-distance", "--table", "extract", "convert"};
-
 TEST(Documents, HaveATableOfCommandsThatWork) {
   const Sources folder;
   put_files_of_the_table(folder);
   std::size_t done = 0;
   for (const std::string& command : commands_of_the_table()) {
-    if (std::any_of(kNotThereYet.begin(), kNotThereYet.end(), [&](const std::string& word) {
-          return command.find(word) != std::string::npos;
-        }))
-      continue;
     Words words = parts_of(command, ' ');
     words.erase(words.begin());
     const Outcome outcome = run_command(folder, words);

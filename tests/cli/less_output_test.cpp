@@ -188,10 +188,10 @@ TEST(Overwriting, LeavesNoFileOfTheEarlierScan) {
 
 TEST(WaysOfWriting, ExcludeEachOther) {
   const std::vector<std::pair<Words, std::string>> cases{
-      {{"--table", "--moving"}, "--table excludes --moving\n" + kUsage},
-      {{"--table", "--files"}, "--files excludes --table\n" + kUsage},
-      {{"--moving", "--files"}, "--files excludes --moving\n" + kUsage},
-      {{"--moving", "--count"}, "--count excludes --moving\n" + kUsage},
+      {{"--table", "--moving"}, "--table and --moving exclude each other\n" + kUsage},
+      {{"--table", "--files"}, "--files and --table exclude each other\n" + kUsage},
+      {{"--moving", "--files"}, "--files and --moving exclude each other\n" + kUsage},
+      {{"--moving", "--count"}, "--count and --moving exclude each other\n" + kUsage},
       {{"--table", "--plan", "files.toml"},
        "a plan with files for each pose excludes --table, --moving and --best\n"}};
   for (const auto& [words, message] : cases) {

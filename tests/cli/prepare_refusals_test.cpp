@@ -67,7 +67,8 @@ TEST(LastValueInRange, IsTaken) {
 const std::vector<Refused> kBadUsage{
     {"no file",
      {"--r", "4"},
-     "FILE is missing: xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz\n" +
+     "FILE is missing: xyz file of molecule 1 or of both molecules, or a QN-input-GEOMETRY.xyz; - is "
+     "standard input\n" +
          kUsage},
     {"three files",
      {"pair.xyz", "pair.xyz", "more.xyz", "--r", "4"},

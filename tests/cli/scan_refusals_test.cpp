@@ -80,7 +80,7 @@ TEST(BadUsageOrInput, HasStatus2AndAMessageAndWritesNothing) {
       {"no file",
        {},
        "FILE is missing: xyz file of molecule 1 or of both molecules, QN-input-GEOMETRY.xyz or "
-       "input-GEOMETRY.xyz\n" +
+       "input-GEOMETRY.xyz; - is standard input\n" +
            kUsage},
       {"no such pair", Words{"none.xyz"} + kOnePose,
        "none.xyz: cannot read: No such file or directory\n"},
