@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <array>
 #include <filesystem>
 #include <iostream>
 #include <memory>

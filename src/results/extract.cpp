@@ -6,11 +6,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <set>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
 #include "results/poses_again.hpp"
+#include "results/progress_file.hpp"
 #include "results/result_files.hpp"
 #include "results/table_rows.hpp"
 
@@ -83,6 +86,8 @@ void extract_poses(const ExtractRequest& request,
                    const std::function<void(std::string_view frames)>& take) {
   constexpr std::size_t kBytesAtOnce = 1U << 20U;
   const std::string file = request.scan + kRecordEnding;
+  if (!has_finished_record(request.scan) && has_progress(request.scan))
+    throw IoFailure(request.scan + ": is unfinished; `dravo scan` with --resume goes on with it");
   const ScanRecord record = parse_record(file, read_file(file));
   const PairPlacer placer = placer_of(request.scan, record);
   const std::string table = request.scan + ending_of(ResultFile::table);

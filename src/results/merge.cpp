@@ -188,6 +188,7 @@ ScanRecord merge_shards(const std::string& name, bool overwrite) {
   require_all(name, shards);
   const std::vector<ScanRecord> records = checked_records(name, shards);
   std::vector<std::string> parts;
+  parts.reserve(shards.size());
   for (const Shard& shard : shards) parts.push_back(shard.name(name));
   std::optional<BestOfParts> best;
   if (records.front().best()) best.emplace(records.front(), parts);

@@ -128,15 +128,19 @@ ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan) {
 Stretch left_to_make(const ScanPlan& plan, const ScanRequest& request) {
   Stretch poses = stretch_of(plan, request);
   if (request.earlier != Earlier::resume) return poses;
-  if (has_finished_record(result_name(request))) return {poses.end, poses.end};
-  poses.first += poses_in_progress(result_name(request));
+  const std::string name = result_name(request);
+  const std::int64_t done = poses_in_progress(name);
+  poses.first = has_finished_record(name) ? poses.end : std::min(poses.first + done, poses.end);
   return poses;
 }
 
 void announce_size(const PairPlacer& placer, const ScanPlan& plan, const ScanRequest& request,
                    Writing writing) {
   const std::string name = result_name(request);
-  const Stretch poses = request.best ? stretch_of(plan, request) : left_to_make(plan, request);
+  const Stretch left = left_to_make(plan, request);
+  if (left.first == left.end) return;
+  // The best poses are written when all are made.
+  const Stretch poses = request.best ? stretch_of(plan, request) : left;
   ScanSize size = expected_size(placer, plan, writing, poses.first, poses.end);
   if (request.best) size = size_of_best(size, request.best->count, poses.end - poses.first);
   double free = free_bytes(name);

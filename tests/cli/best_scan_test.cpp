@@ -220,14 +220,5 @@ TEST(BestScan, ExcludesWhatDoesNotGoWithIt) {
   }
 }
 
-/// The poses are far more than the disk holds, the best of them are few.
-TEST(BestScan, NeedsRoomForWhatItKeeps) {
-  const Dimer folder;
-  const Outcome outcome = run_scan(
-      folder, {"--r", "5", "--random", "1000000000000000", "--best", "1000000000", "--moving"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_NE(outcome.messages.find("TB"), std::string::npos) << outcome.messages;
-}
-
 }  // namespace
 }  // namespace dravo::test

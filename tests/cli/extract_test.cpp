@@ -266,6 +266,11 @@ TEST(RecordThatChanged, IsRefused) {
                    folder.outputs());
   }
   fs::remove(folder.path() / "scan.json");
+  folder.write("scan.progress", "of a scan in work");
+  expect_refusal(run_command(folder, {"extract", "scan", "--poses", "1"}),
+                 "scan: is unfinished; `dravo scan` with --resume goes on with it",
+                 folder.outputs());
+  fs::remove(folder.path() / "scan.progress");
   expect_refusal(run_command(folder, {"extract", "scan", "--poses", "1"}),
                  "scan.json: cannot read: No such file or directory", folder.outputs());
 }

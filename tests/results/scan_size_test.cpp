@@ -132,6 +132,18 @@ TEST(ExpectedSize, IsABoundWhereSomePosesAreLeftOut) {
   }
 }
 
+/// Frames and table of those kept, and their rows twice more while the scan runs.
+TEST(ExpectedSize, OfTheBestPosesIsThatOfTheirShare) {
+  const ScanSize all{1000.0, 200.0, true};
+  const ScanSize some = size_of_best(all, 25, 100);
+  EXPECT_EQ(some.frames, 250.0);
+  EXPECT_EQ(some.table, 150.0);
+  EXPECT_TRUE(some.at_most);
+  const ScanSize every = size_of_best(all, 101, 100);
+  EXPECT_EQ(every.frames, 1000.0);
+  EXPECT_EQ(every.table, 600.0);
+}
+
 /// Two small files and their folder.
 TEST(ExpectedSize, OfFilesIsInBlocks) {
   const PairPlacer placer(pair_of(sample("formamide-dimer")));
