@@ -38,7 +38,8 @@ PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
     throw IoFailure(
         file + ": is of an earlier version and does not hold the molecules; make the scan again");
   const ScannedPair& molecules = *record.molecules;
-  if (fingerprint_of(molecules.pair) != record.origin.at("pair"))
+  const auto pair = record.origin.find("pair");
+  if (pair == record.origin.end() || pair->second != fingerprint_of(molecules.pair))
     throw IoFailure(file + ": the molecules have changed since it was written");
   const bool exact = is_exact(record);
   const auto distance = record.origin.find(kContactDistance);

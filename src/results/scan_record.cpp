@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <stdexcept>
+
 #include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
@@ -47,7 +49,9 @@ std::optional<BestRule> ScanRecord::best() const {
   if (count == origin.end()) return std::nullopt;
   const std::string& by = origin.at(kByKey);
   const bool largest = by.starts_with('-');
-  return BestRule{std::stoll(count->second), by.substr(largest ? 1 : 0), largest};
+  BestRule rule{std::stoll(count->second), by.substr(largest ? 1 : 0), largest};
+  if (rule.count < 1) throw std::out_of_range(kBestKey);
+  return rule;
 }
 
 std::vector<ResultFile> ScanRecord::results() const {
@@ -92,7 +96,8 @@ void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
 const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
 
 bool is_exact(const ScanRecord& record) {
-  return record.origin.at(kPlacingKey) == words_of_placing(true);
+  const auto placing = record.origin.find(kPlacingKey);
+  return placing != record.origin.end() && placing->second == words_of_placing(true);
 }
 
 std::string difference(const ScanRecord& earlier, const ScanRecord& now) {

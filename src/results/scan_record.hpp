@@ -92,7 +92,8 @@ struct ScanRecord {
 
   [[nodiscard]] Writing writing() const;
 
-  /// Empty for a scan that keeps all poses.
+  /// Empty for a scan that keeps all poses. Throws a std::exception, but not for records that were
+  /// parsed.
   [[nodiscard]] std::optional<BestRule> best() const;
 
   /// The files of the finished scan.
@@ -110,8 +111,7 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
 void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
                    const std::optional<BestRule>& best);
 
-/// Whether the poses of a scan are placed exactly. Throws std::out_of_range for records of earlier
-/// versions that do not tell it.
+/// Whether the poses of a scan are placed exactly.
 bool is_exact(const ScanRecord& record);
 
 /// Throws IoFailure with every key that differs, unless both are records of the same scan; `name`

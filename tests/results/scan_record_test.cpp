@@ -272,6 +272,42 @@ TEST(ScanRecord, HasFramesUnlessEachPoseHasFiles) {
   EXPECT_EQ(scan.results(), std::vector<ResultFile>{ResultFile::table});
 }
 
+TEST(ScanRecord, TellsWhatIsWrittenOfWhichPoses) {
+  ScanRecord scan = record();
+  EXPECT_EQ(scan.writing(), Writing::frames);
+  EXPECT_FALSE(scan.best());
+  add_to_origin(scan.origin, Writing::frames, std::nullopt);
+  EXPECT_EQ(scan.origin, record().origin) << "as earlier versions wrote it";
+  add_to_origin(scan.origin, Writing::moving, BestRule{100, "shortest", true});
+  EXPECT_EQ(scan.writing(), Writing::moving);
+  EXPECT_EQ(scan.results(), (std::vector<ResultFile>{ResultFile::frames, ResultFile::table,
+                                                     ResultFile::molecule2}));
+  ASSERT_TRUE(scan.best());
+  EXPECT_EQ(scan.best()->count, 100);
+  EXPECT_EQ(scan.best()->column, "shortest");
+  EXPECT_TRUE(scan.best()->largest);
+  add_to_origin(scan.origin, Writing::table, BestRule{7, "r", false});
+  EXPECT_EQ(scan.results(), std::vector<ResultFile>{ResultFile::table});
+  EXPECT_FALSE(scan.best()->largest);
+}
+
+TEST(ScanRecord, OfABestScanHasFilesOfTheWayOrOfItsEnd) {
+  ScanRecord scan = record();
+  add_to_origin(scan.origin, Writing::frames, BestRule{100, "shortest", false});
+  scan.totals.kept = 93;
+  const ScanRecord finished = parse_record("a.json", text_of(scan));
+  EXPECT_EQ(finished.totals.kept, 93);
+  expect_same(finished, scan);
+  scan.totals.kept.reset();
+  scan.files = {{ResultFile::best2, {77, 5U}}};
+  expect_same(parse_record("a.json", text_of(scan)), scan);
+  for (const char* count : {"0", "-3", "many"}) {
+    scan.origin["best"] = count;
+    EXPECT_EQ(message_of([&] { (void)parse_record("a.json", text_of(scan)); }),
+              "a.json: expected the record of a scan by dravo, found something else");
+  }
+}
+
 // Differences.
 
 struct Change {
