@@ -127,7 +127,8 @@ TEST_P(PairPlacerOf, SurveysWhatTheContactSearchLists) {
     degrees.r = 3.0;
     placer.place(radians_of(degrees), placed.table());
     const auto listed = find_short_contacts(placed.table(), placer.split());
-    EXPECT_EQ(placer.survey(placed.table(), false).contacts, static_cast<std::int64_t>(listed.size()));
+    EXPECT_EQ(placer.survey(placed.table(), false).contacts,
+              static_cast<std::int64_t>(listed.size()));
     contacts += placer.survey(placed.table(), false).contacts;
   }
   EXPECT_GT(contacts, 100);
