@@ -17,14 +17,6 @@ namespace fs = std::filesystem;
 
 const Words kMany{"--r", "3,3.5,5", "--random", "300", "--quiet"};
 
-Files made(const Words& words) {
-  const Dimer folder;
-  const Outcome outcome = run_scan(folder, words);
-  EXPECT_EQ(outcome.status, 0) << outcome.messages;
-  EXPECT_EQ(outcome.messages, "");
-  return outcome.files;
-}
-
 struct Order {
   std::string column;
   bool largest;
@@ -156,20 +148,10 @@ TEST(BestScan, KilledAtEverySystemCallGoesOnToTheBytesOfAnUndisturbedOne) {
     const Words plan{"--r", "3.5", "--random", "900", "--best", "20", "--quiet", way};
     const Files expected = made(plan);
     const Dimer folder;
-    std::vector<Files> states;
-    const bool traced = watch_every_system_call(
-        folder, Words{tested_dravo(), "scan", kInput} + plan + Words{"--threads", "1"}, [&] {
-          Files now = folder.outputs();
-          if (states.empty() || now != states.back()) states.push_back(std::move(now));
-        });
-    if (!traced) GTEST_SKIP() << "no process may be traced here";
-    EXPECT_GT(states.size(), 8U);
-    for (std::size_t k = 0; k < states.size(); ++k) {
-      const Dimer killed;
-      killed.put(states[k]);
-      expect_success(run_scan(killed, plan + Words{"--resume"}), expected,
-                     std::string(way) + " after state " + std::to_string(k));
-    }
+    const std::vector<Files> states = states_of(folder, plan);
+    if (states.empty()) GTEST_SKIP() << "no process may be traced here";
+    EXPECT_GT(states.size(), 8U) << way;
+    expect_resumed(states, plan, expected);
   }
 }
 

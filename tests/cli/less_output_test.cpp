@@ -17,14 +17,6 @@ namespace fs = std::filesystem;
 const Words kFew{"--r", "3.5,6", "--random", "12", "--quiet"};
 const std::string kMolecule2 = "scan-molecule-2.xyz";
 
-Files made(const Words& words) {
-  const Dimer folder;
-  const Outcome outcome = run_scan(folder, words);
-  EXPECT_EQ(outcome.status, 0) << outcome.messages;
-  EXPECT_EQ(outcome.messages, "");
-  return outcome.files;
-}
-
 Words names_of(const Files& files) {
   Words names;
   for (const auto& [name, text] : files) names.push_back(name);
@@ -112,20 +104,10 @@ TEST(KilledAtEverySystemCall, ASmallScanGoesOnToTheBytesOfAnUndisturbedOne) {
     const Words plan{"--r", "3.5", "--random", "1200", "--contacts", "only", "--quiet", way};
     const Files expected = made(plan);
     const Dimer folder;
-    std::vector<Files> states;
-    const bool traced = watch_every_system_call(
-        folder, Words{tested_dravo(), "scan", kInput} + plan + Words{"--threads", "1"}, [&] {
-          Files now = folder.outputs();
-          if (states.empty() || now != states.back()) states.push_back(std::move(now));
-        });
-    if (!traced) GTEST_SKIP() << "no process may be traced here";
-    EXPECT_GT(states.size(), 8U);
-    for (std::size_t k = 0; k < states.size(); ++k) {
-      const Dimer killed;
-      killed.put(states[k]);
-      expect_success(run_scan(killed, plan + Words{"--resume"}), expected,
-                     std::string(way) + " after state " + std::to_string(k));
-    }
+    const std::vector<Files> states = states_of(folder, plan);
+    if (states.empty()) GTEST_SKIP() << "no process may be traced here";
+    EXPECT_GT(states.size(), 8U) << way;
+    expect_resumed(states, plan, expected);
   }
 }
 

@@ -73,19 +73,6 @@ TEST(KilledAtRandomMoments, AScanGoesOnToTheBytesOfAnUndisturbedOne) {
   EXPECT_GE(kills, 30);
 }
 
-/// The states of a folder in which a kill can leave it. Empty when tracing is not allowed.
-std::vector<Files> states_of(const TemporaryFolder& folder, const Words& words) {
-  std::vector<Files> states;
-  const Words scan = Words{tested_dravo(), "scan", kInput} + words + Words{"--threads", "1"};
-  watch_every_system_call(folder, scan, [&] {
-    Files now = folder.outputs();
-    if (states.empty() || now != states.back()) states.push_back(std::move(now));
-  });
-  return states;
-}
-
-std::string number_of(std::size_t state) { return "after state " + std::to_string(state); }
-
 TEST(KilledAtEverySystemCall, AScanGoesOnToTheBytesOfAnUndisturbedOne) {
   // A record is written after a million bytes.
   const Words plan{"--r", "3.5", "--random", "2600", "--contacts", "only", "--quiet"};
@@ -94,11 +81,7 @@ TEST(KilledAtEverySystemCall, AScanGoesOnToTheBytesOfAnUndisturbedOne) {
   const std::vector<Files> states = states_of(folder, plan);
   if (states.empty()) GTEST_SKIP() << "no process may be traced here";
   EXPECT_GT(states.size(), 20U) << "several chunks, two files each";
-  for (std::size_t k = 0; k < states.size(); ++k) {
-    const Dimer killed;
-    killed.put(states[k]);
-    expect_success(run_scan(killed, plan + Words{"--resume"}), expected, number_of(k));
-  }
+  expect_resumed(states, plan, expected);
 }
 
 TEST(KilledAtEverySystemCall, AnOverwritingScanLeavesTheEarlierOneOrGoesOn) {

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/dimer.hpp"
 #include "results/progress_file.hpp"
@@ -17,12 +19,19 @@ inline const Words kPlan{"--r", "3.5", "--random", "1000", "--contacts", "only",
 inline const Words kLongPlan{"--r", "3.5", "--random", "6000", "--contacts", "only", "--quiet"};
 inline constexpr std::size_t kAfterSomeRecords = 2'500'000;
 
-inline Files undisturbed(const Words& words) {
+/// The files of a scan that is quiet, whichever it writes.
+inline Files made(const Words& words) {
   const Dimer folder;
   Outcome outcome = run_scan(folder, words);
   EXPECT_EQ(outcome.status, 0) << outcome.messages;
-  EXPECT_EQ(outcome.files.size(), 3U) << "xyz, csv, json";
+  EXPECT_EQ(outcome.messages, "");
   return outcome.files;
+}
+
+inline Files undisturbed(const Words& words) {
+  Files files = made(words);
+  EXPECT_EQ(files.size(), 3U) << "xyz, csv, json";
+  return files;
 }
 
 inline void expect_success(const Outcome& outcome, const Files& expected, const std::string& when) {
@@ -38,6 +47,29 @@ inline Files unfinished(const Words& words, std::size_t bytes = 300000) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.files.size(), 3U) << "two parts and the progress";
   return outcome.files;
+}
+
+/// The states of a folder in which a kill can leave it. Empty when tracing is not allowed.
+inline std::vector<Files> states_of(const TemporaryFolder& folder, const Words& words) {
+  std::vector<Files> states;
+  const Words scan = Words{tested_dravo(), "scan", kInput} + words + Words{"--threads", "1"};
+  watch_every_system_call(folder, scan, [&] {
+    Files now = folder.outputs();
+    if (states.empty() || now != states.back()) states.push_back(std::move(now));
+  });
+  return states;
+}
+
+inline std::string number_of(std::size_t state) { return "after state " + std::to_string(state); }
+
+/// From each state the scan goes on to the same files.
+inline void expect_resumed(const std::vector<Files>& states, const Words& plan,
+                           const Files& expected) {
+  for (std::size_t k = 0; k < states.size(); ++k) {
+    const Dimer killed;
+    killed.put(states[k]);
+    expect_success(run_scan(killed, plan + Words{"--resume"}), expected, number_of(k));
+  }
 }
 
 /// As a kill behind the last pose leaves it.
