@@ -168,7 +168,8 @@ TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
 
 /// Only commands with something below them; those of the README build on each other.
 TEST(Documents, ShowElsewhereWhatCommandsPrint) {
-  for (const char* name : {"/README.md", "/docs/commands.md"}) {
+  for (const char* name :
+       {"/README.md", "/docs/commands.md", "/docs/scan.md", "/docs/trajectories.md"}) {
     auto shown = shown_in(lines_of(file_text(std::string(DRAVO_SOURCES) + name)));
     std::erase_if(shown, [](const Shown& command) { return command.output.empty(); });
     ASSERT_FALSE(shown.empty()) << name;
