@@ -43,6 +43,9 @@ void put_files(const TemporaryFolder& folder) {
   folder.write("mixed.xyz",
                "6\n\nO 0 0 0\nO 4 0 0\nH 0.76 0.59 0\nH 4.76 0.59 0\nH -0.76 0.59 0\n"
                "H 3.24 0.59 0\n");
+  folder.write("near.xyz",
+               "6\nProperties=species:S:1:pos:R:3:molecule:I:1\nO 0 0 0 1\nH 0.76 0.59 0 1\n"
+               "H -0.76 0.59 0 1\nO 0 0 1 2\nH 0.76 0.59 1 2\nH -0.76 0.59 1 2\n");
   folder.write("radon.xyz", "2\n\nRn 0 0 0\nAr 0 0 5\n");
 }
 
@@ -63,6 +66,7 @@ const std::vector<Provoked> kProvoked{
     {"identify waters.xyz --split 3", "molecule 2 is not one connected whole: "},
     {"identify mixed.xyz --split auto",
      "the atoms of the molecules alternate; their new order is "},
+    {"identify near.xyz", "atoms of different molecules are as close as bonds: "},
     {"identify in.pdb --split 1", "this is PDB, not xyz; convert it first:"},
     {"identify packed.xyz --split 1", "this is compressed by gzip; unpack it first:"},
     {"identify c1.xyz --split 6", "\"C1\" is not an element symbol: write \"C\""},
