@@ -114,6 +114,7 @@ add_executable(cli_tests
   cli/interrupted_test.cpp
   cli/less_output_test.cpp
   cli/merge_test.cpp
+  cli/messages_page_test.cpp
   cli/missed_axes_test.cpp
   cli/other_scans_test.cpp
   cli/place_test.cpp

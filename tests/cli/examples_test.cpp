@@ -1,5 +1,5 @@
-/// The commands of README.md, docs/frames.md and docs/commands.md, and the pairs of `examples/`
-/// that they are about.
+/// The commands that README.md and the pages of docs/ show, and the pairs of `examples/` that they
+/// are about.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -168,7 +168,8 @@ TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
 
 /// Only commands with something below them; those of the README build on each other.
 TEST(Documents, ShowElsewhereWhatCommandsPrint) {
-  for (const char* name : {"/README.md", "/docs/commands.md"}) {
+  for (const char* name :
+       {"/README.md", "/docs/commands.md", "/docs/scan.md", "/docs/trajectories.md"}) {
     auto shown = shown_in(lines_of(file_text(std::string(DRAVO_SOURCES) + name)));
     std::erase_if(shown, [](const Shown& command) { return command.output.empty(); });
     ASSERT_FALSE(shown.empty()) << name;
@@ -203,8 +204,8 @@ void put_files_of_the_table(const Sources& folder) {
   formamide.resize(8);
   formamide[0] = "6";
   folder.write("dimer.xyz", dimer);
+  folder.write("in.xyz", dimer);
   folder.write("traj.xyz", repeated(dimer, 200));
-  folder.write("first.xyz", dimer);
   folder.write("formamide.xyz", joined(formamide));
   folder.write("ethanol.xyz", ethanol);
   const TemporaryFolder run;
