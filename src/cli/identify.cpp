@@ -307,8 +307,9 @@ void add_identify(CLI::App& program) {
   options->frames.request = add_pair_file(command);
   add_reading_options(command, options->frames.request);
   command
-      .add_option("--frame", options->frame,
-                  "which frame of a file with several, from 1; a table for all, A:B or A:B:STEP")
+      .add_option(
+          "--frame", options->frame,
+          "which frame of a file with several, from 1; a table for all, A:B, A:B:STEP or A,B")
       ->type_name("K|all|A:B");
   command.add_flag("--json", options->json, "one JSON object instead of text");
   command.add_flag("--equivalent", options->all_sets,

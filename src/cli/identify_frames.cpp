@@ -104,7 +104,7 @@ std::optional<std::int32_t> n1_of(const FramesCommand& command) {
 void tell_result(const FramesCommand& command, std::int64_t rows, const BadFrames& bad,
                  std::int64_t seen) {
   if (bad.count() > 0)
-    tell({fmt::format("{} of {} frames were left out", bad.count(), rows + bad.count())});
+    tell({fmt::format("left out {} of {} frames", bad.count(), rows + bad.count())});
   if (command.quiet) return;
   const std::int64_t last = command.selection.last();
   if (last != std::numeric_limits<std::int64_t>::max() && last > seen)

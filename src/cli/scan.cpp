@@ -115,8 +115,8 @@ std::vector<std::string> remarks_on_placing(const PairPlacer& placer, const Scan
 }
 
 const char* written_endings(Writing writing) {
-  if (writing == Writing::moving) return ".xyz, .csv and -molecule-2.xyz";
-  return writing == Writing::frames ? ".xyz and .csv" : ".csv";
+  if (writing == Writing::moving) return ".xyz, -molecule-2.xyz, .csv and .json";
+  return writing == Writing::frames ? ".xyz, .csv and .json" : ".csv and .json";
 }
 
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
@@ -127,7 +127,7 @@ void report(const ScanTotals& totals, const ScanCommand& options, Writing writin
     std::cout << sentence_about(totals, false) << '\n';
   } else if (!options.quiet) {
     tell({sentence_about(totals),
-          fmt::format("written: {}{}", result_name(options.request), written_endings(writing))});
+          fmt::format("wrote {}{}", result_name(options.request), written_endings(writing))});
   }
 }
 

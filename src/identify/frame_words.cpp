@@ -129,7 +129,7 @@ std::vector<std::string> warnings_of(const ExtendedFrame& frame) {
   if (frame.first_atom)
     warnings.emplace_back("only a comparison of all atoms gives the axes their directions");
   if (frame.broken_choice)
-    warnings.emplace_back("only what breaks its symmetry tells the choices of axes apart");
+    warnings.emplace_back("only small deviations from its symmetry decide between choices of axes");
   if (frame.nearly)
     warnings.push_back(fmt::format("it is nearly symmetric: {} holds within {} Angstrom",
                                    frame.nearly->name, fixed_text(frame.nearly->residual, 4)));

@@ -57,10 +57,14 @@ void identify_pair(const Pair& pair, const ManyFrames& wanted, IdentifiedFrame& 
   frame.remark = joined(remarks_on(found));
 }
 
-void add_findings(const std::vector<std::string>& findings, IdentifiedFrame& frame) {
-  for (std::string finding : findings) {
-    std::replace(finding.begin(), finding.end(), '\n', ' ');
-    frame.remark.append(frame.remark.empty() ? "" : "; ").append(finding);
+/// What was found in the file of this name, without the name, and without what to try.
+void add_findings(const std::vector<std::string>& findings, std::string_view name,
+                  IdentifiedFrame& frame) {
+  const std::string begin = fmt::format("{}: ", name);
+  for (const std::string& finding : findings) {
+    std::string_view found = std::string_view(finding).substr(0, finding.find('\n'));
+    if (found.starts_with(begin)) found.remove_prefix(begin.size());
+    frame.remark.append(frame.remark.empty() ? "" : "; ").append(found);
   }
 }
 
@@ -165,8 +169,8 @@ class FrameIdentifier {
     if (frame.number == wanted_->selection.first() && !check.refusals.empty())
       throw MistakenPairs(check.refusals[0]);
     identify_pair(pair, *wanted_, frame);
-    add_findings(check.refusals, frame);
-    add_findings(check.warnings, frame);
+    add_findings(check.refusals, name_, frame);
+    add_findings(check.warnings, name_, frame);
   }
 
   std::string_view name_;

@@ -16,7 +16,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kGoesOn = "--no-check goes on as it is";
+constexpr auto kGoesOn = "--no-check accepts the pair as it is";
 
 /// Atoms that stand in one place: both molecules, or one of them.
 struct Part {

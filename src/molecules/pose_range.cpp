@@ -61,6 +61,12 @@ std::optional<OutOfRange> complaint(const PoseParameter& parameter, double value
       fmt::format("0 <= {} <= 180; {}", parameter.name, same_pose(parameter.value, value, pose)));
 }
 
+/// 360.3 less 360 is 0.3, not 0.30000000000001137.
+double without_tail(double degrees) {
+  constexpr double kBillion = 1e9;
+  return std::round(degrees * kBillion) / kBillion;
+}
+
 }  // namespace
 
 bool is_azimuth(const PoseParameter& parameter) {
@@ -72,7 +78,7 @@ PoseDegrees with_folded_azimuths(const PoseDegrees& pose) {
   PoseDegrees folded = pose;
   for (double* const azimuth : {&folded.phi, &folded.alpha, &folded.gamma})
     if (std::isfinite(*azimuth) && !(*azimuth >= 0.0 && *azimuth <= kFullTurn))
-      *azimuth = folded_turn(*azimuth);
+      *azimuth = without_tail(folded_turn(*azimuth));
   return folded;
 }
 

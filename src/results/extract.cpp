@@ -88,6 +88,9 @@ void extract_poses(const ExtractRequest& request,
   const std::string file = request.scan + kRecordEnding;
   if (!has_finished_record(request.scan) && has_progress(request.scan))
     throw IoFailure(request.scan + ": is unfinished; `dravo scan` with --resume goes on with it");
+  if (!has_finished_record(request.scan))
+    throw IoFailure(
+        fmt::format("{}: there is no scan of this name, which has {}", request.scan, file));
   const ScanRecord record = parse_record(file, read_file(file));
   const PairPlacer placer = placer_of(request.scan, record);
   const std::string table = request.scan + ending_of(ResultFile::table);

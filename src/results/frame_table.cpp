@@ -15,12 +15,18 @@ constexpr int kAngle = 6;
 constexpr std::array<double PoseDegrees::*, 3> kPeriodic{&PoseDegrees::phi, &PoseDegrees::alpha,
                                                          &PoseDegrees::gamma};
 
+constexpr double kHalfOfLastDecimal = 0.5e-6;  // degrees
+
 /// An angle that its decimals would make 360 is 0.
 PoseDegrees below_a_turn(PoseDegrees pose) {
-  constexpr double kRoundsToATurn = 360.0 - 0.5e-6;
   for (const auto angle : kPeriodic)
-    if (pose.*angle >= kRoundsToATurn) pose.*angle = 0.0;
+    if (pose.*angle >= 360.0 - kHalfOfLastDecimal) pose.*angle = 0.0;
   return pose;
+}
+
+/// No zero has a sign.
+void append_angle(std::string& table, double degrees) {
+  append_fixed(table, std::abs(degrees) < kHalfOfLastDecimal ? 0.0 : degrees, kAngle);
 }
 
 /// A quote within the text is written twice.
@@ -40,12 +46,16 @@ std::string FrameTable::heading() {
 }
 
 void FrameTable::append_row(std::string& table, const IdentifiedFrame& frame) {
-  const PoseDegrees pose = unwrap_ ? unwrapped(frame.parameters) : below_a_turn(frame.parameters);
+  const PoseDegrees folded = below_a_turn(frame.parameters);
+  const PoseDegrees pose = unwrap_ ? unwrapped(folded) : folded;
   before_ = pose;
   append_shortest(table, frame.number);
   for (const auto& [name, value] : kPoseParameters) {
     table += ',';
-    append_fixed(table, pose.*value, value == &PoseDegrees::r ? kLength : kAngle);
+    if (value == &PoseDegrees::r)
+      append_fixed(table, pose.r, kLength);
+    else
+      append_angle(table, pose.*value);
   }
   table += ',';
   append_fixed(table, frame.survey.shortest, kLength);

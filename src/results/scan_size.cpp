@@ -106,8 +106,9 @@ std::optional<std::string> announcement_of(const ScanSize& size, Writing writing
 
 void require_room(const std::string& name, const ScanSize& size, Writing writing, double free) {
   if (!is_announced(size) || size.total() <= free) return;
-  throw IoFailure(fmt::format("{}: {}, and {} are free there{}; --force begins all the same", name,
-                              sentence_about(size, writing), size_text(free), advice_for(writing)));
+  throw IoFailure(
+      fmt::format("{}: {}, and {} are free there{}; --force starts the scan nevertheless", name,
+                  sentence_about(size, writing), size_text(free), advice_for(writing)));
 }
 
 double free_bytes(const std::string& name) {

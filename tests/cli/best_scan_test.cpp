@@ -125,7 +125,7 @@ TEST(BestScan, IsToldInTheSentenceAndTheTotals) {
   const Outcome told = run_scan(folder, plan);
   EXPECT_NE(told.messages.find("the best 5 of 12 written; shortest distance"), std::string::npos)
       << told.messages;
-  EXPECT_TRUE(told.messages.ends_with("dravo: written: scan.xyz and .csv\n"));
+  EXPECT_TRUE(told.messages.ends_with("dravo: wrote scan.xyz, .csv and .json\n"));
   const Outcome totals = run_scan(folder, plan + Words{"--overwrite", "--json", "--quiet"});
   EXPECT_NE(totals.screen.find("\"written\":12,"), std::string::npos) << totals.screen;
   EXPECT_NE(totals.screen.find("\"kept\":5,"), std::string::npos) << totals.screen;

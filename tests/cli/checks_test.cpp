@@ -57,7 +57,7 @@ struct Mistake {
 
 void PrintTo(const Mistake& mistake, std::ostream* out) { *out << mistake.name; }
 
-const std::string kGoesOn = "; --no-check goes on as it is";
+const std::string kGoesOn = "; --no-check accepts the pair as it is";
 
 // Within both molecules alike: C-H6 1.1004, N-H4 1.0033, N-H5 1.0226 Angstrom.
 const std::vector<Mistake> kMistakes{
@@ -122,12 +122,12 @@ TEST(TwoFiles, InAnotherUnitAreRefusedAndNamed) {
   for (const char* command : {"place", "prepare", "scan"}) {
     EXPECT_EQ(run_command(folder, {command, "bohr-1.xyz", "bohr-2.xyz", "--r", "4"}).messages,
               "dravo: bohr-1.xyz: no two atoms are as close as a bond\n"
-              "the coordinates make molecules in bohr: use --unit bohr; --no-check goes on as it "
-              "is\n");
+              "the coordinates make molecules in bohr: use --unit bohr; --no-check accepts the "
+              "pair as it is\n");
     EXPECT_EQ(run_command(folder, {command, "1.xyz", "bohr-2.xyz", "--r", "4"}).messages,
               "dravo: bohr-2.xyz: no two atoms are as close as a bond\n"
               "the coordinates make molecules in bohr, but those of the other file do not; "
-              "convert one of them; --no-check goes on as it is\n");
+              "convert one of them; --no-check accepts the pair as it is\n");
   }
 }
 

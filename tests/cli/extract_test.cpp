@@ -272,7 +272,7 @@ TEST(RecordThatChanged, IsRefused) {
                  folder.outputs());
   fs::remove(folder.path() / "scan.progress");
   expect_refusal(run_command(folder, {"extract", "scan", "--poses", "1"}),
-                 "scan.json: cannot read: No such file or directory", folder.outputs());
+                 "scan: there is no scan of this name, which has scan.json", folder.outputs());
 }
 
 }  // namespace

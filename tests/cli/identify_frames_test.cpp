@@ -187,8 +187,7 @@ TEST_F(IdentifyFramesCommand, LeavesBrokenFramesOutAndCountsThem) {
   EXPECT_EQ(rows[2][0], "3");
   EXPECT_TRUE(outcome.messages.starts_with("dravo: left out: frame 2: t.xyz:22: "))
       << outcome.messages;
-  EXPECT_TRUE(outcome.messages.ends_with("dravo: 1 of 20 frames were left out\n"))
-      << outcome.messages;
+  EXPECT_TRUE(outcome.messages.ends_with("dravo: left out 1 of 20 frames\n")) << outcome.messages;
 }
 
 TEST_F(IdentifyFramesCommand, RefusesOptionsThatDoNotGoTogether) {

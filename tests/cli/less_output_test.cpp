@@ -56,9 +56,9 @@ TEST(MovingMolecule, MakesTheFramesWithMolecule2WhichIsWrittenOnce) {
 TEST(LessOutput, SaysWhatItHasWritten) {
   const Dimer folder;
   EXPECT_TRUE(run_scan(folder, kOnePose + Words{"--table"})
-                  .messages.ends_with("dravo: written: scan.csv\n"));
+                  .messages.ends_with("dravo: wrote scan.csv and .json\n"));
   EXPECT_TRUE(run_scan(folder, kOnePose + Words{"--moving", "--overwrite"})
-                  .messages.ends_with("dravo: written: scan.xyz, .csv and -molecule-2.xyz\n"));
+                  .messages.ends_with("dravo: wrote scan.xyz, -molecule-2.xyz, .csv and .json\n"));
 }
 
 TEST(LessOutput, IsTheSameFromPartsThatAreMerged) {

@@ -61,7 +61,7 @@ const std::vector<Provoked> kProvoked{
     {"identify dimer.xyz --split 6 --unit nm", "no two atoms are as close as a bond"},
     {"identify bohr.xyz --split 3", "the coordinates make molecules in bohr: use --unit bohr"},
     {"identify dimer.xyz --split 6 --unit bohr", "atoms closer than any bond: "},
-    {"identify dimer.xyz --split 5", "--no-check goes on as it is"},
+    {"identify dimer.xyz --split 5", "--no-check accepts the pair as it is"},
     {"identify waters.xyz --split auto", "the bonds make 3 molecules, not two; use --split N1"},
     {"identify waters.xyz --split 3", "molecule 2 is not one connected whole: "},
     {"identify mixed.xyz --split auto",

@@ -126,7 +126,7 @@ TEST(OnlyPart, HasTheNameOfAPart) {
   const Dimer folder;
   const Outcome outcome = run_scan(folder, Words{"--shard", "1/1"} + kOnePose);
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_TRUE(outcome.messages.ends_with("dravo: written: scan-1-of-1.xyz and .csv\n"))
+  EXPECT_TRUE(outcome.messages.ends_with("dravo: wrote scan-1-of-1.xyz, .csv and .json\n"))
       << outcome.messages;
   EXPECT_EQ(outcome.files.size(), 3U);
   for (const char* ending : {".xyz", ".csv", ".json"})
@@ -138,7 +138,7 @@ TEST(PartWithoutPoses, SaysSo) {
   const Words part = kOnePose + Words{"--shard", "1/3"};
   EXPECT_EQ(run_scan(folder, part + Words{"--count"}).screen, "no poses\n");
   EXPECT_EQ(run_scan(folder, part).messages,
-            "dravo: no poses\ndravo: written: scan-1-of-3.xyz and .csv\n");
+            "dravo: no poses\ndravo: wrote scan-1-of-3.xyz, .csv and .json\n");
 }
 
 }  // namespace

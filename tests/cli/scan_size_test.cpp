@@ -26,7 +26,7 @@ TEST(HugeScan, IsRefusedAtOnceAndNothingIsTouched) {
     EXPECT_TRUE(matches(outcome.messages,
                         "dravo: scan: the results will take about [0-9.]+ (PB|EB)(, [0-9.]+ "
                         "(PB|EB) of them (frames|files of the poses))?, and [0-9.]+ .B are free "
-                        "there.*; --force begins all the same\n"))
+                        "there.*; --force starts the scan nevertheless\n"))
         << outcome.messages;
     expect_files(outcome.files, before, "after the refusal");
   }

@@ -109,7 +109,7 @@ TEST(Totals, AgreeWithTheRowsInSentenceJsonAndFile) {
     const Outcome told = run_scan(folder, plan + Words{"--overwrite"});
     EXPECT_EQ(told.screen, "");
     EXPECT_EQ(told.messages,
-              "dravo: " + sentence(" written") + "dravo: written: scan.xyz and .csv\n");
+              "dravo: " + sentence(" written") + "dravo: wrote scan.xyz, .csv and .json\n");
 
     const TemporaryFolder empty;
     empty.write(kInput, folder.read(kInput));

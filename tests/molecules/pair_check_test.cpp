@@ -52,7 +52,7 @@ PairOrigin origin(Division division, LengthUnit unit = LengthUnit::angstrom) {
   return {"f", "", division, unit};
 }
 
-const std::string kGoesOn = "--no-check goes on as it is";
+const std::string kGoesOn = "--no-check accepts the pair as it is";
 
 // --- pairs that nobody should be stopped at ---------------------------------------------------
 

@@ -56,14 +56,14 @@ TEST(SizeOfAScan, IsToldAboveAGigabyteAndRefusedWhereThereIsLessRoom) {
        "the results will take about 103 GB, 100 GB of them frames; --table writes the table alone, "
        "--moving molecule 1 alone",
        "s: the results will take about 103 GB, 100 GB of them frames, and 103 GB are free there; "
-       "--table writes the table alone, --moving molecule 1 alone; --force begins all the same"},
+       "--table writes the table alone, --moving molecule 1 alone; --force starts the scan nevertheless"},
       {"a table",
        {0.0, 2.0 * kGB, true},
        Writing::table,
        1.0 * kGB,
        "the results will take at most 2.00 GB",
-       "s: the results will take at most 2.00 GB, and 1.00 GB are free there; --force begins all the "
-       "same"},
+       "s: the results will take at most 2.00 GB, and 1.00 GB are free there; --force starts the scan "
+       "nevertheless"},
       {"molecule 1",
        {2.0 * kGB, 1.0 * kGB, false},
        Writing::moving,
