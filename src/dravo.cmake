@@ -114,6 +114,7 @@ function(dravo_program library)
     src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp
+    src/cli/long_output.cpp
     src/cli/main.cpp
     src/cli/merge.cpp
     src/cli/output_file.cpp

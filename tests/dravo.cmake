@@ -5,6 +5,8 @@ target_precompile_headers(dravo_sanitized_results PRIVATE
   <algorithm> <fmt/format.h> <map> <memory> <nlohmann/json.hpp> <optional> <string> <vector>)
 add_executable(dravo-cli-sanitized)
 target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_sanitized_results)
+set_target_properties(dravo_sanitized_results PROPERTIES EXCLUDE_FROM_ALL ON)
+dravo_sanitized_program(dravo-cli-sanitized)
 
 dravo_test_programs(molecules protocol
   covalent_radii_test.cpp
@@ -138,7 +140,7 @@ add_executable(cli_tests
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
-add_dependencies(cli_tests dravo-cli dravo-cli-sanitized qn-dravo watched_system)
+add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"

@@ -12,6 +12,7 @@
 #include "dravo/molecule.hpp"
 #include "molecules/coordinate.hpp"
 #include "molecules/fragments.hpp"
+#include "molecules/input_file.hpp"
 
 namespace dravo {
 namespace {
@@ -41,7 +42,7 @@ void convert(const ConvertCommand& command) {
   const AtomsFile file = read_atoms(*command.request);
   tell(file.remarks);
   if (!file.n1)
-    tell({command.request->file +
+    tell({shown_name(command.request->file) +
           ": which atoms are molecule 1 is not known; --split N1 or --split auto adds a column "
           "that says it"});
   const std::string text = frame_of(file);
@@ -49,6 +50,7 @@ void convert(const ConvertCommand& command) {
     std::cout << text;
     return;
   }
+  refuse_inputs_as_output(command.output, {command.request->file});
   require_replaceable(command.output, command.overwrite);
   WorkingDirectory().replace(command.output, text);
   tell({file.n1 ? written_line(command.output, Pair(*file.n1, file.atoms))
@@ -62,6 +64,8 @@ void add_convert(CLI::App& program) {
       "convert", "Write a file of qn-dravo, or any xyz file, as extended xyz with symbols");
   const auto options = std::make_shared<ConvertCommand>();
   options->request = add_pair_options(command);
+  // Nothing is judged here: the pair of a run may have contacts as close as bonds.
+  command.remove_option(command.get_option("--no-check"));
   command.get_option("pair")->description(
       "a file that qn-dravo or dravo wrote or reads, or any xyz file");
   command.add_option("-o,--output", options->output, "file to write (standard output)")

@@ -1,19 +1,14 @@
 #include "results/extract.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 #include "cli/commands.hpp"
-#include "cli/output_file.hpp"
+#include "cli/long_output.hpp"
 #include "common/errors.hpp"
-#include "results/growing_file.hpp"
 #include "results/result_files.hpp"
 
 namespace dravo {
@@ -43,38 +38,13 @@ std::string name_of_scan(const std::string& given) {
   return given;
 }
 
-void refuse_input_as_output(const ExtractRequest& request, const std::string& output) {
-  for (const std::string& input :
-       {request.scan + kRecordEnding, request.scan + ending_of(ResultFile::table)}) {
-    std::error_code ignored;  // what does not exist is not the same
-    if (std::filesystem::equivalent(input, output, ignored))
-      throw IoFailure(output + ": would be replaced by the frames; choose another --output");
-  }
-}
-
-void write_file(const ExtractRequest& request, const std::string& output) {
-  const std::string part = output + ".part";
-  try {
-    GrowingFile file(part);
-    file.cut(0, {});
-    extract_poses(request, [&](std::string_view frames) { file.append(frames); });
-    file.finish(output);
-  } catch (const Error&) {
-    ::unlink(part.c_str());
-    throw;
-  }
-}
-
 void extract(const ExtractCommand& command) {
   const ExtractRequest request{name_of_scan(command.scan),
                                IndexSelection::parse("--poses", command.poses), command.moving};
-  if (command.output.empty()) {
-    extract_poses(request, [](std::string_view frames) { std::cout << frames; });
-    return;
-  }
-  refuse_input_as_output(request, command.output);
-  require_replaceable(command.output, command.overwrite);
-  write_file(request, command.output);
+  LongOutput output(command.output, command.overwrite,
+                    {request.scan + kRecordEnding, request.scan + ending_of(ResultFile::table)});
+  extract_poses(request, [&](std::string_view frames) { output.append(frames); });
+  output.finish();
 }
 
 }  // namespace

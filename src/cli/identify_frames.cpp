@@ -16,65 +16,39 @@
 #include <variant>
 
 #include "cli/commands.hpp"
-#include "cli/output_file.hpp"
+#include "cli/long_output.hpp"
 #include "identify/many_frames.hpp"
+#include "molecules/input_file.hpp"
 #include "results/frame_table.hpp"
-#include "results/growing_file.hpp"
 #include "results/status_line.hpp"
 
 namespace dravo {
 namespace {
 
-/// Standard output, or a file that gets its name when it is complete and goes when it is not.
-class TableOutput {
- public:
-  explicit TableOutput(std::string name) : name_(std::move(name)) {
-    if (name_.empty()) return;
-    file_ = std::make_unique<GrowingFile>(name_ + ".part");
-    file_->cut(0, {});
-  }
-  TableOutput(const TableOutput&) = delete;
-  TableOutput& operator=(const TableOutput&) = delete;
-  ~TableOutput() {
-    if (file_) std::remove(file_->name().c_str());
-  }
-
-  void append(std::string_view rows) {
-    if (file_)
-      file_->append(rows);
-    else
-      std::cout << rows;
-  }
-
-  void finish() {
-    if (file_) file_->finish(name_);
-    file_.reset();
-  }
-
- private:
-  std::string name_;
-  std::unique_ptr<GrowingFile> file_;
-};
-
 /// Frames without parameters: the first ends the work, or all are told and counted.
 class BadFrames {
  public:
-  explicit BadFrames(bool skip) : skip_(skip) {}
+  explicit BadFrames(const FramesCommand& command) : command_(&command) {}
 
-  void add(const BadFrame& bad) {
+  void add(const IdentifiedFrame& frame) {
     constexpr std::int64_t kMostTold = 10;
-    if (!skip_) {
-      const std::string message = bad.message + "\n--skip-bad leaves such frames out";
-      if (bad.refused) throw CannotBeDone(message);
-      throw InvalidInput(message);
-    }
-    if (++count_ <= kMostTold) tell({"left out: " + bad.message});
+    if (!command_->skip_bad) end_with(frame);
+    if (++count_ <= kMostTold && !command_->quiet) tell({"left out: " + frame.bad->message});
   }
 
   [[nodiscard]] std::int64_t count() const { return count_; }
 
  private:
-  bool skip_;
+  /// What is wrong with the first frame may be wrong with all.
+  [[noreturn]] void end_with(const IdentifiedFrame& frame) const {
+    const bool first = frame.number == command_->selection.first();
+    const std::string message =
+        frame.bad->message + (first ? "" : "\n--skip-bad leaves such frames out");
+    if (frame.bad->refused) throw CannotBeDone(message);
+    throw InvalidInput(message);
+  }
+
+  const FramesCommand* command_;
   std::int64_t count_ = 0;
 };
 
@@ -108,7 +82,7 @@ void tell_result(const FramesCommand& command, std::int64_t rows, const BadFrame
   if (command.quiet) return;
   const std::int64_t last = command.selection.last();
   if (last != std::numeric_limits<std::int64_t>::max() && last > seen)
-    tell({fmt::format("{}: the file ends with frame {}", command.request->file, seen)});
+    tell({fmt::format("{}: the file ends with frame {}", shown_name(command.request->file), seen)});
   if (!command.output.empty())
     tell({fmt::format("wrote {}: {} {}", command.output, rows, rows == 1 ? "frame" : "frames")});
 }
@@ -116,7 +90,6 @@ void tell_result(const FramesCommand& command, std::int64_t rows, const BadFrame
 }  // namespace
 
 void identify_frames(const FramesCommand& command) {
-  if (!command.output.empty()) require_replaceable(command.output, command.overwrite);
   FrameStream stream(command.request->file);
   const std::optional<Pair> like = reference_pair(command.like, *command.request, n1_of(command));
   const ManyFrames wanted{*command.request,
@@ -124,9 +97,9 @@ void identify_frames(const FramesCommand& command) {
                           {command.rule, like ? &*like : nullptr},
                           command.criterion,
                           command.threads};
-  TableOutput output(command.output);
+  LongOutput output(command.output, command.overwrite, {command.request->file, command.like});
   FrameTable table(command.unwrap);
-  BadFrames bad(command.skip_bad);
+  BadFrames bad(command);
   StatusLine status(kind_of_line(command));
   std::int64_t rows = 0;
   std::string text = FrameTable::heading();
@@ -134,7 +107,7 @@ void identify_frames(const FramesCommand& command) {
       stream, wanted, [&](std::span<const IdentifiedFrame> frames, std::int64_t bytes) {
         for (const IdentifiedFrame& frame : frames) {
           if (frame.bad) {
-            bad.add(*frame.bad);
+            bad.add(frame);
             continue;
           }
           table.append_row(text, frame);
@@ -145,7 +118,8 @@ void identify_frames(const FramesCommand& command) {
         status.show(
             [&](double seconds) { return status_text(rows, bytes, stream.bytes(), seconds); });
       });
-  if (rows == 0) throw InvalidInput(fmt::format("{}: no frame is left", command.request->file));
+  if (rows == 0)
+    throw InvalidInput(fmt::format("{}: no frame is left", shown_name(command.request->file)));
   output.finish();
   tell_result(command, rows, bad, seen);
 }

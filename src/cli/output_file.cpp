@@ -35,6 +35,14 @@ void require_replaceable(const std::string& name, bool overwrite) {
   if (!overwrite) throw IoFailure(name + ": exists already; --overwrite replaces it");
 }
 
+void refuse_inputs_as_output(const std::string& name, const std::vector<std::string>& inputs) {
+  for (const std::string& input : inputs) {
+    std::error_code ignored;  // what does not exist is not the same
+    if (std::filesystem::equivalent(input, name, ignored))
+      throw IoFailure(input + ": would be replaced by the results; choose another --output");
+  }
+}
+
 std::string atom_lines(const std::vector<Label>& labels, const std::vector<Vec3>& positions,
                        std::optional<std::int32_t> n1) {
   constexpr int kWidth = 15, kDecimals = 8;

@@ -17,6 +17,9 @@ void require_folder_of(const std::string& name);
 /// device never goes. Throws IoFailure.
 void require_replaceable(const std::string& name, bool overwrite);
 
+/// Throws IoFailure when the file that is to be written is one of those that are read.
+void refuse_inputs_as_output(const std::string& name, const std::vector<std::string>& inputs);
+
 /// One line for each atom: symbol, x, y, z in Angstrom with eight decimals (A2,3(1X,F15.8)), and
 /// the number of its molecule where it is known that the first `n1` atoms are molecule 1.
 std::string atom_lines(const std::vector<Label>& labels, const std::vector<Vec3>& positions,

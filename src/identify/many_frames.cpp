@@ -73,14 +73,15 @@ bool holds_qn_input(FrameStream& stream) {
   constexpr std::int64_t kLinesBesides = 4;  // the count, and three behind the atoms
   const std::string_view first = stream.first_lines(1);
   const auto N = parse_integer(trimmed(first.substr(0, first.find('\n'))));
-  return N && is_qn_input(stream.first_lines(*N + kLinesBesides));
+  return N && *N <= kMaxAtoms && is_qn_input(stream.first_lines(*N + kLinesBesides));
 }
 
 /// Only a text that does not begin with a count can be of another format.
 void refuse_foreign_format(FrameStream& stream, const std::string& file) {
   constexpr std::int64_t kLines = 1000;
+  const std::string beginning(stream.first_lines(kLines));  // a molfile may begin with a blank line
   if (stream.begins_with_count()) return;
-  if (const auto message = foreign_format_message(file, stream.first_lines(kLines)))
+  if (const auto message = foreign_format_message(file, beginning))
     throw InvalidInput(*message, {stream.name()});
 }
 
@@ -177,14 +178,24 @@ class FrameIdentifier {
   const ManyFrames* wanted_;
 };
 
+/// Of a `QN-input-GEOMETRY.xyz`.
+void take_only_pair(FrameStream& stream, const ManyFrames& wanted, const TakeFrames& take) {
+  if (!wanted.selection.contains(1))
+    throw InvalidInput(fmt::format("{}: there is no frame {}: the file holds one pair",
+                                   stream.name(), wanted.selection.first()));
+  const PairFile file = pair_of_text(stream.rest(), wanted.pair);
+  IdentifiedFrame only{.number = 1};
+  identify_pair(file.pair, wanted, only);
+  add_findings(file.remarks, stream.name(), only);
+  take({&only, 1}, stream.bytes());
+}
+
 }  // namespace
 
 std::int64_t identify_frames(FrameStream& stream, const ManyFrames& wanted,
                              const TakeFrames& take) {
   if (holds_qn_input(stream)) {
-    IdentifiedFrame only{.number = 1};
-    identify_pair(pair_of_text(stream.rest(), wanted.pair).pair, wanted, only);
-    take({&only, 1}, stream.bytes());
+    take_only_pair(stream, wanted, take);
     return 1;
   }
   refuse_foreign_format(stream, wanted.pair.file);

@@ -241,7 +241,7 @@ void remark_on_frames(const std::string& name, const Contents& contents, std::in
 [[noreturn]] void refuse_components(const PairRequest& request, const Contents& contents,
                                     const std::vector<Rows>& components) {
   std::string text =
-      fmt::format("{}: the bonds make {} {}, not two", request.file, components.size(),
+      fmt::format("{}: the bonds make {} {}, not two", shown_name(request.file), components.size(),
                   components.size() == 1 ? "molecule" : "molecules");
   if (const auto unit = better_unit(contents.labels, contents.positions, request.unit)) {
     const char* const name = named_unit(*unit).name;

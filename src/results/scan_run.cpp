@@ -94,7 +94,8 @@ void refuse_inputs_in_folder(const ScanRequest& request) {
 }
 
 void require_file_name(const std::string& name) {
-  if (std::filesystem::path(name).filename().empty())
+  const std::string file = std::filesystem::path(name).filename().string();
+  if (file.empty() || file == "." || file == "..")
     throw IoFailure("--output: expected the name of a file without ending, found " +
                     dravo::quoted(name));
 }

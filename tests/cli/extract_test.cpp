@@ -173,7 +173,7 @@ TEST(ExtractedPoses, MayGoToAFile) {
     const Files whole = folder.outputs();
     expect_refusal(
         run_command(folder, {"extract", "scan.csv", "--poses", "2", "-o", input, "--overwrite"}),
-        std::string(input) + ": would be replaced by the frames; choose another --output", whole);
+        std::string(input) + ": would be replaced by the results; choose another --output", whole);
   }
 }
 

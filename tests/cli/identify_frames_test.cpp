@@ -190,6 +190,52 @@ TEST_F(IdentifyFramesCommand, LeavesBrokenFramesOutAndCountsThem) {
   EXPECT_TRUE(outcome.messages.ends_with("dravo: left out 1 of 20 frames\n")) << outcome.messages;
 }
 
+TEST_F(IdentifyFramesCommand, NeverReplacesWhatItReads) {
+  const std::string text = trajectory(round_trip());
+  folder_.write("t.xyz", text);
+  folder_.write("l.xyz", text);
+  const Words all{"t.xyz", "--split", "6", "--frame", "all", "--like", "l.xyz", "--overwrite"};
+  for (const char* input : {"t.xyz", "./t.xyz", "l.xyz"}) {
+    const Outcome outcome = run(all + Words{"-o", input});
+    EXPECT_EQ(outcome.status, 2) << input;
+    EXPECT_TRUE(
+        outcome.messages.ends_with(": would be replaced by the results; choose another "
+                                   "--output\n"))
+        << outcome.messages;
+    EXPECT_EQ(outcome.files.at("t.xyz"), text);
+    EXPECT_EQ(outcome.files.at("l.xyz"), text);
+  }
+}
+
+/// What is wrong with the first frame is wrong with all, so leaving frames out is no advice.
+TEST_F(IdentifyFramesCommand, AdvisesNothingThatDoesNotHelp) {
+  folder_.write("t.xyz", trajectory(round_trip()));
+  EXPECT_EQ(
+      run({"t.xyz", "--frame", "all"}).messages,
+      "dravo: frame 1: t.xyz: where molecule 2 begins is not known; use --split N1, the number "
+      "of atoms of molecule 1, or --split auto, by bonds\n");
+}
+
+TEST_F(IdentifyFramesCommand, HasOneFrameOfAnInputOfQnDravo) {
+  folder_.write("t.xyz", file_text(sample_path("formamide-dimer")));
+  EXPECT_EQ(cells_of(run({"t.xyz", "--frame", "all"}).screen).size(), 2U);
+  const Outcome second = run({"t.xyz", "--frame", "2:3"});
+  EXPECT_EQ(second.status, 2);
+  EXPECT_EQ(second.screen, "");
+  EXPECT_EQ(second.messages, "dravo: t.xyz: there is no frame 2: the file holds one pair\n");
+}
+
+/// A molfile may begin with a blank line.
+TEST_F(IdentifyFramesCommand, NamesAForeignFormat) {
+  folder_.write("b.mol",
+                "\n  made by hand\n\n  1  0  0  0  0  0  0  0  0  0999 V2000\n"
+                "    0.0000    0.0000    0.0000 O   0  0\nM  END\n");
+  const Outcome outcome = run({"b.mol", "--split", "1", "--frame", "all"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages, run({"b.mol", "--split", "1"}).messages);
+  EXPECT_NE(outcome.messages.find("obabel"), std::string::npos) << outcome.messages;
+}
+
 TEST_F(IdentifyFramesCommand, RefusesOptionsThatDoNotGoTogether) {
   folder_.write("t.xyz", trajectory(round_trip()));
   const auto refusal = [&](const Words& words) {
