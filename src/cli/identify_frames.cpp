@@ -5,10 +5,8 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <iostream>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>

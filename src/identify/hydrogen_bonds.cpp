@@ -11,7 +11,7 @@
 namespace dravo {
 namespace {
 
-constexpr int kHydrogen = 1, kNitrogen = 7, kOxygen = 8, kFluorine = 9;
+constexpr int kHydrogen = 1, kNitrogen = 7, kFluorine = 9;
 
 /// N, O and F.
 bool gives_or_takes_hydrogen(int atomic_number) {

@@ -17,11 +17,13 @@ constexpr double kFullTurn = 360.0;
 
 using Value = double PoseDegrees::*;
 
-/// Without the tail of digits that a difference leaves.
-std::string shown(double degrees) {
+/// 360.3 less 360 is 0.3, not 0.30000000000001137.
+double without_tail(double degrees) {
   constexpr double kBillion = 1e9;
-  return shortest_text(std::round(degrees * kBillion) / kBillion);
+  return std::round(degrees * kBillion) / kBillion;
 }
+
+std::string shown(double degrees) { return shortest_text(without_tail(degrees)); }
 
 /// "phi 200", half a turn from the phi of the pose; "phi + 180" without a pose.
 std::string opposite(const PoseParameter& azimuth, const PoseDegrees* pose) {
@@ -59,12 +61,6 @@ std::optional<OutOfRange> complaint(const PoseParameter& parameter, double value
                        : "0 <= r <= 9999.9; the names of files have no room for longer distances");
   return refused(
       fmt::format("0 <= {} <= 180; {}", parameter.name, same_pose(parameter.value, value, pose)));
-}
-
-/// 360.3 less 360 is 0.3, not 0.30000000000001137.
-double without_tail(double degrees) {
-  constexpr double kBillion = 1e9;
-  return std::round(degrees * kBillion) / kBillion;
 }
 
 }  // namespace
