@@ -11,6 +11,13 @@ check_library_exists(${XXHASH_LIBRARY} XXH3_64bits_update_dispatch "" XXHASH_DIS
 
 # What the library holds besides the stages.
 set(DRAVO_LIBRARY_SOURCES
+  src/energy/child_process.cpp
+  src/energy/command_engine.cpp
+  src/energy/electrons.cpp
+  src/energy/energy.cpp
+  src/energy/energy_names.cpp
+  src/energy/private_folder.cpp
+  src/energy/xtb_engine.cpp
   src/identify/axis_data.cpp
   src/identify/carried_frames.cpp
   src/identify/closed_form.cpp
@@ -64,6 +71,18 @@ set(DRAVO_LIBRARY_SOURCES
 list(TRANSFORM DRAVO_LIBRARY_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
 set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
 
+# libxtb stays in a program of its own: it keeps global state, may end the process, and brings
+# another LAPACK.
+set(DRAVO_LIBEXEC_FOLDER ${CMAKE_INSTALL_LIBEXECDIR}/dravo)
+if(DRAVO_XTB)
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(XTB REQUIRED IMPORTED_TARGET xtb)
+  add_executable(dravo-xtb-worker src/energy/xtb_worker.cpp)
+  target_link_libraries(dravo-xtb-worker PRIVATE dravo_headers PkgConfig::XTB Threads::Threads)
+  install(TARGETS dravo-xtb-worker RUNTIME DESTINATION ${DRAVO_LIBEXEC_FOLDER})
+endif()
+configure_file(src/energy/xtb_build.hpp.in ${PROJECT_BINARY_DIR}/generated/energy/xtb_build.hpp @ONLY)
+
 # The bytes of scans.
 set(DRAVO_RESULTS_SOURCES
   src/results/best_poses.cpp
@@ -111,6 +130,7 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/energy_options.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp

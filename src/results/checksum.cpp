@@ -14,7 +14,7 @@
 #include <new>
 
 #include "common/errors.hpp"
-#include "results/descriptor.hpp"
+#include "common/descriptor.hpp"
 
 namespace dravo {
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "common/errors.hpp"
-#include "results/descriptor.hpp"
+#include "common/descriptor.hpp"
 
 namespace dravo {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "results/checksum.hpp"
-#include "results/descriptor.hpp"
+#include "common/descriptor.hpp"
 
 namespace dravo {
 

@@ -17,7 +17,7 @@
 
 #include "common/errors.hpp"
 #include "driver/output_names.hpp"
-#include "results/descriptor.hpp"
+#include "common/descriptor.hpp"
 
 namespace dravo {
 namespace {

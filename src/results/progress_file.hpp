@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "results/descriptor.hpp"
+#include "common/descriptor.hpp"
 #include "results/scan_record.hpp"
 
 namespace dravo {

@@ -1,0 +1,164 @@
+/// @file
+/// Interaction energies of a pair in its poses, computed by engines that exist already: libxtb, or
+/// any program that prints an energy.
+///
+/// @code
+/// const dravo::Pair pair = dravo::read_pair({.file = "dimer.xyz", .split = 6}).pair;
+/// const dravo::EnergyModel model(pair, {.method = dravo::EnergyMethod::gfn2});
+/// dravo::EnergyEngine engine = model.start();  // one per thread
+/// const dravo::PoseEnergy found = engine.energy(dravo::Placer(pair).positions({.r = 4.0}));
+/// if (found.status == dravo::EnergyStatus::ok) std::cout << found.interaction << " kcal/mol\n";
+/// @endcode
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "dravo/atoms.hpp"
+#include "dravo/error.hpp"
+#include "dravo/molecule.hpp"
+
+namespace dravo {
+
+/// CODATA 2018.
+inline constexpr double kKcalPerMolPerHartree = 627.5094740631;
+inline constexpr double kAngstromPerBohr = 0.529177210903;
+
+/// How energies are computed.
+enum class EnergyMethod {
+  gfnff,    ///< GFN-FF, a force field (Spicher and Grimme, Angew. Chem. 2020, 59, 15665)
+  gfn2,     ///< GFN2-xTB, tight binding (Bannwarth, Ehlert, Grimme, J. Chem. Theory Comput. 2019,
+            ///< 15, 1652)
+  gfn1,     ///< GFN1-xTB (Grimme, Bannwarth, Shushkov, J. Chem. Theory Comput. 2017, 13, 1989)
+  command,  ///< a program of the user's
+};
+
+/// "gfnff", "gfn2", "gfn1", "command".
+std::string_view name_of(EnergyMethod method);
+
+/// By its name. Throws InvalidInput with the names that there are.
+EnergyMethod energy_method(std::string_view name);
+
+/// Energy per molecule of what a program prints.
+enum class EnergyUnit { hartree, ev, kcal_mol, kj_mol };
+
+/// "hartree", "ev", "kcal/mol", "kj/mol". Throws InvalidInput.
+EnergyUnit energy_unit(std::string_view name);
+
+/// A program that computes the energy of one system at a time.
+struct EnergyCommand {
+  /// A command line of the shell. It runs in an empty folder of its own. {xyz} becomes the name of
+  /// an xyz file of the system there, {charge} its net charge, {unpaired} its unpaired electrons.
+  std::string run;
+  /// A regular expression (ECMAScript) with one group, which holds the energy, looked for in each
+  /// line that the program prints. The last match counts.
+  std::string read;
+  EnergyUnit unit = EnergyUnit::hartree;
+};
+
+struct EnergyOptions {
+  EnergyMethod method = EnergyMethod::gfnff;
+  std::array<int, 2> charges{};   ///< net charges of molecule 1 and molecule 2, e
+  std::array<int, 2> unpaired{};  ///< their unpaired electrons
+  EnergyCommand command{};        ///< of EnergyMethod::command
+};
+
+/// What became of the energy of a pose.
+enum class EnergyStatus : std::uint8_t {
+  ok,
+  clash,        ///< not computed: atoms closer than `kClash` times the sum of their radii
+  scf_fail,     ///< the engine found no energy
+  nonphysical,  ///< below `kLowestInteraction` or above `kHighestInteraction`
+  engine_died,  ///< the process of the engine ended; the next pose gets another one
+};
+
+/// "ok", "clash", ...: as tables have it.
+std::string_view name_of(EnergyStatus status);
+
+/// By its name; empty for anything else.
+std::optional<EnergyStatus> energy_status(std::string_view name);
+
+/// Poses with a smaller clearance (`ContactSurvey::clearance`) are not computed.
+inline constexpr double kClash = 0.5;
+
+/// Energies beyond these, kcal/mol, come from collapsed geometries, which an engine may take
+/// without an error.
+inline constexpr double kLowestInteraction = -500.0;
+inline constexpr double kHighestInteraction = 5000.0;
+
+/// On molecule 1 as a rigid body.
+struct RigidForce {
+  Vec3 force;   ///< kcal/mol/Angstrom
+  Vec3 torque;  ///< about a point that is told, kcal/mol/radian
+};
+
+struct PoseEnergy {
+  EnergyStatus status = EnergyStatus::ok;
+  /// kcal/mol; not a number unless the status is ok.
+  double interaction = std::numeric_limits<double>::quiet_NaN();
+  RigidForce on_molecule1{};  ///< when it was asked for and the status is ok
+};
+
+/// An engine cannot be had, or cannot compute the molecules alone. The message says what is missing
+/// or what the engine said.
+class EngineFailure : public Error {
+ public:
+  using Error::Error;
+};
+
+/// Computes poses of one pair, in a process of its own that lives as long as this. For one thread.
+class EnergyEngine {
+ public:
+  /// For the library itself.
+  struct Inside;
+  explicit EnergyEngine(std::unique_ptr<Inside> inside);
+  EnergyEngine(EnergyEngine&&) noexcept;
+  EnergyEngine& operator=(EnergyEngine&&) noexcept;
+  ~EnergyEngine();
+
+  /// The pair with its atoms at these positions, N, Angstrom. Depends on them alone. The status is
+  /// never clash. Throws InvalidInput for another number of atoms, EngineFailure when a process
+  /// that died cannot be replaced.
+  [[nodiscard]] PoseEnergy energy(std::span<const Vec3> positions);
+
+  /// The same with force and torque; the torque is about `centre`. Throws InvalidInput for an
+  /// engine that has none (EnergyMethod::command).
+  [[nodiscard]] PoseEnergy energy_and_force(std::span<const Vec3> positions, const Vec3& centre);
+
+ private:
+  std::unique_ptr<Inside> inside_;
+};
+
+/// A method for one pair: what is checked and computed once. Immutable, cheap to copy, and usable
+/// from several threads at once.
+class EnergyModel {
+ public:
+  /// Computes the reference energies. Throws InvalidInput for charges that do not fit the numbers
+  /// of electrons, and for two net charges with GFN-FF; EngineFailure.
+  EnergyModel(const Pair& pair, const EnergyOptions& options);
+
+  [[nodiscard]] const EnergyOptions& options() const;
+
+  /// "libxtb 6.5.1", or "command".
+  [[nodiscard]] const std::string& engine() const;
+
+  /// Hartree: what the energy of a pose is counted from. GFN-FF: that of the pair 100 Angstrom
+  /// apart. Otherwise those of molecule 1 and molecule 2 alone.
+  [[nodiscard]] const std::vector<double>& references() const;
+
+  /// Another one for each thread. Throws EngineFailure.
+  [[nodiscard]] EnergyEngine start() const;
+
+ private:
+  struct Inside;
+  std::shared_ptr<const Inside> inside_;
+};
+
+}  // namespace dravo

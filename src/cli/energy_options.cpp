@@ -1,0 +1,95 @@
+#include "cli/energy_options.hpp"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <limits>
+#include <string_view>
+
+#include "common/number_text.hpp"
+#include "common/shown_text.hpp"
+#include "common/text.hpp"
+
+namespace dravo {
+namespace {
+
+/// "0,-1".
+std::array<int, 2> two_numbers(const char* option, const std::string& text) {
+  const auto parts = parts_between(text, ',');
+  std::array<int, 2> numbers{};
+  bool fits = parts.size() == numbers.size();
+  for (std::size_t i = 0; fits && i < numbers.size(); ++i) {
+    const auto number = parse_integer(parts[i]);
+    constexpr int kMost = 1000;  // no molecule has more
+    fits = number && *number >= -kMost && *number <= kMost;
+    if (fits) numbers.at(i) = static_cast<int>(*number);
+  }
+  if (fits) return numbers;
+  throw InvalidInput(
+      fmt::format("{}: expected two whole numbers, of molecule 1 and molecule 2, such as 0,-1, "
+                  "found {}",
+                  option, dravo::quoted(text)));
+}
+
+/// What a function throws is about this option.
+template <class Function>
+auto about(const char* option, Function&& function) {
+  try {
+    return function();
+  } catch (const InvalidInput& fault) {
+    throw InvalidInput(fmt::format("{}: {}", option, fault.what()));
+  }
+}
+
+EnergyCommand command_of(const EnergyWords& words) {
+  if (words.run.empty() || words.read.empty())
+    throw InvalidInput(
+        "--energy command: expected --run, the program, and --read, the expression that finds the "
+        "energy in what it prints");
+  return {words.run, words.read,
+          about("--read-unit", [&] { return energy_unit(words.read_unit); })};
+}
+
+}  // namespace
+
+CLI::Option* add_energy_options(CLI::App& command, EnergyWords& words) {
+  auto* energy = command
+                     .add_option("--energy", words.method,
+                                 "interaction energy: gfnff, gfn2 or gfn1 by libxtb, or command")
+                     ->type_name("METHOD");
+  command.add_option("--charges", words.charges, "net charges of molecule 1 and molecule 2 (0,0)")
+      ->type_name("Q1,Q2")
+      ->needs(energy);
+  command.add_option("--unpaired", words.unpaired, "unpaired electrons of the molecules (0,0)")
+      ->type_name("N1,N2")
+      ->needs(energy);
+  auto* run = command
+                  .add_option("--run", words.run,
+                              "command line of --energy command; {xyz}, {charge} and {unpaired} "
+                              "are replaced")
+                  ->type_name("LINE")
+                  ->needs(energy);
+  command
+      .add_option("--read", words.read,
+                  "regular expression with one group, the energy in what it prints; the last match")
+      ->type_name("REGEX")
+      ->needs(run);
+  command.add_option("--read-unit", words.read_unit, "hartree (default), ev, kcal/mol or kj/mol")
+      ->type_name("UNIT")
+      ->needs(run);
+  return energy;
+}
+
+std::optional<EnergyOptions> energy_options(const EnergyWords& words) {
+  if (words.method.empty()) return std::nullopt;
+  EnergyOptions options;
+  options.method = about("--energy", [&] { return energy_method(words.method); });
+  options.charges = two_numbers("--charges", words.charges);
+  options.unpaired = two_numbers("--unpaired", words.unpaired);
+  const bool command = options.method == EnergyMethod::command;
+  if (command) options.command = command_of(words);
+  if (!command && !words.run.empty()) throw InvalidInput("--run belongs to --energy command");
+  return options;
+}
+
+}  // namespace dravo

@@ -1,0 +1,12 @@
+/// Whether charges and unpaired electrons are those that molecules can have.
+#pragma once
+
+#include "dravo/energy.hpp"
+
+namespace dravo {
+
+/// Throws InvalidInput: more electrons are away than there were, unpaired ones that the number of
+/// electrons does not allow, or charges that the method cannot tell apart.
+void require_possible_electrons(const Pair& pair, const EnergyOptions& options);
+
+}  // namespace dravo

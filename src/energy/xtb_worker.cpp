@@ -1,0 +1,146 @@
+/// Computes energies with libxtb for the process that started it, over standard input. Alone in its
+/// process, as libxtb keeps global state, may end the process, and brings a LAPACK of its own.
+///
+/// It runs in a folder of its own: loading GFN-FF writes files there, and reads what it finds.
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <xtb.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <thread>
+#include <vector>
+
+#include "energy/xtb_protocol.hpp"
+
+namespace dravo {
+namespace {
+
+/// Ends the process when nobody is left to talk to.
+void transfer(ssize_t (*call)(char* bytes, std::size_t count), void* bytes, std::size_t count) {
+  auto* next = static_cast<char*>(bytes);
+  while (count > 0) {
+    const ssize_t done = call(next, count);
+    if (done < 0 && errno == EINTR) continue;
+    if (done <= 0) ::_exit(0);
+    next += done;
+    count -= static_cast<std::size_t>(done);
+  }
+}
+
+void receive(void* bytes, std::size_t count) {
+  transfer([](char* to, std::size_t n) { return ::recv(STDIN_FILENO, to, n, 0); }, bytes, count);
+}
+
+void send(void* bytes, std::size_t count) {
+  transfer([](char* from, std::size_t n) { return ::send(STDIN_FILENO, from, n, MSG_NOSIGNAL); },
+           bytes, count);
+}
+
+template <class Number>
+void receive(std::vector<Number>& numbers) {
+  receive(numbers.data(), numbers.size() * sizeof(Number));
+}
+
+/// A computation may take minutes; whoever wanted it may be gone long before.
+void end_with_the_other_side() {
+  pollfd other_side{STDIN_FILENO, POLLRDHUP, 0};
+  while (::poll(&other_side, 1, -1) < 0 && errno == EINTR) {
+  }
+  ::_exit(0);
+}
+
+/// libxtb has large arrays on the stack.
+void allow_a_large_stack() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_STACK, &limit) != 0) return;
+  limit.rlim_cur = limit.rlim_max;
+  (void)::setrlimit(RLIMIT_STACK, &limit);
+}
+
+class Worker {
+ public:
+  Worker() : environment_(xtb_newEnvironment()) {
+    xtb_setVerbosity(environment_, XTB_VERBOSITY_MUTED);
+  }
+
+  [[noreturn]] void run() {
+    XtbRequest request{};
+    while (true) {
+      receive(&request, sizeof request);
+      if (request.task == XtbTask::load)
+        load(request);
+      else
+        compute(request.task == XtbTask::gradient);
+    }
+  }
+
+ private:
+  void load(const XtbRequest& request) {
+    const int atoms = request.atoms;
+    std::vector<int> numbers(static_cast<std::size_t>(atoms));
+    positions_.resize(3 * numbers.size());
+    receive(numbers);
+    receive(positions_);
+    if (molecule_ != nullptr) xtb_delMolecule(&molecule_);
+    if (calculator_ != nullptr) xtb_delCalculator(&calculator_);
+    for (const char* left : {"gfnff_topo", "gfnff_adjacency", "charges"}) ::unlink(left);
+    const double charge = request.charge;
+    molecule_ = xtb_newMolecule(environment_, &atoms, numbers.data(), positions_.data(), &charge,
+                                &request.unpaired, nullptr, nullptr);
+    calculator_ = xtb_newCalculator();
+    if (xtb_checkEnvironment(environment_) == 0) load_parameters(request.parametrisation);
+    reply(0.0);
+  }
+
+  void load_parameters(XtbParametrisation parametrisation) {
+    switch (parametrisation) {
+      case XtbParametrisation::gfnff:
+        return xtb_loadGFNFF(environment_, molecule_, calculator_, nullptr);
+      case XtbParametrisation::gfn2:
+        return xtb_loadGFN2xTB(environment_, molecule_, calculator_, nullptr);
+      case XtbParametrisation::gfn1:
+        return xtb_loadGFN1xTB(environment_, molecule_, calculator_, nullptr);
+    }
+  }
+
+  /// Results are made anew, so that an energy does not depend on those before.
+  void compute(bool with_gradient) {
+    receive(positions_);
+    xtb_TResults results = xtb_newResults();
+    double energy = 0.0;
+    std::vector<double> gradient(with_gradient ? positions_.size() : 0);
+    xtb_updateMolecule(environment_, molecule_, positions_.data(), nullptr);
+    xtb_singlepoint(environment_, molecule_, calculator_, results);
+    if (xtb_checkEnvironment(environment_) == 0) xtb_getEnergy(environment_, results, &energy);
+    if (with_gradient && xtb_checkEnvironment(environment_) == 0)
+      xtb_getGradient(environment_, results, gradient.data());
+    xtb_delResults(&results);
+    if (reply(energy) && with_gradient) send(gradient.data(), gradient.size() * sizeof(double));
+  }
+
+  /// True unless something failed.
+  bool reply(double energy) {
+    XtbReply reply{xtb_checkEnvironment(environment_) != 0 ? 1 : 0, energy, {}};
+    const int room = static_cast<int>(reply.message.size()) - 1;
+    if (reply.failed != 0) xtb_getError(environment_, reply.message.data(), &room);
+    send(&reply, sizeof reply);
+    return reply.failed == 0;
+  }
+
+  xtb_TEnvironment environment_;
+  xtb_TMolecule molecule_ = nullptr;
+  xtb_TCalculator calculator_ = nullptr;
+  std::vector<double> positions_;
+};
+
+}  // namespace
+}  // namespace dravo
+
+int main() {
+  dravo::allow_a_large_stack();
+  std::thread(dravo::end_with_the_other_side).detach();
+  dravo::Worker().run();
+}
