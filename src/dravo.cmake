@@ -104,6 +104,10 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_poses.cpp
   src/results/best_results.cpp
   src/results/checksum.cpp
+  src/results/dock_merge.cpp
+  src/results/dock_results.cpp
+  src/results/dock_run.cpp
+  src/results/dock_tables.cpp
   src/results/durable.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
@@ -146,6 +150,8 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/dock.cpp
+    src/cli/dock_report.cpp
     src/cli/energy_options.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp
@@ -158,6 +164,7 @@ function(dravo_program library)
     src/cli/place.cpp
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
+    src/cli/run_options.cpp
     src/cli/scan.cpp
     src/cli/usage.cpp
     src/cli/words.cpp)

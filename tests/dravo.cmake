@@ -88,6 +88,7 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
 dravo_test_programs(results results
   best_poses_test.cpp
   checksum_test.cpp
+  dock_tables_test.cpp
   frame_table_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
@@ -141,6 +142,12 @@ target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_mo
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
+if(DRAVO_XTB)
+  target_sources(cli_tests PRIVATE
+    cli/dock_parts_test.cpp cli/dock_stops_test.cpp cli/dock_test.cpp)
+  add_dependencies(cli_tests dravo-xtb-worker)
+  set(worker_of_sanitized "DRAVO_XTB_WORKER=$<TARGET_FILE:dravo-xtb-worker>")
+endif()
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"
@@ -149,7 +156,7 @@ target_compile_definitions(cli_tests PRIVATE
 gtest_discover_tests(cli_tests TEST_PREFIX cli/)
 add_test(NAME sanitized/cli COMMAND cli_tests --gtest_brief=1 "--gtest_filter=-KilledAt*:*BenzeneDimer*")
 set_tests_properties(sanitized/cli PROPERTIES COST 100 ENVIRONMENT
-  "DRAVO_TOOL=$<TARGET_FILE:dravo-cli-sanitized>;ASAN_OPTIONS=detect_leaks=0")
+  "DRAVO_TOOL=$<TARGET_FILE:dravo-cli-sanitized>;ASAN_OPTIONS=detect_leaks=0;${worker_of_sanitized}")
 
 # The Python of the distribution, which has its ASE; another one may come first on the path.
 find_program(DRAVO_PYTHON NAMES python3 HINTS /usr/bin NO_CMAKE_ENVIRONMENT_PATH)

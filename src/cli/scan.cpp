@@ -14,12 +14,9 @@
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
-#include "common/errors.hpp"
-#include "common/number_text.hpp"
-#include "common/shown_text.hpp"
+#include "cli/run_options.hpp"
 #include "dravo/identify.hpp"
 #include "molecules/input_file.hpp"
-#include "results/interruption.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
 
@@ -74,16 +71,6 @@ struct ScanCommand {
   ScanRequest request;
 };
 
-Shard parse_shard(const std::string& text) {
-  const std::size_t slash = text.find('/');
-  const auto number = parse_integer(text.substr(0, slash));
-  const auto of = parse_integer(slash == std::string::npos ? "" : text.substr(slash + 1));
-  if (!number || !of || *number < 1 || *number > *of)
-    throw InvalidInput(
-        fmt::format("--shard: expected I/N with I from 1 to N, found {}", dravo::quoted(text)));
-  return {*number, *of};
-}
-
 /// "shortest", or "-shortest" for the largest values.
 BestRule best_rule(std::int64_t count, const std::string& by) {
   const bool largest = by.starts_with('-');
@@ -134,17 +121,13 @@ void report(const ScanTotals& totals, const ScanCommand& options, Writing writin
 /// A scan that ends early says how to go on.
 ScanTotals scanned(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                    const ScanRequest& request) {
-  const char* const how = request.earlier == Earlier::overwrite
-                              ? "the same command with --resume instead of --overwrite goes on"
-                              : "the same command with --resume goes on";
-  try {
-    return run_scan(placer, molecules, plan, request);
-  } catch (const Interrupted& end) {
-    throw EndedBySignal(fmt::format("{}; {}", end.what(), how), end.signal());
-  } catch (const NoRoom& end) {
-    if (request.writing == Writing::nothing) throw;
-    throw IoFailure(fmt::format("{}; {} when there is room", end.what(), how));
-  }
+  ScanTotals totals;
+  const auto scan = [&] { totals = run_scan(placer, molecules, plan, request); };
+  if (request.writing == Writing::nothing)
+    scan();
+  else
+    telling_how_to_go_on(request.earlier, scan);
+  return totals;
 }
 
 void run(ScanCommand& options) {

@@ -92,6 +92,9 @@ void extract_poses(const ExtractRequest& request,
     throw IoFailure(
         fmt::format("{}: there is no scan of this name, which has {}", request.scan, file));
   const ScanRecord record = parse_record(file, read_file(file));
+  if (record.is_docking())
+    throw InvalidInput(fmt::format("{0}: is a docking, not a scan; its frames are in {0}{1}",
+                                   request.scan, ending_of(ResultFile::frames)));
   const PairPlacer placer = placer_of(request.scan, record);
   const std::string table = request.scan + ending_of(ResultFile::table);
   TableRows rows(table);

@@ -34,6 +34,8 @@ std::string Shard::name(const std::string& scan) const {
   return fmt::format("{}-{}-of-{}", scan, number, of);
 }
 
+bool ScanRecord::is_docking() const { return origin.find(kSearchKey) != origin.end(); }
+
 Writing ScanRecord::writing() const {
   const auto has = [&](const char* key, const char* text) {
     const auto found = origin.find(key);
@@ -121,8 +123,12 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
 
 void require_same_origin(const std::string& name, const ScanRecord& earlier,
                          const ScanRecord& now) {
+  if (earlier.is_docking() != now.is_docking())
+    throw IoFailure(fmt::format("{}: is of a {}, not of a {}; choose another --output", name,
+                                earlier.kind(), now.kind()));
   const std::string differs = difference(earlier, now);
-  if (!differs.empty()) throw IoFailure(fmt::format("{}: is of another scan: {}", name, differs));
+  if (!differs.empty())
+    throw IoFailure(fmt::format("{}: is of another {}: {}", name, now.kind(), differs));
 }
 
 std::string sentence_about(const ScanTotals& totals, bool written) {

@@ -51,6 +51,7 @@ enum class ResultFile : std::size_t {
   molecule2,
   best1,  ///< of an unfinished scan, the best poses so far: this file and the next in turn
   best2,
+  starts,  ///< of an unfinished docking, and of a part of one
 };
 
 /// What a file is called in a record, and behind NAME.
@@ -58,11 +59,12 @@ struct ResultName {
   const char* key;
   const char* ending;
 };
-inline constexpr std::array<ResultName, 5> kResultNames{{{"frame", ".xyz"},
+inline constexpr std::array<ResultName, 6> kResultNames{{{"frame", ".xyz"},
                                                          {"table", ".csv"},
                                                          {"molecule2", "-molecule-2.xyz"},
                                                          {"best1", ".best-1"},
-                                                         {"best2", ".best-2"}}};
+                                                         {"best2", ".best-2"},
+                                                         {"starts", "-starts.csv"}}};
 
 constexpr const char* ending_of(ResultFile file) {
   return kResultNames.at(static_cast<std::size_t>(file)).ending;
@@ -80,6 +82,16 @@ struct ScannedPair {
   std::optional<Pair> like;  ///< whose axes were carried along
 };
 
+inline constexpr auto kEndedByTime = "time";
+
+/// What a docking found, besides its files.
+struct DockSummary {
+  std::string ended;  ///< why it made no more starts
+  std::int64_t minima = 0;
+  std::map<std::string, std::vector<double>> references;  ///< of each method, Hartree
+};
+
+/// Of a scan, or of a docking, whose starts are its poses.
 struct ScanRecord {
   /// Pair, plan and program, key and text: the results follow from them.
   std::map<std::string, std::string> origin;
@@ -89,6 +101,10 @@ struct ScanRecord {
   std::map<ResultFile, FileState> files;
   /// Null in the progress of a scan and in records of earlier versions.
   std::shared_ptr<const ScannedPair> molecules = nullptr;
+  std::optional<DockSummary> docking = std::nullopt;  ///< of a finished one that is in one part
+
+  [[nodiscard]] bool is_docking() const;
+  [[nodiscard]] const char* kind() const { return is_docking() ? "docking" : "scan"; }
 
   [[nodiscard]] Writing writing() const;
 
