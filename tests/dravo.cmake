@@ -77,6 +77,7 @@ dravo_test_programs(scan results
   placer_test.cpp
   poses_test.cpp
   random_pose_test.cpp
+  scan_energies_test.cpp
   scan_test.cpp
   unique_poses_test.cpp
   zipped_list_test.cpp)
