@@ -93,6 +93,7 @@ dravo_test_programs(results results
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
+  scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
   text_chunk_test.cpp)
