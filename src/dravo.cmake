@@ -89,6 +89,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/energy_report.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp
@@ -143,6 +144,7 @@ function(dravo_program library)
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp
+    src/cli/scan_energy.cpp
     src/cli/usage.cpp
     src/cli/words.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt

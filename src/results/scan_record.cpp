@@ -23,7 +23,6 @@ constexpr auto kTableAlone = "table";
 constexpr auto kMovingAlone = "moving";
 constexpr auto kBestKey = "best";
 constexpr auto kByKey = "by";
-constexpr auto kEnergyKey = "energy";
 
 /// Another machine may compute the molecules alone with other last digits; so much, in Hartree,
 /// only another engine.
