@@ -102,7 +102,7 @@ std::regex expression_of(const std::string& text) {
 
 /// What a program printed.
 struct Printed {
-  std::optional<double> energy;  ///< the last one, in its unit
+  std::optional<double> energy;  ///< of the last match, if that is a number
   std::string last_line;         ///< with something in it
 };
 
@@ -115,8 +115,8 @@ Printed read_printed(const std::string& file, const std::regex& expression) {
     line.resize(std::min(line.size(), kLongestLine));
     if (line.find_first_not_of(" \t\r") != std::string::npos) printed.last_line = line;
     if (!std::regex_search(line, match, expression)) continue;
-    const auto number = parse_real(match[1].str());
-    if (number && std::isfinite(*number)) printed.energy = number;
+    printed.energy = parse_real(match[1].str());
+    if (printed.energy && !std::isfinite(*printed.energy)) printed.energy.reset();
   }
   return printed;
 }
@@ -188,7 +188,7 @@ class CommandEngine final : public SystemEngine {
                       dravo::quoted(line_), printed.last_line));
     if (WEXITSTATUS(status) != 0) return {EnergyStatus::scf_fail, 0.0, end};
     if (printed.energy) return {EnergyStatus::ok, *printed.energy * hartree_};
-    return {EnergyStatus::scf_fail, 0.0, "nothing that the program prints matches; " + end};
+    return {EnergyStatus::scf_fail, 0.0, "no energy is found in what the program prints; " + end};
   }
 
   std::vector<Label> labels_;

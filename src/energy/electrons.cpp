@@ -32,7 +32,7 @@ void require_possible(const Asked& molecule) {
   const auto& [number, labels, positions, charge, unpaired] = molecule;
   const std::int64_t protons = protons_in(labels), electrons = protons - charge;
   if (electrons < 0)
-    throw InvalidInput(fmt::format("molecule {} cannot have charge {:+}: it has only {} electrons",
+    throw InvalidInput(fmt::format("molecule {} cannot have charge {:+}: its nuclei have {:+}",
                                    number, charge, protons));
   const bool even = electrons % 2 == 0;
   if (unpaired >= 0 && unpaired <= electrons && unpaired % 2 == electrons % 2) return;
