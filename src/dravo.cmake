@@ -16,6 +16,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/energy/electrons.cpp
   src/energy/energy.cpp
   src/energy/energy_names.cpp
+  src/energy/frame_energies.cpp
   src/energy/private_folder.cpp
   src/energy/xtb_engine.cpp
   src/identify/axis_data.cpp
@@ -42,6 +43,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/pair_table.cpp
   src/molecules/pose_range.cpp
   src/molecules/van_der_waals_radii.cpp
+  src/molecules/wanted_frames.cpp
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
   src/scan/axis_lookup.cpp
@@ -89,6 +91,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/energy_cells.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp
@@ -130,6 +133,8 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/energy.cpp
+    src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp

@@ -106,6 +106,8 @@ add_executable(cli_tests
   cli/contacts_test.cpp
   cli/convert_test.cpp
   cli/durable_test.cpp
+  cli/energy_frames_test.cpp
+  cli/energy_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
   cli/extract_test.cpp
@@ -141,6 +143,9 @@ target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_mo
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
+if(DRAVO_XTB)
+  add_dependencies(cli_tests dravo-xtb-worker)
+endif()
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"
