@@ -77,6 +77,7 @@ dravo_test_programs(scan results
   placer_test.cpp
   poses_test.cpp
   random_pose_test.cpp
+  scan_energies_test.cpp
   scan_test.cpp
   unique_poses_test.cpp
   zipped_list_test.cpp)
@@ -92,6 +93,7 @@ dravo_test_programs(results results
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
+  scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
   text_chunk_test.cpp)

@@ -96,7 +96,7 @@ void extract_poses(const ExtractRequest& request,
   const std::string table = request.scan + ending_of(ResultFile::table);
   TableRows rows(table);
   PosesAgain poses(placer, rows.heading(), request.moving ? Writing::moving : Writing::frames,
-                   table);
+                   table, has_energies(record));
   SelectedRows selected(rows, request.poses, !record.best(), table);
   require_rows(selected, request, record, table);
   std::string frames;

@@ -15,12 +15,12 @@
 namespace dravo {
 namespace {
 
-PoseColumns columns_in(std::string_view heading, bool exact) {
+PoseColumns columns_in(std::string_view heading, bool exact, bool energies) {
   const auto names = parts_between(heading, ',');
   const auto has = [&](std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
   };
-  return {has("above_contact"), has("equivalents"), exact};
+  return {has("above_contact"), has("equivalents"), exact, energies};
 }
 
 /// More may follow behind a comma.
@@ -54,8 +54,8 @@ PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
 }
 
 PosesAgain::PosesAgain(const PairPlacer& placer, std::string_view heading, Writing writing,
-                       std::string table)
-    : writer_(writer_of(placer, columns_in(heading, placer.exact()), writing)),
+                       std::string table, bool energies)
+    : writer_(writer_of(placer, columns_in(heading, placer.exact(), energies), writing)),
       maker_(placer, Poses::list({}), {.clearance = true}),
       table_(std::move(table)) {
   if (!begins_with(heading, without_line_end(writer_.table_heading())))

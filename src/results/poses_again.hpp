@@ -17,10 +17,11 @@ PairPlacer placer_of(const std::string& name, const ScanRecord& record);
 
 class PosesAgain {
  public:
-  /// `heading` is that of the rows, without an end of line, and `table` their file. The placer must
-  /// live as long. Throws IoFailure for other columns than those of a scan.
-  PosesAgain(const PairPlacer& placer, std::string_view heading, Writing writing,
-             std::string table);
+  /// `heading` is that of the rows, without an end of line, and `table` their file; `energies`: the
+  /// scan computed them, and they are taken from the rows. The placer must live as long. Throws
+  /// IoFailure for other columns than those of a scan.
+  PosesAgain(const PairPlacer& placer, std::string_view heading, Writing writing, std::string table,
+             bool energies = false);
 
   /// The frame that the scan wrote for the pose of this row, which is without an end of line. More
   /// columns may follow those of a scan. Throws IoFailure when the pose has another row: the table

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <stdexcept>
 
 #include "common/atom_table.hpp"
@@ -20,6 +23,11 @@ constexpr auto kTableAlone = "table";
 constexpr auto kMovingAlone = "moving";
 constexpr auto kBestKey = "best";
 constexpr auto kByKey = "by";
+constexpr auto kEnergyKey = "energy";
+
+/// Another machine may compute the molecules alone with other last digits; so much, in Hartree,
+/// only another engine.
+constexpr double kMostOfRounding = 1e-6;
 
 }  // namespace
 
@@ -93,6 +101,25 @@ void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
   origin[kByKey] = (best->largest ? "-" : "") + best->column;
 }
 
+void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
+                   const std::optional<double>& keep_below) {
+  const auto of_both = [](const std::array<int, 2>& numbers) {
+    return fmt::format("{},{}", numbers[0], numbers[1]);
+  };
+  const EnergyOptions& options = energy.options();
+  origin[kEnergyKey] = name_of(options.method);
+  origin["engine"] = energy.engine();
+  origin["charges"] = of_both(options.charges);
+  origin["unpaired"] = of_both(options.unpaired);
+  if (keep_below) origin["keep-below"] = shortest_text(*keep_below);
+  if (options.method != EnergyMethod::command) return;
+  origin["run"] = options.command.run;
+  origin["read"] = options.command.read;
+  origin["read-unit"] = name_of(options.command.unit);
+}
+
+bool has_energies(const ScanRecord& record) { return record.origin.count(kEnergyKey) > 0; }
+
 const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
 
 bool is_exact(const ScanRecord& record) {
@@ -119,10 +146,33 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
   return text;
 }
 
+/// "-1.5 and -2.25"
+std::string listed(const std::vector<double>& energies) {
+  std::string text;
+  for (const double energy : energies)
+    text.append(text.empty() ? "" : " and ").append(shortest_text(energy));
+  return text;
+}
+
+void require_same_references(const std::string& name, const ScanRecord& earlier,
+                             const ScanRecord& now) {
+  const auto& were = earlier.reference_energies;
+  const auto& are = now.reference_energies;
+  const bool same =
+      std::equal(were.begin(), were.end(), are.begin(), are.end(),
+                 [](double was, double is) { return std::abs(was - is) <= kMostOfRounding; });
+  if (!same)
+    throw IoFailure(fmt::format(
+        "{}: the energy that interactions are counted from was {} Hartree, is {}: the engine or its "
+        "parameters have changed, so make it again",
+        name, listed(were), listed(are)));
+}
+
 void require_same_origin(const std::string& name, const ScanRecord& earlier,
                          const ScanRecord& now) {
   const std::string differs = difference(earlier, now);
   if (!differs.empty()) throw IoFailure(fmt::format("{}: is of another scan: {}", name, differs));
+  require_same_references(name, earlier, now);
 }
 
 std::string sentence_about(const ScanTotals& totals, bool written) {
