@@ -17,6 +17,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/energy/energy.cpp
   src/energy/energy_names.cpp
   src/energy/frame_energies.cpp
+  src/energy/pose_energy.cpp
   src/energy/private_folder.cpp
   src/energy/xtb_engine.cpp
   src/identify/axis_data.cpp
@@ -91,7 +92,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
-  src/results/energy_cells.cpp
+  src/results/energy_text.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp

@@ -17,8 +17,9 @@
 #include "common/number_format.hpp"
 #include "common/number_text.hpp"
 #include "energy/frame_energies.hpp"
+#include "energy/pose_energy.hpp"
 #include "molecules/input_file.hpp"
-#include "results/energy_cells.hpp"
+#include "results/energy_text.hpp"
 #include "results/interruption.hpp"
 #include "results/status_line.hpp"
 
@@ -45,10 +46,10 @@ std::string text_of(const OneEnergy& found, const EnergyModel& model) {
       fmt::format("  charges           {} and {}, unpaired electrons {} and {}\n",
                   options.charges[0], options.charges[1], options.unpaired[0], options.unpaired[1]);
   for (std::size_t k = 0; k < references.size(); ++k)
-    text += fmt::format(
-        "  {:<16}  {} Hartree\n",
-        references.size() == 1 ? "far apart" : fmt::format("molecule {} alone", k + 1),
-        fixed_text(references[k], kHartreeDecimals));
+    text +=
+        fmt::format("  {:<16}  {} Hartree\n",
+                    references.size() == 1 ? "far apart" : fmt::format("molecule {} alone", k + 1),
+                    fixed_text(references[k], kHartreeDecimals));
   return text + fmt::format("  closest atoms     {} Angstrom\n",
                             fixed_text(found.survey.shortest, kAngstromDecimals));
 }
@@ -88,7 +89,7 @@ void show_one(const FrameEnergyCommand& command) {
   const EnergyModel model(file.pair, command.energy);
   EnergyEngine engine = model.start();
   OneEnergy found{survey_contacts(file.pair, command.criterion), {}};
-  found.energy = energy_of(engine, file.pair, found.survey);
+  found.energy = energy_unless_clash(engine, file.pair.positions(), found.survey.clearance);
   const EnergyStatus status = found.energy.status;
   if (command.json)
     std::cout << json_of(found, model).dump(2) << '\n';
@@ -111,6 +112,7 @@ void append_row(std::string& table, const FrameEnergy& frame) {
   append_shortest(table, frame.survey.contacts);
   table += ',';
   if (std::isfinite(frame.survey.clearance)) append_fixed(table, frame.survey.clearance, kRatio);
+  table += ',';
   append_energy(table, frame.energy);
   table += '\n';
 }
@@ -143,7 +145,11 @@ void write_table(const FrameEnergyCommand& command, const IndexSelection& select
                                                  std::int64_t bytes) {
     for (const FrameEnergy& frame : frames) {
       append_row(text, frame);
-      totals.add(frame.number, frame.energy);
+      ScannedPose numbers;
+      numbers.index = frame.number;
+      numbers.energy_status = frame.energy.status;
+      numbers.interaction = frame.energy.interaction;
+      totals.add(numbers);
     }
     rows += static_cast<std::int64_t>(frames.size());
     output.append(text);

@@ -12,8 +12,9 @@
 #include "common/text.hpp"
 #include "common/vector.hpp"
 #include "dravo/error.hpp"
-#include "energy/poses_at_once.hpp"
+#include "energy/pose_energy.hpp"
 #include "molecules/fragments.hpp"
+#include "scan/pose_maker.hpp"
 
 namespace dravo {
 namespace {
@@ -50,20 +51,17 @@ void require_same_atoms(const Pair& pair, const Pair& first) {
 }
 
 /// By a model of its own, whose process ends with it.
-PoseEnergy energy_of_other_molecules(const Pair& pair, const EnergyOptions& options) {
+PoseEnergy energy_of_other_molecules(const Pair& pair, const EnergyOptions& options,
+                                     double clearance) {
   try {
-    return EnergyModel(pair, options).start().energy(pair.positions());
+    EnergyEngine engine = EnergyModel(pair, options).start();
+    return energy_unless_clash(engine, pair.positions(), clearance);
   } catch (const EngineFailure&) {
     return {EnergyStatus::scf_fail};
   }
 }
 
 }  // namespace
-
-PoseEnergy energy_of(EnergyEngine& engine, const Pair& pair, const ContactSurvey& survey) {
-  return survey.clearance < kClash ? PoseEnergy{EnergyStatus::clash}
-                                   : engine.energy(pair.positions());
-}
 
 /// One per thread.
 class FrameEnergies::Computer {
@@ -86,10 +84,10 @@ class FrameEnergies::Computer {
 
   FrameEnergy computed(std::int64_t number, const Pair& pair) {
     FrameEnergy frame{number, survey_contacts(pair, job_->request_.criterion)};
-    const bool is_of_model =
-        frame.survey.clearance < kClash || has_same_molecules(pair, *job_->first_);
-    frame.energy = is_of_model ? energy_of(engine_, pair, frame.survey)
-                               : energy_of_other_molecules(pair, job_->request_.options);
+    const double clearance = frame.survey.clearance;
+    const bool is_of_model = clearance < kClash || has_same_molecules(pair, *job_->first_);
+    frame.energy = is_of_model ? energy_unless_clash(engine_, pair.positions(), clearance)
+                               : energy_of_other_molecules(pair, job_->request_.options, clearance);
     return frame;
   }
 
@@ -99,10 +97,7 @@ class FrameEnergies::Computer {
 };
 
 FrameEnergies::FrameEnergies(FrameStream& stream, FrameEnergyRequest request)
-    : stream_(&stream),
-      request_(std::move(request)),
-      frames_(stream, request_.selection,
-              static_cast<std::size_t>(poses_at_once(request_.options.method))) {
+    : stream_(&stream), request_(std::move(request)), frames_(stream, request_.selection) {
   read_first();
   model_.emplace(*first_, request_.options);
 }
@@ -116,7 +111,7 @@ void FrameEnergies::read_first() {
     return;
   }
   refuse_foreign_format(*stream_, request_.pair.file);
-  if (!frames_.fill(first_batch_)) frames_.require_named();
+  if (!frames_.fill(first_batch_, 1)) frames_.require_named();
   const FrameBatch::Frame& lines = first_batch_.frames.front();
   auto [pair, check] = pair_in(first_batch_, lines, stream_->name(), request_.pair);
   if (!check.refusals.empty()) throw InvalidInput(check.refusals[0]);
@@ -130,8 +125,9 @@ std::int64_t FrameEnergies::compute(const Take& take) {
     take({&frame, 1}, stream_->bytes());
     return 1;
   }
+  const std::int64_t most = poses_of_a_moment(request_.options.method, first_->size());
   const auto fill = [&](Batch& batch) {
-    if (first_batch_.frames.empty()) return frames_.fill(batch.lines);
+    if (first_batch_.frames.empty()) return frames_.fill(batch.lines, most);
     batch.lines = std::exchange(first_batch_, {});
     return true;
   };

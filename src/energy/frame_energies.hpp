@@ -19,7 +19,7 @@ namespace dravo {
 struct FrameEnergy {
   std::int64_t number = 0;  ///< from 1
   ContactSurvey survey = {};
-  PoseEnergy energy = {};
+  PoseEnergy energy = {};  ///< as results have it
 };
 
 /// Which frames, and how they are read and computed.
@@ -82,8 +82,5 @@ class FrameEnergies {
   std::optional<EnergyModel> model_;
   std::vector<std::string> remarks_;
 };
-
-/// A pair by a model of its molecules. Poses whose atoms clash are not computed.
-PoseEnergy energy_of(EnergyEngine& engine, const Pair& pair, const ContactSurvey& survey);
 
 }  // namespace dravo

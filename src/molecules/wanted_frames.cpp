@@ -28,17 +28,18 @@ CheckedPair pair_in(const FrameBatch& batch, const FrameBatch::Frame& frame, std
   return pair_of_frame(std::move(read), request);
 }
 
-bool WantedFrames::fill(FrameBatch& batch) {
+bool WantedFrames::fill(FrameBatch& batch, std::int64_t most) {
   batch.text.clear();
   batch.frames.clear();
   FrameStream::Frame frame;
-  while (batch.text.size() < kBytesOfBatch && batch.frames.size() < most_ && last_seen_ < last_ &&
+  while (batch.text.size() < kBytesOfBatch && most > 0 && last_seen_ < last_ &&
          stream_->next(frame)) {
     last_seen_ = frame.number;
     if (!selection_->contains(frame.number)) continue;
     const std::size_t begin = batch.text.size();
     batch.text += frame.text;
     batch.frames.push_back({frame.number, frame.first_line, begin, batch.text.size()});
+    --most;
   }
   batch.n1 = stream_->n1();
   batch.bytes = stream_->bytes_done();

@@ -36,13 +36,11 @@ CheckedPair pair_in(const FrameBatch& batch, const FrameBatch::Frame& frame, std
 
 class WantedFrames {
  public:
-  /// A batch has `most` frames and some hundred kilobytes at most.
-  WantedFrames(FrameStream& stream, const IndexSelection& selection,
-               std::size_t most = std::numeric_limits<std::size_t>::max())
-      : stream_(&stream), selection_(&selection), last_(selection.last()), most_(most) {}
+  WantedFrames(FrameStream& stream, const IndexSelection& selection)
+      : stream_(&stream), selection_(&selection), last_(selection.last()) {}
 
-  /// False at the end.
-  bool fill(FrameBatch& batch);
+  /// Some hundred kilobytes of them, and so many at most. False at the end.
+  bool fill(FrameBatch& batch, std::int64_t most = std::numeric_limits<std::int64_t>::max());
 
   /// Of the file, as far as it was read.
   [[nodiscard]] std::int64_t seen() const { return last_seen_; }
@@ -55,7 +53,6 @@ class WantedFrames {
   FrameStream* stream_;
   const IndexSelection* selection_;
   std::int64_t last_;
-  std::size_t most_;
   std::int64_t last_seen_ = 0;
 };
 

@@ -1,4 +1,4 @@
-#include "results/energy_cells.hpp"
+#include "results/energy_text.hpp"
 
 #include <fmt/format.h>
 
@@ -7,16 +7,8 @@
 namespace dravo {
 
 void append_energy(std::string& row, const PoseEnergy& energy) {
-  row += ',';
   if (energy.status == EnergyStatus::ok) append_fixed(row, energy.interaction, kEnergyDecimals);
   row.append(",").append(name_of(energy.status));
-}
-
-void EnergyTotals::add(std::int64_t index, const PoseEnergy& energy) {
-  ++with_status.at(static_cast<std::size_t>(energy.status));
-  if (energy.status != EnergyStatus::ok || energy.interaction >= lowest) return;
-  lowest = energy.interaction;
-  lowest_index = index;
 }
 
 std::string sentence_about(const EnergyTotals& totals, const char* what) {
@@ -26,10 +18,9 @@ std::string sentence_about(const EnergyTotals& totals, const char* what) {
           : fmt::format("lowest energy {} kcal/mol in {} {}",
                         fixed_text(totals.lowest, kEnergyDecimals), what, totals.lowest_index);
   const char* before = "; ";
-  for (std::size_t k = 1; k < kEnergyStatuses; ++k) {
-    if (totals.with_status.at(k) == 0) continue;
-    text += fmt::format("{}{} {}", before, totals.with_status.at(k),
-                        name_of(static_cast<EnergyStatus>(k)));
+  for (const EnergyStatus status : kEnergyStatuses) {
+    if (status == EnergyStatus::ok || totals.of(status) == 0) continue;
+    text += fmt::format("{}{} {}", before, totals.of(status), name_of(status));
     before = ", ";
   }
   return text;
