@@ -92,6 +92,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/energy_run.cpp
   src/results/energy_text.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
@@ -103,6 +104,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/poses_again.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
+  src/results/ranked_poses.cpp
   src/results/record_text.cpp
   src/results/result_files.cpp
   src/results/scan_files.cpp
@@ -110,6 +112,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_results.cpp
   src/results/scan_run.cpp
   src/results/scan_size.cpp
+  src/results/selected_rows.cpp
   src/results/status_line.cpp
   src/results/table_rows.cpp
   src/results/text_chunk.cpp
@@ -137,6 +140,7 @@ function(dravo_program library)
     src/cli/energy.cpp
     src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
+    src/cli/energy_scan.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp
