@@ -92,6 +92,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/energy_report.cpp
   src/results/energy_run.cpp
   src/results/energy_text.cpp
   src/results/extract.cpp
@@ -153,6 +154,7 @@ function(dravo_program library)
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp
+    src/cli/scan_energy.cpp
     src/cli/usage.cpp
     src/cli/words.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt

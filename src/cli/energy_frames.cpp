@@ -19,6 +19,7 @@
 #include "energy/frame_energies.hpp"
 #include "energy/pose_energy.hpp"
 #include "molecules/input_file.hpp"
+#include "results/energy_report.hpp"
 #include "results/energy_text.hpp"
 #include "results/interruption.hpp"
 #include "results/status_line.hpp"
@@ -86,6 +87,7 @@ std::string reason_of(EnergyStatus status) {
 void show_one(const FrameEnergyCommand& command) {
   const PairFile file = read_pair(*command.request);
   if (!command.quiet) tell(file.remarks);
+  if (!command.quiet) tell_of_unknown_radii(file.pair);
   const EnergyModel model(file.pair, command.energy);
   EnergyEngine engine = model.start();
   OneEnergy found{survey_contacts(file.pair, command.criterion), {}};
@@ -123,7 +125,10 @@ void tell_result(const FrameEnergyCommand& command, const IndexSelection& select
   const std::int64_t last = selection.last();
   if (last != std::numeric_limits<std::int64_t>::max() && last > seen)
     tell({fmt::format("{}: the file ends with frame {}", shown_name(command.request->file), seen)});
-  tell({sentence_about(totals, "frame")});
+  tell({counts_of(totals, name_of(command.energy.method))});
+  if (totals.lowest_index > 0)
+    tell({fmt::format("lowest energy {} kcal/mol in frame {}",
+                      fixed_text(totals.lowest, kEnergyDecimals), totals.lowest_index)});
   if (!command.output.empty())
     tell({fmt::format("wrote {}: {} {}", command.output, rows, rows == 1 ? "frame" : "frames")});
 }
@@ -137,6 +142,7 @@ void write_table(const FrameEnergyCommand& command, const IndexSelection& select
   FrameEnergies energies(
       stream, {*command.request, selection, command.energy, command.criterion, command.threads});
   if (!command.quiet) tell(energies.remarks());
+  if (!command.quiet) tell_of_unknown_radii(energies.first());
   StatusLine status(kind_of_status(command.quiet || is_on_terminal(command.output)));
   EnergyTotals totals;
   std::int64_t rows = 0;

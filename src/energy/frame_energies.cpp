@@ -125,7 +125,10 @@ std::int64_t FrameEnergies::compute(const Take& take) {
     take({&frame, 1}, stream_->bytes());
     return 1;
   }
-  const std::int64_t most = poses_of_a_moment(request_.options.method, first_->size());
+  // References of its own take a frame a hundred times as long with GFN-FF.
+  constexpr std::int64_t kMost = 64;
+  const std::int64_t most =
+      std::min(kMost, poses_of_a_moment(request_.options.method, first_->size()));
   const auto fill = [&](Batch& batch) {
     if (first_batch_.frames.empty()) return frames_.fill(batch.lines, most);
     batch.lines = std::exchange(first_batch_, {});

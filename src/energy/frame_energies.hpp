@@ -48,7 +48,8 @@ class FrameEnergies {
   /// The stream must live as long.
   FrameEnergies(FrameStream& stream, FrameEnergyRequest request);
 
-  /// Of the molecules of the first frame.
+  /// The pair of the first frame that is selected, and the model of its molecules.
+  [[nodiscard]] const Pair& first() const { return *first_; }
   [[nodiscard]] const EnergyModel& model() const { return *model_; }
 
   /// What the user should know about the reading of the first frame.
@@ -77,8 +78,8 @@ class FrameEnergies {
   FrameEnergyRequest request_;
   WantedFrames frames_;
   FrameBatch first_batch_;
-  std::optional<Pair> first_;  ///< pair
-  bool only_ = false;          ///< a file that holds one pair and no frames
+  std::optional<Pair> first_;
+  bool only_ = false;  ///< a file that holds one pair and no frames
   std::optional<EnergyModel> model_;
   std::vector<std::string> remarks_;
 };

@@ -113,9 +113,10 @@ IndexSelection best_of(SelectedRows rows, const BestRule& rule) {
   return IndexSelection::of(std::move(indices));
 }
 
-SelectedRows selected_rows(const ScanRecord& scan, const EnergyRequest& request) {
+SelectedRows selected_rows(const ScanRecord& scan, EnergyMethod method,
+                           const EnergyRequest& request) {
   SelectedRows rows(request.scan, scan, IndexSelection::parse("--poses", request.poses));
-  const std::string column = energy_column(request.options.method);
+  const std::string column = energy_column(method);
   if (has_column(rows.heading(), column))
     throw InvalidInput(fmt::format("{} has the column {} already", rows.table(), column));
   if (request.best) return {request.scan, scan, best_of(std::move(rows), *request.best)};
@@ -147,7 +148,7 @@ ScanRecord record_of(const ScanRecord& scan, const EnergyRequest& request, const
   set_writing(record.origin, request.frames ? Writing::frames : Writing::table);
   add_again_to_origin(record.origin, model);
   const auto add = [&](const char* key, const std::string& text) {
-    record.origin[fmt::format("{}-{}", name_of(request.options.method), key)] = text;
+    record.origin[fmt::format("{}-{}", name_of(model.options().method), key)] = text;
   };
   const auto bytes = static_cast<std::int64_t>(fs::file_size(rows.table()));
   add("poses", words_of_selection(request));
@@ -190,17 +191,16 @@ std::string energy_column(EnergyMethod method) {
   return fmt::format("e_int_{}_kcal_mol", name_of(method));
 }
 
-ScanTotals compute_energies(const ScanRecord& scan, const EnergyRequest& request) {
+ScanTotals compute_energies(const ScanRecord& scan, const PairPlacer& placer,
+                            const EnergyModel& model, const EnergyRequest& request) {
   refuse_inputs_as_results(
       request.name, {request.scan + kRecordEnding, request.scan + ending_of(ResultFile::table)});
-  const PairPlacer placer = placer_of(request.scan, scan);
-  SelectedRows rows = selected_rows(scan, request);
+  const EnergyMethod method = model.options().method;
+  SelectedRows rows = selected_rows(scan, method, request);
   const auto poses_again = [&] {
     return PosesAgain(placer, rows.heading(), Writing::frames, rows.table(), has_energies(scan));
   };
-  (void)poses_again();  // refuses a table of other columns before anything is computed
-  const EnergyModel model(scan.molecules->pair, request.options);
-  const EnergyMethod method = request.options.method;
+  (void)poses_again();  // refuses a table of other columns before any file is made
   const ScanRecord record = record_of(scan, request, model, rows);
   const std::string heading =
       fmt::format("{},{},{}\n", rows.heading(), energy_column(method), status_column(method));

@@ -12,9 +12,8 @@
 namespace dravo {
 
 struct EnergyRequest {
-  std::string scan;  ///< name of its results, without ending
-  std::string name;  ///< of those to be written
-  EnergyOptions options;
+  std::string scan;              ///< name of its results, without ending
+  std::string name;              ///< of those to be written
   std::string poses = "all";     ///< as an `IndexSelection` has it
   std::optional<BestRule> best;  ///< those of all; `poses` is not looked at then
   bool frames = false;           ///< are written too
@@ -31,9 +30,10 @@ std::string energy_column(EnergyMethod method);
 /// frames, NAME.xyz has those of the scan, whose comment lines tell the same. NAME.json is the
 /// record, as of a scan of these poses. The number of threads changes nothing.
 ///
-/// Throws InvalidInput and EngineFailure as an `EnergyModel` does; InvalidInput for poses and
-/// columns that the table lacks, and for a method that it has already; IoFailure as a scan does,
-/// NoRoom among them; Interrupted after SIGINT or SIGTERM.
-ScanTotals compute_energies(const ScanRecord& scan, const EnergyRequest& request);
+/// `placer` places what the scan placed, and `model` is of its pair. Throws InvalidInput for poses
+/// and columns that the table lacks, and for a method that it has already; IoFailure as a scan
+/// does, NoRoom among them; Interrupted after SIGINT or SIGTERM; EngineFailure.
+ScanTotals compute_energies(const ScanRecord& scan, const PairPlacer& placer,
+                            const EnergyModel& model, const EnergyRequest& request);
 
 }  // namespace dravo

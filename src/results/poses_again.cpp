@@ -38,7 +38,7 @@ ScanRecord record_of_finished(const std::string& name) {
   const std::string file = name + kRecordEnding;
   if (has_finished_record(name)) return parse_record(file, read_file(file));
   if (has_progress(name))
-    throw IoFailure(name + ": is unfinished; `dravo scan` with --resume goes on with it");
+    throw IoFailure(name + ": is unfinished; the command that makes it goes on with --resume");
   throw IoFailure(fmt::format("{}: there is no scan of this name, which has {}", name, file));
 }
 

@@ -24,7 +24,6 @@ constexpr auto kMovingAlone = "moving";
 constexpr auto kFilesKey = "files";  // of a plan
 constexpr auto kBestKey = "best";
 constexpr auto kByKey = "by";
-constexpr auto kEnergyKey = "energy";
 constexpr auto kChargesKey = "charges";
 constexpr auto kUnpairedKey = "unpaired";
 

@@ -71,8 +71,8 @@ TEST_F(EnergiesOfFrames, StandInATableInTheirOrder) {
   }
   EXPECT_EQ(program.runs(), 31U) << "each molecule, and the pairs that do not clash";
   // 1/d is the smaller, the farther the molecules are.
-  EXPECT_EQ(outcome.messages, "dravo: lowest energy " + rows.back().at("e_int_kcal_mol") +
-                                  " kcal/mol in frame 30; 1 clash\n");
+  EXPECT_EQ(outcome.messages, "dravo: energies by command: 29 ok, 1 clash\ndravo: lowest energy " +
+                                  rows.back().at("e_int_kcal_mol") + " kcal/mol in frame 30\n");
 }
 
 TEST_F(EnergiesOfFrames, DoNotDependOnThreadsNorOnWhereTheyAreReadFrom) {
@@ -208,7 +208,7 @@ TEST_F(EnergiesOfFrames, ThatAProgramDoesNotComputeHaveAStatus) {
   EXPECT_EQ(rows[0].at("status"), "nonphysical");
   EXPECT_EQ(rows[2].at("status"), "scf_fail");
   EXPECT_EQ(rows[2].at("e_int_kcal_mol"), "");
-  EXPECT_EQ(outcome.messages, "dravo: no energy; 1 scf_fail, 2 nonphysical\n");
+  EXPECT_EQ(outcome.messages, "dravo: energies by command: 0 ok, 1 scf_fail, 2 nonphysical\n");
 }
 
 }  // namespace
