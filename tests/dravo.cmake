@@ -136,6 +136,8 @@ add_executable(cli_tests
   cli/contacts_test.cpp
   cli/convert_test.cpp
   cli/durable_test.cpp
+  cli/energy_frames_test.cpp
+  cli/energy_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
   cli/extract_test.cpp

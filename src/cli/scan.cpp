@@ -14,14 +14,13 @@
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
+#include "cli/resumable.hpp"
 #include "cli/scan_energy.hpp"
-#include "common/errors.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/identify.hpp"
 #include "molecules/input_file.hpp"
 #include "results/energy_report.hpp"
-#include "results/interruption.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
 
@@ -143,23 +142,11 @@ void report(const ScanTotals& totals, const ScanCommand& options, const ScanPlan
   }
 }
 
-/// A scan that ends early says how to go on.
+/// A scan that ends early says how to go on, if it writes.
 ScanTotals scanned(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                    const ScanRequest& request) {
-  const char* const how = request.earlier == Earlier::overwrite
-                              ? "the same command with --resume instead of --overwrite goes on"
-                              : "the same command with --resume goes on";
-  try {
-    return run_scan(placer, molecules, plan, request);
-  } catch (const Interrupted& end) {
-    throw EndedBySignal(fmt::format("{}; {}", end.what(), how), end.signal());
-  } catch (const NoRoom& end) {
-    if (request.writing == Writing::nothing) throw;
-    throw IoFailure(fmt::format("{}; {} when there is room", end.what(), how));
-  } catch (const EngineFailure& end) {
-    if (request.writing == Writing::nothing) throw;
-    throw EngineFailure(fmt::format("{}; {}", end.what(), how));
-  }
+  const auto work = [&] { return run_scan(placer, molecules, plan, request); };
+  return request.writing == Writing::nothing ? work() : resumable(request.earlier, work);
 }
 
 void run(const CLI::App& command, ScanCommand& options) {

@@ -91,18 +91,6 @@ double bound_in(const std::string& text) {
   throw InvalidInput("--keep-below: expected an energy in kcal/mol, found " + dravo::quoted(text));
 }
 
-/// The record of the scan has to keep it.
-void require_recordable(const char* option, std::string text) {
-  constexpr std::size_t kLongest = 2000;
-  for (char& c : text)
-    if (c == '\n' || c == '\t' || c == '\r') c = ' ';
-  const ColumnText shown = printable(text, kLongest);
-  if (shown.whole && shown.text == text) return;
-  throw InvalidInput(
-      fmt::format("{}: expected at most {} printable characters, found {}; a script may have more",
-                  option, kLongest, dravo::quoted(text)));
-}
-
 }  // namespace
 
 void add_scan_energy_options(CLI::App& command, ScanEnergyWords& words) {
@@ -131,8 +119,7 @@ ScanEnergy take_scan_energy(const CLI::App& command, ScanEnergyWords words, Plan
   try {
     ScanEnergy energy{energy_options(words), std::nullopt};
     if (!words.keep_below.empty()) energy.keep_below = bound_in(words.keep_below);
-    require_recordable("--run", words.run);
-    require_recordable("--read", words.read);
+    require_recordable(words);
     return energy;
   } catch (const InvalidInput& fault) {
     given.refuse(fault.what());

@@ -22,15 +22,6 @@ std::string shown(double value) {
   return shortest_text(std::round(value * kMillion) / kMillion + 0.0);
 }
 
-std::string counts_of(const EnergyTotals& energies) {
-  std::string text;
-  for (const EnergyStatus status : kEnergyStatuses)
-    if (status == EnergyStatus::ok || energies.of(status) > 0)
-      text +=
-          fmt::format("{}{} {}", text.empty() ? "" : ", ", energies.of(status), name_of(status));
-  return text;
-}
-
 void add_to_list(std::string& list, const std::string& item) {
   list.append(list.empty() ? "" : ", ").append(item);
 }
@@ -94,11 +85,18 @@ std::string ends_at(const EnergyTotals& energies, const Axes& axes) {
 
 }  // namespace
 
+std::string counts_of(const EnergyTotals& energies, std::string_view method) {
+  std::string counts;
+  for (const EnergyStatus status : kEnergyStatuses)
+    if (status == EnergyStatus::ok || energies.of(status) > 0)
+      add_to_list(counts, fmt::format("{} {}", energies.of(status), name_of(status)));
+  return fmt::format("energies by {}: {}", method, counts);
+}
+
 std::vector<std::string> sentences_about(const EnergyTotals& energies, std::string_view method,
                                          const Poses* poses) {
   const Axes* const axes = poses == nullptr ? nullptr : poses->source().axes();
-  std::vector<std::string> sentences{
-      fmt::format("energies by {}: {}", method, counts_of(energies))};
+  std::vector<std::string> sentences{counts_of(energies, method)};
   if (energies.lowest_index == 0) return sentences;
   sentences.push_back(fmt::format("lowest energy {} kcal/mol in pose {}: {}",
                                   fixed_text(energies.lowest, 3), energies.lowest_index,

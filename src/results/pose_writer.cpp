@@ -188,6 +188,7 @@ std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
     if (!read_known(column.name, row.substr(0, comma), pose)) return std::nullopt;
     row.remove_prefix(std::min(comma + 1, row.size()));
   }
+  if (!columns_.above_contact) pose.above_contact = pose.asked.r;
   return pose;
 }
 

@@ -51,7 +51,7 @@ std::optional<std::uint64_t> checksum_in(const Json& json, const std::string& ke
 
 /// Numbers and truths as such, where the same text comes back from them. A version is a text.
 Json json_of(const std::string& key, const std::string& text) {
-  if (key == kVersionKey) return text;
+  if (key.ends_with(kVersionKey)) return text;
   Json value = Json::parse(text, nullptr, false);
   const bool plain = value.is_number() || value.is_boolean();
   return plain && value.dump() == text ? value : Json(text);

@@ -21,8 +21,11 @@ namespace {
 constexpr auto kWritingKey = "writing";
 constexpr auto kTableAlone = "table";
 constexpr auto kMovingAlone = "moving";
+constexpr auto kFilesKey = "files";  // of a plan
 constexpr auto kBestKey = "best";
 constexpr auto kByKey = "by";
+constexpr auto kChargesKey = "charges";
+constexpr auto kUnpairedKey = "unpaired";
 
 /// Another machine may compute the molecules alone with other last digits; so much, in Hartree,
 /// only another engine.
@@ -46,7 +49,7 @@ Writing ScanRecord::writing() const {
     const auto found = origin.find(key);
     return found != origin.end() && found->second == text;
   };
-  if (has("files", "true")) return Writing::files;
+  if (has(kFilesKey, "true")) return Writing::files;
   if (has(kWritingKey, kTableAlone)) return Writing::table;
   return has(kWritingKey, kMovingAlone) ? Writing::moving : Writing::frames;
 }
@@ -91,30 +94,68 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
   return origin;
 }
 
-void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
-                   const std::optional<BestRule>& best) {
+void set_writing(std::map<std::string, std::string>& origin, Writing writing) {
+  origin.erase(kWritingKey);
+  if (writing != Writing::files && origin.count(kFilesKey) > 0) origin[kFilesKey] = "false";
   if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
   if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
+}
+
+void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
+                   const std::optional<BestRule>& best) {
+  set_writing(origin, writing);
   if (!best) return;
   origin[kBestKey] = std::to_string(best->count);
   origin[kByKey] = (best->largest ? "-" : "") + best->column;
 }
 
-void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
-                   const std::optional<double>& keep_below) {
+namespace {
+
+/// Key and text of what a method is and how it computes.
+std::map<std::string, std::string> description_of(const EnergyModel& energy) {
   const auto of_both = [](const std::array<int, 2>& numbers) {
     return fmt::format("{},{}", numbers[0], numbers[1]);
   };
   const EnergyOptions& options = energy.options();
-  origin[kEnergyKey] = name_of(options.method);
-  origin["engine"] = energy.engine();
-  origin["charges"] = of_both(options.charges);
-  origin["unpaired"] = of_both(options.unpaired);
+  std::map<std::string, std::string> description{{"engine", energy.engine()},
+                                                 {kChargesKey, of_both(options.charges)},
+                                                 {kUnpairedKey, of_both(options.unpaired)}};
+  if (options.method != EnergyMethod::command) return description;
+  description["run"] = options.command.run;
+  description["read"] = options.command.read;
+  description["read-unit"] = name_of(options.command.unit);
+  return description;
+}
+
+/// The text of a key, or of one with the name of a method before it.
+std::optional<std::string> told(const ScanRecord& record, const std::string& key) {
+  const auto own = record.origin.find(key);
+  if (own != record.origin.end()) return own->second;
+  for (const auto& [name, text] : record.origin)
+    if (name.ends_with("-" + key)) return text;
+  return std::nullopt;
+}
+
+}  // namespace
+
+void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
+                   const std::optional<double>& keep_below) {
+  origin.merge(description_of(energy));
+  origin[kEnergyKey] = name_of(energy.options().method);
   if (keep_below) origin["keep-below"] = shortest_text(*keep_below);
-  if (options.method != EnergyMethod::command) return;
-  origin["run"] = options.command.run;
-  origin["read"] = options.command.read;
-  origin["read-unit"] = name_of(options.command.unit);
+}
+
+void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy) {
+  for (const auto& [key, text] : description_of(energy))
+    origin[fmt::format("{}-{}", name_of(energy.options().method), key)] = text;
+}
+
+std::optional<std::string> told_charges(const ScanRecord& record) {
+  return told(record, kChargesKey);
+}
+
+std::optional<std::string> told_unpaired(const ScanRecord& record) {
+  return told(record, kUnpairedKey);
 }
 
 bool has_energies(const ScanRecord& record) { return record.origin.count(kEnergyKey) > 0; }

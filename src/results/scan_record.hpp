@@ -115,9 +115,21 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
 void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
                    const std::optional<BestRule>& best);
 
+/// What of the poses is written, in the place of what stands there.
+void set_writing(std::map<std::string, std::string>& origin, Writing writing);
+
 /// Adds how energies are computed, and which bound they keep to.
 void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
                    const std::optional<double>& keep_below);
+
+/// The same of a method by which the poses of a finished scan are computed again: its name and a
+/// hyphen stand before each key.
+void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy);
+
+/// The charges that the energies of a record were computed with, or those of unpaired electrons:
+/// "0,-1". The first method that tells it; empty without any.
+std::optional<std::string> told_charges(const ScanRecord& record);
+std::optional<std::string> told_unpaired(const ScanRecord& record);
 
 /// Whether the poses of a scan have energies.
 bool has_energies(const ScanRecord& record);

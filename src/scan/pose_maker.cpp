@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/constants.hpp"
+#include "energy/pose_energy.hpp"
 #include "molecules/pose_range.hpp"
 
 namespace dravo {
@@ -15,12 +16,6 @@ double distance_beyond(double touching, double distance) {
   constexpr double kMillion = 1e6;
   constexpr double kBillion = 1e9;
   return std::round((std::ceil(touching * kMillion) / kMillion + distance) * kBillion) / kBillion;
-}
-
-/// As tables have it; the last term makes -0 to 0.
-double rounded_energy(double interaction) {
-  constexpr double kMillion = 1e6;
-  return std::round(interaction * kMillion) / kMillion + 0.0;
 }
 
 bool is_wanted(ContactRule rule, bool has_contacts) {
