@@ -14,7 +14,8 @@
 #include "cli/energy_options.hpp"
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
-#include "cli/run_options.hpp"
+#include "cli/resumable.hpp"
+#include "cli/shard_option.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/identify.hpp"
@@ -106,7 +107,7 @@ void run(DockCommand& command) {
   require_folder_of(request.name);
   const PairFile pair = read_pair(*command.pair);
   if (!command.telling.quiet) tell(pair.remarks);
-  telling_how_to_go_on(request.earlier, [&] { run_dock(pair.pair, request); });
+  resumable(request.earlier, [&] { run_dock(pair.pair, request); });
   report_docking(result_name(request), command.telling);
 }
 

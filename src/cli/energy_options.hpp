@@ -31,4 +31,7 @@ std::array<int, 2> two_numbers(const char* option, const std::string& text);
 /// Empty without a method. Throws InvalidInput, which names the option.
 std::optional<EnergyOptions> energy_options(const EnergyWords& words);
 
+/// Throws InvalidInput for what a record of results cannot keep.
+void require_recordable(const EnergyWords& words);
+
 }  // namespace dravo

@@ -30,15 +30,9 @@ namespace {
 constexpr std::int64_t kMostStarts = 500;
 
 constexpr auto kScoreKey = "score";
-constexpr auto kChargesKey = "charges";
-constexpr auto kUnpairedKey = "unpaired";
 constexpr auto kSeedKey = "seed";
 constexpr auto kStartsKey = "starts";
 constexpr auto kKeepKey = "keep";
-
-std::string text_of(const std::array<int, 2>& numbers) {
-  return fmt::format("{},{}", numbers[0], numbers[1]);
-}
 
 std::array<int, 2> two_numbers(const std::string& text) {
   const auto parts = parts_between(text, ',');
@@ -154,13 +148,11 @@ ScanRecord record_of(const Docking& docking, const Pair& pair, const DockPlan& p
                    {"pair", fingerprint_of(pair)},
                    {kFrameRuleKey, std::to_string(kFrameRule)},
                    {kPlacingKey, words_of_placing(true)},
-                   {"engine", docking.search_model().engine()},
                    {kSearchKey, std::string(name_of(options.search))},
                    {kScoreKey, std::string(name_of(options.score))},
-                   {kChargesKey, text_of(options.charges)},
-                   {kUnpairedKey, text_of(options.unpaired)},
                    {kSeedKey, std::to_string(options.seed)},
                    {kStartsKey, plan.starts ? std::to_string(*plan.starts) : "until nothing new"}};
+  record.origin.merge(description_of(docking.search_model()));
   if (plan.keep) record.origin[kKeepKey] = std::to_string(*plan.keep);
   record.poses = plan.starts.value_or(kMostStarts);
   record.molecules = std::make_shared<const ScannedPair>(ScannedPair{pair, std::nullopt});
@@ -173,8 +165,8 @@ DockPlan plan_of(const std::string& name, const ScanRecord& record) {
     DockPlan plan;
     plan.options.search = energy_method(origin.at(kSearchKey));
     plan.options.score = energy_method(origin.at(kScoreKey));
-    plan.options.charges = two_numbers(origin.at(kChargesKey));
-    plan.options.unpaired = two_numbers(origin.at(kUnpairedKey));
+    plan.options.charges = two_numbers(told_charges(record).value());
+    plan.options.unpaired = two_numbers(told_unpaired(record).value());
     plan.options.seed = std::stoull(origin.at(kSeedKey));
     if (const auto starts = parse_integer(origin.at(kStartsKey))) plan.starts = *starts;
     const auto keep = origin.find(kKeepKey);

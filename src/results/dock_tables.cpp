@@ -48,7 +48,7 @@ Column<DockRow> refined_column() {
 
 }  // namespace
 
-std::string energy_column(EnergyMethod method) {
+std::string column_of_energy(EnergyMethod method) {
   return fmt::format("e_{}_kcal_mol", name_of(method));
 }
 
@@ -58,7 +58,7 @@ Columns<DockStart> columns_of_starts(const DockOptions& options) {
       "start", [](auto& start) -> auto& { return start.number; }));
   columns.push_back(end_column());
   columns.push_back(real_column<DockStart>(
-      energy_column(options.search), kAllDigits,
+      column_of_energy(options.search), kAllDigits,
       [](auto& start) -> auto& { return start.energy; }));
   add_pose(
       columns, [](auto& start) -> auto& { return start.pose; });
@@ -78,11 +78,11 @@ Columns<DockRow> columns_of_minima(const DockOptions& options) {
   add_count(
       "rank", [](auto& row) -> auto& { return row.rank; });
   add_real(
-      energy_column(options.score), kEnergy,
+      column_of_energy(options.score), kEnergy,
       [](auto& row) -> auto& { return row.minimum.score_energy; });
   if (options.search != options.score)
     add_real(
-        energy_column(options.search), kEnergy,
+        column_of_energy(options.search), kEnergy,
         [](auto& row) -> auto& { return row.minimum.search_energy; });
   add_pose(
       columns, [](auto& row) -> auto& { return row.minimum.pose; });

@@ -31,7 +31,7 @@ struct DockRow {
 Columns<DockRow> columns_of_minima(const DockOptions& options);
 
 /// The name of an energy of that method in kcal/mol.
-std::string energy_column(EnergyMethod method);
+std::string column_of_energy(EnergyMethod method);
 
 /// The pair at a minimum.
 Pair pair_at(const Placer& placer, const PoseDegrees& pose);

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
-class PartedDocking : public Waters {
+class PartedDocking : public WaterMolecules {
  public:
   void make_part(int part, int of, const Words& words = kSomeStarts) const {
     const std::string shard = std::to_string(part) + "/" + std::to_string(of);
@@ -28,7 +28,7 @@ class PartedDocking : public Waters {
   }
 
   [[nodiscard]] Outcome merge(const Words& words = {}) const {
-    Outcome outcome = run_command(*this, Words{"merge", "dock"} + words);
+    Outcome outcome = run_with_engines(*this, Words{"merge", "dock"} + words);
     outcome.files.erase(kWater);
     return outcome;
   }
@@ -100,7 +100,7 @@ TEST(MergedParts, OfADockingHaveTheBytesOfOneInOnePart) {
 TEST(MergedParts, OfADockingAreToldAsAWholeOneIs) {
   const PartedDocking folder;
   folder.make_parts(2);
-  const Waters whole;
+  const WaterMolecules whole;
   for (const Words& how : {Words{}, Words{"--json"}}) {
     const Outcome expected = run_dock(whole, kSomeStarts + how + Words{"--overwrite"});
     const Outcome told = folder.merge(how + Words{"--overwrite", "--threads", "1"});
@@ -152,8 +152,8 @@ TEST(PartsOfNoDocking, AreRefusedAndStayAsTheyWere) {
       {"a scan",
        [](const PartedDocking& folder) {
          folder.remove_part(2, 3);
-         ASSERT_EQ(run_command(folder, {"scan", kWater, kWater, "--r", "3,4,5", "-o", "dock",
-                                        "--quiet", "--shard", "2/3"})
+         ASSERT_EQ(run_with_engines(folder, {"scan", kWater, kWater, "--r", "3,4,5", "-o", "dock",
+                                             "--quiet", "--shard", "2/3"})
                        .status,
                    0);
        },
@@ -186,8 +186,8 @@ TEST(PartsOfNoDocking, AreRefusedAndStayAsTheyWere) {
     spoilt.spoil(folder);
     const Files before = folder.outputs();
     for (const Words& more : {Words{}, Words{"--overwrite"}})
-      expect_refusal(run_command(folder, Words{"merge", "dock"} + more), spoilt.message, before,
-                     spoilt.title);
+      expect_refusal(run_with_engines(folder, Words{"merge", "dock"} + more), spoilt.message,
+                     before, spoilt.title);
   }
 }
 
@@ -197,7 +197,7 @@ TEST(EarlierResults, AreRefusedByAMergeOfADockingUnlessOverwritten) {
   Files expected = folder.results();
   folder.write("dock.csv", "of somebody");
   const Files before = folder.outputs();
-  expect_refusal(run_command(folder, {"merge", "dock"}),
+  expect_refusal(run_with_engines(folder, {"merge", "dock"}),
                  "dock.csv: exists already; --overwrite replaces it", before);
   const Files whole = docked(kSomeStarts);
   expected.insert(whole.begin(), whole.end());

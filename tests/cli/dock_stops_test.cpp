@@ -28,15 +28,14 @@ const Words kManyStarts{"--starts", "1000", "--quiet"};
 /// Engines leave their files here, in folders of their own.
 class EngineFolder : public TemporaryFolder {
  public:
-  [[nodiscard]] Preparation use() const {
-    return [name = path().string()] { ::setenv("TMPDIR", name.c_str(), 1); };
-  }
+  [[nodiscard]] Preparation use() const { return with_worker(path().string()); }
   [[nodiscard]] bool empty() const { return fs::is_empty(path()); }
 };
 
 class RunningDocking {
  public:
-  RunningDocking(const Waters& folder, const Words& words, const Preparation& prepare = {})
+  RunningDocking(const WaterMolecules& folder, const Words& words,
+                 const Preparation& prepare = with_worker())
       : child_(start_in(folder, Words{tested_dravo()} + dock_words(words), prepare)) {}
   RunningDocking(const RunningDocking&) = delete;
   RunningDocking& operator=(const RunningDocking&) = delete;
@@ -70,7 +69,7 @@ bool comes_true(const std::function<bool()>& condition) {
   return true;
 }
 
-std::size_t starts_in(const Waters& folder, const std::string& name) {
+std::size_t starts_in(const WaterMolecules& folder, const std::string& name) {
   if (!fs::exists(folder.path() / name)) return 0;
   return lines_of(folder.read(name)).size();
 }
@@ -92,7 +91,7 @@ TEST(KilledAtRandomMoments, ADockingGoesOnToTheBytesOfAnUndisturbedOne) {
   std::mt19937 random(20250105);
   int kills = 0;
   for (int run = 0; run < 3; ++run) {
-    const Waters folder;
+    const WaterMolecules folder;
     const EngineFolder engines;
     int status = -SIGKILL;
     // Each run gets somewhat longer, so the last one comes to the end on a slow machine too.
@@ -114,7 +113,7 @@ TEST(KilledAtEverySystemCall, ADockingGoesOnToTheBytesOfAnUndisturbedOne) {
   const Words plan{"--starts", "4", "--quiet"};
   for (const Words& more : {Words{}, Words{"--shard", "2/2"}}) {
     const Files expected = docked(plan + more);
-    const Waters folder;
+    const WaterMolecules folder;
     std::vector<Files> states;
     const Words words = Words{tested_dravo()} + dock_words(plan + more + Words{"--threads", "1"});
     const bool watched = watch_every_system_call(folder, words, [&] {
@@ -124,7 +123,7 @@ TEST(KilledAtEverySystemCall, ADockingGoesOnToTheBytesOfAnUndisturbedOne) {
     if (!watched) GTEST_SKIP() << "no process may be traced here";
     EXPECT_GT(states.size(), 10U) << "starts, progress, names";
     for (std::size_t k = 0; k < states.size(); ++k) {
-      const Waters killed;
+      const WaterMolecules killed;
       killed.put(states[k]);
       const Outcome outcome = run_dock(killed, plan + more + Words{"--resume"});
       EXPECT_EQ(outcome.status, 0) << k << outcome.messages;
@@ -136,7 +135,7 @@ TEST(KilledAtEverySystemCall, ADockingGoesOnToTheBytesOfAnUndisturbedOne) {
 TEST(InterruptedDocking, SaysHowFarItIsAndGoesOn) {
   const Files expected = docked(kManyStarts);
   for (const auto& [signal, status] : {std::pair{SIGINT, 130}, std::pair{SIGTERM, 143}}) {
-    const Waters folder;
+    const WaterMolecules folder;
     const TemporaryFolder streams;
     const EngineFolder engines;
     const std::string messages = (streams.path() / "messages").string();
@@ -169,7 +168,7 @@ TEST(InterruptedDocking, SaysHowFarItIsAndGoesOn) {
 }
 
 TEST(UnfinishedDocking, IsNeitherReplacedNorMixedWithAnother) {
-  const Waters folder;
+  const WaterMolecules folder;
   {
     RunningDocking docking(folder, kManyStarts);
     ASSERT_TRUE(comes_true([&] { return starts_in(folder, "dock-starts.csv.part") > 20; }));
@@ -178,12 +177,13 @@ TEST(UnfinishedDocking, IsNeitherReplacedNorMixedWithAnother) {
     EXPECT_EQ(docking.wait_for_end(SIGKILL), -SIGKILL);
   }
   const Files before = folder.outputs();
-  expect_refusal(run_command(folder, dock_words(kManyStarts)),
+  expect_refusal(run_with_engines(folder, dock_words(kManyStarts)),
                  "dock.progress: is of an unfinished docking; --resume goes on with it, "
                  "--overwrite starts over",
                  before);
-  expect_refusal(run_command(folder, dock_words(kManyStarts + Words{"--resume", "--seed", "2"})),
-                 "dock.progress: is of another docking: seed was 0, is 2", before);
+  expect_refusal(
+      run_with_engines(folder, dock_words(kManyStarts + Words{"--resume", "--seed", "2"})),
+      "dock.progress: is of another docking: seed was 0, is 2", before);
   expect_files(run_dock(folder, kSomeStarts + Words{"--overwrite", "--quiet"}).files,
                docked(kSomeStarts), "begun anew");
 }
@@ -193,7 +193,7 @@ TEST(KilledEngine, CostsOneStartAtMost) {
   const Words part{"--starts", "300", "--shard", "1/1", "--threads", "1", "--quiet"};
   const std::string table = "dock-1-of-1-starts.csv";
   const Lines expected = lines_of(docked(part).at(table));
-  const Waters folder;
+  const WaterMolecules folder;
   const EngineFolder engines;
   RunningDocking docking(folder, part, engines.use());
   ASSERT_TRUE(comes_true([&] { return starts_in(folder, table + ".part") > 100; }));

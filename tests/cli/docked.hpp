@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/dimer.hpp"
+#include "cli/energies.hpp"
 #include "support/scan_results.hpp"
 
 namespace dravo::test {
@@ -15,9 +15,9 @@ inline const std::string kWater = "water.xyz";
 // Enough that a part of them takes several chunks, few enough to be done in no time.
 inline const Words kSomeStarts{"--starts", "60"};
 
-class Waters : public TemporaryFolder {
+class WaterMolecules : public TemporaryFolder {
  public:
-  Waters() { write(kWater, file_text(DRAVO_EXAMPLES "/water-dimer/water.xyz")); }
+  WaterMolecules() { write(kWater, file_text(DRAVO_EXAMPLES "/water-dimer/water.xyz")); }
 
   /// Without the input.
   [[nodiscard]] Files results() const {
@@ -33,7 +33,13 @@ class Waters : public TemporaryFolder {
 
 inline Words dock_words(const Words& words) { return Words{"dock", kWater, kWater} + words; }
 
-inline Outcome run_dock(const Waters& folder, const Words& words, const Preparation& prepare = {}) {
+/// A command that finds its engines.
+inline Outcome run_with_engines(const TemporaryFolder& folder, const Words& words) {
+  return run_command(folder, words, Screen::kept, with_worker());
+}
+
+inline Outcome run_dock(const WaterMolecules& folder, const Words& words,
+                        const Preparation& prepare = with_worker()) {
   Outcome outcome = run_command(folder, dock_words(words), Screen::kept, prepare);
   outcome.files.erase(kWater);
   return outcome;
@@ -41,7 +47,7 @@ inline Outcome run_dock(const Waters& folder, const Words& words, const Preparat
 
 /// The files of a docking that nothing disturbed.
 inline Files docked(const Words& words) {
-  const Waters folder;
+  const WaterMolecules folder;
   Outcome outcome = run_dock(folder, words + Words{"--quiet"});
   EXPECT_EQ(outcome.status, 0) << outcome.messages;
   EXPECT_EQ(outcome.screen + outcome.messages, "");
