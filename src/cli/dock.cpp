@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cli/commands.hpp"
@@ -18,7 +19,6 @@
 #include "cli/shard_option.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
-#include "dravo/identify.hpp"
 #include "molecules/input_file.hpp"
 #include "results/dock_run.hpp"
 

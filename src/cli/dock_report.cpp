@@ -3,17 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstddef>
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "cli/contact_report.hpp"
 #include "cli/pair_options.hpp"
-#include "cli/words.hpp"
 #include "common/number_format.hpp"
 #include "dravo/contacts.hpp"
 #include "results/dock_run.hpp"
@@ -53,6 +51,11 @@ double energy_of(const DockRow& row, EnergyMethod method, const DockOptions& opt
   return method == options.score ? row.minimum.score_energy : row.minimum.search_energy;
 }
 
+std::string energy_text(double energy) {
+  constexpr int kDecimals = 3;
+  return std::isfinite(energy) ? fixed_text(energy, kDecimals) : "-";
+}
+
 std::string names_of(const std::vector<HydrogenBond>& bonds, const Pair& pair) {
   std::vector<std::string> names;
   names.reserve(bonds.size());
@@ -64,7 +67,7 @@ std::string names_of(const std::vector<HydrogenBond>& bonds, const Pair& pair) {
 ///           kcal/mol  kcal/mol  Angstrom
 ///        1    -4.936    -5.123    2.9134      87  O1-H2...O4
 std::string text_of(const FinishedDocking& docking) {
-  constexpr int kDecimals = 3, kDistance = 4;
+  constexpr int kDistance = 4;
   std::string names = "rank", units = "    ", rows;
   for (const EnergyMethod method : methods_of(docking.options)) {
     names += fmt::format("{:>10}", fmt::format("e_{}", name_of(method)));
@@ -74,7 +77,7 @@ std::string text_of(const FinishedDocking& docking) {
     const Pair pair = pair_at(docking.placer, row.minimum.pose);
     rows += fmt::format("{:>4}", row.rank);
     for (const EnergyMethod method : methods_of(docking.options))
-      rows += fmt::format("{:>10}", fixed_text(energy_of(row, method, docking.options), kDecimals));
+      rows += fmt::format("{:>10}", energy_text(energy_of(row, method, docking.options)));
     rows += fmt::format("{:>10}{:>8}  {}\n", fixed_text(row.minimum.pose.r, kDistance),
                         row.minimum.starts, names_of(hydrogen_bonds(pair), pair));
   }
@@ -126,8 +129,7 @@ void report_part(const std::string& name, const ScanRecord& record, const DockTe
     std::cout << Json{{"starts", record.totals.poses}, {"shard", part.number}, {"shards", part.of}}
               << '\n';
   else if (!telling.quiet)
-    tell({fmt::format("made starts {} to {} of {}", part.first(record.poses) + 1,
-                      part.end(record.poses), record.poses),
+    tell({fmt::format("made {} of {} starts", record.totals.poses, record.poses),
           fmt::format("wrote {}{} and {}; `dravo merge` finds the minima when all parts are there",
                       name, ending_of(ResultFile::starts), kRecordEnding)});
 }

@@ -2,13 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
-#include <charconv>
 #include <exception>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <utility>
 
