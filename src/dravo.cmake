@@ -31,6 +31,8 @@ set(DRAVO_LIBRARY_SOURCES
   src/energy/electrons.cpp
   src/energy/energy.cpp
   src/energy/energy_names.cpp
+  src/energy/frame_energies.cpp
+  src/energy/pose_energy.cpp
   src/energy/private_folder.cpp
   src/energy/xtb_engine.cpp
   src/identify/axis_data.cpp
@@ -57,6 +59,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/pair_table.cpp
   src/molecules/pose_range.cpp
   src/molecules/van_der_waals_radii.cpp
+  src/molecules/wanted_frames.cpp
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
   src/scan/axis_lookup.cpp
@@ -90,9 +93,17 @@ set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt
 # libxtb stays in a program of its own: it keeps global state, may end the process, and brings
 # another LAPACK.
 set(DRAVO_LIBEXEC_FOLDER ${CMAKE_INSTALL_LIBEXECDIR}/dravo)
+set(DRAVO_BUILT_WITH_XTB false)
 if(DRAVO_XTB)
-  find_package(PkgConfig REQUIRED)
-  pkg_check_modules(XTB REQUIRED IMPORTED_TARGET xtb)
+  set(DRAVO_BUILT_WITH_XTB true)
+  find_package(PkgConfig)
+  if(PkgConfig_FOUND)
+    pkg_check_modules(XTB IMPORTED_TARGET xtb)
+  endif()
+  if(NOT XTB_FOUND)
+    message(FATAL_ERROR "libxtb was not found: install libxtb-dev and pkg-config, or build without "
+      "its energies by -DDRAVO_XTB=OFF")
+  endif()
   add_executable(dravo-xtb-worker src/energy/xtb_worker.cpp)
   target_link_libraries(dravo-xtb-worker PRIVATE dravo_headers PkgConfig::XTB Threads::Threads)
   install(TARGETS dravo-xtb-worker RUNTIME DESTINATION ${DRAVO_LIBEXEC_FOLDER})
@@ -105,6 +116,9 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/energy_report.cpp
+  src/results/energy_run.cpp
+  src/results/energy_text.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp
@@ -115,6 +129,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/poses_again.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
+  src/results/ranked_poses.cpp
   src/results/record_text.cpp
   src/results/result_files.cpp
   src/results/scan_files.cpp
@@ -122,6 +137,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_results.cpp
   src/results/scan_run.cpp
   src/results/scan_size.cpp
+  src/results/selected_rows.cpp
   src/results/status_line.cpp
   src/results/table_rows.cpp
   src/results/text_chunk.cpp
@@ -146,7 +162,10 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/energy.cpp
+    src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
+    src/cli/energy_scan.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp
@@ -159,6 +178,7 @@ function(dravo_program library)
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp
+    src/cli/scan_energy.cpp
     src/cli/usage.cpp
     src/cli/words.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
