@@ -9,8 +9,6 @@
 #include <limits>
 #include <memory>
 
-#include "dock/evaluation.hpp"
-
 namespace dravo {
 namespace {
 
@@ -92,7 +90,7 @@ class Descent {
                         std::isfinite(difference(pose.turn, kIdentity));
     if (!on_map) return {EnergyStatus::nonphysical};
     ++evaluations_;
-    return energy_and_force_of(engine_, pair_.positions(pose), pose.place);
+    return engine_.energy_and_force(pair_.positions(pose), pose.place);
   }
 
   void note(const RelativePose& pose, const PoseEnergy& found) {
@@ -134,7 +132,7 @@ Minimisation Minimiser::minimise(const PoseDegrees& start) {
     descent.run(kMostEvaluations - found.evaluations);
     const PoseDegrees lowest = pair_->parameters(descent.best());
     const RelativePose pose = relative_pose(lowest);
-    const PoseEnergy here = energy_and_force_of(*engine_, pair_->positions(pose), pose.place);
+    const PoseEnergy here = engine_->energy_and_force(pair_->positions(pose), pose.place);
     found.evaluations += descent.evaluations() + 1;
     if (here.status != EnergyStatus::ok) break;
     found.pose = lowest;
