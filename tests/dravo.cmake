@@ -126,6 +126,17 @@ foreach(program energy_tests energy_tests_sanitized)
   endif()
 endforeach()
 
+set(dock_tests matchings_test.cpp same_minimum_test.cpp)
+if(DRAVO_XTB)
+  list(APPEND dock_tests dock_search_test.cpp minima_test.cpp starts_test.cpp)
+endif()
+dravo_test_programs(dock protocol ${dock_tests})
+dravo_test_molecules(dock)
+if(DRAVO_XTB)
+  add_dependencies(dock_tests dravo-xtb-worker)
+  add_dependencies(dock_tests_sanitized dravo-xtb-worker)
+endif()
+
 # The built dravo, as it is and sanitized.
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
