@@ -16,6 +16,8 @@ set(DRAVO_LIBRARY_SOURCES
   src/energy/electrons.cpp
   src/energy/energy.cpp
   src/energy/energy_names.cpp
+  src/energy/frame_energies.cpp
+  src/energy/pose_energy.cpp
   src/energy/private_folder.cpp
   src/energy/xtb_engine.cpp
   src/identify/axis_data.cpp
@@ -42,6 +44,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/molecules/pair_table.cpp
   src/molecules/pose_range.cpp
   src/molecules/van_der_waals_radii.cpp
+  src/molecules/wanted_frames.cpp
   src/molecules/xyz_file.cpp
   src/scan/axis.cpp
   src/scan/axis_lookup.cpp
@@ -97,6 +100,9 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_results.cpp
   src/results/checksum.cpp
   src/results/durable.cpp
+  src/results/energy_report.cpp
+  src/results/energy_run.cpp
+  src/results/energy_text.cpp
   src/results/extract.cpp
   src/results/frame_table.cpp
   src/results/growing_file.cpp
@@ -107,6 +113,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/poses_again.cpp
   src/results/progress.cpp
   src/results/progress_file.cpp
+  src/results/ranked_poses.cpp
   src/results/record_text.cpp
   src/results/result_files.cpp
   src/results/scan_files.cpp
@@ -114,6 +121,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/scan_results.cpp
   src/results/scan_run.cpp
   src/results/scan_size.cpp
+  src/results/selected_rows.cpp
   src/results/status_line.cpp
   src/results/table_rows.cpp
   src/results/text_chunk.cpp
@@ -138,7 +146,10 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/energy.cpp
+    src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
+    src/cli/energy_scan.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp
@@ -151,6 +162,7 @@ function(dravo_program library)
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
     src/cli/scan.cpp
+    src/cli/scan_energy.cpp
     src/cli/usage.cpp
     src/cli/words.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt

@@ -77,6 +77,7 @@ dravo_test_programs(scan results
   placer_test.cpp
   poses_test.cpp
   random_pose_test.cpp
+  scan_energies_test.cpp
   scan_test.cpp
   unique_poses_test.cpp
   zipped_list_test.cpp)
@@ -88,10 +89,12 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
 dravo_test_programs(results results
   best_poses_test.cpp
   checksum_test.cpp
+  energy_report_test.cpp
   frame_table_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
+  scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
   text_chunk_test.cpp)
@@ -133,6 +136,8 @@ add_executable(cli_tests
   cli/contacts_test.cpp
   cli/convert_test.cpp
   cli/durable_test.cpp
+  cli/energy_frames_test.cpp
+  cli/energy_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp
   cli/extract_test.cpp
@@ -168,6 +173,12 @@ target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_mo
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
+if(DRAVO_XTB)
+  target_sources(cli_tests PRIVATE cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp)
+  target_compile_definitions(cli_tests PRIVATE
+    DRAVO_BUILT_XTB_WORKER="$<TARGET_FILE:dravo-xtb-worker>")
+  add_dependencies(cli_tests dravo-xtb-worker)
+endif()
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
   DRAVO_CLI="$<TARGET_FILE:dravo-cli>"

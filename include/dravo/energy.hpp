@@ -49,7 +49,10 @@ EnergyMethod energy_method(std::string_view name);
 /// Energy per molecule of what a program prints.
 enum class EnergyUnit { hartree, ev, kcal_mol, kj_mol };
 
-/// "hartree", "ev", "kcal/mol", "kj/mol". Throws InvalidInput.
+/// "hartree", "ev", "kcal/mol", "kj/mol".
+std::string_view name_of(EnergyUnit unit);
+
+/// By its name. Throws InvalidInput with the names that there are.
 EnergyUnit energy_unit(std::string_view name);
 
 /// A program that computes the energy of one system at a time.
@@ -79,6 +82,10 @@ enum class EnergyStatus : std::uint8_t {
   nonphysical,  ///< below `kLowestInteraction` or above `kHighestInteraction`
   engine_died,  ///< the process of the engine ended, and so did another one that tried again
 };
+
+inline constexpr std::array<EnergyStatus, 5> kEnergyStatuses{
+    EnergyStatus::ok, EnergyStatus::clash, EnergyStatus::scf_fail, EnergyStatus::nonphysical,
+    EnergyStatus::engine_died};
 
 /// "ok", "clash", ...: as tables have it.
 std::string_view name_of(EnergyStatus status);

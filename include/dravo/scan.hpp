@@ -18,11 +18,13 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "dravo/energy.hpp"
 #include "dravo/pose.hpp"
 
 namespace dravo {
@@ -124,6 +126,11 @@ struct ScannedPose {
   std::int32_t clearance_atom2 = -1;
   /// How many of the poses it stands for, when equal ones are left out.
   std::int64_t equivalents = 1;
+  /// What became of its energy, when energies are computed.
+  std::optional<EnergyStatus> energy_status = std::nullopt;
+  /// kcal/mol, rounded to six decimals: beyond them, poses that symmetry makes equal differ by the
+  /// rounding of the engine. Not a number unless the status is ok.
+  double interaction = std::numeric_limits<double>::quiet_NaN();
 };
 
 /// Poses that follow each other. The spans end with the call that got the batch.
@@ -145,14 +152,20 @@ struct ScanOptions {
   /// only the first of a grid is handed on. A random pose takes the parameters that `identify`
   /// tells.
   bool unique = false;
+  /// Computes the energies of the poses that the rule about contacts wants, in one process for each
+  /// thread. A model of the same pair, which is not owned; null for no energies.
+  const EnergyModel* energy = nullptr;
+  /// Then only poses with an energy below it are handed on, kcal/mol.
+  std::optional<double> keep_below = std::nullopt;
 };
 
 /// Places the pair in every pose and hands what it finds to `take`, batch after batch in the order
 /// of the poses. Memory does not grow with their number.
 ///
 /// `take` is called from the threads that place, never twice at a time. What it throws ends the
-/// scan and is thrown here. Throws InvalidInput for a negative number of threads, and for unique
-/// poses of a list or of a placer that is not exact.
+/// scan and is thrown here. Throws InvalidInput for a negative number of threads, for unique poses
+/// of a list or of a placer that is not exact, and for a bound of energies that are not computed;
+/// EngineFailure when the process of an engine cannot be had.
 ///
 /// With `above_contact` the distances count from that at which, coming from afar in this direction
 /// and orientation, the first pair of atoms is in short contact (1.9 Angstrom apart, unless the

@@ -37,5 +37,6 @@ void add_scan(CLI::App& program);
 void add_merge(CLI::App& program);
 void add_convert(CLI::App& program);
 void add_extract(CLI::App& program);
+void add_energy(CLI::App& program);
 
 }  // namespace dravo

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cstddef>
 #include <limits>
 #include <string_view>
 
@@ -29,6 +30,17 @@ std::array<int, 2> two_numbers(const char* option, const std::string& text) {
       fmt::format("{}: expected two whole numbers, of molecule 1 and molecule 2, such as 0,-1, "
                   "found {}",
                   option, dravo::quoted(text)));
+}
+
+void require_printable(const char* option, std::string text) {
+  constexpr std::size_t kLongest = 2000;
+  for (char& c : text)
+    if (c == '\n' || c == '\t' || c == '\r') c = ' ';
+  const ColumnText shown = printable(text, kLongest);
+  if (shown.whole && shown.text == text) return;
+  throw InvalidInput(
+      fmt::format("{}: expected at most {} printable characters, found {}; a script may have more",
+                  option, kLongest, dravo::quoted(text)));
 }
 
 /// What a function throws is about this option.
@@ -90,6 +102,11 @@ std::optional<EnergyOptions> energy_options(const EnergyWords& words) {
   if (command) options.command = command_of(words);
   if (!command && !words.run.empty()) throw InvalidInput("--run belongs to --energy command");
   return options;
+}
+
+void require_recordable(const EnergyWords& words) {
+  require_printable("--run", words.run);
+  require_printable("--read", words.read);
 }
 
 }  // namespace dravo

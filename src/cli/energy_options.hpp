@@ -27,4 +27,7 @@ CLI::Option* add_energy_options(CLI::App& command, EnergyWords& words);
 /// Empty without a method. Throws InvalidInput, which names the option.
 std::optional<EnergyOptions> energy_options(const EnergyWords& words);
 
+/// Throws InvalidInput for what a record of results cannot keep.
+void require_recordable(const EnergyWords& words);
+
 }  // namespace dravo

@@ -1,9 +1,7 @@
 #include "cli/identify_frames.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
-#include <cmath>
 #include <cstdint>
 #include <iostream>
 #include <limits>
@@ -50,22 +48,6 @@ class BadFrames {
   std::int64_t count_ = 0;
 };
 
-std::string status_text(std::int64_t frames, std::int64_t bytes_done, std::int64_t bytes,
-                        double seconds) {
-  std::string text = fmt::format("{} frames, {} a second", frames,
-                                 std::llround(static_cast<double>(frames) / seconds));
-  if (bytes == 0 || bytes_done == 0) return text;
-  const double part = static_cast<double>(bytes_done) / static_cast<double>(bytes);
-  return fmt::format("{} %, {}, {} left", static_cast<int>(100.0 * part), text,
-                     duration_text(seconds * (1.0 - part) / part));
-}
-
-/// A table on a terminal is its own progress.
-StatusLine::Kind kind_of_line(const FramesCommand& command) {
-  const bool table_on_terminal = command.output.empty() && ::isatty(STDOUT_FILENO) == 1;
-  return kind_of_status(command.quiet || table_on_terminal);
-}
-
 /// Where the user says so.
 std::optional<std::int32_t> n1_of(const FramesCommand& command) {
   const Split& split = command.request->split;
@@ -98,7 +80,7 @@ void identify_frames(const FramesCommand& command) {
   LongOutput output(command.output, command.overwrite, {command.request->file, command.like});
   FrameTable table(command.unwrap);
   BadFrames bad(command);
-  StatusLine status(kind_of_line(command));
+  StatusLine status(kind_of_status(command.quiet || is_on_terminal(command.output)));
   std::int64_t rows = 0;
   std::string text = FrameTable::heading();
   const std::int64_t seen = identify_frames(
@@ -114,7 +96,7 @@ void identify_frames(const FramesCommand& command) {
         output.append(text);
         text.clear();
         status.show(
-            [&](double seconds) { return status_text(rows, bytes, stream.bytes(), seconds); });
+            [&](double seconds) { return frames_text(rows, bytes, stream.bytes(), seconds); });
       });
   if (rows == 0)
     throw InvalidInput(fmt::format("{}: no frame is left", shown_name(command.request->file)));

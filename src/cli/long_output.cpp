@@ -1,5 +1,7 @@
 #include "cli/long_output.hpp"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <iostream>
 #include <utility>
@@ -36,6 +38,10 @@ void LongOutput::append(std::string_view text) {
 void LongOutput::finish() {
   if (file_) file_->finish(name_);
   file_.reset();
+}
+
+bool is_on_terminal(const std::string& name) {
+  return name.empty() && ::isatty(STDOUT_FILENO) == 1;
 }
 
 }  // namespace dravo

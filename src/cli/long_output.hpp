@@ -32,4 +32,7 @@ class LongOutput {
   std::unique_ptr<GrowingFile> file_;
 };
 
+/// Whether the text of this name goes to a terminal, where it is its own progress.
+bool is_on_terminal(const std::string& name);
+
 }  // namespace dravo

@@ -3,10 +3,14 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/commands.hpp"
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
+#include "results/energy_report.hpp"
+#include "results/record_keys.hpp"
 
 namespace dravo {
 namespace {
@@ -24,13 +28,21 @@ struct MergeOptions {
   bool json = false;
 };
 
+std::vector<std::string> report_of(const ScanRecord& scan) {
+  std::vector<std::string> sentences{sentence_about(scan.totals)};
+  if (has_energies(scan) && scan.totals.energies)
+    for (std::string& sentence : sentences_about(*scan.totals.energies, scan.origin.at(kEnergyKey)))
+      sentences.push_back(std::move(sentence));
+  return sentences;
+}
+
 void run_merge(const MergeOptions& options) {
   require_folder_of(options.name);
   const ScanRecord scan = merge_shards(options.name, options.overwrite);
   if (options.json)
     std::cout << json_text_of(scan) << '\n';
   else if (!options.quiet)
-    tell({sentence_about(scan.totals)});
+    tell(report_of(scan));
 }
 
 }  // namespace

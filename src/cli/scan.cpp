@@ -14,12 +14,13 @@
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
 #include "cli/pose_options.hpp"
-#include "common/errors.hpp"
+#include "cli/resumable.hpp"
+#include "cli/scan_energy.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/identify.hpp"
 #include "molecules/input_file.hpp"
-#include "results/interruption.hpp"
+#include "results/energy_report.hpp"
 #include "results/scan_run.hpp"
 #include "scan/plan_file.hpp"
 
@@ -63,6 +64,7 @@ struct ScanCommand {
   std::map<std::string, std::string> keys;
   bool files = false;
   bool unique = false;
+  ScanEnergyWords energy;
   PlacingOptions placing;
   bool resume = false;
   bool overwrite = false;
@@ -120,34 +122,34 @@ const char* written_endings(Writing writing) {
 }
 
 /// Counts are the result of a scan that writes nothing; otherwise they are news.
-void report(const ScanTotals& totals, const ScanCommand& options, Writing writing, bool exact) {
+void report(const ScanTotals& totals, const ScanCommand& options, const ScanPlan& plan,
+            bool exact) {
+  const Writing writing = writing_of(plan, options.request);
+  const bool counts = writing == Writing::nothing;
+  std::vector<std::string> sentences{sentence_about(totals, !counts)};
+  if (options.request.energy && totals.energies)
+    for (std::string& sentence : sentences_about(
+             *totals.energies, name_of(options.request.energy->options().method), &plan.poses()))
+      sentences.push_back(std::move(sentence));
   if (options.json) {
     std::cout << json_text_of(totals, exact) << '\n';
-  } else if (writing == Writing::nothing) {
-    std::cout << sentence_about(totals, false) << '\n';
+  } else if (counts) {
+    for (const std::string& sentence : sentences) std::cout << sentence << '\n';
   } else if (!options.quiet) {
-    tell({sentence_about(totals),
-          fmt::format("wrote {}{}", result_name(options.request), written_endings(writing))});
+    sentences.push_back(
+        fmt::format("wrote {}{}", result_name(options.request), written_endings(writing)));
+    tell(sentences);
   }
 }
 
-/// A scan that ends early says how to go on.
+/// A scan that ends early says how to go on, if it writes.
 ScanTotals scanned(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                    const ScanRequest& request) {
-  const char* const how = request.earlier == Earlier::overwrite
-                              ? "the same command with --resume instead of --overwrite goes on"
-                              : "the same command with --resume goes on";
-  try {
-    return run_scan(placer, molecules, plan, request);
-  } catch (const Interrupted& end) {
-    throw EndedBySignal(fmt::format("{}; {}", end.what(), how), end.signal());
-  } catch (const NoRoom& end) {
-    if (request.writing == Writing::nothing) throw;
-    throw IoFailure(fmt::format("{}; {} when there is room", end.what(), how));
-  }
+  const auto work = [&] { return run_scan(placer, molecules, plan, request); };
+  return request.writing == Writing::nothing ? work() : resumable(request.earlier, work);
 }
 
-void run(ScanCommand& options) {
+void run(const CLI::App& command, ScanCommand& options) {
   ScanRequest& request = options.request;
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
@@ -158,7 +160,8 @@ void run(ScanCommand& options) {
   if (request.writing != Writing::nothing) require_folder_of(request.name);
   const PairFile pair = read_pair(*options.pair);
   if (!options.quiet) tell(pair.remarks);
-  const PlanKeys keys = keys_of(options);
+  PlanKeys keys = keys_of(options);
+  const ScanEnergy energy = take_scan_energy(command, options.energy, keys);
   const std::optional<Pair> like =
       reference_pair(options.placing.like, *options.pair, pair.pair.n1());
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
@@ -170,8 +173,9 @@ void run(ScanCommand& options) {
                                       like ? &*like : nullptr, plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
   if (!options.quiet && request.writing != Writing::nothing) tell_of_unknown_radii(pair.pair);
-  report(scanned(placer, {pair.pair, like}, plan, request), options, writing_of(plan, request),
-         placer.exact());
+  if (energy.options) request.energy.emplace(pair.pair, *energy.options);
+  request.keep_below = energy.keep_below;
+  report(scanned(placer, {pair.pair, like}, plan, request), options, plan, placer.exact());
 }
 
 void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& options) {
@@ -190,6 +194,7 @@ void add_plan_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opt
   auto* const unique =
       command.add_flag("--unique", options->unique,
                        "equal poses once: those that rotations of the molecules make equal; exact");
+  add_scan_energy_options(command, options->energy);
   add_placing_options(command, options->placing);
   unique->excludes(command.get_option("--as-qn-dravo"));
 }
@@ -250,7 +255,7 @@ void add_scan(CLI::App& program) {
       "- is standard input");
   add_plan_options(command, options);
   add_run_options(command, options);
-  command.callback([options] { run(*options); });
+  command.callback([options, &command] { run(command, *options); });
 }
 
 }  // namespace dravo

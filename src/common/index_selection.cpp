@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
@@ -54,6 +55,13 @@ bool holds(const IndexSelection::Range& range, std::int64_t number) {
   return number >= range.first && number <= range.last && (number - range.first) % range.step == 0;
 }
 
+/// Each once.
+std::vector<std::int64_t> in_order(std::vector<std::int64_t> numbers) {
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  return numbers;
+}
+
 }  // namespace
 
 IndexSelection IndexSelection::parse(std::string_view option, std::string_view text) {
@@ -70,9 +78,13 @@ IndexSelection IndexSelection::parse(std::string_view option, std::string_view t
     else
       selection.ranges_.push_back(parse_range(source, part, words));
   }
-  std::vector<std::int64_t>& single = selection.single_;
-  std::sort(single.begin(), single.end());
-  single.erase(std::unique(single.begin(), single.end()), single.end());
+  selection.single_ = in_order(std::move(selection.single_));
+  return selection;
+}
+
+IndexSelection IndexSelection::of(std::vector<std::int64_t> numbers) {
+  IndexSelection selection;
+  selection.single_ = in_order(std::move(numbers));
   return selection;
 }
 

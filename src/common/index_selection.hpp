@@ -22,6 +22,9 @@ class IndexSelection {
   /// for anything else than such a text.
   static IndexSelection parse(std::string_view option, std::string_view text);
 
+  /// These numbers, each from 1 on.
+  static IndexSelection of(std::vector<std::int64_t> numbers);
+
   [[nodiscard]] bool contains(std::int64_t number) const;
 
   /// The smallest and the largest; of all the largest is that of the type.

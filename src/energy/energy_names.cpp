@@ -62,6 +62,8 @@ std::string_view name_of(EnergyMethod method) { return name_in(kMethods, method)
 
 EnergyMethod energy_method(std::string_view name) { return required(kMethods, name); }
 
+std::string_view name_of(EnergyUnit unit) { return name_in(kUnits, unit); }
+
 EnergyUnit energy_unit(std::string_view name) { return required(kUnits, name); }
 
 std::string_view name_of(EnergyStatus status) { return name_in(kStatuses, status); }

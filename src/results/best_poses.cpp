@@ -57,7 +57,9 @@ bool BestPoses::add(std::string_view rows) {
 
 /// Text is copied only of rows that are kept.
 bool BestPoses::add_row(std::string_view row) {
-  Kept candidate{value_in(row), index_in(row), {}};
+  const std::string_view cell = cell_of(row);
+  if (cell.empty()) return false;
+  Kept candidate{value_in(cell), index_in(row), {}};
   if (kept_.size() == most_) {
     if (!(candidate < kept_.front())) return false;
     std::pop_heap(kept_.begin(), kept_.end());
@@ -71,11 +73,14 @@ bool BestPoses::add_row(std::string_view row) {
   return true;
 }
 
-double BestPoses::value_in(std::string_view row) const {
+std::string_view BestPoses::cell_of(std::string_view row) const {
   for (std::size_t skipped = 0; skipped < column_; ++skipped)
     row.remove_prefix(std::min(row.find(',') + 1, row.size()));
-  const std::string_view text = row.substr(0, row.find_first_of(",\n"));
-  const double value = parse_real(text).value_or(std::nan(""));
+  return row.substr(0, row.find_first_of(",\n"));
+}
+
+double BestPoses::value_in(std::string_view cell) const {
+  const double value = parse_real(cell).value_or(std::nan(""));
   return largest_ ? -value : value;
 }
 

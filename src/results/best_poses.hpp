@@ -12,7 +12,8 @@
 namespace dravo {
 
 /// The best rows of a table so far, in memory of their size. A value is the number that stands in
-/// the table; of equal ones the smaller index is better, and what is no number is worst.
+/// the table; of equal ones the smaller index is better, and what is no number is worst. A row
+/// whose cell is empty has no value, and is never among the best.
 class BestPoses {
  public:
   /// `heading` is that of the rows. Throws InvalidInput with the columns that there are when that
@@ -45,7 +46,8 @@ class BestPoses {
   };
 
   [[nodiscard]] bool add_row(std::string_view row);
-  [[nodiscard]] double value_in(std::string_view row) const;
+  [[nodiscard]] std::string_view cell_of(std::string_view row) const;
+  [[nodiscard]] double value_in(std::string_view cell) const;
 
   std::size_t most_;
   std::size_t column_ = 0;

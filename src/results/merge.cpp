@@ -149,7 +149,8 @@ class BestOfParts {
   BestOfParts(const ScanRecord& record, const std::vector<std::string>& parts)
       : heading_(TableRows(table_of(parts.front())).heading()),
         best_(*record.best(), heading_),
-        writing_(record.writing()) {
+        writing_(record.writing()),
+        energies_(has_energies(record)) {
     if (writing_ != Writing::table) placer_.emplace(placer_of(parts.front(), record));
     if (writing_ == Writing::moving)
       molecule2_ = read_file(parts.front() + ending_of(ResultFile::molecule2));
@@ -162,7 +163,7 @@ class BestOfParts {
   void write(ResultFiles& results) const {
     const ResultTexts texts{heading_ + "\n", molecule2_};
     if (!placer_) return write_best(results, best_, texts, nullptr);
-    PosesAgain poses(*placer_, heading_, writing_, "a part of the scan");
+    PosesAgain poses(*placer_, heading_, writing_, "a part of the scan", energies_);
     write_best(results, best_, texts,
                [&](std::string& frames, std::string_view row) { poses.append_frame(frames, row); });
   }
@@ -177,6 +178,7 @@ class BestOfParts {
   std::string heading_;
   BestPoses best_;
   Writing writing_;
+  bool energies_;
   std::optional<PairPlacer> placer_;  ///< empty for a scan without frames
   std::string molecule2_;
 };

@@ -19,6 +19,7 @@ namespace {
 constexpr int kLength = 8;
 constexpr int kAngle = 6;
 constexpr int kRatio = 6;
+constexpr int kEnergy = 6;  // kcal/mol
 
 struct Column {
   std::string_view name;
@@ -36,7 +37,16 @@ void append_clearance(std::string& text, const ScannedPose& pose) {
   if (pose.clearance_atom1 >= 0) append_fixed(text, pose.clearance, kRatio);
 }
 
-constexpr std::array<Column, 20> kPoseColumns{{
+/// Nothing for a pose without an energy.
+void append_energy(std::string& text, const ScannedPose& pose) {
+  if (pose.energy_status == EnergyStatus::ok) append_fixed(text, pose.interaction, kEnergy);
+}
+
+void append_status(std::string& text, const ScannedPose& pose) {
+  if (pose.energy_status) text += name_of(*pose.energy_status);
+}
+
+constexpr std::array<Column, 22> kPoseColumns{{
     {"index", [](auto& text, const auto& p) { append_shortest(text, p.index); }},
     {"above_contact", [](auto& text, const auto& p) { append_shortest(text, p.above_contact); },
      &PoseColumns::above_contact},
@@ -62,6 +72,8 @@ constexpr std::array<Column, 20> kPoseColumns{{
     {"clearance_atom2", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom2); }},
     {"equivalents", [](auto& text, const auto& p) { append_shortest(text, p.equivalents); },
      &PoseColumns::equivalents},
+    {kEnergyColumn, append_energy, &PoseColumns::energy},
+    {"status", append_status, &PoseColumns::energy},
 }};
 
 /// A number that is all of a text.
@@ -72,13 +84,22 @@ bool read_number(std::string_view text, Number& number) {
   return error == std::errc{} && stop == end;
 }
 
-/// A column that tells how a pose came about.
+bool read_energy(std::string_view text, ScannedPose& pose) {
+  return text.empty() || read_number(text, pose.interaction);
+}
+
+bool read_status(std::string_view text, ScannedPose& pose) {
+  pose.energy_status = energy_status(text);
+  return pose.energy_status.has_value();
+}
+
+/// A column with what placing the pose again does not find.
 struct KnownColumn {
   std::string_view name;
   bool (*read)(std::string_view text, ScannedPose& pose);
 };
 
-constexpr std::array<KnownColumn, 9> kKnownColumns{{
+constexpr std::array<KnownColumn, 11> kKnownColumns{{
     {"index", [](auto text, auto& p) { return read_number(text, p.index); }},
     {"above_contact", [](auto text, auto& p) { return read_number(text, p.above_contact); }},
     {"r", [](auto text, auto& p) { return read_number(text, p.asked.r); }},
@@ -88,6 +109,8 @@ constexpr std::array<KnownColumn, 9> kKnownColumns{{
     {"beta", [](auto text, auto& p) { return read_number(text, p.asked.beta); }},
     {"gamma", [](auto text, auto& p) { return read_number(text, p.asked.gamma); }},
     {"equivalents", [](auto text, auto& p) { return read_number(text, p.equivalents); }},
+    {kEnergyColumn, read_energy},
+    {"status", read_status},
 }};
 
 /// True for other columns.
@@ -165,6 +188,7 @@ std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
     if (!read_known(column.name, row.substr(0, comma), pose)) return std::nullopt;
     row.remove_prefix(std::min(comma + 1, row.size()));
   }
+  if (!columns_.above_contact) pose.above_contact = pose.asked.r;
   return pose;
 }
 

@@ -12,11 +12,15 @@
 
 namespace dravo {
 
+/// The column of the interaction energy.
+inline constexpr auto kEnergyColumn = "e_int_kcal_mol";
+
 /// Columns that not every plan has.
 struct PoseColumns {
   bool above_contact = false;
   bool equivalents = false;
   bool exact = false;  ///< no column: comment lines say "placing=exact"
+  bool energy = false;
 };
 
 /// Molecule 2, the atoms behind the first `n1`, which stands still in all poses: a frame of its own
@@ -29,7 +33,8 @@ std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
 /// `above_contact` behind the index in plans that count r from the contact, and `equivalents` at
 /// the end where equal poses are made once. Angstrom and degrees. What was asked stands in the
 /// shortest form that reads back as the same number. Without a clearance three cells of a row are
-/// empty, and a comment line lacks the three.
+/// empty, and a comment line lacks the three. Where energies are computed, `e_int_kcal_mol`, which
+/// is empty or missing unless the status is ok, and `status` come last.
 class PoseWriter {
  public:
   /// The first `n1` atoms are molecule 1. Frames have so many atoms as there are labels: those of
@@ -41,8 +46,9 @@ class PoseWriter {
 
   void append_row(std::string& table, const ScannedPose& pose) const;
 
-  /// What a row tells of how its pose came about: index, r above the contact, what was asked, how
-  /// many poses it stands for. Empty for a text that is no row.
+  /// What a row tells that cannot be found again by placing the pose: index, r above the contact,
+  /// what was asked, how many poses it stands for, energy and status. Empty for a text that is no
+  /// row.
   [[nodiscard]] std::optional<ScannedPose> read_row(std::string_view row) const;
 
   /// The pose whose atoms stand in `placed`:

@@ -6,21 +6,23 @@
 #include <utility>
 
 #include "common/errors.hpp"
+#include "common/free_format_reader.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
 #include "driver/user_parameters.hpp"
+#include "results/progress_file.hpp"
 #include "results/result_files.hpp"
 #include "results/text_chunk.hpp"
 
 namespace dravo {
 namespace {
 
-PoseColumns columns_in(std::string_view heading, bool exact) {
+PoseColumns columns_in(std::string_view heading, bool exact, bool energies) {
   const auto names = parts_between(heading, ',');
   const auto has = [&](std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
   };
-  return {has("above_contact"), has("equivalents"), exact};
+  return {has("above_contact"), has("equivalents"), exact, energies};
 }
 
 /// More may follow behind a comma.
@@ -31,6 +33,14 @@ bool begins_with(std::string_view row, std::string_view begin) {
 std::string_view without_line_end(std::string_view line) { return line.substr(0, line.size() - 1); }
 
 }  // namespace
+
+ScanRecord record_of_finished(const std::string& name) {
+  const std::string file = name + kRecordEnding;
+  if (has_finished_record(name)) return parse_record(file, read_file(file));
+  if (has_progress(name))
+    throw IoFailure(name + ": is unfinished; the command that makes it goes on with --resume");
+  throw IoFailure(fmt::format("{}: there is no scan of this name, which has {}", name, file));
+}
 
 PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
   const std::string file = name + kRecordEnding;
@@ -54,8 +64,8 @@ PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
 }
 
 PosesAgain::PosesAgain(const PairPlacer& placer, std::string_view heading, Writing writing,
-                       std::string table)
-    : writer_(writer_of(placer, columns_in(heading, placer.exact()), writing)),
+                       std::string table, bool energies)
+    : writer_(writer_of(placer, columns_in(heading, placer.exact(), energies), writing)),
       maker_(placer, Poses::list({}), {.clearance = true}),
       table_(std::move(table)) {
   if (!begins_with(heading, without_line_end(writer_.table_heading())))
@@ -63,7 +73,7 @@ PosesAgain::PosesAgain(const PairPlacer& placer, std::string_view heading, Writi
                                 table_, dravo::quoted(heading)));
 }
 
-void PosesAgain::append_frame(std::string& frames, std::string_view row) {
+MadePose PosesAgain::made(std::string_view row) {
   const auto known = writer_.read_row(row);
   if (!known || complaint_about({0.0, known->asked.theta, known->asked.phi, known->asked.alpha,
                                  known->asked.beta, known->asked.gamma}))
@@ -77,6 +87,10 @@ void PosesAgain::append_frame(std::string& frames, std::string_view row) {
         fmt::format("{}: the row of pose {} is not the one that this program writes: the table has "
                     "changed, or another version made it",
                     table_, known->index));
+  return pose;
+}
+
+void PosesAgain::append_frame(std::string& frames, const MadePose& pose) const {
   writer_.append_frame(frames, pose.numbers, pose.atoms);
 }
 

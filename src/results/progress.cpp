@@ -14,8 +14,10 @@ std::string progress_line(std::int64_t poses, std::int64_t done, std::int64_t ma
   std::string line = fmt::format("{} %, {} of {} poses",
                                  100 * done / std::max<std::int64_t>(poses, 1), done, poses);
   if (rate > 0.0)
-    line += fmt::format(", {} a second, {} left", std::llround(rate),
-                        duration_text(static_cast<double>(poses - done) / rate));
+    line +=
+        fmt::format(", {} a second, {} left",
+                    rate < 1.0 ? fmt::format("{:.2g}", rate) : std::to_string(std::llround(rate)),
+                    duration_text(static_cast<double>(poses - done) / rate));
   return line;
 }
 

@@ -6,6 +6,7 @@ namespace dravo {
 inline constexpr auto kVersionKey = "version";
 inline constexpr auto kPlacingKey = "placing";
 inline constexpr auto kFrameRuleKey = "frame_rule";
+inline constexpr auto kEnergyKey = "energy";
 
 const char* words_of_placing(bool exact);
 

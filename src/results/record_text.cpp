@@ -29,7 +29,7 @@ std::int64_t whole(const Json& json, const std::string& key, std::int64_t lowest
 }
 
 /// JSON has no infinity, which stands for "no pose yet".
-double distance_in(const Json& json) {
+double lowest_in(const Json& json) {
   return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
 }
 
@@ -51,7 +51,7 @@ std::optional<std::uint64_t> checksum_in(const Json& json, const std::string& ke
 
 /// Numbers and truths as such, where the same text comes back from them. A version is a text.
 Json json_of(const std::string& key, const std::string& text) {
-  if (key == kVersionKey) return text;
+  if (key.ends_with(kVersionKey)) return text;
   Json value = Json::parse(text, nullptr, false);
   const bool plain = value.is_number() || value.is_boolean();
   return plain && value.dump() == text ? value : Json(text);
@@ -105,6 +105,39 @@ std::shared_ptr<const ScannedPair> molecules_in(const Json& json) {
   return std::make_shared<const ScannedPair>(std::move(molecules));
 }
 
+// --- energies ---------------------------------------------------------------------------------
+
+constexpr auto kEnergies = "energies";
+constexpr auto kAboveContact = "above_contact";
+constexpr auto kReferenceEnergies = "reference_energies_hartree";
+
+Json json_of(const EnergyTotals& totals) {
+  Json json = Json::object();
+  for (const EnergyStatus status : kEnergyStatuses) json[name_of(status)] = totals.of(status);
+  json["lowest"] = totals.lowest;
+  json["lowest_index"] = totals.lowest_index;
+  if (totals.lowest_index == 0) return json;
+  Json& pose = json["lowest_pose"];
+  if (totals.above_contact != totals.lowest_pose.r) pose[kAboveContact] = totals.above_contact;
+  for (const PoseParameter& parameter : kPoseParameters)
+    pose[parameter.name] = totals.lowest_pose.*parameter.value;
+  return json;
+}
+
+EnergyTotals energies_in(const Json& json) {
+  EnergyTotals totals;
+  for (std::size_t k = 0; k < kEnergyStatuses.size(); ++k)
+    totals.poses[k] = whole(json, std::string(name_of(kEnergyStatuses[k])));
+  totals.lowest = lowest_in(json.at("lowest"));
+  totals.lowest_index = whole(json, "lowest_index");
+  if (totals.lowest_index == 0) return totals;
+  const Json& pose = json.at("lowest_pose");
+  for (const PoseParameter& parameter : kPoseParameters)
+    totals.lowest_pose.*parameter.value = pose.at(parameter.name).get<double>();
+  totals.above_contact = pose.value(kAboveContact, totals.lowest_pose.r);
+  return totals;
+}
+
 // --- totals and files -------------------------------------------------------------------------
 
 Json json_of(const ScanTotals& totals) {
@@ -112,6 +145,7 @@ Json json_of(const ScanTotals& totals) {
             {"written", totals.written},   {"with_contacts", totals.with_contacts},
             {"shortest", totals.shortest}, {"shortest_index", totals.shortest_index}};
   if (totals.kept) json["kept"] = *totals.kept;
+  if (totals.energies) json[kEnergies] = json_of(*totals.energies);
   return json;
 }
 
@@ -120,9 +154,10 @@ ScanTotals totals_in(const Json& json) {
           json.contains("left_out") ? whole(json, "left_out") : 0,
           whole(json, "written"),
           whole(json, "with_contacts"),
-          distance_in(json.at("shortest")),
+          lowest_in(json.at("shortest")),
           whole(json, "shortest_index"),
-          json.contains("kept") ? std::optional(whole(json, "kept")) : std::nullopt};
+          json.contains("kept") ? std::optional(whole(json, "kept")) : std::nullopt,
+          json.contains(kEnergies) ? std::optional(energies_in(json.at(kEnergies))) : std::nullopt};
 }
 
 std::string bytes_key(ResultFile file) {
@@ -166,6 +201,7 @@ std::string text_of(const ScanRecord& record) {
             {"shard", record.shard.number},
             {"shards", record.shard.of},
             {"totals", json_of(record.totals)}};
+  if (!record.reference_energies.empty()) json[kReferenceEnergies] = record.reference_energies;
   for (const auto& [file, state] : record.files) json[bytes_key(file)] = state.bytes;
   for (const auto& [file, state] : record.files)
     if (state.checksum) json[checksum_key(file)] = hexadecimal(*state.checksum);
@@ -187,6 +223,8 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
     for (const ResultFile file : files_in(json, record))
       record.files[file] = {whole(json, bytes_key(file)), checksum_in(json, checksum_key(file))};
     record.molecules = molecules_in(json);
+    if (json.contains(kReferenceEnergies))
+      record.reference_energies = json.at(kReferenceEnergies).get<std::vector<double>>();
     if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
     return record;
   } catch (const std::exception&) {

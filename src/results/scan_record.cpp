@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <stdexcept>
 
 #include "common/atom_table.hpp"
@@ -18,8 +21,15 @@ namespace {
 constexpr auto kWritingKey = "writing";
 constexpr auto kTableAlone = "table";
 constexpr auto kMovingAlone = "moving";
+constexpr auto kFilesKey = "files";  // of a plan
 constexpr auto kBestKey = "best";
 constexpr auto kByKey = "by";
+constexpr auto kChargesKey = "charges";
+constexpr auto kUnpairedKey = "unpaired";
+
+/// Another machine may compute the molecules alone with other last digits; so much, in Hartree,
+/// only another engine.
+constexpr double kMostOfRounding = 1e-6;
 
 }  // namespace
 
@@ -39,7 +49,7 @@ Writing ScanRecord::writing() const {
     const auto found = origin.find(key);
     return found != origin.end() && found->second == text;
   };
-  if (has("files", "true")) return Writing::files;
+  if (has(kFilesKey, "true")) return Writing::files;
   if (has(kWritingKey, kTableAlone)) return Writing::table;
   return has(kWritingKey, kMovingAlone) ? Writing::moving : Writing::frames;
 }
@@ -84,14 +94,71 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
   return origin;
 }
 
-void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
-                   const std::optional<BestRule>& best) {
+void set_writing(std::map<std::string, std::string>& origin, Writing writing) {
+  origin.erase(kWritingKey);
+  if (writing != Writing::files && origin.count(kFilesKey) > 0) origin[kFilesKey] = "false";
   if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
   if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
+}
+
+void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
+                   const std::optional<BestRule>& best) {
+  set_writing(origin, writing);
   if (!best) return;
   origin[kBestKey] = std::to_string(best->count);
   origin[kByKey] = (best->largest ? "-" : "") + best->column;
 }
+
+namespace {
+
+/// Key and text of what a method is and how it computes.
+std::map<std::string, std::string> description_of(const EnergyModel& energy) {
+  const auto of_both = [](const std::array<int, 2>& numbers) {
+    return fmt::format("{},{}", numbers[0], numbers[1]);
+  };
+  const EnergyOptions& options = energy.options();
+  std::map<std::string, std::string> description{{"engine", energy.engine()},
+                                                 {kChargesKey, of_both(options.charges)},
+                                                 {kUnpairedKey, of_both(options.unpaired)}};
+  if (options.method != EnergyMethod::command) return description;
+  description["run"] = options.command.run;
+  description["read"] = options.command.read;
+  description["read-unit"] = name_of(options.command.unit);
+  return description;
+}
+
+/// The text of a key, or of one with the name of a method before it.
+std::optional<std::string> told(const ScanRecord& record, const std::string& key) {
+  const auto own = record.origin.find(key);
+  if (own != record.origin.end()) return own->second;
+  for (const auto& [name, text] : record.origin)
+    if (name.ends_with("-" + key)) return text;
+  return std::nullopt;
+}
+
+}  // namespace
+
+void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
+                   const std::optional<double>& keep_below) {
+  origin.merge(description_of(energy));
+  origin[kEnergyKey] = name_of(energy.options().method);
+  if (keep_below) origin["keep-below"] = shortest_text(*keep_below);
+}
+
+void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy) {
+  for (const auto& [key, text] : description_of(energy))
+    origin[fmt::format("{}-{}", name_of(energy.options().method), key)] = text;
+}
+
+std::optional<std::string> told_charges(const ScanRecord& record) {
+  return told(record, kChargesKey);
+}
+
+std::optional<std::string> told_unpaired(const ScanRecord& record) {
+  return told(record, kUnpairedKey);
+}
+
+bool has_energies(const ScanRecord& record) { return record.origin.count(kEnergyKey) > 0; }
 
 const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
 
@@ -119,10 +186,33 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
   return text;
 }
 
+/// "-1.5 and -2.25"
+std::string listed(const std::vector<double>& energies) {
+  std::string text;
+  for (const double energy : energies)
+    text.append(text.empty() ? "" : " and ").append(shortest_text(energy));
+  return text;
+}
+
+void require_same_references(const std::string& name, const ScanRecord& earlier,
+                             const ScanRecord& now) {
+  const auto& were = earlier.reference_energies;
+  const auto& are = now.reference_energies;
+  const bool same =
+      std::equal(were.begin(), were.end(), are.begin(), are.end(),
+                 [](double was, double is) { return std::abs(was - is) <= kMostOfRounding; });
+  if (!same)
+    throw IoFailure(fmt::format(
+        "{}: the energy that interactions are counted from was {} Hartree, is {}: the engine or its "
+        "parameters have changed, so make it again",
+        name, listed(were), listed(are)));
+}
+
 void require_same_origin(const std::string& name, const ScanRecord& earlier,
                          const ScanRecord& now) {
   const std::string differs = difference(earlier, now);
   if (!differs.empty()) throw IoFailure(fmt::format("{}: is of another scan: {}", name, differs));
+  require_same_references(name, earlier, now);
 }
 
 std::string sentence_about(const ScanTotals& totals, bool written) {

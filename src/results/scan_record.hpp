@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "dravo/energy.hpp"
 #include "dravo/molecule.hpp"
 #include "results/scan_totals.hpp"
 #include "scan/pair_placer.hpp"
@@ -89,6 +90,9 @@ struct ScanRecord {
   std::map<ResultFile, FileState> files;
   /// Null in the progress of a scan and in records of earlier versions.
   std::shared_ptr<const ScannedPair> molecules = nullptr;
+  /// As `EnergyModel::references` has them. No part of the origin: their last digits depend on the
+  /// machine.
+  std::vector<double> reference_energies = {};
 
   [[nodiscard]] Writing writing() const;
 
@@ -111,11 +115,31 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
 void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
                    const std::optional<BestRule>& best);
 
+/// What of the poses is written, in the place of what stands there.
+void set_writing(std::map<std::string, std::string>& origin, Writing writing);
+
+/// Adds how energies are computed, and which bound they keep to.
+void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
+                   const std::optional<double>& keep_below);
+
+/// The same of a method by which the poses of a finished scan are computed again: its name and a
+/// hyphen stand before each key.
+void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy);
+
+/// The charges that the energies of a record were computed with, or those of unpaired electrons:
+/// "0,-1". The first method that tells it; empty without any.
+std::optional<std::string> told_charges(const ScanRecord& record);
+std::optional<std::string> told_unpaired(const ScanRecord& record);
+
+/// Whether the poses of a scan have energies.
+bool has_energies(const ScanRecord& record);
+
 /// Whether the poses of a scan are placed exactly.
 bool is_exact(const ScanRecord& record);
 
-/// Throws IoFailure with every key that differs, unless both are records of the same scan; `name`
-/// is the file of the earlier one.
+/// Throws IoFailure with every key that differs, unless both are records of the same scan; also
+/// when their reference energies differ by more than rounding explains. `name` is the file of the
+/// earlier one.
 void require_same_origin(const std::string& name, const ScanRecord& earlier, const ScanRecord& now);
 
 /// One sentence for people; `written`: a scan wrote what it counted.

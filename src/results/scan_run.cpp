@@ -103,25 +103,39 @@ void require_file_name(const std::string& name) {
 ChunkJob job_of(std::int32_t atoms, const ScanPlan& plan, const ScanRequest& request,
                 std::int64_t done) {
   const Stretch poses = stretch_of(plan, request);
-  return {poses.first + done, poses.end, poses_of_chunk(atoms), request.threads};
+  std::int64_t size = poses_of_chunk(atoms);
+  if (request.energy)
+    size = std::min(size, poses_of_a_moment(request.energy->options().method, atoms));
+  return {poses.first + done, poses.end, size, request.threads};
+}
+
+ScanOutput output_of(const ScanRequest& request, Writing writing) {
+  return {writing, writing == Writing::files ? request.name : "",
+          request.energy ? &*request.energy : nullptr, request.keep_below};
 }
 
 ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                      const ScanRequest& request) {
   auto origin = origin_of(placer, molecules, plan);
   add_to_origin(origin, request.writing, request.best);
-  return {std::move(origin),
-          plan.poses().size(),
-          request.part.value_or(Shard{}),
-          {},
-          {},
-          std::make_shared<const ScannedPair>(molecules)};
+  if (request.energy) add_to_origin(origin, *request.energy, request.keep_below);
+  ScanRecord record{std::move(origin),
+                    plan.poses().size(),
+                    request.part.value_or(Shard{}),
+                    {},
+                    {},
+                    std::make_shared<const ScannedPair>(molecules)};
+  if (!request.energy) return record;
+  record.totals.energies.emplace();
+  record.reference_energies = request.energy->references();
+  return record;
 }
 
-ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan) {
+ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan, const ScanRequest& request) {
   OwnedTable placed(placer.split().N);
   placer.place({}, placed.table());
-  return {writer_of(placer, columns_of(placer, plan), Writing::frames).table_heading(),
+  const PoseColumns columns = columns_of(placer, plan, output_of(request, Writing::table));
+  return {writer_of(placer, columns, Writing::table).table_heading(),
           molecule2_frame(placer.labels(), placer.split().n1, placed.table(), placer.exact())};
 }
 
@@ -142,7 +156,7 @@ void announce_size(const PairPlacer& placer, const ScanPlan& plan, const ScanReq
   if (left.first == left.end) return;
   // The best poses are written when all are made.
   const Stretch poses = request.best ? stretch_of(plan, request) : left;
-  ScanSize size = expected_size(placer, plan, writing, poses.first, poses.end);
+  ScanSize size = expected_size(placer, plan, output_of(request, writing), poses.first, poses.end);
   if (request.best) size = size_of_best(size, request.best->count, poses.end - poses.first);
   double free = free_bytes(name);
   if (request.earlier == Earlier::overwrite) free += bytes_of_earlier_results(name);
@@ -154,7 +168,7 @@ void announce_size(const PairPlacer& placer, const ScanPlan& plan, const ScanReq
 OpenResults results_opener(const PairPlacer& placer, const ScanPlan& plan,
                            const ScanRequest& request, const ScanRecord& record) {
   const std::string name = result_name(request);
-  const ResultTexts texts = texts_of(placer, plan);
+  const ResultTexts texts = texts_of(placer, plan, request);
   if (!request.best)
     return [=, files = record.results()] {
       return std::make_unique<StreamedResults>(name, files, texts);
@@ -162,9 +176,9 @@ OpenResults results_opener(const PairPlacer& placer, const ScanPlan& plan,
   const std::string_view heading(texts.table_heading.data(), texts.table_heading.size() - 1);
   AppendFrame append_frame;
   if (record.writing() != Writing::table)
-    append_frame = [poses = std::make_shared<PosesAgain>(placer, heading, record.writing(),
-                                                         name + ending_of(ResultFile::table))](
-                       std::string& frames, std::string_view row) {
+    append_frame = [poses = std::make_shared<PosesAgain>(
+                        placer, heading, record.writing(), name + ending_of(ResultFile::table),
+                        request.energy.has_value())](std::string& frames, std::string_view row) {
       poses->append_frame(frames, row);
     };
   return [=, best = BestPoses(*request.best, heading)] {
@@ -214,8 +228,7 @@ ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, cons
   if (plan.unique()) unique.emplace(placer, plan.poses(), plan.above_contact());
   const Writing writing = writing_of(plan, request);
   // Frames of the best poses are made when these are known.
-  const ScanOutput output{request.best ? Writing::table : writing,
-                          writing == Writing::files ? request.name : ""};
+  const ScanOutput output = output_of(request, request.best ? Writing::table : writing);
   const PoseFolders folders(output.pose_folder, plan.poses().size());
   const auto files = opened_files(placer, molecules, plan, request, folders);
   ScanTotals totals = files ? files->totals() : ScanTotals{};

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "dravo/energy.hpp"
 #include "dravo/molecule.hpp"
 #include "results/progress.hpp"
 #include "results/scan_files.hpp"
@@ -21,7 +22,9 @@ struct ScanRequest {
   Writing writing = Writing::frames;
   std::optional<BestRule> best;  ///< all poses without it
   Earlier earlier = Earlier::refuse;
-  bool force = false;  ///< though the disk has less room than the results take
+  std::optional<EnergyModel> energy;  ///< of the pair; poses get energies by it
+  std::optional<double> keep_below;   ///< then those with a lower one are written, kcal/mol
+  bool force = false;                 ///< though the disk has less room than the results take
   std::function<void(const std::string&)> tell = {};  ///< news before the scan begins; may be null
   std::optional<Shard> part;                          ///< the whole scan without it
   std::vector<std::string> inputs;                    ///< files that results must not replace
@@ -36,7 +39,8 @@ Writing writing_of(const ScanPlan& plan, const ScanRequest& request);
 std::string result_name(const ScanRequest& request);
 
 /// `placer` places `molecules`. Throws IoFailure when the results cannot be written, NoRoom among
-/// them, and Interrupted after SIGINT or SIGTERM, when a scan that writes is not done yet.
+/// them, Interrupted after SIGINT or SIGTERM, when a scan that writes is not done yet, and
+/// EngineFailure.
 ScanTotals run_scan(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                     const ScanRequest& request);
 

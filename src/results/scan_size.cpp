@@ -58,20 +58,25 @@ bool is_announced(const ScanSize& size) {
 
 }  // namespace
 
-ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, Writing writing,
+ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
                        std::int64_t first, std::int64_t end) {
   constexpr std::int64_t kMostLookedAt = 24;
-  const PoseWriter writer = writer_of(placer, columns_of(placer, plan), writing);
+  constexpr double kUsualEnergy = -1.0;  // kcal/mol; most have one digit before the point
+  const Writing writing = output.writing;
+  const PoseWriter writer = writer_of(placer, columns_of(placer, plan, output), writing);
   PoseMaker maker(placer, plan.poses(), {ContactRule::keep, plan.above_contact(), true});
   const std::int64_t poses = end - first;
   const std::int64_t looked_at = std::min(poses, kMostLookedAt);
   ScanSize size;
   std::string rows, frames;
   const auto look = [&](const MadePose& pose) {
-    writer.append_row(rows, pose.numbers);
+    ScannedPose numbers = pose.numbers;
+    numbers.energy_status = EnergyStatus::ok;
+    numbers.interaction = kUsualEnergy;
+    writer.append_row(rows, numbers);
     if (writing == Writing::files) size.frames += files_of_pose(placer, pose);
     if (writing == Writing::frames || writing == Writing::moving)
-      writer.append_frame(frames, pose.numbers, pose.atoms);
+      writer.append_frame(frames, numbers, pose.atoms);
   };
   for (std::int64_t k = 0; k < looked_at; ++k) {
     const std::int64_t pose = first + Shard{k + 1, looked_at}.first(poses);
@@ -81,7 +86,7 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, Writing w
       looked_at == 0 ? 0.0 : static_cast<double>(poses) / static_cast<double>(looked_at);
   size.frames = times * (size.frames + static_cast<double>(frames.size()));
   size.table = times * static_cast<double>(rows.size());
-  size.at_most = plan.contacts() != ContactRule::keep || plan.unique();
+  size.at_most = plan.contacts() != ContactRule::keep || plan.unique() || output.keep_below;
   return size;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "results/scan_record.hpp"
+#include "results/text_chunk.hpp"
 #include "scan/pair_placer.hpp"
 #include "scan/plan.hpp"
 
@@ -20,8 +21,9 @@ struct ScanSize {
   [[nodiscard]] double total() const { return frames + table; }
 };
 
-/// Of poses `first` to before `end`, from 0, judged by some of them.
-ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, Writing writing,
+/// Of poses `first` to before `end`, from 0, judged by some of them. No energy is computed, also
+/// where the output has some.
+ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
                        std::int64_t first, std::int64_t end);
 
 /// Of the best ones among so many poses, whose size is known: their rows are there three times, in

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <iostream>
 
 namespace dravo {
@@ -34,6 +33,16 @@ void StatusLine::show(const std::function<std::string(double)>& text) {
 StatusLine::Kind kind_of_status(bool quiet) {
   if (quiet) return StatusLine::Kind::none;
   return ::isatty(STDERR_FILENO) == 1 ? StatusLine::Kind::terminal : StatusLine::Kind::lines;
+}
+
+std::string frames_text(std::int64_t frames, std::int64_t bytes_done, std::int64_t bytes,
+                        double seconds) {
+  std::string text = fmt::format("{} frames, {} a second", frames,
+                                 std::llround(static_cast<double>(frames) / seconds));
+  if (bytes == 0 || bytes_done == 0) return text;
+  const double part = static_cast<double>(bytes_done) / static_cast<double>(bytes);
+  return fmt::format("{} %, {}, {} left", static_cast<int>(100.0 * part), text,
+                     duration_text(seconds * (1.0 - part) / part));
 }
 
 std::string duration_text(double seconds) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -36,6 +37,11 @@ class StatusLine {
 
 /// The kind for standard error as it is.
 StatusLine::Kind kind_of_status(bool quiet);
+
+/// "42 %, 4200 frames, 350 a second, 17 s left": of a file of `bytes`, 0 when not known, of which
+/// `bytes_done` lie behind the frames.
+std::string frames_text(std::int64_t frames, std::int64_t bytes_done, std::int64_t bytes,
+                        double seconds);
 
 /// "42 s", "3 min 20 s", "5 h 7 min"; rounded up.
 std::string duration_text(double seconds);

@@ -9,8 +9,8 @@
 
 namespace dravo {
 
-PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan) {
-  return {plan.above_contact(), plan.unique(), placer.exact()};
+PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output) {
+  return {plan.above_contact(), plan.unique(), placer.exact(), output.energy != nullptr};
 }
 
 PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing) {
@@ -24,7 +24,7 @@ namespace {
 
 PoseRules rules_of(const ScanPlan& plan, const ScanOutput& output, const UniquePoses* unique) {
   const bool written = output.writing != Writing::nothing;
-  return {plan.contacts(), plan.above_contact(), written, unique};
+  return {plan.contacts(), plan.above_contact(), written, unique, output.energy, output.keep_below};
 }
 
 }  // namespace
@@ -34,13 +34,14 @@ TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanO
     : placer_(&placer),
       output_(&output),
       poses_(placer, plan.poses(), rules_of(plan, output, unique)),
-      writer_(writer_of(placer, columns_of(placer, plan), output.writing)),
+      writer_(writer_of(placer, columns_of(placer, plan, output), output.writing)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
 void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
   chunk.frames.clear();
   chunk.table.clear();
   chunk.totals = {};
+  if (output_->energy != nullptr) chunk.totals.energies.emplace();
   poses_.make(first, end, [&](const MadePose& pose) {
     const ScannedPose& numbers = pose.numbers;
     if (pose.left_out) {
@@ -50,6 +51,7 @@ void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
     }
     chunk.totals.add(
         {1, 0, pose.wanted ? 1 : 0, numbers.contacts > 0 ? 1 : 0, numbers.shortest, numbers.index});
+    if (numbers.energy_status) chunk.totals.energies->add(numbers);
     if (pose.wanted && output_->writing != Writing::nothing) write(pose, chunk);
   });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "results/pose_folders.hpp"
@@ -23,11 +24,14 @@ struct TextChunk {
 /// What becomes of the poses.
 struct ScanOutput {
   Writing writing = Writing::nothing;
-  std::string pose_folder;  ///< of Writing::files: it gets a folder for each pose
+  std::string pose_folder = {};         ///< of Writing::files: it gets a folder for each pose
+  const EnergyModel* energy = nullptr;  ///< which energies poses get; null for none
+  std::optional<double> keep_below =
+      std::nullopt;  ///< poses with a lower one are written, kcal/mol
 };
 
 /// Which columns the poses of a plan have.
-PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan);
+PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output);
 
 /// Its frames are those of Writing::moving or of both molecules.
 PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing);

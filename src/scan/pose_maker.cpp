@@ -1,8 +1,10 @@
 #include "scan/pose_maker.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/constants.hpp"
+#include "energy/pose_energy.hpp"
 #include "molecules/pose_range.hpp"
 
 namespace dravo {
@@ -21,6 +23,16 @@ bool is_wanted(ContactRule rule, bool has_contacts) {
 }
 
 }  // namespace
+
+/// Of a pair of a dozen atoms; the work grows with the square of their number.
+std::int64_t poses_of_a_moment(EnergyMethod method, std::int32_t atoms) {
+  constexpr double kDozen = 12.0;
+  constexpr double kForceField = 256.0, kTightBinding = 8.0;
+  if (method == EnergyMethod::command) return 1;
+  const double poses = method == EnergyMethod::gfnff ? kForceField : kTightBinding;
+  const double size = std::max(atoms / kDozen, 1.0);
+  return std::max<std::int64_t>(std::llround(poses / (size * size)), 1);
+}
 
 PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& radians) {
   PoseDegrees applied;
@@ -46,6 +58,7 @@ MadePose PoseMaker::made(std::int64_t index, const PoseDegrees& planned) {
   if (rules_.above_contact)
     asked.r = pose.radians.r = distance_beyond(placer_->touching_distance(pose.radians), planned.r);
   place(pose);
+  if (rules_.energy != nullptr && pose.wanted) compute_energy(pose);
   return pose;
 }
 
@@ -58,7 +71,8 @@ MadePose PoseMaker::made_again(const ScannedPose& known) {
 /// By its radians.
 void PoseMaker::place(MadePose& pose) {
   pose.placement = placer_->place(pose.radians, placed_.table());
-  const ContactSurvey survey = placer_->survey(placed_.table(), rules_.clearance);
+  const ContactSurvey survey =
+      placer_->survey(placed_.table(), rules_.clearance || rules_.energy != nullptr);
   pose.numbers.applied = placer_->exact() ? with_folded_azimuths(pose.numbers.asked)
                                           : applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
@@ -67,6 +81,20 @@ void PoseMaker::place(MadePose& pose) {
   pose.numbers.clearance_atom1 = survey.clearance_atom1;
   pose.numbers.clearance_atom2 = survey.clearance_atom2;
   pose.wanted = is_wanted(rules_.contacts, survey.contacts > 0);
+}
+
+void PoseMaker::compute_energy(MadePose& pose) {
+  PoseEnergy found{EnergyStatus::clash};
+  if (pose.numbers.clearance >= kClash) {
+    if (!engine_) engine_.emplace(rules_.energy->start());
+    positions_.clear();
+    for (std::int32_t i = 0; i < pose.atoms.rows(); ++i)
+      positions_.push_back(pose.atoms.position(i));
+    found = engine_->energy(positions_);
+  }
+  pose.numbers.energy_status = found.status;
+  pose.numbers.interaction = rounded_energy(found.interaction);
+  if (rules_.keep_below) pose.wanted = pose.numbers.interaction < *rules_.keep_below;
 }
 
 }  // namespace dravo

@@ -3,10 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "common/atom_table.hpp"
+#include "dravo/energy.hpp"
 #include "dravo/scan.hpp"
 #include "molecules/pair_table.hpp"
 #include "output/placement.hpp"
@@ -21,13 +23,19 @@ struct PoseRules {
   bool above_contact = false;           ///< r counts from the first contact
   bool clearance = false;               ///< poses have it
   const UniquePoses* unique = nullptr;  ///< equal poses are made once; null for all
+  const EnergyModel* energy =
+      nullptr;  ///< poses with the right contacts get an energy, if not null
+  std::optional<double> keep_below = std::nullopt;  ///< wanted are those with a lower one, kcal/mol
 };
+
+/// How many poses of so many atoms take about a tenth of a second, at most.
+std::int64_t poses_of_a_moment(EnergyMethod method, std::int32_t atoms);
 
 /// What was found in a pose, and how it came about.
 struct MadePose {
   ScannedPose numbers;
   bool left_out;  ///< equal to an earlier one, and not placed
-  bool wanted;    ///< by the rule about contacts
+  bool wanted;    ///< by the rules about contacts and energies
   PoseRadians radians;
   Placement placement;
   ConstAtomTable atoms;  ///< the placed pair, until the next pose is made
@@ -60,12 +68,15 @@ class PoseMaker {
   MadePose made(std::int64_t index, const PoseDegrees& planned);
 
   void place(MadePose& pose);
+  void compute_energy(MadePose& pose);
 
   const PairPlacer* placer_;
   Poses poses_;
   PoseRules rules_;
   OwnedTable placed_;
   std::vector<PoseDegrees> asked_;
+  std::optional<EnergyEngine> engine_;  ///< from the first pose on that needs it
+  std::vector<Vec3> positions_;
 };
 
 }  // namespace dravo

@@ -29,7 +29,9 @@ class BatchMaker {
  public:
   BatchMaker(const PairPlacer& placer, const Poses& poses, const ScanOptions& options,
              const UniquePoses* unique)
-      : poses_(placer, poses, {options.contacts, options.above_contact, options.clearance, unique}),
+      : poses_(placer, poses,
+               {options.contacts, options.above_contact, options.clearance, unique, options.energy,
+                options.keep_below}),
         with_positions_(options.positions) {}
 
   void make(std::int64_t first, std::int64_t end, OwnedBatch& batch) {
@@ -56,13 +58,15 @@ class BatchMaker {
   bool with_positions_;
 };
 
-/// Batches of some hundred kilobytes stay in the caches of a core.
+/// Batches of some hundred kilobytes stay in the caches of a core. Energies come in smaller ones.
 std::int64_t poses_of_batch(const PairPlacer& placer, const ScanOptions& options) {
   constexpr std::int64_t kBytesOfBatch = 262144;
   constexpr auto kBytesOfPose = static_cast<std::int64_t>(sizeof(ScannedPose));
   const std::int64_t numbers = options.positions ? 3 * std::int64_t{placer.split().N} : 0;
   const auto bytes = kBytesOfPose + numbers * static_cast<std::int64_t>(sizeof(double));
-  return std::max<std::int64_t>(kBytesOfBatch / bytes, 1);
+  const std::int64_t poses = std::max<std::int64_t>(kBytesOfBatch / bytes, 1);
+  if (options.energy == nullptr) return poses;
+  return std::min(poses, poses_of_a_moment(options.energy->options().method, placer.split().N));
 }
 
 }  // namespace
@@ -72,6 +76,8 @@ void scan(const PairPlacer& placer, const Poses& poses, const ScanOptions& optio
   if (options.threads < 0)
     throw InvalidInput(
         fmt::format("expected a number of threads, or 0 for all, found {}", options.threads));
+  if (options.keep_below && options.energy == nullptr)
+    throw InvalidInput("poses with a low energy are wanted, but no energies are computed");
   const auto unique =
       options.unique ? std::make_unique<const UniquePoses>(placer, poses, options.above_contact)
                      : nullptr;

@@ -268,7 +268,7 @@ TEST(RecordThatChanged, IsRefused) {
   fs::remove(folder.path() / "scan.json");
   folder.write("scan.progress", "of a scan in work");
   expect_refusal(run_command(folder, {"extract", "scan", "--poses", "1"}),
-                 "scan: is unfinished; `dravo scan` with --resume goes on with it",
+                 "scan: is unfinished; the command that makes it goes on with --resume",
                  folder.outputs());
   fs::remove(folder.path() / "scan.progress");
   expect_refusal(run_command(folder, {"extract", "scan", "--poses", "1"}),

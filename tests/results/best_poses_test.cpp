@@ -45,9 +45,21 @@ TEST(BestPoses, OfEqualValuesAreTheFirst) {
 }
 
 TEST(BestPoses, HaveWhatIsNoNumberLast) {
-  const std::string rows = "1,nan,a\n2,inf,b\n3,,c\n4,-inf,d\n5,7,e\n";
-  EXPECT_EQ(best_of({5, "x", false}, rows), "4,-inf,d\n5,7,e\n2,inf,b\n1,nan,a\n3,,c\n");
+  const std::string rows = "1,nan,a\n2,inf,b\n3,no,c\n4,-inf,d\n5,7,e\n";
+  EXPECT_EQ(best_of({5, "x", false}, rows), "4,-inf,d\n5,7,e\n2,inf,b\n1,nan,a\n3,no,c\n");
   EXPECT_EQ(best_of({3, "x", true}, rows), "2,inf,b\n5,7,e\n4,-inf,d\n");
+}
+
+/// A pose without an energy is not one of those with the lowest energies.
+TEST(BestPoses, AreNotThoseWithoutAValue) {
+  const std::string rows = "1,,a\n2,5,b\n3,,c\n4,-3,d\n";
+  EXPECT_EQ(best_of({3, "x", false}, rows), "4,-3,d\n2,5,b\n");
+  EXPECT_EQ(best_of({3, "x", true}, rows), "2,5,b\n4,-3,d\n");
+  EXPECT_EQ(best_of({3, "index", false}, rows), "1,,a\n2,5,b\n3,,c\n");
+  BestPoses last_column({2, "y", false}, "index,y");
+  EXPECT_FALSE(last_column.add("1,\n2,\n"));
+  EXPECT_TRUE(last_column.add("3,4\n"));
+  EXPECT_EQ(in_order(last_column), "3,4\n");
 }
 
 TEST(BestPoses, TellWhetherARowIsAmongThem) {

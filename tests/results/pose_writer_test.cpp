@@ -8,6 +8,7 @@
 #include <limits>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/atoms.hpp"
@@ -110,6 +111,71 @@ TEST(PoseTable, IsTheSameForExactPoses) {
   EXPECT_EQ(row_of(hand_made(), kExact), row_of(hand_made()));
 }
 
+// Energies.
+
+constexpr PoseColumns kEnergies{.energy = true};
+
+ScannedPose with_energy(EnergyStatus status, double interaction) {
+  ScannedPose pose = hand_made();
+  pose.energy_status = status;
+  pose.interaction = interaction;
+  return pose;
+}
+
+const std::string kPlainRow = row_of(hand_made()).substr(0, row_of(hand_made()).size() - 1);
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+TEST(PoseTable, EndsWithEnergyAndStatus) {
+  const std::string heading = PoseWriter(kLabels, 1, {}).table_heading();
+  EXPECT_EQ(PoseWriter(kLabels, 1, {.equivalents = true, .energy = true}).table_heading(),
+            heading.substr(0, heading.size() - 1) + ",equivalents,e_int_kcal_mol,status\n");
+  EXPECT_EQ(row_of(with_energy(EnergyStatus::ok, -16.64172), kEnergies),
+            kPlainRow + ",-16.641720,ok\n");
+  EXPECT_EQ(
+      row_of(with_energy(EnergyStatus::ok, 4999.9999996), {.equivalents = true, .energy = true}),
+      kPlainRow + ",12,5000.000000,ok\n");
+  EXPECT_EQ(row_of(with_energy(EnergyStatus::ok, -16.64172)), kPlainRow + "\n")
+      << "only where the scan has energies";
+}
+
+TEST(PoseTable, HasTheStatusOfAPoseWithoutEnergy) {
+  for (const auto& [status, name] :
+       {std::pair(EnergyStatus::clash, "clash"), std::pair(EnergyStatus::scf_fail, "scf_fail"),
+        std::pair(EnergyStatus::nonphysical, "nonphysical"),
+        std::pair(EnergyStatus::engine_died, "engine_died")})
+    EXPECT_EQ(row_of(with_energy(status, kNoNumber), kEnergies), kPlainRow + ",," + name + "\n");
+}
+
+TEST(PoseTable, ReadsBackWhatPlacingAPoseDoesNotFind) {
+  const PoseWriter writer(kLabels, 1, {.above_contact = true, .equivalents = true, .energy = true});
+  for (const ScannedPose& pose :
+       {with_energy(EnergyStatus::ok, -0.000001), with_energy(EnergyStatus::clash, kNoNumber)}) {
+    std::string row;
+    writer.append_row(row, pose);
+    const auto read = writer.read_row(row.substr(0, row.size() - 1));
+    ASSERT_TRUE(read) << row;
+    EXPECT_EQ(read->index, 42);
+    EXPECT_EQ(read->above_contact, 0.25);
+    EXPECT_EQ(read->asked.gamma, 359.99);
+    EXPECT_EQ(read->equivalents, 12);
+    EXPECT_EQ(read->energy_status, pose.energy_status);
+    if (pose.energy_status == EnergyStatus::ok) {
+      EXPECT_EQ(read->interaction, -0.000001);
+    } else {
+      EXPECT_TRUE(std::isnan(read->interaction));
+    }
+  }
+}
+
+TEST(PoseTable, ReadsNoRowWithAnotherStatus) {
+  const PoseWriter writer(kLabels, 1, kEnergies);
+  EXPECT_TRUE(writer.read_row(kPlainRow + ",-1.000000,ok"));
+  EXPECT_TRUE(writer.read_row(kPlainRow + ",-1.000000,ok,more")) << "of the user";
+  for (const char* cells :
+       {",-1.000000,fine", ",-1.000000,", ",-1.000000", "", ",low,ok", ",-1 ,ok"})
+    EXPECT_FALSE(writer.read_row(kPlainRow + cells)) << cells;
+}
+
 /// The parts of a row.
 std::vector<std::string> parts(const std::string& row) {
   std::vector<std::string> all;
@@ -185,6 +251,21 @@ TEST(PoseFrame, EndsItsCommentWithWhatNotEveryScanHas) {
   EXPECT_EQ(comment_of(kExact), words + " placing=exact\n");
   EXPECT_EQ(comment_of({.equivalents = true, .exact = true}),
             words + " equivalents=12 placing=exact\n");
+}
+
+TEST(PoseFrame, HasEnergyAndStatus) {
+  const std::vector<Atom> atoms{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}};
+  const auto end_of_comment = [&](const ScannedPose& pose) {
+    const std::string frame =
+        frame_of(pose, atoms, {.equivalents = true, .exact = true, .energy = true});
+    const std::size_t begin = frame.find(" equivalents=");
+    return frame.substr(begin, frame.find('\n', begin) - begin);
+  };
+  EXPECT_EQ(end_of_comment(with_energy(EnergyStatus::ok, 0.5)),
+            " equivalents=12 e_int_kcal_mol=0.500000 status=ok placing=exact");
+  EXPECT_EQ(end_of_comment(with_energy(EnergyStatus::clash, kNoNumber)),
+            " equivalents=12 status=clash placing=exact")
+      << "a key without a value would end the line for readers of extended xyz";
 }
 
 TEST(PoseFrame, KeepsItsColumnsToTheLargestNumbers) {

@@ -34,7 +34,8 @@ INSTANTIATE_TEST_SUITE_P(
         State{3610, 10, 10, 10.0, "0 %, 10 of 3610 poses, 1 a second, 1 h 0 min left"},
         State{100010, 10, 10, 10.0, "0 %, 10 of 100010 poses, 1 a second, 27 h 46 min left"},
         State{10, 1, 1, 0.3, "10 %, 1 of 10 poses, 3 a second, 3 s left"},  // 2.7 s rounded up
-        State{3, 1, 1, 4.0, "33 %, 1 of 3 poses, 0 a second, 8 s left"},    // a quarter a second
+        State{3, 1, 1, 4.0, "33 %, 1 of 3 poses, 0.25 a second, 8 s left"},
+        State{400, 2, 2, 120.0, "0 %, 2 of 400 poses, 0.017 a second, 6 h 38 min left"},
         State{10, 10, 10, 2.0, "100 %, 10 of 10 poses, 5 a second, 0 s left"}));
 
 // Poses of an earlier session were not made in this one's time.

@@ -8,6 +8,8 @@
 
 #include "results/text_chunk.hpp"
 #include "scan/plans.hpp"
+#include "support/shell_energies.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace dravo::test {
 namespace {
@@ -99,25 +101,25 @@ TEST(ExpectedSize, OfFewPosesIsThatOfTheirRowsAndFrames) {
   const ScanPlan plan = plan_of({{"r", "contact + 0,1"}, {"random", "12"}});
   for (const Writing writing : {Writing::frames, Writing::moving, Writing::table}) {
     const TextChunk chunk = made(placer, plan, writing);
-    const ScanSize size = expected_size(placer, plan, writing, 0, 24);
+    const ScanSize size = expected_size(placer, plan, {writing}, 0, 24);
     EXPECT_EQ(size.frames, static_cast<double>(chunk.frames.size()));
     EXPECT_EQ(size.table, static_cast<double>(chunk.table.size()));
     EXPECT_FALSE(size.at_most);
   }
-  EXPECT_EQ(expected_size(placer, plan, Writing::frames, 7, 7).total(), 0.0) << "nothing is left";
+  EXPECT_EQ(expected_size(placer, plan, {Writing::frames}, 7, 7).total(), 0.0) << "nothing is left";
 }
 
 TEST(ExpectedSize, OfManyPosesIsNearThatOfTheirRowsAndFrames) {
   const PairPlacer placer(pair_of(sample("formamide-dimer")));
   const ScanPlan plan = plan_of(one_pose({{"r", "3:7:0.01"}, {"phi", "0:350:50"}}));
   const TextChunk chunk = made(placer, plan, Writing::frames);
-  const ScanSize size = expected_size(placer, plan, Writing::frames, 0, plan.poses().size());
+  const ScanSize size = expected_size(placer, plan, {Writing::frames}, 0, plan.poses().size());
   const auto frames = static_cast<double>(chunk.frames.size());
   const auto table = static_cast<double>(chunk.table.size());
   EXPECT_NEAR(size.frames, frames, 0.01 * frames);
   EXPECT_NEAR(size.table, table, 0.03 * table);
   const ScanSize half =
-      expected_size(placer, plan, Writing::frames, plan.poses().size() / 2, plan.poses().size());
+      expected_size(placer, plan, {Writing::frames}, plan.poses().size() / 2, plan.poses().size());
   EXPECT_NEAR(half.frames, 0.5 * frames, 0.01 * frames);
 }
 
@@ -125,11 +127,31 @@ TEST(ExpectedSize, IsABoundWhereSomePosesAreLeftOut) {
   const PairPlacer placer(pair_of(sample("formamide-dimer")));
   for (const char* rule : {"drop", "only"}) {
     const ScanPlan plan = plan_of({{"r", "3"}, {"random", "20"}, {"contacts", rule}});
-    const ScanSize size = expected_size(placer, plan, Writing::frames, 0, 20);
+    const ScanSize size = expected_size(placer, plan, {Writing::frames}, 0, 20);
     EXPECT_TRUE(size.at_most);
     const TextChunk all = made(placer, plan_of({{"r", "3"}, {"random", "20"}}), Writing::frames);
     EXPECT_EQ(size.frames, static_cast<double>(all.frames.size()));
   }
+}
+
+/// What an energy takes: ",-1.000000,ok" in a row, " e_int_kcal_mol=-1.000000 status=ok" in a
+/// frame.
+TEST(ExpectedSize, HasRoomForEnergiesAndComputesNone) {
+  const TemporaryFolder folder;
+  const std::string calls = (folder.path() / "calls").string();
+  const Pair pair = two_argons();
+  const PairPlacer placer(pair);
+  const EnergyModel model(pair, one_over_r("echo call >> " + calls + "; "));
+  const ScanPlan plan = plan_of({{"r", "4"}, {"random", "10"}});
+  const ScanSize without = expected_size(placer, plan, {Writing::frames}, 0, 10);
+  ScanOutput output{.writing = Writing::frames, .energy = &model};
+  const ScanSize with = expected_size(placer, plan, output, 0, 10);
+  EXPECT_EQ(with.table, without.table + 10.0 * 13.0);
+  EXPECT_EQ(with.frames, without.frames + 10.0 * 35.0);
+  EXPECT_FALSE(with.at_most);
+  EXPECT_EQ(folder.read("calls"), "call\ncall\n") << "the atoms alone";
+  output.keep_below = -1.0;
+  EXPECT_TRUE(expected_size(placer, plan, output, 0, 10).at_most);
 }
 
 /// Frames and table of those kept, and their rows twice more while the scan runs.
@@ -148,7 +170,7 @@ TEST(ExpectedSize, OfTheBestPosesIsThatOfTheirShare) {
 TEST(ExpectedSize, OfFilesIsInBlocks) {
   const PairPlacer placer(pair_of(sample("formamide-dimer")));
   const ScanPlan plan = plan_of({{"r", "6"}, {"random", "10"}, {"files", "true"}});
-  EXPECT_EQ(expected_size(placer, plan, Writing::files, 0, 10).frames, 10.0 * 3.0 * 4096.0);
+  EXPECT_EQ(expected_size(placer, plan, {Writing::files}, 0, 10).frames, 10.0 * 3.0 * 4096.0);
 }
 
 }  // namespace

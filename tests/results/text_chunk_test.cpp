@@ -47,7 +47,8 @@ std::vector<std::string> parts_of(const std::string& text, char separator) {
 
 std::vector<Row> rows_of(const Scan& scan) {
   const std::string heading =
-      writer_of(scan.placer, columns_of(scan.placer, scan.plan), Writing::frames).table_heading();
+      writer_of(scan.placer, columns_of(scan.placer, scan.plan, scan.output), Writing::frames)
+          .table_heading();
   const auto names = parts_of(heading.substr(0, heading.find('\n')), ',');
   std::vector<Row> rows;
   for (const std::string& line : parts_of(scan.all().table, '\n')) {
