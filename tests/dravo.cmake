@@ -110,7 +110,7 @@ set(energy_tests
   energy_names_test.cpp
   private_folder_test.cpp)
 if(DRAVO_XTB)
-  list(APPEND energy_tests xtb_engine_test.cpp xtb_worker_test.cpp)
+  list(APPEND energy_tests forces_test.cpp s22_test.cpp xtb_engine_test.cpp xtb_worker_test.cpp)
 endif()
 dravo_test_programs(energy protocol ${energy_tests})
 dravo_test_molecules(energy)
