@@ -111,7 +111,7 @@ set(energy_tests
   energy_names_test.cpp
   private_folder_test.cpp)
 if(DRAVO_XTB)
-  list(APPEND energy_tests xtb_engine_test.cpp xtb_worker_test.cpp)
+  list(APPEND energy_tests forces_test.cpp s22_test.cpp xtb_engine_test.cpp xtb_worker_test.cpp)
 endif()
 dravo_test_programs(energy protocol ${energy_tests})
 dravo_test_molecules(energy)
@@ -126,6 +126,17 @@ foreach(program energy_tests energy_tests_sanitized)
     add_dependencies(${program} dravo-xtb-worker)
   endif()
 endforeach()
+
+set(dock_tests matchings_test.cpp same_minimum_test.cpp)
+if(DRAVO_XTB)
+  list(APPEND dock_tests dock_search_test.cpp minima_test.cpp starts_test.cpp)
+endif()
+dravo_test_programs(dock protocol ${dock_tests})
+dravo_test_molecules(dock)
+if(DRAVO_XTB)
+  add_dependencies(dock_tests dravo-xtb-worker)
+  add_dependencies(dock_tests_sanitized dravo-xtb-worker)
+endif()
 
 # The built dravo, as it is and sanitized.
 add_library(watched_system MODULE cli/watched_system.cpp)

@@ -75,8 +75,11 @@ struct DockMinimum {
   /// where the engine found none.
   double score_energy = std::numeric_limits<double>::quiet_NaN();
   double search_energy = std::numeric_limits<double>::quiet_NaN();
-  std::int64_t starts = 0;  ///< how many ended there
-  bool refined = false;     ///< minimised with `DockOptions::score`, not as `search` left it
+  std::int64_t starts = 0;  ///< how many led there; the same in a minimum kept beside another
+  /// Minimised with `DockOptions::score`. Otherwise it is as `search` left it: others are better,
+  /// or the second minimisation led more than 1 Angstrom away (RMSD of all atoms), to another
+  /// minimum, beside which this one is kept.
+  bool refined = false;
 };
 
 class DockInside;
@@ -111,12 +114,13 @@ class Docking {
   /// Another one for each thread. Throws EngineFailure.
   [[nodiscard]] Starter starter() const;
 
-  /// The minima that the starts found, lowest `score_energy` first. All are scored, the best
-  /// `DockOptions::refined` are minimised again, and gathered again where they have become one.
-  /// The result does not depend on the number of threads (0 for as many as the machine has cores)
-  /// or the order of the starts. `progress(done, of)` may be null; it is called from the threads
-  /// that work, never twice at a time, and what it throws ends the work and is thrown here. Throws
-  /// EngineFailure.
+  /// The minima that the starts found, lowest `score_energy` first. Those within 0.25 Angstrom
+  /// (RMSD of all atoms, with equivalent atoms and equal molecules exchanged) and 0.5 kcal/mol are
+  /// one; mirror images are two. All are scored, the best `DockOptions::refined` are minimised
+  /// again, and gathered again where they have become one. The result does not depend on the number
+  /// of threads (0 for as many as the machine has cores) or the order of the starts.
+  /// `progress(done, of)` may be null; it is called from the threads that work, never twice at a
+  /// time, and what it throws ends the work and is thrown here. Throws EngineFailure.
   [[nodiscard]] std::vector<DockMinimum> minima(
       std::span<const DockStart> starts, int threads,
       const std::function<void(std::int64_t done, std::int64_t of)>& progress) const;

@@ -8,7 +8,6 @@
 
 #include "common/ordered_chunks.hpp"
 #include "dock/clusters.hpp"
-#include "dock/evaluation.hpp"
 #include "dock/minimiser.hpp"
 
 namespace dravo {
@@ -66,7 +65,7 @@ class Scorer {
       : docking_(docking), search_(docking.search().start()), score_(docking.score().start()) {}
 
   void score(DockMinimum& minimum) {
-    minimum.score_energy = energy_of(score_, atoms_of(minimum)).interaction;
+    minimum.score_energy = score_.energy(atoms_of(minimum)).interaction;
   }
 
   /// A minimum that leads nowhere stays as it is.
@@ -75,7 +74,7 @@ class Scorer {
     if (found.end != DockEnd::minimum) return;
     minimum.pose = found.pose;
     minimum.score_energy = found.energy;
-    minimum.search_energy = energy_of(search_, atoms_of(minimum)).interaction;
+    minimum.search_energy = search_.energy(atoms_of(minimum)).interaction;
     minimum.refined = true;
   }
 
@@ -121,6 +120,22 @@ void work_on(std::vector<DockMinimum>& minima, std::size_t count, const DockInsi
       });
 }
 
+/// Minimises the first so many again. What has no minimum of the better method near it is kept as
+/// well: either method may be wrong, and it may be what is looked for.
+void refine(std::vector<DockMinimum>& minima, std::size_t count, const DockInside& docking,
+            int threads, const std::function<void()>& took) {
+  constexpr double kElsewhere = 1.0;  // Angstrom
+  const std::vector<DockMinimum> before(minima.begin(),
+                                        minima.begin() + static_cast<std::ptrdiff_t>(count));
+  work_on(minima, count, docking, &Scorer::refine, threads, took);
+  const auto found = [&](const DockMinimum& minimum) {
+    return docking.found(minimum.score_energy, minimum.pose);
+  };
+  for (std::size_t k = 0; k < count; ++k)
+    if (minima[k].refined && !docking.same().within(kElsewhere, found(before[k]), found(minima[k])))
+      minima.push_back(before[k]);
+}
+
 }  // namespace
 
 std::vector<DockMinimum> final_minima(
@@ -145,7 +160,7 @@ std::vector<DockMinimum> final_minima(
   };
   work_on(minima, minima.size(), docking, &Scorer::score, threads, took);
   sort_by(&DockMinimum::score_energy, minima);
-  if (refined > 0) work_on(minima, refined, docking, &Scorer::refine, threads, took);
+  if (refined > 0) refine(minima, refined, docking, threads, took);
   return gathered(docking, &DockMinimum::score_energy, std::move(minima));
 }
 

@@ -9,8 +9,6 @@
 #include <limits>
 #include <memory>
 
-#include "dock/evaluation.hpp"
-
 namespace dravo {
 namespace {
 
@@ -79,12 +77,20 @@ class Descent {
     const Vec3 v = (kUnit / pair_.lever()) * Vec3{x[3], x[4], x[5]};
     const RelativePose pose{start_.place + kUnit * Vec3{x[0], x[1], x[2]},
                             rotation_by(v) * start_.turn};
-    ++evaluations_;
-    const PoseEnergy found = energy_and_force_of(engine_, pair_.positions(pose), pose.place);
+    const PoseEnergy found = energy_in(pose);
     const bool ok = found.status == EnergyStatus::ok;
     if (ok) note(pose, found);
     if (gradient != nullptr) write_gradient(ok ? found.on_molecule1 : RigidForce{}, v, gradient);
     return ok ? found.interaction : kHighestInteraction;
+  }
+
+  /// None where a step led off the map.
+  PoseEnergy energy_in(const RelativePose& pose) {
+    const bool on_map = length(pose.place) < 2.0 * pair_.farthest() &&
+                        std::isfinite(difference(pose.turn, kIdentity));
+    if (!on_map) return {EnergyStatus::nonphysical};
+    ++evaluations_;
+    return engine_.energy_and_force(pair_.positions(pose), pose.place);
   }
 
   void note(const RelativePose& pose, const PoseEnergy& found) {
@@ -116,8 +122,8 @@ class Descent {
 }  // namespace
 
 /// A minimum is looked at again in its parameters, which are those of a pose that symmetry makes
-/// equal within 0.002 Angstrom. The optimiser goes on from there while a force is left, as it is
-/// when it gave up early.
+/// equal within 0.002 Angstrom. The optimiser goes on from there while more than a little force is
+/// left, as it is when it gave up early.
 Minimisation Minimiser::minimise(const PoseDegrees& start) {
   constexpr int kMostDescents = 5;
   Minimisation found{DockEnd::failed, start};
@@ -126,7 +132,7 @@ Minimisation Minimiser::minimise(const PoseDegrees& start) {
     descent.run(kMostEvaluations - found.evaluations);
     const PoseDegrees lowest = pair_->parameters(descent.best());
     const RelativePose pose = relative_pose(lowest);
-    const PoseEnergy here = energy_and_force_of(*engine_, pair_->positions(pose), pose.place);
+    const PoseEnergy here = engine_->energy_and_force(pair_->positions(pose), pose.place);
     found.evaluations += descent.evaluations() + 1;
     if (here.status != EnergyStatus::ok) break;
     found.pose = lowest;
@@ -139,7 +145,7 @@ Minimisation Minimiser::minimise(const PoseDegrees& start) {
 
 DockEnd Minimiser::end_of(const PoseDegrees& pose, const PoseEnergy& found) const {
   if (pose.r > pair_->farthest()) return DockEnd::drifted_apart;
-  if (!(size_of(found.on_molecule1, pair_->lever()) < kNoForce)) return DockEnd::not_converged;
+  if (!(size_of(found.on_molecule1, pair_->lever()) < kLittleForce)) return DockEnd::not_converged;
   return pair_->are_apart(pose) ? DockEnd::drifted_apart : DockEnd::minimum;
 }
 

@@ -95,8 +95,12 @@ SameMinimum::SameMinimum(const Pair& pair) : n1_(static_cast<std::size_t>(pair.n
 }
 
 bool SameMinimum::operator()(const FoundMinimum& one, const FoundMinimum& other) const {
-  if (!(std::abs(one.energy - other.energy) <= kEnergy)) return false;
-  const double sum_of_squares = kDistance * kDistance * static_cast<double>(one.positions.size());
+  return std::abs(one.energy - other.energy) <= kEnergy && within(kDistance, one, other);
+}
+
+bool SameMinimum::within(double distance, const FoundMinimum& one,
+                         const FoundMinimum& other) const {
+  const double sum_of_squares = distance * distance * static_cast<double>(one.positions.size());
   const double least = 0.5 * (one.spread + other.spread - sum_of_squares);
   return std::any_of(choices_.begin(), choices_.end(), [&](const Choice& choice) {
     const auto first = correlations(one, 0, other, choice.of_molecule[0]);

@@ -22,16 +22,20 @@ FoundMinimum found_minimum(double energy, std::vector<Vec3> positions);
 /// molecules, where they are the same. Constant, and usable from several threads.
 class SameMinimum {
  public:
-  /// Root of the mean square distance of all atoms, Angstrom. Minima in a flat surface end up to so
-  /// far from each other.
+  /// Root of the mean square distance of all atoms, Angstrom. Minima of a flat surface that nobody
+  /// would call two are up to so far from each other.
   static constexpr double kDistance = 0.25;
   /// Minima farther apart in energy are two, kcal/mol.
   static constexpr double kEnergy = 0.5;
 
   explicit SameMinimum(const Pair& pair);
 
-  /// Whether a turn and a shift lay all atoms on each other. Mirror images are two.
+  /// Mirror images are two.
   [[nodiscard]] bool operator()(const FoundMinimum& one, const FoundMinimum& other) const;
+
+  /// Whether a turn and a shift lay all atoms on each other within a root mean square distance.
+  [[nodiscard]] bool within(double distance, const FoundMinimum& one,
+                            const FoundMinimum& other) const;
 
  private:
   /// Where the atoms of molecule 1, then those of molecule 2, may go: all combinations.
