@@ -89,6 +89,7 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
 dravo_test_programs(results results
   best_poses_test.cpp
   checksum_test.cpp
+  energy_report_test.cpp
   frame_table_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
@@ -149,6 +150,9 @@ target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
 if(DRAVO_XTB)
+  target_sources(cli_tests PRIVATE cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp)
+  target_compile_definitions(cli_tests PRIVATE
+    DRAVO_BUILT_XTB_WORKER="$<TARGET_FILE:dravo-xtb-worker>")
   add_dependencies(cli_tests dravo-xtb-worker)
 endif()
 target_compile_definitions(cli_tests PRIVATE

@@ -141,7 +141,7 @@ PoseEnergy EnergyEngine::energy_and_force(std::span<const Vec3> positions, const
 EnergyModel::EnergyModel(const Pair& pair, const EnergyOptions& options) {
   require_possible_electrons(pair, options);
   EnergySystem system = pair_of(pair, options);
-  if (options.method == EnergyMethod::gfnff) system.positions = far_apart(pair);
+  system.positions = far_apart(pair);  // two files may have their molecules in one place
   auto references = reference_energies(pair, options, system);
   inside_ = std::make_shared<const Inside>(Inside{
       options, std::move(system), pair.n1(),

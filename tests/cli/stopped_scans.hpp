@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstddef>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -69,6 +72,35 @@ inline void expect_resumed(const std::vector<Files>& states, const Words& plan,
     const Dimer killed;
     killed.put(states[k]);
     expect_success(run_scan(killed, plan + Words{"--resume"}), expected, number_of(k));
+  }
+}
+
+/// How a scan went that was killed again and again.
+struct Struggle {
+  int kills = 0;
+  int status = -1;  ///< of the run that was left alone for long enough
+};
+
+inline Struggle kill_until_done(const TemporaryFolder& folder, const Words& words,
+                                std::chrono::microseconds longest_delay, std::mt19937& random,
+                                const Preparation& prepare = {}) {
+  Struggle struggle;
+  // Each run gets somewhat longer, so the last one comes to the end on a slow machine too.
+  for (double patience = 1.0;; patience *= 1.05) {
+    const pid_t child = start_in(
+        folder, Words{tested_dravo(), "scan", kInput} + words + Words{"--resume"}, prepare);
+    const double part = static_cast<double>(random()) / static_cast<double>(std::mt19937::max());
+    const double delay = part * patience * static_cast<double>(longest_delay.count());
+    ::usleep(static_cast<useconds_t>(delay));
+    ::kill(child, SIGKILL);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (WIFSIGNALED(status)) {
+      ++struggle.kills;
+      continue;
+    }
+    struggle.status = WEXITSTATUS(status);
+    return struggle;
   }
 }
 
