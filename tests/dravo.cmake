@@ -100,6 +100,33 @@ dravo_test_programs(results results
   scan_size_test.cpp
   text_chunk_test.cpp)
 
+# Programs of the tests find the worker beside themselves, as the built dravo does.
+file(CREATE_LINK ${PROJECT_BINARY_DIR}/dravo-xtb-worker
+  ${CMAKE_CURRENT_BINARY_DIR}/dravo-xtb-worker SYMBOLIC)
+
+set(energy_tests
+  child_process_test.cpp
+  command_engine_test.cpp
+  electrons_test.cpp
+  energy_names_test.cpp
+  private_folder_test.cpp)
+if(DRAVO_XTB)
+  list(APPEND energy_tests xtb_engine_test.cpp xtb_worker_test.cpp)
+endif()
+dravo_test_programs(energy protocol ${energy_tests})
+dravo_test_molecules(energy)
+add_executable(fake_worker energy/fake_worker.cpp)
+target_include_directories(fake_worker PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(fake_worker PRIVATE dravo_headers)
+target_compile_definitions(energy_test_objects PRIVATE
+  DRAVO_FAKE_WORKER="$<TARGET_FILE:fake_worker>")
+foreach(program energy_tests energy_tests_sanitized)
+  add_dependencies(${program} fake_worker)
+  if(DRAVO_XTB)
+    add_dependencies(${program} dravo-xtb-worker)
+  endif()
+endforeach()
+
 # The built dravo, as it is and sanitized.
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)

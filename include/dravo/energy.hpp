@@ -57,8 +57,9 @@ EnergyUnit energy_unit(std::string_view name);
 
 /// A program that computes the energy of one system at a time.
 struct EnergyCommand {
-  /// A command line of the shell. It runs in an empty folder of its own. {xyz} becomes the name of
-  /// an xyz file of the system there, {charge} its net charge, {unpaired} its unpaired electrons.
+  /// A command line of the shell. It runs in a folder of its own, with one thread for OpenMP and
+  /// OpenBLAS. {xyz} becomes the name of an xyz file of the system there, {charge} its net charge,
+  /// {unpaired} its unpaired electrons, {here} the path of the folder of this process.
   std::string run;
   /// A regular expression (ECMAScript) with one group, which holds the energy, looked for in each
   /// line that the program prints. The last match counts.
@@ -69,7 +70,7 @@ struct EnergyCommand {
 struct EnergyOptions {
   EnergyMethod method = EnergyMethod::gfnff;
   std::array<int, 2> charges{};   ///< net charges of molecule 1 and molecule 2, e
-  std::array<int, 2> unpaired{};  ///< their unpaired electrons
+  std::array<int, 2> unpaired{};  ///< their unpaired electrons; the pair has all of them
   EnergyCommand command{};        ///< of EnergyMethod::command
 };
 
@@ -79,7 +80,7 @@ enum class EnergyStatus : std::uint8_t {
   clash,        ///< not computed: atoms closer than `kClash` times the sum of their radii
   scf_fail,     ///< the engine found no energy
   nonphysical,  ///< below `kLowestInteraction` or above `kHighestInteraction`
-  engine_died,  ///< the process of the engine ended; the next pose gets another one
+  engine_died,  ///< the process of the engine ended, and so did another one that tried again
 };
 
 inline constexpr std::array<EnergyStatus, 5> kEnergyStatuses{
@@ -148,7 +149,8 @@ class EnergyEngine {
 class EnergyModel {
  public:
   /// Computes the reference energies. Throws InvalidInput for charges that do not fit the numbers
-  /// of electrons, and for two net charges with GFN-FF; EngineFailure.
+  /// of electrons, for elements that the method does not have, and with GFN-FF for two net charges
+  /// and a charged molecule of several parts; EngineFailure.
   EnergyModel(const Pair& pair, const EnergyOptions& options);
 
   [[nodiscard]] const EnergyOptions& options() const;

@@ -1,14 +1,18 @@
 #include "energy/child_process.hpp"
 
 #include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <string_view>
 #include <system_error>
 
@@ -50,6 +54,7 @@ class FileActions {
     ::posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, request.output.c_str(),
                                        O_WRONLY | O_CREAT | O_TRUNC, kOwnersAlone);
     ::posix_spawn_file_actions_adddup2(&actions_, STDOUT_FILENO, STDERR_FILENO);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
     ::posix_spawn_file_actions_addchdir_np(&actions_, request.folder.c_str());
   }
   FileActions(const FileActions&) = delete;
@@ -62,17 +67,17 @@ class FileActions {
   posix_spawn_file_actions_t actions_{};
 };
 
-/// A group of its own, and signals as they are by default.
+/// The group, and signals as they are by default.
 class Attributes {
  public:
-  Attributes() {
+  explicit Attributes(pid_t group) {
     ::posix_spawnattr_init(&attributes_);
     sigset_t all, none;
     ::sigfillset(&all);
     ::sigemptyset(&none);
     ::posix_spawnattr_setsigdefault(&attributes_, &all);
     ::posix_spawnattr_setsigmask(&attributes_, &none);
-    ::posix_spawnattr_setpgroup(&attributes_, 0);
+    ::posix_spawnattr_setpgroup(&attributes_, group);
     ::posix_spawnattr_setflags(
         &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   }
@@ -100,23 +105,20 @@ ChildProcess::ChildProcess(const ChildRequest& request)
     : ChildProcess(request, request.conversation ? new_stream() : std::array{-1, -1}) {}
 
 ChildProcess::ChildProcess(const ChildRequest& request, std::array<int, 2> ends)
-    : stream_(ends[0]) {
+    : leads_(request.group == 0), stream_(ends[0]) {
   const Descriptor others_end(ends[1]);
   std::vector<std::string> command = request.command, environment = environment_of_child();
   const FileActions actions(request, others_end.get());
-  const Attributes attributes;
+  const Attributes attributes(request.group);
   const int failure = ::posix_spawn(&id_, command.front().c_str(), actions.get(), attributes.get(),
                                     pointers_to(command).data(), pointers_to(environment).data());
   if (failure == 0) return;
-  id_ = -1;
-  throw EngineFailure(request.command.front() +
-                      ": cannot be started: " + std::system_category().message(failure));
+  throw EngineFailure(fmt::format("{}: cannot be started in {}: {}", request.command.front(),
+                                  request.folder, std::system_category().message(failure)));
 }
 
 ChildProcess::~ChildProcess() {
-  if (id_ < 0) return;
-  ::kill(-id_, SIGKILL);
-  (void)wait();
+  if (id_ >= 0) (void)end();
 }
 
 bool ChildProcess::send(const void* bytes, std::size_t count) const {
@@ -143,6 +145,18 @@ bool ChildProcess::receive(void* bytes, std::size_t count) const {
   return true;
 }
 
+bool ChildProcess::is_heard_within(std::chrono::milliseconds time) const {
+  const auto end = std::chrono::steady_clock::now() + time;
+  pollfd stream{stream_.get(), POLLIN, 0};
+  int left = 0;
+  do {
+    const auto rest = end - std::chrono::steady_clock::now();
+    left = static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(rest).count());
+    if (::poll(&stream, 1, std::max(left, 0)) > 0) return true;
+  } while (left > 0);
+  return false;
+}
+
 int ChildProcess::wait() {
   int status = 0;
   while (::waitpid(id_, &status, 0) < 0 && errno == EINTR) {
@@ -150,5 +164,20 @@ int ChildProcess::wait() {
   id_ = -1;
   return status;
 }
+
+int ChildProcess::end() {
+  ::kill(leads_ ? -id_ : id_, SIGKILL);
+  return wait();
+}
+
+std::string end_text(int status) {
+  if (!WIFSIGNALED(status)) return fmt::format("it ended with status {}", WEXITSTATUS(status));
+  const int signal = WTERMSIG(status);
+  return fmt::format("signal {} ended it ({})", signal, ::strsignal(signal));
+}
+
+// The shell waits for a line that never comes; when this process is gone, it reads the end.
+GuardedGroup::GuardedGroup()
+    : guard_({{"/bin/sh", "-c", "read -r _; kill -s KILL 0"}, "/", "/dev/null", true}) {}
 
 }  // namespace dravo

@@ -3,14 +3,20 @@
 #include <fmt/format.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <regex>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 #include "common/atom_table.hpp"
 #include "common/number_text.hpp"
@@ -20,6 +26,8 @@
 
 namespace dravo {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr auto kSystemFile = "system.xyz";
 constexpr auto kShell = "/bin/sh";
@@ -43,16 +51,38 @@ double hartree(EnergyUnit unit) {
   }
 }
 
-std::string with_values(std::string command, const EnergySystem& system) {
-  const std::array<std::pair<std::string_view, std::string>, 3> values{
-      {{"{xyz}", kSystemFile},
-       {"{charge}", std::to_string(system.charge)},
-       {"{unpaired}", std::to_string(system.unpaired)}}};
+struct NamedValue {
+  std::string_view name;  // as the command line has it
+  std::string value;
+};
+
+std::string with_values(std::string line, const EnergySystem& system) {
+  std::error_code ignored;
+  const std::array<NamedValue, 4> values{{{"{xyz}", kSystemFile},
+                                          {"{charge}", std::to_string(system.charge)},
+                                          {"{unpaired}", std::to_string(system.unpaired)},
+                                          {"{here}", fs::current_path(ignored).string()}}};
   for (const auto& [name, value] : values)
-    for (std::size_t at = command.find(name); at != std::string::npos;
-         at = command.find(name, at + value.size()))
-      command.replace(at, name.size(), value);
-  return command;
+    for (std::size_t at = line.find(name); at != std::string::npos;
+         at = line.find(name, at + value.size()))
+      line.replace(at, name.size(), value);
+  return line;
+}
+
+/// A command that is not told of a charge would compute another system without a word.
+void require_names(const std::string& line, const EnergySystem& system) {
+  struct Wanted {
+    std::string_view name, reason;
+    bool wanted;
+  };
+  const std::array<Wanted, 3> names{
+      {{"{xyz}", "the file to compute", true},
+       {"{charge}", "as there are charges", system.charge != 0},
+       {"{unpaired}", "as there are unpaired electrons", system.unpaired != 0}}};
+  for (const auto& [name, reason, wanted] : names)
+    if (wanted && line.find(name) == std::string::npos)
+      throw InvalidInput(fmt::format("expected a command with {}, {}, found {}", name, reason,
+                                     dravo::quoted(line)));
 }
 
 std::regex expression_of(const std::string& text) {
@@ -70,39 +100,71 @@ std::regex expression_of(const std::string& text) {
                   dravo::quoted(text)));
 }
 
+/// What a program printed.
+struct Printed {
+  std::optional<double> energy;  ///< of the last match, if that is a number
+  std::string last_line;         ///< with something in it
+};
+
+Printed read_printed(const std::string& file, const std::regex& expression) {
+  std::ifstream in(file, std::ios::binary);
+  Printed printed;
+  std::string line;
+  std::smatch match;
+  while (std::getline(in, line)) {
+    line.resize(std::min(line.size(), kLongestLine));
+    if (line.find_first_not_of(" \t\r") != std::string::npos) printed.last_line = line;
+    if (!std::regex_search(line, match, expression)) continue;
+    printed.energy = parse_real(match[1].str());
+    if (printed.energy && !std::isfinite(*printed.energy)) printed.energy.reset();
+  }
+  return printed;
+}
+
+/// Killed, or in a shell that says so of its program.
+bool is_killed(int status) {
+  constexpr int kSignals = 128, kLastSignal = 31;
+  const int exit = WEXITSTATUS(status);
+  return WIFSIGNALED(status) || (exit > kSignals && exit <= kSignals + kLastSignal);
+}
+
+/// A folder for one computation: what it leaves there does not reach the next.
+class FolderOfOne {
+ public:
+  explicit FolderOfOne(std::string path) : path_(std::move(path)) {
+    std::error_code failure;
+    if (!fs::create_directory(path_, failure))
+      throw EngineFailure(path_ + ": cannot be made: " + failure.message());
+  }
+  FolderOfOne(const FolderOfOne&) = delete;
+  FolderOfOne& operator=(const FolderOfOne&) = delete;
+  ~FolderOfOne() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
 class CommandEngine final : public SystemEngine {
  public:
   CommandEngine(const EnergySystem& system, const EnergyCommand& command)
       : labels_(system.labels),
         line_(with_values(command.run, system)),
         expression_(expression_of(command.read)),
-        hartree_(hartree(command.unit)) {
-    if (command.run.find("{xyz}") == std::string::npos)
-      throw InvalidInput(
-          fmt::format("expected a command with {{xyz}}, the file to compute, found {}",
-                      dravo::quoted(command.run)));
-  }
+        hartree_(hartree(command.unit)) {}
 
-  /// Each computation has a folder of its own: what one leaves there does not reach the next.
   SystemEnergy compute(std::span<const Vec3> positions, std::span<Vec3> gradient) override {
     if (!gradient.empty()) throw InvalidInput("the engine `command` computes no forces");
-    const PrivateFolder folder;
-    write_system(folder.path() + "/" + kSystemFile, positions);
-    const std::string printed = folder.path() + "/printed";
-    ChildProcess process({{kShell, "-c", line_}, folder.path(), printed});
+    const FolderOfOne run(fmt::format("{}/{}", folder_.path(), ++computations_));
+    write_system(run.path() + "/" + kSystemFile, positions);
+    const std::string output = run.path() + "/printed";
+    ChildProcess process({{kShell, "-c", line_}, run.path(), output, false, group_.id()});
     const int status = process.wait();
-    if (WIFSIGNALED(status)) return {EnergyStatus::engine_died, 0.0, "ended by a signal"};
-    if (WEXITSTATUS(status) == kNotFound)
-      throw EngineFailure(fmt::format("{}: the shell does not find a program in it", line_));
-    const auto energy = energy_in(printed);
-    if (!energy)
-      return {EnergyStatus::scf_fail, 0.0,
-              fmt::format("nothing that it prints matches; it ended with status {}",
-                          WEXITSTATUS(status))};
-    if (WEXITSTATUS(status) != 0)
-      return {EnergyStatus::scf_fail, 0.0,
-              fmt::format("it ended with status {}", WEXITSTATUS(status))};
-    return {EnergyStatus::ok, *energy};
+    return judged(status, read_printed(output, expression_));
   }
 
  private:
@@ -116,31 +178,33 @@ class CommandEngine final : public SystemEngine {
     if (!out) throw EngineFailure(file + ": cannot be written");
   }
 
-  /// The last one; empty without any.
-  [[nodiscard]] std::optional<double> energy_in(const std::string& printed) const {
-    std::ifstream in(printed, std::ios::binary);
-    std::optional<double> energy;
-    std::string line;
-    std::smatch match;
-    while (std::getline(in, line)) {
-      line.resize(std::min(line.size(), kLongestLine));
-      if (!std::regex_search(line, match, expression_)) continue;
-      const auto number = parse_real(match[1].str());
-      if (number && std::isfinite(*number)) energy = *number * hartree_;
-    }
-    return energy;
+  [[nodiscard]] SystemEnergy judged(int status, const Printed& printed) const {
+    const std::string end =
+        end_text(status) + ", and its last line is " + dravo::quoted(printed.last_line);
+    if (is_killed(status)) return {EnergyStatus::engine_died, 0.0, end};
+    if (WEXITSTATUS(status) == kNotFound)
+      throw EngineFailure(
+          fmt::format("{}: {}; commands run in a folder of their own, {{here}} is that of dravo",
+                      dravo::quoted(line_), printed.last_line));
+    if (WEXITSTATUS(status) != 0) return {EnergyStatus::scf_fail, 0.0, end};
+    if (printed.energy) return {EnergyStatus::ok, *printed.energy * hartree_};
+    return {EnergyStatus::scf_fail, 0.0, "no energy is found in what the program prints; " + end};
   }
 
   std::vector<Label> labels_;
   std::string line_;
   std::regex expression_;
   double hartree_;
+  PrivateFolder folder_;
+  GuardedGroup group_;
+  std::int64_t computations_ = 0;
 };
 
 }  // namespace
 
 std::unique_ptr<SystemEngine> start_command(const EnergySystem& system,
                                             const EnergyCommand& command) {
+  require_names(command.run, system);
   return std::make_unique<CommandEngine>(system, command);
 }
 

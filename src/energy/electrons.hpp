@@ -6,7 +6,7 @@
 namespace dravo {
 
 /// Throws InvalidInput: more electrons are away than there were, unpaired ones that the number of
-/// electrons does not allow, or charges that the method cannot tell apart.
+/// electrons does not allow, or charges that the method cannot place.
 void require_possible_electrons(const Pair& pair, const EnergyOptions& options);
 
 }  // namespace dravo

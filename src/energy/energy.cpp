@@ -33,7 +33,8 @@ EnergySystem molecule_of(const Pair& pair, const EnergyOptions& options, std::si
 
 EnergySystem pair_of(const Pair& pair, const EnergyOptions& options) {
   return {pair.labels(), pair.positions(), options.charges[0] + options.charges[1],
-          options.unpaired[0] + options.unpaired[1]};
+          options.unpaired[0] + options.unpaired[1],
+          options.charges[0] != 0 ? 0 : static_cast<std::size_t>(pair.n1())};
 }
 
 /// GFN-FF takes its bonds from where the atoms stand when it is loaded. In a close pair it may see
@@ -49,12 +50,19 @@ std::vector<Vec3> far_apart(const Pair& pair) {
   return positions;
 }
 
+/// A process that somebody else killed must not change a result, so a second one tries again. What
+/// makes an engine die does it twice.
+SystemEnergy computed(SystemEngine& engine, std::span<const Vec3> positions,
+                      std::span<Vec3> gradient) {
+  SystemEnergy found = engine.compute(positions, gradient);
+  return found.status == EnergyStatus::engine_died ? engine.compute(positions, gradient) : found;
+}
+
 double reference_energy(SystemEngine& engine, std::span<const Vec3> positions,
                         std::string_view what) {
-  const SystemEnergy found = engine.compute(positions, {});
+  const SystemEnergy found = computed(engine, positions, {});
   if (found.status == EnergyStatus::ok) return found.energy;
-  throw EngineFailure(fmt::format("no energy of {}: {}{}{}", what, name_of(found.status),
-                                  found.message.empty() ? "" : ": ", found.message));
+  throw EngineFailure(fmt::format("no energy of {}: {}", what, found.message));
 }
 
 std::vector<double> reference_energies(const Pair& pair, const EnergyOptions& options,
@@ -108,9 +116,10 @@ EnergyEngine::~EnergyEngine() = default;
 
 namespace {
 
-void require_atoms(std::size_t expected, std::size_t found) {
-  if (expected != found)
-    throw InvalidInput(fmt::format("expected positions of {} atoms, found {}", expected, found));
+void require_atoms(std::size_t expected, std::span<const Vec3> found) {
+  if (expected != found.size())
+    throw InvalidInput(
+        fmt::format("expected positions of {} atoms, found {}", expected, found.size()));
 }
 
 PoseEnergy interaction_of(const SystemEnergy& found, double reference) {
@@ -124,15 +133,15 @@ PoseEnergy interaction_of(const SystemEnergy& found, double reference) {
 }  // namespace
 
 PoseEnergy EnergyEngine::energy(std::span<const Vec3> positions) {
-  require_atoms(inside_->atoms, positions.size());
-  return interaction_of(inside_->engine->compute(positions, {}), inside_->reference);
+  require_atoms(inside_->atoms, positions);
+  return interaction_of(computed(*inside_->engine, positions, {}), inside_->reference);
 }
 
 PoseEnergy EnergyEngine::energy_and_force(std::span<const Vec3> positions, const Vec3& centre) {
-  require_atoms(inside_->atoms, positions.size());
+  require_atoms(inside_->atoms, positions);
   inside_->gradient.resize(positions.size());
   PoseEnergy found =
-      interaction_of(inside_->engine->compute(positions, inside_->gradient), inside_->reference);
+      interaction_of(computed(*inside_->engine, positions, inside_->gradient), inside_->reference);
   if (found.status == EnergyStatus::ok)
     found.on_molecule1 = force_on(positions.first(inside_->n1), inside_->gradient, centre);
   return found;

@@ -1,6 +1,7 @@
 #include "energy/private_folder.hpp"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,54 +20,65 @@ namespace fs = std::filesystem;
 
 constexpr auto kPrefix = "dravo-engine-";
 
-/// A lock on the folder itself, which ends with the process that has it; below zero when somebody
-/// else has it, or it is no folder of this user.
-int locked(const std::string& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (descriptor < 0) return descriptor;
-  struct stat opened {
+enum class Claim {
+  ours,
+  others,      ///< somebody has it, it is somebody's, or it is there no more
+  impossible,  ///< the system has no locks there, or no descriptor
+};
+
+/// Locks the folder itself, until the descriptor is closed or the process ends.
+Claim claim(const std::string& folder, std::optional<Descriptor>& lock) {
+  lock.emplace(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (lock->get() < 0) return errno == ENOENT ? Claim::others : Claim::impossible;
+  if (::flock(lock->get(), LOCK_EX | LOCK_NB) != 0)
+    return errno == EWOULDBLOCK ? Claim::others : Claim::impossible;
+  struct stat locked {
   }, named{};
-  const bool ours = ::fstat(descriptor, &opened) == 0 && opened.st_uid == ::geteuid() &&
-                    ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 &&
-                    ::stat(folder.c_str(), &named) == 0 && named.st_ino == opened.st_ino;
-  if (ours) return descriptor;
-  ::close(descriptor);
-  return -1;
+  const bool ours = ::fstat(lock->get(), &locked) == 0 && ::stat(folder.c_str(), &named) == 0 &&
+                    locked.st_dev == named.st_dev && locked.st_ino == named.st_ino &&
+                    locked.st_uid == ::geteuid();
+  return ours ? Claim::ours : Claim::others;
 }
 
 /// Whatever cannot be removed stays: it is in nobody's way.
 void remove_left_behind(const fs::path& parent) {
   std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(parent, ignored)) {
-    if (!entry.path().filename().string().starts_with(kPrefix)) continue;
-    const int lock = locked(entry.path().string());
-    if (lock < 0) continue;
-    fs::remove_all(entry.path(), ignored);
-    ::close(lock);
+  for (fs::directory_iterator entry(parent, ignored), end; entry != end; entry.increment(ignored)) {
+    if (!entry->path().filename().string().starts_with(kPrefix)) continue;
+    std::optional<Descriptor> lock;
+    if (claim(entry->path().string(), lock) == Claim::ours) fs::remove_all(entry->path(), ignored);
   }
+}
+
+fs::path folder_of_temporary_files() {
+  const char* const told = std::getenv("TMPDIR");
+  return fs::absolute(told != nullptr && *told != '\0' ? told : "/tmp");
+}
+
+std::string new_folder(const fs::path& parent) {
+  std::string path = (parent / kPrefix).string() + "XXXXXX";
+  if (::mkdtemp(path.data()) != nullptr) return path;
+  const std::string reason = std::system_category().message(errno);
+  throw EngineFailure(fmt::format(
+      "{}: cannot make a folder for an engine there: {}; the variable TMPDIR can name another place",
+      parent.string(), reason));
 }
 
 }  // namespace
 
 PrivateFolder::PrivateFolder() {
-  std::error_code none;
-  const fs::path parent = fs::temp_directory_path(none);
-  if (none) throw EngineFailure("no folder for temporary files: " + none.message());
+  const fs::path parent = folder_of_temporary_files();
   remove_left_behind(parent);
   // Between its making and its lock another run may take a folder for one that was left behind.
-  while (lock_ < 0) {
-    path_ = (parent / kPrefix).string() + "XXXXXX";
-    if (::mkdtemp(path_.data()) == nullptr)
-      throw EngineFailure(parent.string() + ": cannot make a folder for an engine: " +
-                          std::system_category().message(errno));
-    lock_ = locked(path_);
-  }
+  // Where there are no locks, nobody does.
+  do {
+    path_ = new_folder(parent);
+  } while (claim(path_, lock_) == Claim::others);
 }
 
 PrivateFolder::~PrivateFolder() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
-  ::close(lock_);
 }
 
 }  // namespace dravo

@@ -1,7 +1,7 @@
 /// Total energies of one system of atoms.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <string>
@@ -17,12 +17,14 @@ struct EnergySystem {
   std::vector<Vec3> positions;  ///< Angstrom; an engine that looks for bonds finds them here
   int charge = 0;               ///< e
   int unpaired = 0;             ///< electrons
+  /// From 0: an atom of the molecule that has the charge. For GFN-FF, which cannot find it out.
+  std::size_t charged_atom = 0;
 };
 
 struct SystemEnergy {
   EnergyStatus status = EnergyStatus::ok;  ///< ok, scf_fail or engine_died
   double energy = 0.0;                     ///< Hartree, when ok
-  std::string message = {};                ///< what the engine said, unless ok; may be empty
+  std::string message = {};                ///< why there is none, unless ok
 };
 
 /// For one thread.

@@ -5,13 +5,17 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
+#include "common/atom_table.hpp"
+#include "common/text.hpp"
 #include "driver/element_table.hpp"
 #include "energy/child_process.hpp"
 #include "energy/private_folder.hpp"
@@ -28,24 +32,37 @@ constexpr auto kPathVariable = "DRAVO_XTB_WORKER";
 
 /// Where the worker may stand: where the user says, beside this program, where it is installed.
 std::vector<fs::path> worker_places() {
-  std::vector<fs::path> places;
   if (const char* const told = std::getenv(kPathVariable)) return {fs::path(told)};
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
-  places.push_back(program.parent_path() / kWorkerName);
-  places.push_back(program.parent_path().parent_path() / DRAVO_LIBEXEC_FOLDER / kWorkerName);
-  places.emplace_back(fs::path(DRAVO_INSTALLED_LIBEXEC) / kWorkerName);
-  return places;
+  return {program.parent_path() / kWorkerName,
+          program.parent_path().parent_path() / kLibexecFolder / kWorkerName,
+          fs::path(kInstalledLibexec) / kWorkerName};
 }
 
 std::string worker_program() {
-  const std::vector<fs::path> places = worker_places();
-  for (const fs::path& place : places)
+  if (!kBuiltWithXtb)
+    throw EngineFailure(
+        "this dravo was built without libxtb: build it again with the Debian package libxtb-dev, "
+        "or compute energies by another program (command)");
+  std::string looked_for;
+  for (const fs::path& place : worker_places()) {
     if (::access(place.c_str(), X_OK) == 0) return fs::absolute(place).string();
-  throw EngineFailure(fmt::format(
-      "{} is not there, the program with libxtb: this dravo was built without it, or it "
-      "was installed elsewhere and {} must tell its path",
-      places.front().string(), kPathVariable));
+    looked_for.append(looked_for.empty() ? "" : ", ").append(place.string());
+  }
+  throw EngineFailure(
+      fmt::format("the program {} is not there: looked for {}; the variable {} can tell its path",
+                  kWorkerName, looked_for, kPathVariable));
+}
+
+/// Beyond its last element libxtb ends the process, or computes with no parameters at all.
+void require_parameters(const EnergySystem& system) {
+  constexpr int kLast = 86;
+  for (const Label& label : system.labels)
+    if (atomic_number_of_symbol(label).value_or(0) > kLast)
+      throw InvalidInput(
+          fmt::format("expected elements up to Rn, which is as far as libxtb goes, found {}",
+                      trimmed(text_of(label))));
 }
 
 XtbParametrisation parametrisation_of(EnergyMethod method) {
@@ -67,20 +84,26 @@ std::vector<double> in_bohr(std::span<const Vec3> positions) {
   return bohr;
 }
 
-/// The last line with something in it.
-std::string last_words(const std::string& file) {
-  std::ifstream in(file);
-  std::string line, last;
-  while (std::getline(in, line))
-    if (line.find_first_not_of(" \t\r") != std::string::npos) last = line;
-  return last;
+/// "-3- a: this failed", a line for each routine that gave up: the last one has the cause.
+std::string cause_of(const XtbReply& reply) {
+  const auto* const end = std::find(reply.message.begin(), reply.message.end(), '\0');
+  std::string_view text(reply.message.data(),
+                        static_cast<std::size_t>(end - reply.message.begin()));
+  text = text.substr(0, text.find_last_not_of(" \n") + 1);
+  text.remove_prefix(text.rfind('\n') + 1);
+  const std::size_t mark = text.find("- ");
+  if (text.starts_with('-') && mark != std::string_view::npos) text.remove_prefix(mark + 2);
+  return text.empty() ? "libxtb does not say why" : "libxtb: " + std::string(text);
 }
 
-std::string text_of(const XtbReply& reply) {
-  const auto* const end = std::find(reply.message.begin(), reply.message.end(), '\0');
-  std::string text(reply.message.begin(), end);
-  const std::size_t last = text.find_last_not_of(" \n");
-  return text.substr(0, last == std::string::npos ? 0 : last + 1);
+/// The line in which a process that died says why; empty without one.
+std::string complaint_in(const std::string& printed) {
+  std::ifstream in(printed);
+  std::string line;
+  while (std::getline(in, line))
+    if (line.find("rror") != std::string::npos || line.find("ERROR") != std::string::npos)
+      return ": " + line;
+  return "";
 }
 
 template <class Number>
@@ -97,15 +120,8 @@ class XtbEngine final : public SystemEngine {
 
   SystemEnergy compute(std::span<const Vec3> positions, std::span<Vec3> gradient) override {
     if (!process_) start();
-    const XtbRequest request{gradient.empty() ? XtbTask::compute : XtbTask::gradient, {}, 0, 0, 0};
-    XtbReply reply{};
-    if (!process_->send(&request, sizeof request) || !send(*process_, in_bohr(positions)) ||
-        !process_->receive(&reply, sizeof reply))
-      return died();
-    if (reply.failed != 0) return {EnergyStatus::scf_fail, 0.0, text_of(reply)};
-    static_assert(sizeof(Vec3) == 3 * sizeof(double));
-    if (!process_->receive(gradient.data(), gradient.size_bytes())) return died();
-    return {EnergyStatus::ok, reply.energy};
+    if (auto found = answer(positions, gradient)) return *found;
+    return {EnergyStatus::engine_died, 0.0, ended()};
   }
 
  private:
@@ -113,26 +129,60 @@ class XtbEngine final : public SystemEngine {
   void start() {
     folder_.emplace();
     process_.emplace(ChildRequest{{worker_program()}, folder_->path(), printed(), true});
+    require_greeting();
+    XtbReply reply{};
+    if (!load(reply))
+      throw EngineFailure("the process of libxtb died when it took the molecules: " + ended());
+    if (reply.failed == 0) return;
+    process_.reset();
+    throw EngineFailure("libxtb does not take these molecules: " + cause_of(reply));
+  }
+
+  /// A program that is no worker may wait for ever, as this one would for its answer.
+  void require_greeting() {
+    constexpr std::chrono::seconds kTimeToStart(60);
+    std::array<char, kXtbGreeting.size()> greeting{};
+    if (process_->is_heard_within(kTimeToStart) &&
+        process_->receive(greeting.data(), greeting.size()) && greeting == kXtbGreeting)
+      return;
+    throw EngineFailure(fmt::format("{} does not answer as {} of this version: {}",
+                                    worker_program(), kWorkerName, ended()));
+  }
+
+  /// False when the process is gone.
+  bool load(XtbReply& reply) {
     std::vector<std::int32_t> numbers;
     for (const Label& label : system_.labels)
       numbers.push_back(atomic_number_of_symbol(label).value_or(0));
-    const XtbRequest request{XtbTask::load, parametrisation_,
-                             static_cast<std::int32_t>(numbers.size()), system_.charge,
+    const XtbRequest request{XtbTask::load,
+                             parametrisation_,
+                             static_cast<std::int32_t>(numbers.size()),
+                             system_.charge,
+                             static_cast<std::int32_t>(system_.charged_atom),
                              system_.unpaired};
-    XtbReply reply{};
-    const bool answered = process_->send(&request, sizeof request) && send(*process_, numbers) &&
-                          send(*process_, in_bohr(system_.positions)) &&
-                          process_->receive(&reply, sizeof reply);
-    if (answered && reply.failed == 0) return;
-    const std::string words = answered ? text_of(reply) : died().message;
-    throw EngineFailure("libxtb does not take these molecules: " + words);
+    return process_->send(&request, sizeof request) && send(*process_, numbers) &&
+           send(*process_, in_bohr(system_.positions)) && process_->receive(&reply, sizeof reply);
   }
 
-  /// The next computation starts another process.
-  SystemEnergy died() {
-    (void)process_->wait();
+  /// Empty when the process is gone.
+  std::optional<SystemEnergy> answer(std::span<const Vec3> positions, std::span<Vec3> gradient) {
+    XtbRequest request{};
+    request.task = gradient.empty() ? XtbTask::compute : XtbTask::gradient;
+    XtbReply reply{};
+    if (!process_->send(&request, sizeof request) || !send(*process_, in_bohr(positions)) ||
+        !process_->receive(&reply, sizeof reply))
+      return std::nullopt;
+    if (reply.failed != 0) return SystemEnergy{EnergyStatus::scf_fail, 0.0, cause_of(reply)};
+    static_assert(sizeof(Vec3) == 3 * sizeof(double));
+    if (!process_->receive(gradient.data(), gradient.size_bytes())) return std::nullopt;
+    return SystemEnergy{EnergyStatus::ok, reply.energy};
+  }
+
+  /// How the process ended, which it need not have done.
+  std::string ended() {
+    const int status = process_->end();
     process_.reset();
-    return {EnergyStatus::engine_died, 0.0, last_words(printed())};
+    return end_text(status) + complaint_in(printed());
   }
 
   [[nodiscard]] std::string printed() const { return folder_->path() + "/printed"; }
@@ -146,11 +196,12 @@ class XtbEngine final : public SystemEngine {
 }  // namespace
 
 std::string xtb_version() {
-  const std::string version = DRAVO_XTB_VERSION;
+  const std::string version = kXtbVersion;
   return version.empty() ? "libxtb" : "libxtb " + version;
 }
 
 std::unique_ptr<SystemEngine> start_xtb(const EnergySystem& system, EnergyMethod method) {
+  require_parameters(system);
   return std::make_unique<XtbEngine>(system, method);
 }
 

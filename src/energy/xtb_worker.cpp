@@ -5,11 +5,14 @@
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <xtb.h>
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -52,12 +55,34 @@ void end_with_the_other_side() {
   ::_exit(0);
 }
 
-/// libxtb has large arrays on the stack.
+/// GFN2 has some four arrays of N x N numbers on the stack: 500 atoms fill 8 MB.
 void allow_a_large_stack() {
   rlimit limit{};
   if (::getrlimit(RLIMIT_STACK, &limit) != 0) return;
   limit.rlim_cur = limit.rlim_max;
   (void)::setrlimit(RLIMIT_STACK, &limit);
+}
+
+/// libxtb looks for parameter files in these folders, and one of the user's would change energies.
+void look_for_files_here_alone() {
+  for (const char* folder : {"HOME", "XTBHOME", "XTBPATH"}) ::setenv(folder, ".", 1);
+}
+
+/// libxtb reads how much charge each atom has, and gives each fragment the sum of its atoms.
+/// Without that the first fragment gets all of the charge.
+void write_charges(const XtbRequest& request) {
+  std::FILE* const file = std::fopen("charges", "w");
+  bool whole = file != nullptr;
+  for (int atom = 0; whole && atom < request.atoms; ++atom)
+    whole = std::fprintf(file, "%d\n", atom == request.charged_atom ? request.charge : 0) > 0;
+  if (whole && std::fclose(file) == 0) return;
+  std::perror("Error: the file of charges cannot be written");
+  ::_exit(1);
+}
+
+bool is_talked_to() {
+  struct stat input {};
+  return ::fstat(STDIN_FILENO, &input) == 0 && S_ISSOCK(input.st_mode);
 }
 
 class Worker {
@@ -78,15 +103,15 @@ class Worker {
   }
 
  private:
+  /// Once in the life of a process.
   void load(const XtbRequest& request) {
     const int atoms = request.atoms;
     std::vector<int> numbers(static_cast<std::size_t>(atoms));
     positions_.resize(3 * numbers.size());
     receive(numbers);
     receive(positions_);
-    if (molecule_ != nullptr) xtb_delMolecule(&molecule_);
-    if (calculator_ != nullptr) xtb_delCalculator(&calculator_);
-    for (const char* left : {"gfnff_topo", "gfnff_adjacency", "charges"}) ::unlink(left);
+    if (request.parametrisation == XtbParametrisation::gfnff && request.charge != 0)
+      write_charges(request);
     const double charge = request.charge;
     molecule_ = xtb_newMolecule(environment_, &atoms, numbers.data(), positions_.data(), &charge,
                                 &request.unpaired, nullptr, nullptr);
@@ -140,7 +165,14 @@ class Worker {
 }  // namespace dravo
 
 int main() {
+  if (!dravo::is_talked_to()) {
+    std::fputs("dravo-xtb-worker computes energies for dravo, which starts it\n", stderr);
+    return 2;
+  }
   dravo::allow_a_large_stack();
+  dravo::look_for_files_here_alone();
+  auto greeting = dravo::kXtbGreeting;
+  dravo::send(greeting.data(), greeting.size());
   std::thread(dravo::end_with_the_other_side).detach();
   dravo::Worker().run();
 }

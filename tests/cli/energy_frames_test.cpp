@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/energies.hpp"
+#include "cli/known_energies.hpp"
 #include "dravo/contacts.hpp"
 #include "support/scan_results.hpp"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/energies.hpp"
+#include "cli/known_energies.hpp"
 #include "dravo/contacts.hpp"
 #include "support/text_lines.hpp"
 
