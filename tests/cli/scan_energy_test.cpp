@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/energies.hpp"
+#include "cli/scans_of_waters.hpp"
 
 namespace dravo::test {
 namespace {
