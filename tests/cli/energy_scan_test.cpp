@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/energies.hpp"
+#include "cli/known_energies.hpp"
 #include "cli/scanned.hpp"
 #include "dravo/contacts.hpp"
 #include "results/checksum.hpp"
