@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "cli/energies.hpp"
+#include "cli/known_energies.hpp"
 #include "cli/stopped_scans.hpp"
 #include "support/regular_expression.hpp"
 #include "support/text_lines.hpp"
