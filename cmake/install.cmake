@@ -15,6 +15,6 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/dravo-config.cmake
 # A static library names what it needs itself.
 file(RELATIVE_PATH DRAVO_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 list(JOIN LAPACK_LIBRARIES " " DRAVO_PC_LIBRARIES)
-string(APPEND DRAVO_PC_LIBRARIES " -lfmt -pthread")
+string(APPEND DRAVO_PC_LIBRARIES " -lfmt -lnlopt -pthread")
 configure_file(cmake/dravo.pc.in dravo.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/dravo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -4,13 +4,28 @@ find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
 find_package(tomlplusplus REQUIRED)
+find_path(NLOPT_INCLUDE_DIR nlopt.h REQUIRED)
+find_library(NLOPT_LIBRARY nlopt REQUIRED)
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
 find_library(XXHASH_LIBRARY xxhash REQUIRED)
 include(CheckLibraryExists)
 check_library_exists(${XXHASH_LIBRARY} XXH3_64bits_update_dispatch "" XXHASH_DISPATCHES)
 
+add_library(dravo_nlopt INTERFACE)
+target_include_directories(dravo_nlopt INTERFACE ${NLOPT_INCLUDE_DIR})
+target_link_libraries(dravo_nlopt INTERFACE ${NLOPT_LIBRARY})
+
 # What the library holds besides the stages.
 set(DRAVO_LIBRARY_SOURCES
+  src/dock/clusters.cpp
+  src/dock/dock_names.cpp
+  src/dock/dock_search.cpp
+  src/dock/docking.cpp
+  src/dock/final_minima.cpp
+  src/dock/matchings.cpp
+  src/dock/minimiser.cpp
+  src/dock/rigid_pair.cpp
+  src/dock/same_minimum.cpp
   src/energy/child_process.cpp
   src/energy/command_engine.cpp
   src/energy/electrons.cpp
@@ -72,7 +87,8 @@ set(DRAVO_LIBRARY_SOURCES
   src/symmetry/operations.cpp
   src/symmetry/superposition.cpp)
 list(TRANSFORM DRAVO_LIBRARY_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
-set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt)
+set(DRAVO_LIBRARY_DEPENDENCIES Threads::Threads fmt::fmt
+  $<BUILD_INTERFACE:dravo_nlopt> $<INSTALL_INTERFACE:nlopt>)
 
 # libxtb stays in a program of its own: it keeps global state, may end the process, and brings
 # another LAPACK.
@@ -99,6 +115,10 @@ set(DRAVO_RESULTS_SOURCES
   src/results/best_poses.cpp
   src/results/best_results.cpp
   src/results/checksum.cpp
+  src/results/dock_merge.cpp
+  src/results/dock_results.cpp
+  src/results/dock_run.cpp
+  src/results/dock_tables.cpp
   src/results/durable.cpp
   src/results/energy_report.cpp
   src/results/energy_run.cpp
@@ -146,6 +166,8 @@ function(dravo_program library)
   add_library(dravo_cli OBJECT
     src/cli/contact_report.cpp
     src/cli/convert.cpp
+    src/cli/dock.cpp
+    src/cli/dock_report.cpp
     src/cli/energy.cpp
     src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
@@ -161,6 +183,7 @@ function(dravo_program library)
     src/cli/place.cpp
     src/cli/pose_options.cpp
     src/cli/prepare.cpp
+    src/cli/shard_option.cpp
     src/cli/scan.cpp
     src/cli/scan_energy.cpp
     src/cli/usage.cpp

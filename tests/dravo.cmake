@@ -89,6 +89,7 @@ set_source_files_properties(scan/equal_poses_test.cpp PROPERTIES
 dravo_test_programs(results results
   best_poses_test.cpp
   checksum_test.cpp
+  dock_tables_test.cpp
   energy_report_test.cpp
   frame_table_test.cpp
   pose_writer_test.cpp
@@ -111,7 +112,7 @@ set(energy_tests
   energy_names_test.cpp
   private_folder_test.cpp)
 if(DRAVO_XTB)
-  list(APPEND energy_tests xtb_engine_test.cpp xtb_worker_test.cpp)
+  list(APPEND energy_tests forces_test.cpp s22_test.cpp xtb_engine_test.cpp xtb_worker_test.cpp)
 endif()
 dravo_test_programs(energy protocol ${energy_tests})
 dravo_test_molecules(energy)
@@ -126,6 +127,17 @@ foreach(program energy_tests energy_tests_sanitized)
     add_dependencies(${program} dravo-xtb-worker)
   endif()
 endforeach()
+
+set(dock_tests matchings_test.cpp same_minimum_test.cpp)
+if(DRAVO_XTB)
+  list(APPEND dock_tests dock_search_test.cpp minima_test.cpp starts_test.cpp)
+endif()
+dravo_test_programs(dock protocol ${dock_tests})
+dravo_test_molecules(dock)
+if(DRAVO_XTB)
+  add_dependencies(dock_tests dravo-xtb-worker)
+  add_dependencies(dock_tests_sanitized dravo-xtb-worker)
+endif()
 
 # The built dravo, as it is and sanitized.
 add_library(watched_system MODULE cli/watched_system.cpp)
@@ -177,7 +189,9 @@ target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
 if(DRAVO_XTB)
-  target_sources(cli_tests PRIVATE cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp)
+  target_sources(cli_tests PRIVATE
+    cli/dock_parts_test.cpp cli/dock_stops_test.cpp cli/dock_test.cpp
+    cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp)
   target_compile_definitions(cli_tests PRIVATE
     DRAVO_BUILT_XTB_WORKER="$<TARGET_FILE:dravo-xtb-worker>")
   add_dependencies(cli_tests dravo-xtb-worker)

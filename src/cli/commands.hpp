@@ -35,6 +35,7 @@ void add_identify(CLI::App& program);
 void add_place(CLI::App& program);
 void add_scan(CLI::App& program);
 void add_merge(CLI::App& program);
+void add_dock(CLI::App& program);
 void add_convert(CLI::App& program);
 void add_extract(CLI::App& program);
 void add_energy(CLI::App& program);

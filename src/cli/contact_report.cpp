@@ -38,12 +38,6 @@ std::string ratio_text(double ratio) {
   return std::isfinite(ratio) ? fixed_text(ratio, kDecimals) : "-";
 }
 
-/// "N3-H5...O7".
-std::string name_of(const HydrogenBond& bond, const Pair& pair) {
-  return fmt::format("{}-{}...{}", atom_text(pair, bond.donor), atom_text(pair, bond.hydrogen),
-                     atom_text(pair, bond.acceptor));
-}
-
 std::string angle_text(const HydrogenBond& bond) {
   return fixed_text(bond.angle, kAngleDecimals) + " degrees";
 }
@@ -108,6 +102,22 @@ std::string closest_message(const Pair& pair, const ContactCriterion& criterion)
 
 }  // namespace
 
+std::string name_of(const HydrogenBond& bond, const Pair& pair) {
+  return fmt::format("{}-{}...{}", atom_text(pair, bond.donor), atom_text(pair, bond.hydrogen),
+                     atom_text(pair, bond.acceptor));
+}
+
+Json json_of(const std::vector<HydrogenBond>& bonds) {
+  Json json = Json::array();
+  for (const HydrogenBond& bond : bonds)
+    json.push_back({{"donor", bond.donor + 1},
+                    {"hydrogen", bond.hydrogen + 1},
+                    {"acceptor", bond.acceptor + 1},
+                    {"distance", bond.distance},
+                    {"angle", bond.angle}});
+  return json;
+}
+
 std::string contact_section(const Pair& pair, const ContactCriterion& criterion) {
   const ContactSurvey survey = survey_contacts(pair, criterion);
   std::string text =
@@ -133,13 +143,6 @@ Json contact_json(const Pair& pair, const ContactCriterion& criterion) {
                        {"distance", atoms.distance},
                        {"ratio", atoms.ratio},
                        {"contact", is_contact(atoms, criterion)}});
-  Json bonds = Json::array();
-  for (const HydrogenBond& bond : hydrogen_bonds(pair))
-    bonds.push_back({{"donor", bond.donor + 1},
-                     {"hydrogen", bond.hydrogen + 1},
-                     {"acceptor", bond.acceptor + 1},
-                     {"distance", bond.distance},
-                     {"angle", bond.angle}});
   return {{"contact_distance", criterion.text()},
           {"contacts", survey.contacts},
           {"shortest", survey.shortest},
@@ -147,7 +150,7 @@ Json contact_json(const Pair& pair, const ContactCriterion& criterion) {
           {"clearance_atom1", number(survey.clearance_atom1)},
           {"clearance_atom2", number(survey.clearance_atom2)},
           {"closest", std::move(closest)},
-          {"hydrogen_bonds", std::move(bonds)}};
+          {"hydrogen_bonds", json_of(hydrogen_bonds(pair))}};
 }
 
 std::vector<std::string> contact_messages(const Pair& pair, const ContactCriterion& criterion) {

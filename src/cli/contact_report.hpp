@@ -10,6 +10,12 @@
 
 namespace dravo {
 
+/// "N3-H5...O7".
+std::string name_of(const HydrogenBond& bond, const Pair& pair);
+
+/// An array of objects with donor, hydrogen, acceptor, distance and angle.
+nlohmann::ordered_json json_of(const std::vector<HydrogenBond>& bonds);
+
 /// A section of several lines: the closest atoms, how many contacts, clearance, hydrogen bonds.
 std::string contact_section(const Pair& pair, const ContactCriterion& criterion);
 

@@ -14,24 +14,6 @@
 namespace dravo {
 namespace {
 
-/// "0,-1".
-std::array<int, 2> two_numbers(const char* option, const std::string& text) {
-  const auto parts = parts_between(text, ',');
-  std::array<int, 2> numbers{};
-  bool fits = parts.size() == numbers.size();
-  for (std::size_t i = 0; fits && i < numbers.size(); ++i) {
-    const auto number = parse_integer(parts[i]);
-    constexpr int kMost = 1000;  // no molecule has more
-    fits = number && *number >= -kMost && *number <= kMost;
-    if (fits) numbers.at(i) = static_cast<int>(*number);
-  }
-  if (fits) return numbers;
-  throw InvalidInput(
-      fmt::format("{}: expected two whole numbers, of molecule 1 and molecule 2, such as 0,-1, "
-                  "found {}",
-                  option, dravo::quoted(text)));
-}
-
 void require_printable(const char* option, std::string text) {
   constexpr std::size_t kLongest = 2000;
   for (char& c : text)
@@ -63,6 +45,23 @@ EnergyCommand command_of(const EnergyWords& words) {
 }
 
 }  // namespace
+
+std::array<int, 2> two_numbers(const char* option, const std::string& text) {
+  const auto parts = parts_between(text, ',');
+  std::array<int, 2> numbers{};
+  bool fits = parts.size() == numbers.size();
+  for (std::size_t i = 0; fits && i < numbers.size(); ++i) {
+    const auto number = parse_integer(parts[i]);
+    constexpr int kMost = 1000;  // no molecule has more
+    fits = number && *number >= -kMost && *number <= kMost;
+    if (fits) numbers.at(i) = static_cast<int>(*number);
+  }
+  if (fits) return numbers;
+  throw InvalidInput(
+      fmt::format("{}: expected two whole numbers, of molecule 1 and molecule 2, such as 0,-1, "
+                  "found {}",
+                  option, dravo::quoted(text)));
+}
 
 CLI::Option* add_energy_options(CLI::App& command, EnergyWords& words) {
   auto* energy = command

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <optional>
 #include <string>
 
@@ -23,6 +24,9 @@ struct EnergyWords {
 /// and
 /// `--read-unit` of the method `command`. Returns the first.
 CLI::Option* add_energy_options(CLI::App& command, EnergyWords& words);
+
+/// "0,-1" of an option with a number for each molecule. Throws InvalidInput, which names it.
+std::array<int, 2> two_numbers(const char* option, const std::string& text);
 
 /// Empty without a method. Throws InvalidInput, which names the option.
 std::optional<EnergyOptions> energy_options(const EnergyWords& words);

@@ -18,10 +18,11 @@ constexpr int kBadUsageOrInput = 2;
 constexpr int kSignal = 128;  // as shells count
 
 constexpr auto kExample =
-    "Examples: two molecules placed; what a pair is; a scan around a molecule\n"
+    "Examples: two molecules placed; what a pair is; a scan around a molecule; the best pairs\n"
     "  dravo place water.xyz benzene.xyz --r 3.3 -o pair.xyz\n"
     "  dravo identify pair.xyz\n"
     "  dravo scan pair.xyz --r \"contact + 0:2:0.1\" --theta 0:180:10 --output water-benzene\n"
+    "  dravo dock water.xyz benzene.xyz\n"
     "`dravo COMMAND --help` has more.\n"
     "\n"
     "Beside dravo stands qn-dravo. It takes no arguments: it places the pair of the\n"
@@ -65,6 +66,7 @@ void describe(CLI::App& program) {
   dravo::add_identify(program);
   dravo::add_place(program);
   dravo::add_scan(program);
+  dravo::add_dock(program);
   dravo::add_merge(program);
   dravo::add_extract(program);
   dravo::add_energy(program);
@@ -74,7 +76,7 @@ void describe(CLI::App& program) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App program("Prepares, identifies, places and scans pairs of molecules", "dravo");
+  CLI::App program("Prepares, identifies, places, scans and docks pairs of molecules", "dravo");
   describe(program);
   try {
     const auto fault =

@@ -16,8 +16,7 @@
 #include "cli/pose_options.hpp"
 #include "cli/resumable.hpp"
 #include "cli/scan_energy.hpp"
-#include "common/number_text.hpp"
-#include "common/shown_text.hpp"
+#include "cli/shard_option.hpp"
 #include "dravo/identify.hpp"
 #include "molecules/input_file.hpp"
 #include "results/energy_report.hpp"
@@ -76,16 +75,6 @@ struct ScanCommand {
   ScanRequest request;
 };
 
-Shard parse_shard(const std::string& text) {
-  const std::size_t slash = text.find('/');
-  const auto number = parse_integer(text.substr(0, slash));
-  const auto of = parse_integer(slash == std::string::npos ? "" : text.substr(slash + 1));
-  if (!number || !of || *number < 1 || *number > *of)
-    throw InvalidInput(
-        fmt::format("--shard: expected I/N with I from 1 to N, found {}", dravo::quoted(text)));
-  return {*number, *of};
-}
-
 /// "shortest", or "-shortest" for the largest values.
 BestRule best_rule(std::int64_t count, const std::string& by) {
   const bool largest = by.starts_with('-');
@@ -99,6 +88,13 @@ PlanKeys keys_of(const ScanCommand& options) {
   if (options.files) set_plan_key(keys, "files", "true");
   if (options.unique) set_plan_key(keys, "unique", "true");
   return keys;
+}
+
+/// A surface of energies is smooth only where singular angles are not moved, as by qn-dravo.
+Placing placing_of(const ScanCommand& options, const ScanPlan& plan, bool energies) {
+  const bool prefers_exact = plan.unique() || (energies && !plan.files());
+  const bool automatic = options.placing.placing == Placing::automatic;
+  return prefers_exact && automatic ? Placing::exact : options.placing.placing;
 }
 
 /// What the user should know about the placing.
@@ -168,8 +164,7 @@ void run(const CLI::App& command, ScanCommand& options) {
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
   std::erase_if(request.inputs, is_standard_input);  // no result can replace it
-  const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
-  const PairPlacer placer(pair.pair, {exact ? Placing::exact : options.placing.placing,
+  const PairPlacer placer(pair.pair, {placing_of(options, plan, energy.options.has_value()),
                                       like ? &*like : nullptr, plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
   if (!options.quiet && request.writing != Writing::nothing) tell_of_unknown_radii(pair.pair);

@@ -18,6 +18,11 @@ namespace {
 constexpr std::size_t kBytesAtOnce = 1U << 20U;
 constexpr std::array<ResultFile, 2> kBestSoFar{ResultFile::best1, ResultFile::best2};
 
+/// Files that hold the best poses of an unfinished scan go.
+void remove_best_so_far(const std::string& name) {
+  for (const ResultFile file : kBestSoFar) ::unlink(part_name(name, file).c_str());
+}
+
 }  // namespace
 
 void write_best(ResultFiles& files, const BestPoses& best, const ResultTexts& texts,
@@ -38,10 +43,6 @@ void write_best(ResultFiles& files, const BestPoses& best, const ResultTexts& te
     if (rows.size() + frames.size() > kBytesAtOnce) write();
   }
   write();
-}
-
-void remove_best_so_far(const std::string& name) {
-  for (const ResultFile file : kBestSoFar) ::unlink(part_name(name, file).c_str());
 }
 
 BestResults::BestResults(std::string name, BestPoses best, ResultTexts texts,

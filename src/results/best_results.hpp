@@ -19,9 +19,6 @@ using AppendFrame = std::function<void(std::string& frames, std::string_view row
 void write_best(ResultFiles& files, const BestPoses& best, const ResultTexts& texts,
                 const AppendFrame& append_frame);
 
-/// Files that hold the best poses of an unfinished scan go.
-void remove_best_so_far(const std::string& name);
-
 /// The best poses so far are in memory, and on the disk as they were when they were last forced
 /// there: in two files that take turns, so that the one that a record tells of stays whole.
 class BestResults final : public ScanResults {

@@ -186,10 +186,6 @@ void compute_rest(ScanFiles& files, SelectedRows& rows, std::int64_t poses,
 
 }  // namespace
 
-std::string energy_column(EnergyMethod method) {
-  return fmt::format("e_int_{}_kcal_mol", name_of(method));
-}
-
 ScanTotals compute_energies(const ScanRecord& scan, const PairPlacer& placer,
                             const EnergyModel& model, const EnergyRequest& request) {
   refuse_inputs_as_results(

@@ -33,7 +33,10 @@ bool is_ignored(int signal) {
 }  // namespace
 
 Interrupted::Interrupted(int signal, std::int64_t done, std::int64_t poses)
-    : Error(fmt::format("interrupted after {} of {} poses", done, poses)), signal_(signal) {}
+    : Interrupted(signal, fmt::format("{} of {} poses", done, poses)) {}
+
+Interrupted::Interrupted(int signal, const std::string& after)
+    : Error("interrupted after " + after), signal_(signal) {}
 
 InterruptionWatch::InterruptionWatch() {
   noted_signal = 0;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "dravo/error.hpp"
 
@@ -11,6 +12,7 @@ namespace dravo {
 class Interrupted : public Error {
  public:
   Interrupted(int signal, std::int64_t done, std::int64_t poses);
+  Interrupted(int signal, const std::string& after);  ///< "120 starts"
 
   [[nodiscard]] int signal() const { return signal_; }  ///< SIGINT or SIGTERM
 

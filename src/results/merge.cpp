@@ -13,6 +13,7 @@
 #include "common/free_format_reader.hpp"
 #include "common/number_text.hpp"
 #include "results/best_results.hpp"
+#include "results/dock_merge.hpp"
 #include "results/poses_again.hpp"
 #include "results/progress_file.hpp"
 #include "results/result_files.hpp"
@@ -185,7 +186,8 @@ class BestOfParts {
 
 }  // namespace
 
-ScanRecord merge_shards(const std::string& name, bool overwrite) {
+ScanRecord merge_shards(const MergeRequest& request) {
+  const std::string& name = request.name;
   const std::vector<Shard> shards = shards_with(name, kRecordEnding);
   require_all(name, shards);
   const std::vector<ScanRecord> records = checked_records(name, shards);
@@ -196,11 +198,11 @@ ScanRecord merge_shards(const std::string& name, bool overwrite) {
   if (records.front().best()) best.emplace(records.front(), parts);
   const ProgressFile held(name);
   if (!held.empty())
-    throw IoFailure(held.name() + ": is of an unfinished scan of that name; finish or remove it");
-  if (overwrite)
-    remove_earlier_results(name);
-  else
-    refuse_earlier_results(name);
+    throw IoFailure(fmt::format("{}: is of an unfinished {} of that name; finish or remove it",
+                                held.name(), records.front().kind()));
+  if (!request.overwrite) refuse_earlier_results(name);
+  if (records.front().is_docking()) return merge_docking(request, parts, records);
+  remove_earlier_results(name);
 
   ScanRecord joined = records.front();
   joined.shard = {};

@@ -148,9 +148,16 @@ void append_atom(std::string& frame, const Label& label, const Vec3& p, bool exa
   }
 }
 
-constexpr auto kProperties = "Properties=species:S:1:pos:R:3:molecule:I:1";
-
 }  // namespace
+
+void append_atoms(std::string& frame, std::span<const Label> labels, std::int32_t n1,
+                  const ConstAtomTable& placed, bool exact) {
+  std::int32_t i = 0;
+  for (const Label& label : labels) {
+    append_atom(frame, label, placed.position(i), exact);
+    frame += i++ < n1 ? " 1\n" : " 2\n";
+  }
+}
 
 std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
                             const ConstAtomTable& placed, bool exact) {
@@ -200,11 +207,7 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
     if (is_there(column, columns_)) append_key(frames, column, pose);
   if (columns_.exact) frames += " placing=exact";
   frames += '\n';
-  std::int32_t i = 0;
-  for (const Label& label : labels_) {
-    append_atom(frames, label, placed.position(i), columns_.exact);
-    frames += i++ < n1_ ? " 1\n" : " 2\n";
-  }
+  append_atoms(frames, labels_, n1_, placed, columns_.exact);
 }
 
 }  // namespace dravo

@@ -28,6 +28,16 @@ struct PoseColumns {
 std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
                             const ConstAtomTable& placed, bool exact);
 
+/// What the first words of a comment line say of the columns of a frame.
+inline constexpr auto kProperties = "Properties=species:S:1:pos:R:3:molecule:I:1";
+
+/// The atoms of both molecules, of which the first `n1` are molecule 1, as the lines of a frame:
+///
+///     columns   1-2     4-18   20-34   36-50   52
+///               symbol  x      y       z       molecule   (A2,3(1X,F15.8),1X,I1), Angstrom
+void append_atoms(std::string& frame, std::span<const Label> labels, std::int32_t n1,
+                  const ConstAtomTable& placed, bool exact);
+
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
 /// intermolecular distance, number of short contacts, clearance and its two atoms, from 1;
 /// `above_contact` behind the index in plans that count r from the contact, and `equivalents` at
@@ -51,10 +61,7 @@ class PoseWriter {
   /// row.
   [[nodiscard]] std::optional<ScannedPose> read_row(std::string_view row) const;
 
-  /// The pose whose atoms stand in `placed`:
-  ///
-  ///     columns   1-2     4-18   20-34   36-50   52
-  ///               symbol  x      y       z       molecule   (A2,3(1X,F15.8),1X,I1), Angstrom
+  /// The pose whose atoms stand in `placed`.
   void append_frame(std::string& frames, const ScannedPose& pose,
                     const ConstAtomTable& placed) const;
 

@@ -36,7 +36,12 @@ std::string_view without_line_end(std::string_view line) { return line.substr(0,
 
 ScanRecord record_of_finished(const std::string& name) {
   const std::string file = name + kRecordEnding;
-  if (has_finished_record(name)) return parse_record(file, read_file(file));
+  if (has_finished_record(name)) {
+    ScanRecord record = parse_record(file, read_file(file));
+    if (!record.is_docking()) return record;
+    throw InvalidInput(fmt::format("{0}: is a docking, not a scan; its frames are in {0}{1}", name,
+                                   ending_of(ResultFile::frames)));
+  }
   if (has_progress(name))
     throw IoFailure(name + ": is unfinished; the command that makes it goes on with --resume");
   throw IoFailure(fmt::format("{}: there is no scan of this name, which has {}", name, file));

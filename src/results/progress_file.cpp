@@ -78,7 +78,7 @@ ProgressFile::ProgressFile(const std::string& scan)
   const bool known = ::fstat(descriptor_.get(), &status) == 0;
   const bool just_removed = known && status.st_nlink == 0;
   if (held || just_removed || !known)
-    throw IoFailure(name_ + ": another process is making this scan");
+    throw IoFailure(name_ + ": another process is writing these results");
   size_ = status.st_size;
 }
 

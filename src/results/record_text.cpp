@@ -95,6 +95,7 @@ Pair pair_in(const Json& json) {
   return {n1, Molecule(json.at("symbols").get<std::vector<std::string>>(), std::move(positions))};
 }
 
+constexpr auto kDocking = "docking";
 constexpr auto kGeometry = "geometry";
 constexpr auto kReference = "reference";
 
@@ -160,6 +161,18 @@ ScanTotals totals_in(const Json& json) {
           json.contains(kEnergies) ? std::optional(energies_in(json.at(kEnergies))) : std::nullopt};
 }
 
+Json json_of(const DockSummary& docking) {
+  return {{"ended", docking.ended},
+          {"depends_on_machine", docking.ended == kEndedByTime},
+          {"minima", docking.minima},
+          {kReferenceEnergies, docking.references}};
+}
+
+DockSummary docking_in(const Json& json) {
+  return {json.at("ended").get<std::string>(), whole(json, "minima"),
+          json.at(kReferenceEnergies).get<std::map<std::string, std::vector<double>>>()};
+}
+
 std::string bytes_key(ResultFile file) {
   return fmt::format("{}_bytes", kResultNames.at(static_cast<std::size_t>(file)).key);
 }
@@ -170,6 +183,7 @@ std::string checksum_key(ResultFile file) {
 
 /// Those that a record has to tell of.
 std::vector<ResultFile> files_in(const Json& json, const ScanRecord& record) {
+  if (json.contains(bytes_key(ResultFile::starts))) return {ResultFile::starts};
   if (record.best())
     for (const ResultFile file : {ResultFile::best1, ResultFile::best2})
       if (json.contains(bytes_key(file))) return {file};
@@ -202,6 +216,7 @@ std::string text_of(const ScanRecord& record) {
             {"shards", record.shard.of},
             {"totals", json_of(record.totals)}};
   if (!record.reference_energies.empty()) json[kReferenceEnergies] = record.reference_energies;
+  if (record.docking) json[kDocking] = json_of(*record.docking);
   for (const auto& [file, state] : record.files) json[bytes_key(file)] = state.bytes;
   for (const auto& [file, state] : record.files)
     if (state.checksum) json[checksum_key(file)] = hexadecimal(*state.checksum);
@@ -225,6 +240,7 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
     record.molecules = molecules_in(json);
     if (json.contains(kReferenceEnergies))
       record.reference_energies = json.at(kReferenceEnergies).get<std::vector<double>>();
+    if (json.contains(kDocking)) record.docking = docking_in(json.at(kDocking));
     if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
     return record;
   } catch (const std::exception&) {

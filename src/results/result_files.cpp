@@ -10,6 +10,7 @@
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
+#include "common/shown_text.hpp"
 #include "results/checksum.hpp"
 #include "results/durable.hpp"
 
@@ -157,6 +158,18 @@ double bytes_of_earlier_results(const std::string& name) {
 
 void remove_earlier_results(const std::string& name) {
   for (const std::string& result : names_with_parts(name)) ::unlink(result.c_str());
+}
+
+void remove_unfinished(const std::string& name) {
+  for (const std::string& result : result_names(name))
+    ::unlink((result + std::string(kPart)).c_str());
+}
+
+void require_file_name(const std::string& name) {
+  const std::string file = std::filesystem::path(name).filename().string();
+  if (file.empty() || file == "." || file == "..")
+    throw IoFailure("--output: expected the name of a file without ending, found " +
+                    dravo::quoted(name));
 }
 
 void refuse_inputs_as_results(const std::string& name, const std::vector<std::string>& inputs) {

@@ -67,6 +67,12 @@ double bytes_of_earlier_results(const std::string& name);
 /// Finished ones, and what is left of unfinished ones.
 void remove_earlier_results(const std::string& name);
 
+/// What is left of unfinished ones alone.
+void remove_unfinished(const std::string& name);
+
+/// Throws IoFailure for a name of results that is none.
+void require_file_name(const std::string& name);
+
 /// Throws IoFailure when an input is one of the files that a scan of this name writes.
 void refuse_inputs_as_results(const std::string& name, const std::vector<std::string>& inputs);
 

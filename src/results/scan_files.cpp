@@ -1,11 +1,12 @@
 #include "results/scan_files.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "common/errors.hpp"
-#include "results/best_results.hpp"
 #include "results/durable.hpp"
 #include "results/result_files.hpp"
 
@@ -24,7 +25,7 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const OpenResults
     record_ = finished_record(name_);
     require_same_origin(name_ + kRecordEnding, record_, plan);
     require_unchanged(name_, record_);
-    remove_best_so_far(name_);  // a kill in the last steps left these
+    remove_unfinished(name_);  // a kill in the last steps left these
     progress_->clear();
     progress_.reset();
     return;
@@ -60,8 +61,8 @@ void ScanFiles::clear_the_way(Earlier earlier) {
     refuse_earlier_results(name_);
   else if (earlier == Earlier::refuse)
     throw IoFailure(
-        progress_->name() +
-        ": is of an unfinished scan; --resume goes on with it, --overwrite starts over");
+        fmt::format("{}: is of an unfinished {}; --resume goes on with it, --overwrite starts over",
+                    progress_->name(), record_.kind()));
 }
 
 void ScanFiles::begin() {

@@ -44,6 +44,8 @@ std::string Shard::name(const std::string& scan) const {
   return fmt::format("{}-{}-of-{}", scan, number, of);
 }
 
+bool ScanRecord::is_docking() const { return origin.find(kSearchKey) != origin.end(); }
+
 Writing ScanRecord::writing() const {
   const auto has = [&](const char* key, const char* text) {
     const auto found = origin.find(key);
@@ -103,9 +105,6 @@ void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
   origin[kByKey] = (best->largest ? "-" : "") + best->column;
 }
 
-namespace {
-
-/// Key and text of what a method is and how it computes.
 std::map<std::string, std::string> description_of(const EnergyModel& energy) {
   const auto of_both = [](const std::array<int, 2>& numbers) {
     return fmt::format("{},{}", numbers[0], numbers[1]);
@@ -120,6 +119,8 @@ std::map<std::string, std::string> description_of(const EnergyModel& energy) {
   description["read-unit"] = name_of(options.command.unit);
   return description;
 }
+
+namespace {
 
 /// The text of a key, or of one with the name of a method before it.
 std::optional<std::string> told(const ScanRecord& record, const std::string& key) {
@@ -208,8 +209,12 @@ void require_same_references(const std::string& name, const ScanRecord& earlier,
 
 void require_same_origin(const std::string& name, const ScanRecord& earlier,
                          const ScanRecord& now) {
+  if (earlier.is_docking() != now.is_docking())
+    throw IoFailure(fmt::format("{}: is of a {}, not of a {}; choose another --output", name,
+                                earlier.kind(), now.kind()));
   const std::string differs = difference(earlier, now);
-  if (!differs.empty()) throw IoFailure(fmt::format("{}: is of another scan: {}", name, differs));
+  if (!differs.empty())
+    throw IoFailure(fmt::format("{}: is of another {}: {}", name, now.kind(), differs));
   require_same_references(name, earlier, now);
 }
 

@@ -52,6 +52,7 @@ enum class ResultFile : std::size_t {
   molecule2,
   best1,  ///< of an unfinished scan, the best poses so far: this file and the next in turn
   best2,
+  starts,  ///< of an unfinished docking, and of a part of one
 };
 
 /// What a file is called in a record, and behind NAME.
@@ -59,11 +60,12 @@ struct ResultName {
   const char* key;
   const char* ending;
 };
-inline constexpr std::array<ResultName, 5> kResultNames{{{"frame", ".xyz"},
+inline constexpr std::array<ResultName, 6> kResultNames{{{"frame", ".xyz"},
                                                          {"table", ".csv"},
                                                          {"molecule2", "-molecule-2.xyz"},
                                                          {"best1", ".best-1"},
-                                                         {"best2", ".best-2"}}};
+                                                         {"best2", ".best-2"},
+                                                         {"starts", "-starts.csv"}}};
 
 constexpr const char* ending_of(ResultFile file) {
   return kResultNames.at(static_cast<std::size_t>(file)).ending;
@@ -81,6 +83,16 @@ struct ScannedPair {
   std::optional<Pair> like;  ///< whose axes were carried along
 };
 
+inline constexpr auto kEndedByTime = "time";
+
+/// What a docking found, besides its files.
+struct DockSummary {
+  std::string ended;  ///< why it made no more starts
+  std::int64_t minima = 0;
+  std::map<std::string, std::vector<double>> references;  ///< of each method, Hartree
+};
+
+/// Of a scan, or of a docking, whose starts are its poses.
 struct ScanRecord {
   /// Pair, plan and program, key and text: the results follow from them.
   std::map<std::string, std::string> origin;
@@ -93,6 +105,10 @@ struct ScanRecord {
   /// As `EnergyModel::references` has them. No part of the origin: their last digits depend on the
   /// machine.
   std::vector<double> reference_energies = {};
+  std::optional<DockSummary> docking = std::nullopt;  ///< of a finished one that is in one part
+
+  [[nodiscard]] bool is_docking() const;
+  [[nodiscard]] const char* kind() const { return is_docking() ? "docking" : "scan"; }
 
   [[nodiscard]] Writing writing() const;
 
@@ -114,6 +130,9 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
 /// Adds what of the poses is written, and where.
 void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
                    const std::optional<BestRule>& best);
+
+/// Engine, charges and unpaired electrons of a method, as origins have them.
+std::map<std::string, std::string> description_of(const EnergyModel& energy);
 
 /// Adds how energies are computed, and which bound they keep to.
 void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,

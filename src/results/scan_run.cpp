@@ -12,7 +12,6 @@
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
 #include "common/ordered_chunks.hpp"
-#include "common/shown_text.hpp"
 #include "driver/user_parameters.hpp"
 #include "results/best_results.hpp"
 #include "results/interruption.hpp"
@@ -91,13 +90,6 @@ void refuse_inputs_in_folder(const ScanRequest& request) {
     if (!input.empty() && !inside.empty() && *inside.begin() != "..")
       throw IoFailure(input + ": is in the folder of the results; choose another --output");
   }
-}
-
-void require_file_name(const std::string& name) {
-  const std::string file = std::filesystem::path(name).filename().string();
-  if (file.empty() || file == "." || file == "..")
-    throw IoFailure("--output: expected the name of a file without ending, found " +
-                    dravo::quoted(name));
 }
 
 ChunkJob job_of(std::int32_t atoms, const ScanPlan& plan, const ScanRequest& request,

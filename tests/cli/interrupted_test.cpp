@@ -28,11 +28,11 @@ Outcome watched_scan(const TemporaryFolder& folder, const Words& words, Settings
   });
 }
 
-// The scan begins with some ten calls; then two a chunk follow, and claims among them.
+// The scan begins with up to twenty calls; then two a chunk follow, and claims among them.
 std::string at_call(int signal, int call, int count = 1) {
   return std::to_string(signal) + " " + std::to_string(call) + " " + std::to_string(count);
 }
-constexpr int kAmongTheChunks = 20;
+constexpr int kAmongTheChunks = 30;
 
 TEST(InterruptedScan, SaysHowFarItIsAndGoesOn) {
   const Files expected = undisturbed(kLongPlan);

@@ -172,7 +172,7 @@ TEST(ScanInWorkOfTheSameName, IsNotTouchedByAMerge) {
   const std::string progress = (folder.path() / "all.progress").string();
   const int held = ::open(progress.c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_EQ(::flock(held, LOCK_EX), 0);
-  expect_refusal(folder, "all.progress: another process is making this scan", "at once");
+  expect_refusal(folder, "all.progress: another process is writing these results", "at once");
   ::close(held);
   EXPECT_EQ(folder.merge().status, 0) << "free again";
   EXPECT_FALSE(fs::exists(progress));

@@ -153,7 +153,7 @@ TEST(TwoAtOnce, OneIsRefusedAndTheOtherIsNotDisturbed) {
   const Files held = folder.outputs();
   for (const Words& how : {Words{}, Words{"--resume"}, Words{"--overwrite"}})
     expect_refusal(run_scan(folder, plan + how),
-                   "scan.progress: another process is making this scan", held);
+                   "scan.progress: another process is writing these results", held);
   const Outcome other_name = run_scan(folder, plan + Words{"--output", "other"});
   EXPECT_EQ(other_name.status, 0) << other_name.messages;
   for (const char* ending : {".xyz", ".csv", ".json"})

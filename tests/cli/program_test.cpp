@@ -47,7 +47,7 @@ TEST(WantOfMemory, IsToldAsWhatItIs) {
 
 TEST(EverySubcommand, TellsHelpWithAnExampleAndItsVersion) {
   const TemporaryFolder folder;
-  for (const char* command : {"prepare", "identify", "scan", "merge", "convert"}) {
+  for (const char* command : {"prepare", "identify", "scan", "dock", "merge", "convert"}) {
     const Outcome help = run_command(folder, {command, "--help"});
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_EQ(help.messages, "") << command;

@@ -192,7 +192,7 @@ TEST(ProgressFile, IsHeldByOneAtATime) {
   {
     const ProgressFile first(scan.scan());
     EXPECT_EQ(message_of([&] { const ProgressFile second(scan.scan()); }),
-              scan.file() + ": another process is making this scan");
+              scan.file() + ": another process is writing these results");
     EXPECT_EQ(scan.text(), text);
   }
   EXPECT_EQ(scan.done(), Poses{100}) << "free again";
@@ -202,7 +202,7 @@ TEST(ProgressFile, OfOneThatHasNotBegunStaysWhenASecondIsRefused) {
   const Progressed scan;
   const ProgressFile first(scan.scan());
   EXPECT_EQ(message_of([&] { const ProgressFile second(scan.scan()); }),
-            scan.file() + ": another process is making this scan");
+            scan.file() + ": another process is writing these results");
   EXPECT_TRUE(has_progress(scan.scan()));
 }
 

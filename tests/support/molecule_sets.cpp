@@ -105,4 +105,13 @@ NamedPair s22(std::string_view name) {
   return find(all, name);
 }
 
+double s22_energy(std::string_view name) {
+  const std::string text = "\n" + read_file(std::string(DRAVO_TEST_DATA) + "/s22_energies.csv");
+  const std::string key = "\n" + std::string(name) + ",";
+  const std::size_t found = text.find(key);
+  if (found == std::string::npos) throw std::out_of_range("no energy of " + std::string(name));
+  const std::size_t begin = found + key.size();
+  return parse_real(text.substr(begin, text.find('\n', begin) - begin)).value();
+}
+
 }  // namespace dravo::test

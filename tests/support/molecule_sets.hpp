@@ -38,4 +38,7 @@ std::vector<NamedPair> s22_dimers();
 /// Throws std::out_of_range.
 NamedPair s22(std::string_view name);
 
+/// The published interaction energy of a dimer, kcal/mol. Throws std::out_of_range.
+double s22_energy(std::string_view name);
+
 }  // namespace dravo::test
