@@ -11,7 +11,7 @@
 
 #include "common/descriptor.hpp"
 #include "dravo/energy.hpp"
-#include "energy/environment.hpp"
+#include "support/environment.hpp"
 #include "support/message_of.hpp"
 #include "support/temporary_folder.hpp"
 
