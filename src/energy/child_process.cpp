@@ -99,6 +99,14 @@ std::array<int, 2> new_stream() {
   return ends;
 }
 
+/// Whoever started this process may have told it to ignore the ends of its children. Then nobody
+/// could wait for one.
+void hear_of_ended_children() {
+  struct sigaction action {};
+  if (::sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+    ::signal(SIGCHLD, SIG_DFL);
+}
+
 }  // namespace
 
 ChildProcess::ChildProcess(const ChildRequest& request)
@@ -107,6 +115,7 @@ ChildProcess::ChildProcess(const ChildRequest& request)
 ChildProcess::ChildProcess(const ChildRequest& request, std::array<int, 2> ends)
     : leads_(request.group == 0), stream_(ends[0]) {
   const Descriptor others_end(ends[1]);
+  hear_of_ended_children();
   std::vector<std::string> command = request.command, environment = environment_of_child();
   const FileActions actions(request, others_end.get());
   const Attributes attributes(request.group);

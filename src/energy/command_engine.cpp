@@ -103,29 +103,31 @@ std::regex expression_of(const std::string& text) {
 /// What a program printed.
 struct Printed {
   std::optional<double> energy;  ///< of the last match, if that is a number
-  std::string last_line;         ///< with something in it
+  std::string last_line;         ///< with something in it, for messages
 };
 
 Printed read_printed(const std::string& file, const std::regex& expression) {
   std::ifstream in(file, std::ios::binary);
   Printed printed;
-  std::string line;
+  std::string line, last_line;
   std::smatch match;
   while (std::getline(in, line)) {
     line.resize(std::min(line.size(), kLongestLine));
-    if (line.find_first_not_of(" \t\r") != std::string::npos) printed.last_line = line;
+    if (line.find_first_not_of(" \t\r") != std::string::npos) last_line = line;
     if (!std::regex_search(line, match, expression)) continue;
     printed.energy = parse_real(match[1].str());
     if (printed.energy && !std::isfinite(*printed.energy)) printed.energy.reset();
   }
+  constexpr std::size_t kMostColumns = 120;
+  printed.last_line = printable(last_line, kMostColumns).text;
   return printed;
 }
 
 /// Killed, or in a shell that says so of its program.
 bool is_killed(int status) {
   constexpr int kSignals = 128, kLastSignal = 31;
-  const int exit = WEXITSTATUS(status);
-  return WIFSIGNALED(status) || (exit > kSignals && exit <= kSignals + kLastSignal);
+  const int signal = WEXITSTATUS(status) - kSignals;
+  return WIFSIGNALED(status) || (signal > 0 && signal <= kLastSignal);
 }
 
 /// A folder for one computation: what it leaves there does not reach the next.
@@ -180,7 +182,7 @@ class CommandEngine final : public SystemEngine {
 
   [[nodiscard]] SystemEnergy judged(int status, const Printed& printed) const {
     const std::string end =
-        end_text(status) + ", and its last line is " + dravo::quoted(printed.last_line);
+        fmt::format("{}, and its last line is \"{}\"", end_text(status), printed.last_line);
     if (is_killed(status)) return {EnergyStatus::engine_died, 0.0, end};
     if (WEXITSTATUS(status) == kNotFound)
       throw EngineFailure(

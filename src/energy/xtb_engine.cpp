@@ -15,6 +15,7 @@
 #include <system_error>
 
 #include "common/atom_table.hpp"
+#include "common/shown_text.hpp"
 #include "common/text.hpp"
 #include "driver/element_table.hpp"
 #include "energy/child_process.hpp"
@@ -98,11 +99,12 @@ std::string cause_of(const XtbReply& reply) {
 
 /// The line in which a process that died says why; empty without one.
 std::string complaint_in(const std::string& printed) {
+  constexpr std::size_t kMostColumns = 120;
   std::ifstream in(printed);
   std::string line;
   while (std::getline(in, line))
     if (line.find("rror") != std::string::npos || line.find("ERROR") != std::string::npos)
-      return ": " + line;
+      return ": " + printable(line, kMostColumns).text;
   return "";
 }
 

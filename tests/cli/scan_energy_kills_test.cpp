@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <system_error>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "cli/scans_of_waters.hpp"
+#include "support/environment.hpp"
 
 namespace dravo::test {
 namespace {
@@ -24,19 +24,6 @@ using Clock = std::chrono::steady_clock;
 // Half a second of work.
 const Words kForceField{"--r", "2.5:4:0.5", "--random", "1000", "--energy", "gfnff"};
 const Words kTightBinding{"--r", "3", "--random", "200", "--energy", "gfn2"};
-
-/// Of a process that runs; each line of its status has a name and a value.
-std::vector<pid_t> children_of(pid_t parent) {
-  std::vector<pid_t> children;
-  for (const auto& entry : fs::directory_iterator("/proc")) {
-    const std::string name = entry.path().filename().string();
-    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-    std::ifstream status(entry.path() / "status");
-    for (std::string line; std::getline(status, line);)
-      if (line == "PPid:\t" + std::to_string(parent)) children.push_back(std::stoi(name));
-  }
-  return children;
-}
 
 /// A scan that is running.
 class RunningScan {
@@ -132,6 +119,28 @@ TEST(InterruptedScan, WithEnergiesEndsSoonAndGoesOn) {
     fs::remove(scan.folder.path() / "messages");
     expect_success(scan.folder.scan(kTightBinding + Words{"--resume"}), expected, "after a signal");
   }
+}
+
+// The pair is never done. The first signal waits for it, the second does not, and the program must
+// not run on alone.
+TEST(InterruptedScan, EndsAtOnceAtTheSecondSignalAndSoDoesAHangingProgram) {
+  const Dimer folder("water-dimer");
+  const TemporaryFolder signs;
+  const fs::path sign = signs.path() / "program";
+  const std::string hanging = "if [ $(head -n 1 {xyz}) -eq 6 ]; then echo $$ > '" + sign.string() +
+                              "'; exec sleep 1000; fi; echo E=0";
+  const pid_t scan =
+      start_in(folder, {tested_dravo(), "scan", kInput, "--quiet", "--r", "4", "--energy",
+                        "command", "--run", hanging, "--read", "E=(.*)"});
+  const pid_t program = number_in(sign);
+  ::kill(scan, SIGINT);
+  ::usleep(300'000);
+  EXPECT_TRUE(runs(program) && runs(scan)) << "the first waits for the pose";
+  ::kill(scan, SIGINT);
+  int status = 0;
+  ::waitpid(scan, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
+  EXPECT_TRUE(comes_true([&] { return !runs(program); }));
 }
 
 /// An engine that ends in the middle of a scan, and does not come again.

@@ -6,12 +6,13 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <string>
 
 #include "common/descriptor.hpp"
 #include "dravo/energy.hpp"
-#include "energy/environment.hpp"
+#include "support/environment.hpp"
 #include "support/message_of.hpp"
 #include "support/temporary_folder.hpp"
 
@@ -62,16 +63,31 @@ TEST_F(Shell, GetsNoDescriptorsButItsStreams) {
   EXPECT_EQ(printed_by("ls /proc/self/fd"), "0\n1\n2\n3\n");
 }
 
-// The caller ignores SIGPIPE and may hold back others.
+/// A signal that this process ignores.
+class Ignored {
+ public:
+  explicit Ignored(int signal) : signal_(signal), old_(::signal(signal, SIG_IGN)) {}
+  Ignored(const Ignored&) = delete;
+  Ignored& operator=(const Ignored&) = delete;
+  ~Ignored() { ::signal(signal_, old_); }
+
+ private:
+  int signal_;
+  void (*old_)(int);
+};
+
 TEST_F(Shell, HasSignalsAsTheyAreByDefault) {
-  struct sigaction old {};
-  struct sigaction ignore {};
-  ignore.sa_handler = SIG_IGN;
-  ::sigaction(SIGTERM, &ignore, &old);
+  const Ignored ignored(SIGTERM);
   ChildProcess process(request("kill -s TERM $$"));
-  const int status = process.wait();
-  ::sigaction(SIGTERM, &old, nullptr);
-  EXPECT_TRUE(WIFSIGNALED(status));
+  EXPECT_TRUE(WIFSIGNALED(process.wait()));
+}
+
+// Where nobody hears of ended children, the system waits for all of them and tells no status.
+TEST_F(Shell, IsHeardOfWhenItEndsWhateverWasIgnored) {
+  const Ignored ignored(SIGCHLD);
+  const ChildProcess other(request("sleep 100"));
+  ChildProcess process(request("exit 3"));
+  EXPECT_EQ(end_text(process.wait()), "it ended with status 3");
 }
 
 TEST_F(Shell, IsInAGroupOfItsOwn) {
@@ -159,6 +175,15 @@ TEST_F(Group, LosesAProcessWithoutEnding) {
   const GuardedGroup group;
   { const ChildProcess process(sleeper(group)); }
   EXPECT_TRUE(runs(group.id()));
+}
+
+// Its guard is not missed: the group is there as long as nobody has waited for the guard.
+TEST_F(Group, CanBeJoinedWhenItsGuardWasKilled) {
+  const GuardedGroup group;
+  ::kill(group.id(), SIGKILL);
+  EXPECT_TRUE(comes_true([&] { return !runs(group.id()); }));
+  const ChildProcess process(sleeper(group));
+  EXPECT_EQ(::getpgid(process.id()), group.id());
 }
 
 TEST_F(Group, EndsWithItsOwner) {

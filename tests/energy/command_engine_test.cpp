@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "energy/environment.hpp"
+#include "support/environment.hpp"
 #include "support/message_of.hpp"
 #include "support/pairs.hpp"
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "dravo/energy.hpp"
-#include "energy/environment.hpp"
+#include "support/environment.hpp"
 #include "support/message_of.hpp"
 
 namespace dravo::test {

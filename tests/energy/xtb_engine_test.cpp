@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "dravo/energy.hpp"
-#include "energy/environment.hpp"
 #include "energy/fake_worker.hpp"
+#include "support/environment.hpp"
 #include "support/message_of.hpp"
 #include "support/pairs.hpp"
 

@@ -18,9 +18,9 @@
 #include <vector>
 
 #include "energy/child_process.hpp"
-#include "energy/environment.hpp"
 #include "energy/private_folder.hpp"
 #include "energy/xtb_engine.hpp"
+#include "support/environment.hpp"
 #include "support/molecule_sets.hpp"
 #include "support/pairs.hpp"
 
