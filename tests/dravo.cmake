@@ -95,6 +95,7 @@ dravo_test_programs(results results
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
+  ranked_poses_test.cpp
   scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
@@ -149,6 +150,8 @@ add_executable(cli_tests
   cli/convert_test.cpp
   cli/durable_test.cpp
   cli/energy_frames_test.cpp
+  cli/energy_kills_test.cpp
+  cli/energy_scan_test.cpp
   cli/energy_test.cpp
   cli/exact_scan_test.cpp
   cli/examples_test.cpp

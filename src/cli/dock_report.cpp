@@ -15,6 +15,7 @@
 #include "common/number_format.hpp"
 #include "dravo/contacts.hpp"
 #include "results/dock_run.hpp"
+#include "results/energy_text.hpp"
 #include "results/result_files.hpp"
 
 namespace dravo {
@@ -92,7 +93,7 @@ Json json_of(const FinishedDocking& docking) {
     const Pair pair = pair_at(docking.placer, row.minimum.pose);
     Json json{{"rank", row.rank}};
     for (const EnergyMethod method : methods_of(docking.options))
-      json[column_of_energy(method)] = energy_of(row, method, docking.options);
+      json[energy_column(method)] = energy_of(row, method, docking.options);
     for (const auto& [name, value] : kPoseParameters) json[name] = row.minimum.pose.*value;
     json.update({{"starts", row.minimum.starts},
                  {"refined", row.minimum.refined},

@@ -12,6 +12,7 @@
 #include "cli/pair_options.hpp"
 #include "cli/resumable.hpp"
 #include "results/energy_report.hpp"
+#include "results/energy_text.hpp"
 #include "results/pose_writer.hpp"
 #include "results/poses_again.hpp"
 #include "results/ranked_poses.hpp"

@@ -90,6 +90,13 @@ PlanKeys keys_of(const ScanCommand& options) {
   return keys;
 }
 
+/// A surface of energies is smooth only where singular angles are not moved, as by qn-dravo.
+Placing placing_of(const ScanCommand& options, const ScanPlan& plan, bool energies) {
+  const bool prefers_exact = plan.unique() || (energies && !plan.files());
+  const bool automatic = options.placing.placing == Placing::automatic;
+  return prefers_exact && automatic ? Placing::exact : options.placing.placing;
+}
+
 /// What the user should know about the placing.
 std::vector<std::string> remarks_on_placing(const PairPlacer& placer, const ScanCommand& options,
                                             const PlanKeys& keys) {
@@ -157,8 +164,7 @@ void run(const CLI::App& command, ScanCommand& options) {
   request.inputs = {options.pair->file, options.pair->second_file, options.plan_file,
                     plan.zip_file(), options.placing.like};
   std::erase_if(request.inputs, is_standard_input);  // no result can replace it
-  const bool exact = plan.unique() && options.placing.placing == Placing::automatic;
-  const PairPlacer placer(pair.pair, {exact ? Placing::exact : options.placing.placing,
+  const PairPlacer placer(pair.pair, {placing_of(options, plan, energy.options.has_value()),
                                       like ? &*like : nullptr, plan.criterion()});
   if (!options.quiet) tell(remarks_on_placing(placer, options, keys));
   if (!options.quiet && request.writing != Writing::nothing) tell_of_unknown_radii(pair.pair);

@@ -125,28 +125,39 @@ class XtbEngine final : public SystemEngine {
   }
 
  private:
-  /// The files of a process that died are not left to the next one.
+  /// The files of a process that died are not left to the next one. One that somebody killed must
+  /// not end a scan, so a second one tries again.
   void start() {
-    folder_.emplace();
-    process_.emplace(ChildRequest{{worker_program()}, folder_->path(), printed(), true});
-    require_greeting();
-    XtbReply reply{};
-    if (!load(reply))
-      throw EngineFailure("the process of libxtb died when it took the molecules: " + ended());
+    constexpr int kAttempts = 2;
+    std::string end;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      folder_.emplace();
+      process_.emplace(ChildRequest{{worker_program()}, folder_->path(), printed(), true});
+      XtbReply reply{};
+      if (greets() && load(reply)) return require_success(reply);
+      end = ended();
+    }
+    throw EngineFailure("the process of libxtb died when it took the molecules: " + end);
+  }
+
+  /// False when the process is gone. A program that is no worker may wait for ever, as this one
+  /// would for its answer.
+  bool greets() {
+    constexpr std::chrono::seconds kTimeToStart(60);
+    std::array<char, kXtbGreeting.size()> greeting{};
+    if (process_->is_heard_within(kTimeToStart)) {
+      if (!process_->receive(greeting.data(), greeting.size())) return false;
+      if (greeting == kXtbGreeting) return true;
+    }
+    process_.reset();
+    throw EngineFailure(fmt::format("{} does not answer as {} of this version does",
+                                    worker_program(), kWorkerName));
+  }
+
+  void require_success(const XtbReply& reply) {
     if (reply.failed == 0) return;
     process_.reset();
     throw EngineFailure("libxtb does not take these molecules: " + cause_of(reply));
-  }
-
-  /// A program that is no worker may wait for ever, as this one would for its answer.
-  void require_greeting() {
-    constexpr std::chrono::seconds kTimeToStart(60);
-    std::array<char, kXtbGreeting.size()> greeting{};
-    if (process_->is_heard_within(kTimeToStart) &&
-        process_->receive(greeting.data(), greeting.size()) && greeting == kXtbGreeting)
-      return;
-    throw EngineFailure(fmt::format("{} does not answer as {} of this version: {}",
-                                    worker_program(), kWorkerName, ended()));
   }
 
   /// False when the process is gone.

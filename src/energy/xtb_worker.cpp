@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <xtb.h>
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -85,6 +86,23 @@ bool is_talked_to() {
   return ::fstat(STDIN_FILENO, &input) == 0 && S_ISSOCK(input.st_mode);
 }
 
+/// A turn about an axis that no molecule has: the rotation of the quaternion (8, 1, 3, 5)/sqrt(99).
+constexpr std::array<std::array<double, 3>, 3> kTurn{{{31.0 / 99.0, -74.0 / 99.0, 58.0 / 99.0},
+                                                      {86.0 / 99.0, 47.0 / 99.0, 14.0 / 99.0},
+                                                      {-38.0 / 99.0, 46.0 / 99.0, 79.0 / 99.0}}};
+
+/// x, y, z of points one behind the other.
+void turn(std::vector<double>& points, bool back) {
+  for (std::size_t k = 0; k < points.size(); k += 3) {
+    const std::array<double, 3> p{points[k], points[k + 1], points[k + 2]};
+    for (std::size_t i = 0; i < 3; ++i) {
+      points[k + i] = 0.0;
+      for (std::size_t j = 0; j < 3; ++j)
+        points[k + i] += (back ? kTurn[j][i] : kTurn[i][j]) * p[j];
+    }
+  }
+}
+
 class Worker {
  public:
   Worker() : environment_(xtb_newEnvironment()) {
@@ -139,11 +157,16 @@ class Worker {
     double energy = 0.0;
     std::vector<double> gradient(with_gradient ? positions_.size() : 0);
     set_accuracy(with_gradient);
+    // Two atoms of which a coordinate agrees within 1e-10 Bohr get a wrong gradient, those of a
+    // bond along an axis for example.
+    const bool turned = with_gradient && self_consistent_;
+    if (turned) turn(positions_, false);
     xtb_updateMolecule(environment_, molecule_, positions_.data(), nullptr);
     xtb_singlepoint(environment_, molecule_, calculator_, results);
     if (xtb_checkEnvironment(environment_) == 0) xtb_getEnergy(environment_, results, &energy);
     if (with_gradient && xtb_checkEnvironment(environment_) == 0)
       xtb_getGradient(environment_, results, gradient.data());
+    if (turned) turn(gradient, true);
     xtb_delResults(&results);
     if (reply(energy) && with_gradient) send(gradient.data(), gradient.size() * sizeof(double));
   }

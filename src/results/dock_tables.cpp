@@ -8,6 +8,7 @@
 #include "common/errors.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/contacts.hpp"
+#include "results/energy_text.hpp"
 #include "results/pose_writer.hpp"
 #include "results/table_rows.hpp"
 #include "scan/pair_placer.hpp"
@@ -48,17 +49,13 @@ Column<DockRow> refined_column() {
 
 }  // namespace
 
-std::string column_of_energy(EnergyMethod method) {
-  return fmt::format("e_{}_kcal_mol", name_of(method));
-}
-
 Columns<DockStart> columns_of_starts(const DockOptions& options) {
   std::vector<Column<DockStart>> columns;
   columns.push_back(count_column<DockStart>(
       "start", [](auto& start) -> auto& { return start.number; }));
   columns.push_back(end_column());
   columns.push_back(real_column<DockStart>(
-      column_of_energy(options.search), kAllDigits,
+      energy_column(options.search), kAllDigits,
       [](auto& start) -> auto& { return start.energy; }));
   add_pose(
       columns, [](auto& start) -> auto& { return start.pose; });
@@ -78,11 +75,11 @@ Columns<DockRow> columns_of_minima(const DockOptions& options) {
   add_count(
       "rank", [](auto& row) -> auto& { return row.rank; });
   add_real(
-      column_of_energy(options.score), kEnergy,
+      energy_column(options.score), kEnergy,
       [](auto& row) -> auto& { return row.minimum.score_energy; });
   if (options.search != options.score)
     add_real(
-        column_of_energy(options.search), kEnergy,
+        energy_column(options.search), kEnergy,
         [](auto& row) -> auto& { return row.minimum.search_energy; });
   add_pose(
       columns, [](auto& row) -> auto& { return row.minimum.pose; });

@@ -30,9 +30,6 @@ struct DockRow {
 /// contacts, hydrogen_bonds. Energies in kcal/mol with six decimals, parameters with all digits.
 Columns<DockRow> columns_of_minima(const DockOptions& options);
 
-/// The name of an energy of that method in kcal/mol.
-std::string column_of_energy(EnergyMethod method);
-
 /// The pair at a minimum.
 Pair pair_at(const Placer& placer, const PoseDegrees& pose);
 

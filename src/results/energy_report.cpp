@@ -103,7 +103,8 @@ std::vector<std::string> sentences_about(const EnergyTotals& energies, std::stri
                                   place_of(energies, axes)));
   const std::string ends = axes == nullptr ? "" : ends_at(energies, *axes);
   if (!ends.empty())
-    sentences.push_back(fmt::format("it is at the end of {}: a lower one may lie beyond", ends));
+    sentences.push_back(
+        fmt::format("the lowest is at the end of {}: a lower one may lie beyond", ends));
   return sentences;
 }
 

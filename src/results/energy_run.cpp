@@ -145,8 +145,7 @@ ScanRecord record_of(const ScanRecord& scan, const EnergyRequest& request, const
                      SelectedRows& rows) {
   ScanRecord record;
   record.origin = scan.origin;
-  set_writing(record.origin, request.frames ? Writing::frames : Writing::table);
-  add_again_to_origin(record.origin, model);
+  add_again_to_origin(record.origin, model, request.frames ? Writing::frames : Writing::table);
   const auto add = [&](const char* key, const std::string& text) {
     record.origin[fmt::format("{}-{}", name_of(model.options().method), key)] = text;
   };
@@ -186,10 +185,6 @@ void compute_rest(ScanFiles& files, SelectedRows& rows, std::int64_t poses,
 }
 
 }  // namespace
-
-std::string energy_column(EnergyMethod method) {
-  return fmt::format("e_int_{}_kcal_mol", name_of(method));
-}
 
 ScanTotals compute_energies(const ScanRecord& scan, const PairPlacer& placer,
                             const EnergyModel& model, const EnergyRequest& request) {

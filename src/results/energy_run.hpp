@@ -22,9 +22,6 @@ struct EnergyRequest {
   Progress::Kind progress = Progress::Kind::none;
 };
 
-/// "e_int_gfn2_kcal_mol": the energies of a scan have a column of their own beside it.
-std::string energy_column(EnergyMethod method);
-
 /// Places poses of a scan, whose record is `scan`, again and computes them. NAME.csv has their rows
 /// as in the table of the scan and in its order, and behind each the energy and its status. With
 /// frames, NAME.xyz has those of the scan, whose comment lines tell the same. NAME.json is the

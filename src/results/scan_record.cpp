@@ -96,16 +96,10 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
   return origin;
 }
 
-void set_writing(std::map<std::string, std::string>& origin, Writing writing) {
-  origin.erase(kWritingKey);
-  if (writing != Writing::files && origin.count(kFilesKey) > 0) origin[kFilesKey] = "false";
-  if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
-  if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
-}
-
 void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
                    const std::optional<BestRule>& best) {
-  set_writing(origin, writing);
+  if (writing == Writing::table) origin[kWritingKey] = kTableAlone;
+  if (writing == Writing::moving) origin[kWritingKey] = kMovingAlone;
   if (!best) return;
   origin[kBestKey] = std::to_string(best->count);
   origin[kByKey] = (best->largest ? "-" : "") + best->column;
@@ -146,7 +140,11 @@ void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel
   if (keep_below) origin["keep-below"] = shortest_text(*keep_below);
 }
 
-void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy) {
+void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
+                         Writing writing) {
+  origin.erase(kWritingKey);
+  origin.insert_or_assign(kFilesKey, "false");
+  add_to_origin(origin, writing, std::nullopt);
   for (const auto& [key, text] : description_of(energy))
     origin[fmt::format("{}-{}", name_of(energy.options().method), key)] = text;
 }

@@ -131,9 +131,6 @@ std::map<std::string, std::string> origin_of(const PairPlacer& placer, const Sca
 void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
                    const std::optional<BestRule>& best);
 
-/// What of the poses is written, in the place of what stands there.
-void set_writing(std::map<std::string, std::string>& origin, Writing writing);
-
 /// Engine, charges and unpaired electrons of a method, as origins have them.
 std::map<std::string, std::string> description_of(const EnergyModel& energy);
 
@@ -141,9 +138,10 @@ std::map<std::string, std::string> description_of(const EnergyModel& energy);
 void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
                    const std::optional<double>& keep_below);
 
-/// The same of a method by which the poses of a finished scan are computed again: its name and a
-/// hyphen stand before each key.
-void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy);
+/// To that of a finished scan: how its poses are computed again, each key behind the name of the
+/// method and a hyphen, and what is written now.
+void add_again_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
+                         Writing writing);
 
 /// The charges that the energies of a record were computed with, or those of unpaired electrons:
 /// "0,-1". The first method that tells it; empty without any.

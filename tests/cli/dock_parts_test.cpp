@@ -56,11 +56,11 @@ TEST(PartsOfADocking, HaveTheirStartsAndARecord) {
   for (const int part : {1, 2, 3}) {
     const std::string table = folder.read(PartedDocking::name(part, 3, "-starts.csv"));
     EXPECT_EQ(lines_of(table).at(0),
-              "start,end,e_gfnff_kcal_mol,r,theta,phi,alpha,beta,gamma,evaluations");
+              "start,end,e_int_gfnff_kcal_mol,r,theta,phi,alpha,beta,gamma,evaluations");
     for (const auto& row : rows_of(table)) {
       EXPECT_EQ(row.at("start"), std::to_string(++number));
       EXPECT_EQ(row.at("end"), "minimum");
-      EXPECT_LT(std::stod(row.at("e_gfnff_kcal_mol")), -4.0) << "a hydrogen bond";
+      EXPECT_LT(std::stod(row.at("e_int_gfnff_kcal_mol")), -4.0) << "a hydrogen bond";
     }
   }
   EXPECT_EQ(number, 10);

@@ -17,7 +17,7 @@ namespace {
 using Json = nlohmann::json;
 
 const std::string kHeading =
-    "rank,e_gfn2_kcal_mol,e_gfnff_kcal_mol,r,theta,phi,alpha,beta,gamma,starts,refined,shortest,"
+    "rank,e_int_gfn2_kcal_mol,e_int_gfnff_kcal_mol,r,theta,phi,alpha,beta,gamma,starts,refined,shortest,"
     "contacts,hydrogen_bonds";
 
 /// Formamide with itself has several minima, of no symmetry among them.
@@ -74,8 +74,8 @@ TEST(Docking, OrdersMinimaByEnergyAndCountsTheirStarts) {
   int starts = 0, rank = 0;
   for (const auto& row : rows_of(outcome.files.at("dock.csv"))) {
     EXPECT_EQ(row.at("rank"), std::to_string(++rank));
-    EXPECT_GE(std::stod(row.at("e_gfn2_kcal_mol")), before);
-    before = std::stod(row.at("e_gfn2_kcal_mol"));
+    EXPECT_GE(std::stod(row.at("e_int_gfn2_kcal_mol")), before);
+    before = std::stod(row.at("e_int_gfn2_kcal_mol"));
     // One that is kept as the search left it counts the starts of the one that it led to.
     if (row.at("refined") == "yes") starts += std::stoi(row.at("starts"));
   }
@@ -93,7 +93,7 @@ TEST(BestPairOfWaterMolecules, HasTheEnergyOfTheProgramXtbAndOneHydrogenBond) {
   for (const char* seed : {"0", "1", "77"}) {
     const auto rows = rows_of(docked(Words{"--seed", seed}).at("dock.csv"));
     ASSERT_GE(rows.size(), 1U);
-    EXPECT_NEAR(std::stod(rows[0].at("e_gfn2_kcal_mol")), expected, 1e-4) << seed;
+    EXPECT_NEAR(std::stod(rows[0].at("e_int_gfn2_kcal_mol")), expected, 1e-4) << seed;
     EXPECT_EQ(rows[0].at("hydrogen_bonds"), "1");
     EXPECT_EQ(rows[0].at("contacts"), "1") << "H...O below 1.9 Angstrom";
   }
@@ -112,9 +112,9 @@ TEST(Frames, HaveTheParametersOfTheirRows) {
       const double off = value.get<double>() - std::stod(row.at(name));
       EXPECT_NEAR(std::remainder(off, 360.0), 0.0, 2e-5) << name << " of rank " << row.at("rank");
     }
-    EXPECT_NEAR(found["contacts"]["shortest"], std::stod(row.at("shortest")), 1e-7);
-    EXPECT_EQ(found["contacts"]["contacts"], std::stoi(row.at("contacts")));
-    EXPECT_EQ(std::to_string(found["contacts"]["hydrogen_bonds"].size()), row.at("hydrogen_bonds"));
+    EXPECT_NEAR(found["shortest"], std::stod(row.at("shortest")), 1e-7);
+    EXPECT_EQ(found["contacts"], std::stoi(row.at("contacts")));
+    EXPECT_EQ(std::to_string(found["hydrogen_bonds"].size()), row.at("hydrogen_bonds"));
   }
 }
 
@@ -150,8 +150,8 @@ TEST(Docking, DoesNotLookAtHowTheMoleculesStandInTheFile) {
   const auto apart =
       rows_of(folder.dock({"-o", "apart-docked"}, "apart.xyz").files.at("apart-docked.csv"));
   // The doubly hydrogen-bonded pair is the deepest from anywhere.
-  EXPECT_NEAR(std::stod(here[0].at("e_gfn2_kcal_mol")), std::stod(apart[0].at("e_gfn2_kcal_mol")),
-              2e-3);
+  EXPECT_NEAR(std::stod(here[0].at("e_int_gfn2_kcal_mol")),
+              std::stod(apart[0].at("e_int_gfn2_kcal_mol")), 2e-3);
   EXPECT_EQ(here[0].at("hydrogen_bonds"), "2");
   EXPECT_EQ(apart[0].at("hydrogen_bonds"), "2");
 }
@@ -178,7 +178,7 @@ TEST(Docking, KeepsTheBestWhenAsked) {
 
 TEST(Docking, ByOneMethodHasOneEnergy) {
   const Files files = docked({"--search", "gfn2", "--starts", "5"});
-  EXPECT_TRUE(files.at("dock.csv").starts_with("rank,e_gfn2_kcal_mol,r,theta,"))
+  EXPECT_TRUE(files.at("dock.csv").starts_with("rank,e_int_gfn2_kcal_mol,r,theta,"))
       << files.at("dock.csv");
   EXPECT_EQ(record_of(files)["docking"]["reference_energies_hartree"].size(), 1U);
 }
@@ -258,8 +258,8 @@ TEST(Report, AsJsonHasTheNumbersOfTheTable) {
   ASSERT_EQ(json["best"].size(), 5U);
   for (std::size_t k = 0; k < 5; ++k) {
     const Json& best = json["best"][k];
-    for (const char* name : {"rank", "e_gfn2_kcal_mol", "e_gfnff_kcal_mol", "r", "gamma", "starts",
-                             "shortest", "contacts"})
+    for (const char* name : {"rank", "e_int_gfn2_kcal_mol", "e_int_gfnff_kcal_mol", "r", "gamma",
+                             "starts", "shortest", "contacts"})
       EXPECT_DOUBLE_EQ(best[name].get<double>(), std::stod(rows[k].at(name))) << name;
     EXPECT_EQ(std::to_string(best["hydrogen_bonds"].size()), rows[k].at("hydrogen_bonds"));
   }

@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/energies.hpp"
+#include "cli/known_energies.hpp"
 #include "support/scan_results.hpp"
 
 namespace dravo::test {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cli/command.hpp"
+#include "cli/known_energies.hpp"
 #include "support/text_lines.hpp"
 
 namespace dravo::test {
@@ -168,8 +169,10 @@ TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
 
 /// Only commands with something below them; those of the README build on each other.
 TEST(Documents, ShowElsewhereWhatCommandsPrint) {
-  for (const char* name :
-       {"/README.md", "/docs/commands.md", "/docs/scan.md", "/docs/trajectories.md"}) {
+  std::vector<const char*> names{"/README.md", "/docs/commands.md", "/docs/scan.md",
+                                 "/docs/trajectories.md"};
+  if (has_libxtb()) names.push_back("/docs/energies.md");
+  for (const char* name : names) {
     auto shown = shown_in(lines_of(file_text(std::string(DRAVO_SOURCES) + name)));
     std::erase_if(shown, [](const Shown& command) { return command.output.empty(); });
     ASSERT_FALSE(shown.empty()) << name;

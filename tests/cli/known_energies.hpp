@@ -64,7 +64,7 @@ class ReciprocalDistances {
             "echo run >> " + runs_ +
                 "; awk 'NR > 2 {n++; x[n] = $2; y[n] = $3; z[n] = $4; for (k = 1; k < n; k++) e += "
                 "1 / sqrt((x[n] - x[k])^2 + (y[n] - y[k])^2 + (z[n] - z[k])^2)} END {printf "
-                "\"energy: %.12f\\n\", e}' {xyz}",
+                "\"energy: %.12f\\n\", e}' {xyz} # {charge}",
             "--read",
             "energy: (.*)",
             "--read-unit",

@@ -104,7 +104,8 @@ const std::vector<Provoked> kProvoked{
      "has no pose 900; the scan has 33 poses and may have left some of them out"},
     {"scan dimer.xyz --split 6 --r 3:4:0.1 --phi 0:340:170 --resume --output wide",
      "is of another scan: "},
-    {"extract wide --best 5", "--best is an option of dravo scan, not of dravo extract"},
+    {"extract wide --best 5",
+     "--best is an option of dravo scan and dravo energy, not of dravo extract"},
     {"merge none", "found no finished part "},
 };
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/energies.hpp"
+#include "cli/scans_of_waters.hpp"
 
 namespace dravo::test {
 namespace {
@@ -333,8 +333,8 @@ TEST(EnergiesThatCannotBe, AreRefusedAndNothingIsWritten) {
        "--charges: expected two whole numbers, of molecule 1 and molecule 2, such as 0,-1, found "
        "\"0\""},
       {{"--energy", "gfn2", "--charges", "0,1"},
-       "molecule 2 with charge +1 has 9 electrons: expected an odd number of unpaired ones "
-       "(--unpaired), or another charge (--charges), found 0 unpaired"},
+       "molecule 2 with charge +1 has 9 electrons: expected an odd number of unpaired ones up to 9 "
+       "(--unpaired), or another charge (--charges), found 0"},
       {{"--energy", "command", "--run", "cat {xyz}"},
        "--energy command: expected --run, the program, and --read, the expression that finds the "
        "energy in what it prints"},
@@ -357,7 +357,7 @@ TEST(EnergiesThatCannotBe, AreRefusedAndNothingIsWritten) {
   const Outcome missing =
       folder.scan({"--r", "3", "--random", "4", "--energy", "gfn2"}, without_worker);
   EXPECT_EQ(missing.status, 2);
-  EXPECT_TRUE(missing.messages.starts_with("dravo: /none is not there, the program with libxtb"))
+  EXPECT_TRUE(missing.messages.starts_with("dravo: the program dravo-xtb-worker is not there: "))
       << missing.messages;
   EXPECT_TRUE(missing.files.empty());
 }

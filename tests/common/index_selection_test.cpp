@@ -53,6 +53,15 @@ TEST(IndexSelection, HoldsNumbersAndRangesWithBothEnds) {
   }
 }
 
+TEST(IndexSelection, HoldsNumbersThatAProgramKnows) {
+  const IndexSelection selection = IndexSelection::of({20, 3, 11, 3});
+  EXPECT_EQ(selection.single(), (Numbers{3, 11, 20}));
+  EXPECT_EQ(selection.first(), 3);
+  EXPECT_EQ(selection.last(), 20);
+  EXPECT_TRUE(selection.contains(11));
+  EXPECT_FALSE(selection.contains(12));
+}
+
 TEST(IndexSelection, TellsNumbersThatStandAloneFromThoseOfRanges) {
   const IndexSelection selection = IndexSelection::parse("--poses", "9,4:6,9,2");
   EXPECT_EQ(selection.single(), (Numbers{2, 9}));

@@ -32,6 +32,13 @@ void send(const void* bytes, std::size_t count) {
   ::_exit(1);
 }
 
+void die_once() {
+  const char* const mark = std::getenv(kFakeMark);
+  if (std::ifstream(mark)) return;
+  std::ofstream(mark) << "dead";
+  die();
+}
+
 XtbReply failure() {
   return {1,
           0.0,
@@ -54,6 +61,7 @@ std::size_t load(std::string_view how) {
   receive(numbers.data(), numbers.size() * sizeof numbers[0]);
   receive(positions.data(), positions.size() * sizeof positions[0]);
   if (how == fake_start::kDies) die();
+  if (how == fake_start::kDiesOnce) die_once();
   if (how == fake_start::kComplains) {
     std::cout
         << "Loading ...\nFortran runtime error: No space left\n\nError termination. Backtrace:\n"
@@ -64,13 +72,6 @@ std::size_t load(std::string_view how) {
   const XtbReply reply = how == fake_start::kRefuses ? failure() : XtbReply{};
   send(&reply, sizeof reply);
   return atoms;
-}
-
-void die_once() {
-  const char* const mark = std::getenv(kFakeMark);
-  if (std::ifstream(mark)) return;
-  std::ofstream(mark) << "dead";
-  die();
 }
 
 void compute(std::size_t atoms) {

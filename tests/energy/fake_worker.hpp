@@ -10,13 +10,14 @@ namespace dravo::test {
 /// Names one of `kFakeStarts`; otherwise it starts as a worker should.
 inline constexpr auto kFakeStart = "DRAVO_FAKE_START";
 
-/// Names a file whose absence makes the next `Fake::dies_once` deadly; it makes the file.
+/// Names a file whose absence makes what dies once die; it makes the file.
 inline constexpr auto kFakeMark = "DRAVO_FAKE_MARK";
 
 namespace fake_start {
 inline constexpr std::string_view kSilent = "silent";        ///< ends without a word
 inline constexpr std::string_view kStranger = "stranger";    ///< greets otherwise
 inline constexpr std::string_view kDies = "dies";            ///< is killed when it is to load
+inline constexpr std::string_view kDiesOnce = "dies once";   ///< the same, as `Fake::dies_once`
 inline constexpr std::string_view kComplains = "complains";  ///< prints an error then, and ends
 inline constexpr std::string_view kRefuses = "refuses";      ///< answers that it failed
 }  // namespace fake_start

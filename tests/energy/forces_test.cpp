@@ -121,9 +121,9 @@ struct Case {
   int poses;
 };
 
-class Forces : public ::testing::TestWithParam<Case> {};
+class MovedForces : public ::testing::TestWithParam<Case> {};
 
-TEST_P(Forces, AreHowEnergiesChange) {
+TEST_P(MovedForces, AreHowEnergiesChange) {
   constexpr double kStep = 0.002;  // Angstrom, or radian
   const NamedPair pair = s22(GetParam().pair);
   const EnergyModel model(Pair(pair.n1, pair.atoms), {.method = GetParam().method});
@@ -139,7 +139,7 @@ TEST_P(Forces, AreHowEnergiesChange) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Pairs, Forces,
+INSTANTIATE_TEST_SUITE_P(Pairs, MovedForces,
                          ::testing::Values(Case{EnergyMethod::gfnff, "Water_dimer", 20},
                                            Case{EnergyMethod::gfnff, "Formamide_dimer", 10},
                                            Case{EnergyMethod::gfnff, "Benzene-HCN_complex", 10},
@@ -148,6 +148,29 @@ INSTANTIATE_TEST_SUITE_P(Pairs, Forces,
                                            Case{EnergyMethod::gfn2, "Ethene-ethyne_complex", 1},
                                            Case{EnergyMethod::gfn2, "Formamide_dimer", 1},
                                            Case{EnergyMethod::gfn1, "Ammonia_dimer", 1}));
+
+/// Chloride on a threefold axis of ammonium turns it neither way, with another bond along an axis
+/// of the coordinates or not.
+TEST(Forces, AreRightWhereBondsLieAlongAxes) {
+  constexpr double kAcross = 0.9633, kAlong = 0.3406;  // 1.0217 Angstrom times sine and cosine
+  const std::vector<Vec3> positions{{0, 0, 0},
+                                    {0, 0, 1.0217},
+                                    {kAcross, 0, -kAlong},
+                                    {-0.5 * kAcross, std::sqrt(0.75) * kAcross, -kAlong},
+                                    {-0.5 * kAcross, -std::sqrt(0.75) * kAcross, -kAlong},
+                                    {-2.75 * kAcross, 0, 2.75 * kAlong}};
+  const Pair pair(5, Molecule({"N", "H", "H", "H", "H", "Cl"}, positions));
+  for (const EnergyMethod method : {EnergyMethod::gfn2, EnergyMethod::gfn1}) {
+    EnergyEngine engine = EnergyModel(pair, {.method = method, .charges = {1, -1}}).start();
+    for (const Vec3& axis : {Vec3{0, 0, 1}, Vec3{1, 0, 0}, Vec3{1, 2, 3}}) {
+      std::vector<Vec3> turned = positions;
+      for (Vec3& p : turned) p = turn_about(axis, 90) * p;
+      const auto [force, torque] = engine.energy_and_force(turned, {}).on_molecule1;
+      EXPECT_LT(modulus(torque), 0.01) << name_of(method);
+      EXPECT_GT(modulus(force), 1.0) << name_of(method);
+    }
+  }
+}
 
 TEST(EnergiesWithForces, AreThoseWithout) {
   const NamedPair pair = s22("Water_dimer");

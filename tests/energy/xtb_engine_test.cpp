@@ -5,6 +5,8 @@
 #include <signal.h>
 
 #include <cmath>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -118,18 +120,13 @@ std::string refusal(std::string_view how) {
 }
 
 TEST_F(FakeEngine, DoesNotStartWithoutItsWorker) {
-  const std::string path(DRAVO_FAKE_WORKER);
-  EXPECT_EQ(refusal(fake_start::kSilent), path +
-                                              " does not answer as dravo-xtb-worker of this "
-                                              "version: it ended with status 0");
-  EXPECT_EQ(refusal(fake_start::kStranger), path +
-                                                " does not answer as dravo-xtb-worker of this "
-                                                "version: signal 9 ended it (Killed)");
-  EXPECT_EQ(refusal(fake_start::kDies),
-            "the process of libxtb died when it took the molecules: signal 9 ended it (Killed)");
+  const std::string died = "the process of libxtb died when it took the molecules: ";
+  EXPECT_EQ(refusal(fake_start::kSilent), died + "it ended with status 0");
+  EXPECT_EQ(refusal(fake_start::kStranger),
+            DRAVO_FAKE_WORKER " does not answer as dravo-xtb-worker of this version does");
+  EXPECT_EQ(refusal(fake_start::kDies), died + "signal 9 ended it (Killed)");
   EXPECT_EQ(refusal(fake_start::kComplains),
-            "the process of libxtb died when it took the molecules: it ended with status 2: "
-            "Fortran runtime error: No space left");
+            died + "it ended with status 2: Fortran runtime error: No space left");
   EXPECT_EQ(refusal(fake_start::kRefuses),
             "libxtb does not take these molecules: libxtb: math: No matrix - at all");
   EXPECT_EQ(temporary_.names(), std::set<std::string>());
@@ -140,6 +137,12 @@ TEST_F(FakeEngine, NeedsItsWorkerWhereItIsToldToBe) {
   EXPECT_EQ(message_of<EngineFailure>([] { (void)started(); }),
             "the program dravo-xtb-worker is not there: looked for /no/such/worker; the variable "
             "DRAVO_XTB_WORKER can tell its path");
+}
+
+TEST_F(FakeEngine, TriesAgainWhenAWorkerDiesAtItsStart) {
+  const Variable start(kFakeStart, std::string(fake_start::kDiesOnce));
+  EXPECT_NEAR(started()->compute(positions_of(Fake::computes), {}).energy, 12.0, 1e-12);
+  EXPECT_TRUE(std::filesystem::exists(marks_.path() / "mark")) << "it died";
 }
 
 // It cannot be replaced: that ends the scan, not this process.

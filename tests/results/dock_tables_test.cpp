@@ -53,7 +53,7 @@ TEST(TableOfStarts, NamesTheMethodAndTheEnds) {
   options.search = EnergyMethod::gfn1;
   const auto columns = columns_of_starts(options);
   EXPECT_EQ(columns.heading(),
-            "start,end,e_gfn1_kcal_mol,r,theta,phi,alpha,beta,gamma,evaluations\n");
+            "start,end,e_int_gfn1_kcal_mol,r,theta,phi,alpha,beta,gamma,evaluations\n");
   std::string row;
   columns.append_row(row, {7, DockEnd::failed, kNone, {3.5, 90.0, 0.0, 1.25, 2.0, 3.0}, 0});
   EXPECT_EQ(row, "7,failed,,3.5,90,0,1.25,2,3,0\n");
@@ -99,9 +99,9 @@ TEST(TextsOfMinima, SurveyThePairAtItsPose) {
   const std::vector<Frame> frames = frames_of(texts.frames);
   ASSERT_EQ(rows.size(), 2U);
   ASSERT_EQ(frames.size(), 2U);
-  EXPECT_EQ(rows[0].at("e_gfn2_kcal_mol"), "-4.500000");
-  EXPECT_EQ(rows[0].at("e_gfnff_kcal_mol"), "");
-  EXPECT_EQ(frames[0].values.count("e_gfnff_kcal_mol"), 0U) << "no value, no key";
+  EXPECT_EQ(rows[0].at("e_int_gfn2_kcal_mol"), "-4.500000");
+  EXPECT_EQ(rows[0].at("e_int_gfnff_kcal_mol"), "");
+  EXPECT_EQ(frames[0].values.count("e_int_gfnff_kcal_mol"), 0U) << "no value, no key";
   EXPECT_EQ(rows[0].at("shortest"), "1.80000000");
   EXPECT_EQ(rows[1].at("shortest"), "4.08000000");
   const std::vector<std::array<std::string, 4>> expected{{"1", "yes", "1", "1"},

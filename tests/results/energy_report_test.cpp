@@ -65,7 +65,7 @@ std::string end_of(const PoseDegrees& pose, const Options& changes,
 
 TEST(ReportOfEnergies, TellsWhenTheLowestIsAtTheEndOfAnAxis) {
   const auto lies = [](const std::string& where) {
-    return "it is at the end of " + where + ": a lower one may lie beyond";
+    return "the lowest is at the end of " + where + ": a lower one may lie beyond";
   };
   const PoseDegrees pose{5, 90, 45, 10, 20, 30};
   EXPECT_EQ(end_of(pose, {{"r", "4:6:0.5"}}), "");
@@ -85,7 +85,7 @@ TEST(ReportOfEnergies, KnowsThatDirectionsEndAndTurnsDoNot) {
   EXPECT_EQ(end_of({5, 90, 0, 10, 20, 350}, {{"phi", "0:350:10"}, {"gamma", "0:350:10"}}), "");
   EXPECT_EQ(end_of({5, 90, -180, 10, 20, 30}, {{"phi", "-180:180:30"}}), "") << "twice the same";
   EXPECT_EQ(end_of({5, 90, 340, 10, 20, 30}, {{"phi", "0:340:10"}}),
-            "it is at the end of phi (0 to 340): a lower one may lie beyond");
+            "the lowest is at the end of phi (0 to 340): a lower one may lie beyond");
 }
 
 }  // namespace
