@@ -109,7 +109,7 @@ ScanOutput output_of(const ScanRequest& request, Writing writing) {
 ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, const ScanPlan& plan,
                      const ScanRequest& request) {
   auto origin = origin_of(placer, molecules, plan);
-  add_to_origin(origin, writing_of(plan, request), request.best);
+  add_to_origin(origin, request.writing, request.best);
   if (request.energy) add_to_origin(origin, *request.energy, request.keep_below);
   ScanRecord record{std::move(origin),
                     plan.poses().size(),
