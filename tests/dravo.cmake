@@ -217,7 +217,7 @@ endif()
 
 # What somebody else gets: an installed library, found in two ways, and nothing of records in it.
 add_test(NAME consumer/installed COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/consumer/run
-  ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} ${CMAKE_CXX_COMPILER})
+  ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} ${CMAKE_CXX_COMPILER} $<IF:$<BOOL:${DRAVO_XTB}>,ON,OFF>)
 add_test(NAME consumer/symbols COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/consumer/symbols
   $<TARGET_FILE:dravo> $<TARGET_FILE:dravo_protocol>)
 set_tests_properties(consumer/installed PROPERTIES COST 90)

@@ -103,7 +103,8 @@ class Docking {
    public:
     explicit Starter(std::shared_ptr<const DockInside> docking);
 
-    /// `number` counts from 1. Throws EngineFailure when an engine that died cannot be replaced.
+    /// `number` counts from 1. Throws EngineFailure when an engine that died cannot be replaced,
+    /// and InvalidInput where the method has no forces, as GFN-FF for a hydrogen bond to CO2.
     [[nodiscard]] DockStart run(std::int64_t number);
 
    private:

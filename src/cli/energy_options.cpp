@@ -76,8 +76,8 @@ CLI::Option* add_energy_options(CLI::App& command, EnergyWords& words) {
       ->needs(energy);
   auto* run = command
                   .add_option("--run", words.run,
-                              "command line of --energy command; {xyz}, {charge} and {unpaired} "
-                              "are replaced")
+                              "command line of --energy command; {xyz}, {charge}, {unpaired} "
+                              "and {here} are replaced")
                   ->type_name("LINE")
                   ->needs(energy);
   command

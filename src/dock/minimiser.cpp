@@ -26,6 +26,15 @@ double size_of(const RigidForce& on_molecule1, double lever) {
   return std::sqrt(dot(force, force) + dot(torque, torque) / (lever * lever));
 }
 
+/// GFN-FF has a torsion about a hydrogen bond to a carbonyl group, which is none in O=C=O.
+void require_numbers(const PoseEnergy& found) {
+  const auto& [force, torque] = found.on_molecule1;
+  if (std::isfinite(dot(force, force)) && std::isfinite(dot(torque, torque))) return;
+  throw InvalidInput(
+      "the forces between these molecules are not numbers, as those of GFN-FF for hydrogen bonds to "
+      "atoms that lie exactly on a line (O=C=O); search with gfn2");
+}
+
 /// Torque per derivative of the rotation vector: with R = exp(v) a small change of v turns by J dv,
 /// J = s 1 + (1 - s) n n^T + (1 - cos a)/a [n]x, s = sin a / a, a = |v|, n = v/a.
 Vec3 torque_along(const Vec3& v, const Vec3& torque) {
@@ -90,7 +99,9 @@ class Descent {
                         std::isfinite(difference(pose.turn, kIdentity));
     if (!on_map) return {EnergyStatus::nonphysical};
     ++evaluations_;
-    return engine_.energy_and_force(pair_.positions(pose), pose.place);
+    const PoseEnergy found = engine_.energy_and_force(pair_.positions(pose), pose.place);
+    require_numbers(found);
+    return found;
   }
 
   void note(const RelativePose& pose, const PoseEnergy& found) {

@@ -29,7 +29,7 @@ class Minimiser {
 
   Minimiser(const RigidPair& pair, EnergyEngine& engine) : pair_(&pair), engine_(&engine) {}
 
-  /// Throws EngineFailure.
+  /// Throws EngineFailure, and InvalidInput for a method without forces for this pair.
   Minimisation minimise(const PoseDegrees& start);
 
  private:

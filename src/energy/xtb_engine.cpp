@@ -43,8 +43,8 @@ std::vector<fs::path> worker_places() {
 std::string worker_program() {
   if (!kBuiltWithXtb)
     throw EngineFailure(
-        "this dravo was built without libxtb: build it again with the Debian package libxtb-dev, "
-        "or compute energies by another program (command)");
+        "this build has no libxtb: install the Debian package libxtb-dev and build again, or use "
+        "another program (--energy command)");
   std::string looked_for;
   for (const fs::path& place : worker_places()) {
     if (::access(place.c_str(), X_OK) == 0) return fs::absolute(place).string();

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -19,10 +22,15 @@ namespace dravo::test {
 
 inline const std::string kFormamide = DRAVO_EXAMPLES "/formamide-dimer/formamide-dimer.xyz";
 
-/// Whether this build has libxtb.
+/// Whether this build has libxtb. Whichever build of dravo is tested then, it takes the worker of
+/// this one.
 inline bool has_libxtb() {
-  return std::filesystem::exists(std::filesystem::path(tested_dravo()).parent_path() /
-                                 "dravo-xtb-worker");
+#ifdef DRAVO_BUILT_XTB_WORKER
+  ::setenv("DRAVO_XTB_WORKER", DRAVO_BUILT_XTB_WORKER, 0);
+  return true;
+#else
+  return false;
+#endif
 }
 
 /// The formamide dimer with molecule 2 moved along x, and the oxygen of molecule 1 along y.
@@ -61,7 +69,7 @@ class ReciprocalDistances {
     return {"--energy",
             "command",
             "--run",
-            "echo run >> " + runs_ +
+            "echo {charge} >> " + runs_ +
                 "; awk 'NR > 2 {n++; x[n] = $2; y[n] = $3; z[n] = $4; for (k = 1; k < n; k++) e += "
                 "1 / sqrt((x[n] - x[k])^2 + (y[n] - y[k])^2 + (z[n] - z[k])^2)} END {printf "
                 "\"energy: %.12f\\n\", e}' {xyz} # {charge}",

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cstdio>
 #include <dravo/contacts.hpp>
+#include <dravo/energy.hpp>
 #include <dravo/error.hpp>
 #include <dravo/identify.hpp>
 #include <dravo/place.hpp>
@@ -7,9 +9,15 @@
 #include <iostream>
 
 // What the pair in a file is, whether its own parameters make it again, and how close it can come.
-int main(int, char** argv) {
+// With a second argument, a method: its energy.
+int main(int count, char** argv) {
   try {
     const dravo::Pair pair = dravo::read_pair({.file = argv[1]}).pair;
+    if (count > 2) {
+      const dravo::EnergyModel model(pair, {.method = dravo::energy_method(argv[2])});
+      std::printf("%.6f\n", model.start().energy(pair.positions()).interaction);
+      return 0;
+    }
     const dravo::PoseDegrees pose = dravo::identify(pair).parameters;
     for (const auto& [name, value] : dravo::kPoseParameters)
       std::cout << name << ' ' << pose.*value << '\n';

@@ -32,13 +32,20 @@ TEST(DockStarts, DependOnTheirNumberAlone) {
   EXPECT_FALSE(equal(other_seed.starter().run(1), starts.front()));
 }
 
+/// Whatever shapes the molecules have.
 TEST(DockStarts, HaveTheEnergyOfTheirPose) {
-  const Docking docking(pulled_apart("Formic_acid_dimer"), {});
-  EnergyEngine engine = docking.search_model().start();
-  for (const DockStart& start : starts_of(docking, 5)) {
-    ASSERT_EQ(start.end, DockEnd::minimum);
-    EXPECT_NEAR(engine.energy(docking.placer().positions(start.pose)).interaction, start.energy,
-                1e-8);
+  const Molecule argon(std::vector<std::string>{"Ar"}, {{0, 0, 0}});
+  const Molecule &cyanide = made("hydrogen cyanide").molecule, &water = made("water").molecule;
+  for (const Pair& pair : {pulled_apart("Formic_acid_dimer"), Pair(argon, cyanide),
+                           Pair(cyanide, argon), Pair(made("nitrogen").molecule, cyanide),
+                           Pair(water, cyanide), Pair(cyanide, water), Pair(water, argon)}) {
+    const Docking docking(pair, {});
+    EnergyEngine engine = docking.search_model().start();
+    for (const DockStart& start : starts_of(docking, 3)) {
+      ASSERT_EQ(start.end, DockEnd::minimum);
+      EXPECT_NEAR(engine.energy(docking.placer().positions(start.pose)).interaction, start.energy,
+                  1e-8);
+    }
   }
 }
 
@@ -147,6 +154,16 @@ TEST(DockStarts, NeedForces) {
   EXPECT_EQ(message_of<InvalidInput>(
                 [] { Docking(pulled_apart("Water_dimer"), {.score = EnergyMethod::command}); }),
             "docking needs forces, which the method \"command\" does not have");
+}
+
+/// GFN-FF has none for hydrogen cyanide and carbon dioxide.
+TEST(DockStarts, NeedForcesThatAreNumbers) {
+  const Pair pair(made("hydrogen cyanide").molecule, made("carbon dioxide").molecule);
+  EXPECT_NE(message_of<InvalidInput>([&] {
+              (void)Docking(pair, {}).starter().run(1);
+            }).find("search with gfn2"),
+            std::string::npos);
+  EXPECT_EQ(Docking(pair, {.search = EnergyMethod::gfn2}).starter().run(1).end, DockEnd::minimum);
 }
 
 /// Nobody has published a van der Waals radius of radon.

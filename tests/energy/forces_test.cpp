@@ -66,15 +66,14 @@ class Body {
 /// of the van der Waals radii.
 Body random_pose(const NamedPair& pair, std::mt19937& random) {
   const Matrix3 turn = random_rotation(random), direction = random_rotation(random);
-  const Body whole(pair.atoms.positions(), pair.n1);
-  const Body turned(whole.turned(turn), pair.n1);
-  double near = 0.0, far = 20.0;
+  const Body turned(Body(pair.atoms.positions(), pair.n1).turned(turn), pair.n1);
+  const Molecule molecule2 = pair.molecule2();
+  Vec3 middle2;
+  for (const Vec3& p : molecule2.positions()) middle2 = middle2 + (1.0 / molecule2.size()) * p;
   const auto at = [&](double distance) {
-    Vec3 middle2;
-    for (const Vec3& p : pair.molecule2().positions())
-      middle2 = middle2 + (1.0 / pair.molecule2().size()) * p;
     return turned.moved(middle2 - turned.centre() + distance * direction.row[0]);
   };
+  double near = 0.0, far = 20.0;
   for (int step = 0; step < 40; ++step) {
     const double middle = 0.5 * (near + far);
     const Pair placed(pair.n1, Molecule(pair.atoms.labels(), at(middle)));

@@ -160,6 +160,7 @@ TEST(RecordOfEnergies, OfAnotherEngineIsAnotherScan) {
 TEST(Origin, TellsHowEnergiesAreComputed) {
   EnergyOptions options = one_over_r();
   options.charges = {0, -2};
+  options.command.run += " # {charge}";
   options.command.unit = EnergyUnit::kj_mol;
   std::map<std::string, std::string> origin;
   add_to_origin(origin, EnergyModel(two_argons(), options), std::nullopt);
