@@ -58,6 +58,14 @@ std::vector<DockMinimum> minima_of(const DockInside& docking, std::span<const Do
   return gathered(docking, &DockMinimum::search_energy, std::move(minima));
 }
 
+/// A little aside, across all planes and axes that the pair may have. By symmetry a minimum of one
+/// method often has no force by the other where that has a saddle.
+PoseDegrees aside(const RigidPair& pair, const PoseDegrees& pose) {
+  const RelativePose before = relative_pose(pose);
+  return pair.parameters(
+      {before.place + Vec3{0.04, -0.01, 0.03}, rotation_by(Vec3{0.01, 0.04, -0.03}) * before.turn});
+}
+
 /// With engines of its own, for one thread.
 class Scorer {
  public:
@@ -70,7 +78,8 @@ class Scorer {
 
   /// A minimum that leads nowhere stays as it is.
   void refine(DockMinimum& minimum) {
-    const Minimisation found = Minimiser(docking_.rigid(), score_).minimise(minimum.pose);
+    const RigidPair& pair = docking_.rigid();
+    const Minimisation found = Minimiser(pair, score_).minimise(aside(pair, minimum.pose));
     if (found.end != DockEnd::minimum) return;
     minimum.pose = found.pose;
     minimum.score_energy = found.energy;

@@ -172,6 +172,32 @@ TEST(Minima, KeepMirrorImagesApart) {
   EXPECT_EQ(minima[0].starts + minima[1].starts, 3);
 }
 
+/// Two waters that face each other with their oxygens, on one axis of symmetry: they repel each
+/// other and would stay on it.
+TEST(Minima, AreNotLookedForOnSaddles) {
+  const Molecule& water = made("water").molecule;
+  const Docking docking({water, water}, {});
+  const PoseDegrees facing{.r = 3.0, .theta = 90, .phi = 0, .alpha = 270, .beta = 0, .gamma = 0};
+  const auto atoms = docking.placer().positions(facing);
+  ASSERT_LT(modulus(cross(atoms[0], atoms[3])), 0.01) << "oxygens on one line with the origin";
+  const std::vector<DockStart> starts{{1, DockEnd::minimum, 3.0, facing, 1}};
+  const auto minima = docking.minima(starts, 1, nullptr);
+  EXPECT_TRUE(minima.front().refined);
+  EXPECT_NEAR(minima.front().score_energy, -5.0, 0.8);
+}
+
+/// What the second minimisation leaves by more than 1 Angstrom is kept as it was.
+TEST(Minima, AreKeptWhereTheBetterMethodHasNone) {
+  const Docking docking(pulled_apart("Water_dimer"), {});
+  const PoseDegrees far{.r = 6.0, .theta = 30, .phi = 80, .alpha = 20, .beta = 40, .gamma = 60};
+  const std::vector<DockStart> starts{{1, DockEnd::minimum, -0.5, far, 1}};
+  const auto minima = docking.minima(starts, 1, nullptr);
+  ASSERT_EQ(minima.size(), 2U);
+  EXPECT_TRUE(minima[0].refined);
+  EXPECT_FALSE(minima[1].refined);
+  EXPECT_TRUE(same_pose(minima[1].pose, far));
+}
+
 TEST(Minima, TellTheirProgressAndEndWhenItThrows) {
   const Docking docking(pulled_apart("Water_dimer"), {});
   const auto starts = starts_of(docking, 3);
