@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/known_energies.hpp"
+#include "cli/scans_of_waters.hpp"
 #include "support/scan_results.hpp"
 
 namespace dravo::test {
