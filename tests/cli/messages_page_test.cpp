@@ -55,6 +55,10 @@ struct Provoked {
 };
 
 const std::vector<Provoked> kProvoked{
+    {"scan dimer.xyz --split 6 --r 4 --energy gfn2 --charges 1,0",
+     "molecule 1 with charge +1 has 23 electrons: expected an odd number of unpaired ones "},
+    {"energy dimer.xyz --split 6 --energy gfnff --charges 1,1 --unpaired 1,1",
+     "GFN-FF cannot tell where the charges of two ions are, "},
     {"identify dimer.xyz", "where molecule 2 begins is not known; use --split N1, "},
     {"identify dimer.xyz --split 5", "bonds across the split after atom 5: C1-H6 1.1004 Angstrom"},
     {"identify twice.xyz --split 6", "atoms closer than 0.5 Angstrom: "},
