@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): sigaction and kill are of POSIX
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -37,6 +37,7 @@ std::vector<std::string> environment_of_child() {
 /// As the system's functions want them.
 std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;

@@ -131,7 +131,8 @@ std::int64_t FrameEnergies::compute(const Take& take) {
       std::min(kMost, poses_of_a_moment(request_.options.method, first_->size()));
   const auto fill = [&](Batch& batch) {
     if (first_batch_.frames.empty()) return frames_.fill(batch.lines, most);
-    batch.lines = std::exchange(first_batch_, {});
+    batch.lines = first_batch_;
+    first_batch_.frames.clear();
     return true;
   };
   make_chunks_of_stream<Batch>(

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <string_view>
+#include <tuple>
 
 #include "common/number_text.hpp"
 #include "common/text.hpp"
@@ -29,7 +29,10 @@ std::optional<double> number_in(std::string_view row, std::size_t column) {
 struct Place {
   double value;
   std::int64_t index;
-  auto operator<=>(const Place&) const = default;
+
+  bool operator<(const Place& other) const {
+    return std::tie(value, index) < std::tie(other.value, other.index);
+  }
 };
 
 std::optional<Place> place_of(std::string_view row, std::size_t column, const std::string& table) {
