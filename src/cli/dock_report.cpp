@@ -38,8 +38,7 @@ FinishedDocking read_docking(const std::string& name, const ScanRecord& record) 
   DockOptions options = plan_of(name + kRecordEnding, record).options;
   auto rows = read_table(name + ending_of(ResultFile::table), columns_of_minima(options));
   rows.resize(std::min(rows.size(), kShown));
-  return {name, record, std::move(options), std::move(rows),
-          Placer(record.molecules->pair, {Placing::exact})};
+  return {name, record, options, std::move(rows), Placer(record.molecules->pair, {Placing::exact})};
 }
 
 /// The methods whose energies a table has.

@@ -13,8 +13,8 @@
 #include <cstddef>
 #include <new>
 
-#include "common/errors.hpp"
 #include "common/descriptor.hpp"
+#include "common/errors.hpp"
 
 namespace dravo {
 

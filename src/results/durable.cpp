@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "common/errors.hpp"
 #include "common/descriptor.hpp"
+#include "common/errors.hpp"
 
 namespace dravo {
 namespace {

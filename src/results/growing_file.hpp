@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "results/checksum.hpp"
 #include "common/descriptor.hpp"
+#include "results/checksum.hpp"
 
 namespace dravo {
 

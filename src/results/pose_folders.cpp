@@ -15,9 +15,9 @@
 #include <utility>
 #include <vector>
 
+#include "common/descriptor.hpp"
 #include "common/errors.hpp"
 #include "driver/output_names.hpp"
-#include "common/descriptor.hpp"
 
 namespace dravo {
 namespace {
