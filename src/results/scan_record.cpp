@@ -157,7 +157,7 @@ std::optional<std::string> told_unpaired(const ScanRecord& record) {
   return told(record, kUnpairedKey);
 }
 
-bool has_energies(const ScanRecord& record) { return record.origin.count(kEnergyKey) > 0; }
+bool has_energies(const ScanRecord& record) { return record.origin.contains(kEnergyKey); }
 
 const char* words_of_placing(bool exact) { return exact ? "exact" : "as qn-dravo"; }
 
