@@ -53,7 +53,7 @@ class GivenWords {
   }
 
   [[nodiscard]] bool has(const EnergyKey& key) const {
-    return is_option(key) || in_plan_.count(key.name) > 0;
+    return is_option(key) || in_plan_.contains(key.name);
   }
 
   /// The message begins with the option.
