@@ -31,13 +31,16 @@ class OrderedChunks {
   OrderedChunks(std::int64_t chunks, int threads, Take& take)
       : chunks_(chunks), slots_(2 * static_cast<std::size_t>(threads) + 1), take_(&take) {}
 
+  /// The number of the chunk to make next, and memory for it: that of a chunk taken before, or new.
   /// Empty when nothing is left to make. Waits while too much waits to be taken.
   std::optional<std::int64_t> claim(Payload& memory) {
     std::unique_lock lock(mutex_);
     const auto window = static_cast<std::int64_t>(slots_.size());
     changed_.wait(lock, [&] { return failure_ || next_to_make_ < next_to_take_ + window; });
     if (failure_ || next_to_make_ >= chunks_) return std::nullopt;
-    if (!spare_.empty()) {
+    if (spare_.empty()) {
+      memory = Payload{};
+    } else {
       memory = std::move(spare_.back());
       spare_.pop_back();
     }
