@@ -157,6 +157,7 @@ function(dravo_results_library library)
   target_link_libraries(${library}_results
     PUBLIC ${library}_protocol nlohmann_json::nlohmann_json
     PRIVATE tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
+  target_precompile_headers(${library}_results REUSE_FROM ${library})
 endfunction()
 
 # dravo_program(library): the program dravo.

@@ -1,8 +1,6 @@
 # Tests of dravo, beside those of qn-dravo.
 
 dravo_results_library(dravo_sanitized)
-target_precompile_headers(dravo_sanitized_results PRIVATE
-  <algorithm> <fmt/format.h> <map> <memory> <nlohmann/json.hpp> <optional> <string> <vector>)
 add_executable(dravo-cli-sanitized)
 target_link_libraries(dravo-cli-sanitized PRIVATE dravo_cli dravo_sanitized_results)
 set_target_properties(dravo_sanitized_results PROPERTIES EXCLUDE_FROM_ALL ON)
