@@ -11,6 +11,7 @@
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
 #include "common/version.hpp"
+#include "results/pose_writer.hpp"
 #include "results/record_keys.hpp"
 #include "scan/fingerprint.hpp"
 
@@ -32,6 +33,12 @@ constexpr auto kUnpairedKey = "unpaired";
 constexpr double kMostOfRounding = 1e-6;
 
 }  // namespace
+
+BestRule best_rule(std::int64_t count, std::string by, bool energies) {
+  if (by.empty()) by = energies ? kEnergyColumn : kShortestColumn;
+  const bool largest = by.starts_with('-');
+  return {count, by.substr(largest ? 1 : 0), largest};
+}
 
 std::int64_t Shard::first(std::int64_t poses) const {
   __extension__ using Wide = __int128;
@@ -59,9 +66,7 @@ Writing ScanRecord::writing() const {
 std::optional<BestRule> ScanRecord::best() const {
   const auto count = origin.find(kBestKey);
   if (count == origin.end()) return std::nullopt;
-  const std::string& by = origin.at(kByKey);
-  const bool largest = by.starts_with('-');
-  BestRule rule{std::stoll(count->second), by.substr(largest ? 1 : 0), largest};
+  BestRule rule = best_rule(std::stoll(count->second), origin.at(kByKey), false);
   if (rule.count < 1) throw std::out_of_range(kBestKey);
   return rule;
 }

@@ -45,6 +45,10 @@ struct BestRule {
   bool largest;
 };
 
+/// `by` is a column, or one behind a hyphen for its largest values. Without it the column is that
+/// of the energy where there is one, else that of the shortest distance.
+BestRule best_rule(std::int64_t count, std::string by, bool energies);
+
 /// The files that a scan may have besides its record and its progress.
 enum class ResultFile : std::size_t {
   frames,

@@ -164,6 +164,11 @@ TEST(BestByEnergy, IsTheBeginningOfTheSortedTableWithoutClashes) {
   }
 }
 
+TEST(BestByEnergy, IsWhatBestMeansInAScanWithEnergies) {
+  const Words best = kForceField + Words{"--best", "7"};
+  expect_files(made_of_waters(best), made_of_waters(best + Words{"--by", kEnergy}), "without --by");
+}
+
 // Later.
 
 TEST(FramesOfEnergies, AreMadeAgainWithoutAnEngine) {
