@@ -63,7 +63,7 @@ Json json_of(const OneEnergy& found, const EnergyModel& model) {
           {"engine", model.engine()},
           {"charges", options.charges},
           {"unpaired", options.unpaired},
-          {"reference_energies_hartree", model.references()},
+          {"reference_energies_hartree", {{name_of(options.method), model.references()}}},
           {"shortest", found.survey.shortest},
           {"contacts", found.survey.contacts},
           {"clearance", found.survey.clearance}};

@@ -153,6 +153,8 @@ ScanRecord record_of(const Docking& docking, const Pair& pair, const DockPlan& p
   if (plan.keep) record.origin[kKeepKey] = std::to_string(*plan.keep);
   record.poses = plan.starts.value_or(kMostStarts);
   record.molecules = std::make_shared<const ScannedPair>(ScannedPair{pair, std::nullopt});
+  for (const EnergyModel& model : {docking.search_model(), docking.score_model()})
+    add_references(record, model);
   return record;
 }
 
@@ -182,13 +184,10 @@ void find_minima(const Docking& docking, const DockPlan& plan, int threads, Stat
     if (done < of) end_when_interrupted(fmt::format("scoring {} of {} minima", done, of));
   };
   std::vector<DockMinimum> minima = docking.minima(found.starts, threads, progress);
-  DockSummary summary{"", std::ssize(minima), {}};
-  for (const EnergyModel& model : {docking.search_model(), docking.score_model()})
-    summary.references[std::string(name_of(model.options().method))] = model.references();
+  found.summary = DockSummary{"", std::ssize(minima)};
   if (plan.keep && *plan.keep < std::ssize(minima))
     minima.resize(static_cast<std::size_t>(*plan.keep));
   found.texts = texts_of(docking.placer(), plan.options, minima);
-  found.summary = std::move(summary);
 }
 
 void run_dock(const Pair& pair, const DockRequest& request) {

@@ -164,13 +164,11 @@ ScanTotals totals_in(const Json& json) {
 Json json_of(const DockSummary& docking) {
   return {{"ended", docking.ended},
           {"depends_on_machine", docking.ended == kEndedByTime},
-          {"minima", docking.minima},
-          {kReferenceEnergies, docking.references}};
+          {"minima", docking.minima}};
 }
 
 DockSummary docking_in(const Json& json) {
-  return {json.at("ended").get<std::string>(), whole(json, "minima"),
-          json.at(kReferenceEnergies).get<std::map<std::string, std::vector<double>>>()};
+  return {json.at("ended").get<std::string>(), whole(json, "minima")};
 }
 
 std::string bytes_key(ResultFile file) {
@@ -239,7 +237,7 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
       record.files[file] = {whole(json, bytes_key(file)), checksum_in(json, checksum_key(file))};
     record.molecules = molecules_in(json);
     if (json.contains(kReferenceEnergies))
-      record.reference_energies = json.at(kReferenceEnergies).get<std::vector<double>>();
+      record.reference_energies = json.at(kReferenceEnergies).get<ReferenceEnergies>();
     if (json.contains(kDocking)) record.docking = docking_in(json.at(kDocking));
     if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
     return record;

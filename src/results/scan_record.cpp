@@ -138,6 +138,10 @@ std::optional<std::string> told(const ScanRecord& record, const std::string& key
 
 }  // namespace
 
+void add_references(ScanRecord& record, const EnergyModel& energy) {
+  record.reference_energies[std::string(name_of(energy.options().method))] = energy.references();
+}
+
 void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
                    const std::optional<double>& keep_below) {
   origin.merge(description_of(energy));
@@ -198,18 +202,22 @@ std::string listed(const std::vector<double>& energies) {
   return text;
 }
 
+/// Records of one origin have the same methods.
 void require_same_references(const std::string& name, const ScanRecord& earlier,
                              const ScanRecord& now) {
-  const auto& were = earlier.reference_energies;
-  const auto& are = now.reference_energies;
-  const bool same =
-      std::equal(were.begin(), were.end(), are.begin(), are.end(),
-                 [](double was, double is) { return std::abs(was - is) <= kMostOfRounding; });
-  if (!same)
-    throw IoFailure(fmt::format(
-        "{}: the energy that interactions are counted from was {} Hartree, is {}: the engine or its "
-        "parameters have changed, so make it again",
-        name, listed(were), listed(are)));
+  for (const auto& [method, are] : now.reference_energies) {
+    const auto found = earlier.reference_energies.find(method);
+    if (found == earlier.reference_energies.end()) continue;
+    const std::vector<double>& were = found->second;
+    const bool same =
+        std::equal(were.begin(), were.end(), are.begin(), are.end(),
+                   [](double was, double is) { return std::abs(was - is) <= kMostOfRounding; });
+    if (!same)
+      throw IoFailure(fmt::format(
+          "{}: the energy that interactions are counted from was {} Hartree, is {}: the engine or "
+          "its parameters have changed, so make it again",
+          name, listed(were), listed(are)));
+  }
 }
 
 void require_same_origin(const std::string& name, const ScanRecord& earlier,

@@ -180,7 +180,7 @@ TEST(Docking, ByOneMethodHasOneEnergy) {
   const Files files = docked({"--search", "gfn2", "--starts", "5"});
   EXPECT_TRUE(files.at("dock.csv").starts_with("rank,e_int_gfn2_kcal_mol,r,theta,"))
       << files.at("dock.csv");
-  EXPECT_EQ(record_of(files)["docking"]["reference_energies_hartree"].size(), 1U);
+  EXPECT_EQ(record_of(files)["reference_energies_hartree"].size(), 1U);
 }
 
 // --- when it ends -----------------------------------------------------------------------------

@@ -54,9 +54,10 @@ TEST_F(EnergyCommandTest, TellsTheNumbersOfTheProgramXtb) {
     double interaction = pair;
     for (const double reference : references) interaction -= reference;
     EXPECT_NEAR(found["e_int_kcal_mol"], interaction * 627.5094740631, 1e-5) << method;
-    ASSERT_EQ(found["reference_energies_hartree"].size(), references.size()) << method;
+    const Json& alone = found["reference_energies_hartree"][method];
+    ASSERT_EQ(alone.size(), references.size()) << method;
     for (std::size_t k = 0; k < references.size(); ++k)
-      EXPECT_NEAR(found["reference_energies_hartree"][k], references[k], 1e-8) << method;
+      EXPECT_NEAR(alone[k], references[k], 1e-8) << method;
     EXPECT_EQ(found["status"], "ok");
     EXPECT_EQ(found["method"], method);
     EXPECT_TRUE(std::string(found["engine"]).starts_with("libxtb")) << found["engine"];
