@@ -190,11 +190,10 @@ void find_minima(const Docking& docking, const DockPlan& plan, int threads, Stat
   found.texts = texts_of(docking.placer(), plan.options, minima);
 }
 
-void run_dock(const Pair& pair, const DockRequest& request) {
+void run_dock(const Docking& docking, const Pair& pair, const DockRequest& request) {
   const std::string name = result_name(request);
   require_file_name(request.name);
   refuse_inputs_as_results(name, request.inputs);
-  const Docking docking(pair, request.plan.options);
   const auto found = std::make_shared<DockFindings>(docking);
   ScanRecord plan = record_of(docking, pair, request.plan);
   plan.shard = request.part.value_or(Shard{});
@@ -204,10 +203,15 @@ void run_dock(const Pair& pair, const DockRequest& request) {
   if (files.finished()) return;
   tell_of_earlier(request, std::ssize(found->starts));
   const InterruptionWatch watch;
-  const std::string ended = StartSearch(docking, request, files, *found).run();
-  if (!request.part) {
-    find_minima(docking, request.plan, request.threads, request.progress, *found);
-    found->summary->ended = ended;
+  try {
+    const std::string ended = StartSearch(docking, request, files, *found).run();
+    if (!request.part) {
+      find_minima(docking, request.plan, request.threads, request.progress, *found);
+      found->summary->ended = ended;
+    }
+  } catch (const InvalidInput&) {
+    files.abandon();  // a method without forces has none the next time
+    throw;
   }
   files.finish();
 }

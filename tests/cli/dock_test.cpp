@@ -303,6 +303,30 @@ TEST(Dock, RefusesWhatItCannotDo) {
     expect_refusal(run_with_engines(folder, dock_words(words)), message, before, message);
 }
 
+// GFN-FF has no forces for a hydrogen bond to an oxygen of O=C=O on a line.
+TEST(Dock, LeavesNothingOfASearchWithoutForces) {
+  const WaterMolecules folder;
+  folder.write("co2.xyz", "3\n\nC 0 0 0\nO 0 0 1.16\nO 0 0 -1.16\n");
+  const Files before = folder.outputs();
+  const Words words{"dock", "co2.xyz", kWater, "--starts", "3", "--quiet"};
+  expect_refusal(
+      run_with_engines(folder, words),
+      "the forces between these molecules are not numbers, as those of GFN-FF for hydrogen bonds "
+      "to atoms that lie exactly on a line (O=C=O); search with gfn2",
+      before);
+  EXPECT_EQ(run_with_engines(folder, words + Words{"--search", "gfn2"}).status, 0);
+}
+
+TEST(Dock, OffersNoResumeWhereNothingHasBegun) {
+  const WaterMolecules folder;
+  const Outcome outcome = run_dock(folder, kSomeStarts, without_worker);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages,
+            "dravo: the program dravo-xtb-worker is not there: looked for /none; the "
+            "variable DRAVO_XTB_WORKER can tell its path\n");
+  EXPECT_TRUE(outcome.files.empty());
+}
+
 TEST(Dock, RefusesWordsThatItDoesNotTake) {
   const WaterMolecules folder;
   const std::vector<Refused> cases{
