@@ -85,7 +85,7 @@ TEST_F(EnergyCommandTest, RefusesElectronsThatCannotBe) {
   const Outcome odd = run(salt + Words{"gfn2", "--charges", "1,0"});
   EXPECT_EQ(odd.status, 2);
   EXPECT_EQ(odd.messages,
-            "dravo: molecule 2 with charge +0 has 17 electrons: expected an odd number of unpaired "
+            "dravo: molecule 2 with charge 0 has 17 electrons: expected an odd number of unpaired "
             "ones up to 17 (--unpaired), or another charge (--charges), found 0\n");
   EXPECT_EQ(run(salt + Words{"gfnff", "--charges", "1,-1"}).status, 2);
 }
