@@ -184,7 +184,9 @@ void find_minima(const Docking& docking, const DockPlan& plan, int threads, Stat
     if (done < of) end_when_interrupted(fmt::format("scoring {} of {} minima", done, of));
   };
   std::vector<DockMinimum> minima = docking.minima(found.starts, threads, progress);
-  found.summary = DockSummary{"", std::ssize(minima)};
+  found.summary = DockSummary{"", std::ssize(minima), {}};
+  for (const DockStart& start : found.starts)
+    ++found.summary->starts.at(static_cast<std::size_t>(start.end));
   if (plan.keep && *plan.keep < std::ssize(minima))
     minima.resize(static_cast<std::size_t>(*plan.keep));
   found.texts = texts_of(docking.placer(), plan.options, minima);

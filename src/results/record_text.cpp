@@ -161,14 +161,22 @@ ScanTotals totals_in(const Json& json) {
           json.contains(kEnergies) ? std::optional(energies_in(json.at(kEnergies))) : std::nullopt};
 }
 
+constexpr auto kStartsThatEnded = "starts";
+
 Json json_of(const DockSummary& docking) {
+  Json starts = Json::object();
+  for (const DockEnd end : kDockEnds) starts[name_of(end)] = docking.starts_of(end);
   return {{"ended", docking.ended},
           {"depends_on_machine", docking.ended == kEndedByTime},
-          {"minima", docking.minima}};
+          {"minima", docking.minima},
+          {kStartsThatEnded, std::move(starts)}};
 }
 
 DockSummary docking_in(const Json& json) {
-  return {json.at("ended").get<std::string>(), whole(json, "minima")};
+  DockSummary docking{json.at("ended").get<std::string>(), whole(json, "minima"), {}};
+  for (std::size_t k = 0; k < kDockEnds.size(); ++k)
+    docking.starts[k] = whole(json.at(kStartsThatEnded), std::string(name_of(kDockEnds[k])));
+  return docking;
 }
 
 std::string bytes_key(ResultFile file) {

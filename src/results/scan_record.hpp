@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "dravo/dock.hpp"
 #include "dravo/energy.hpp"
 #include "dravo/molecule.hpp"
 #include "results/scan_totals.hpp"
@@ -93,6 +94,11 @@ inline constexpr auto kEndedByTime = "time";
 struct DockSummary {
   std::string ended;  ///< why it made no more starts
   std::int64_t minima = 0;
+  std::array<std::int64_t, kDockEnds.size()> starts{};  ///< that ended so, by `DockEnd`
+
+  [[nodiscard]] std::int64_t starts_of(DockEnd end) const {
+    return starts.at(static_cast<std::size_t>(end));
+  }
 };
 
 /// As `EnergyModel::references` has them, Hartree, by the names of methods.

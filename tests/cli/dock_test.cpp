@@ -234,6 +234,26 @@ TEST(Report, ShowsTheBestFiveWithTheirHydrogenBonds) {
   EXPECT_EQ(folder.dock({"--resume", "--quiet"}).screen, "");
 }
 
+// Protons repel each other.
+TEST(Report, TellsWhatBecameOfStartsThatFoundNothing) {
+  const WaterMolecules folder;
+  folder.write("proton.xyz", "1\n\nH 0 0 0\n");
+  const Words protons{"dock",      "proton.xyz", "proton.xyz", "--starts", "10",
+                      "--charges", "1,1",        "--search",   "gfn2"};
+  const Outcome outcome = run_with_engines(folder, protons);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.screen, "");
+  EXPECT_TRUE(matches(outcome.messages,
+                      "dravo: 10 starts found 0 minima \\([1-9].*\\)\n"
+                      "dravo: wrote dock.xyz, .csv and .json: 0 minima\n"))
+      << outcome.messages;
+  const Json starts = record_of(outcome.files)["docking"]["starts"];
+  EXPECT_EQ(starts["minimum"], 0);
+  EXPECT_EQ(starts["drifted_apart"].get<int>() + starts["not_converged"].get<int>() +
+                starts["failed"].get<int>(),
+            10);
+}
+
 TEST(Report, IsTheSameOfAFinishedDocking) {
   const Formamides folder;
   for (const Words& how : {Words{}, Words{"--json"}}) {
