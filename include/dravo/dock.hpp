@@ -50,6 +50,9 @@ enum class DockEnd : std::uint8_t {
   failed,         ///< the engine found no energy where it began
 };
 
+inline constexpr std::array<DockEnd, 4> kDockEnds{DockEnd::minimum, DockEnd::drifted_apart,
+                                                  DockEnd::not_converged, DockEnd::failed};
+
 /// "minimum", "drifted_apart", "not_converged", "failed": as tables have it.
 std::string_view name_of(DockEnd end);
 

@@ -107,7 +107,8 @@ void run(DockCommand& command) {
   require_folder_of(request.name);
   const PairFile pair = read_pair(*command.pair);
   if (!command.telling.quiet) tell(pair.remarks);
-  resumable(request.earlier, [&] { run_dock(pair.pair, request); });
+  const Docking docking(pair.pair, request.plan.options);
+  resumable(request.earlier, [&] { run_dock(docking, pair.pair, request); });
   report_docking(result_name(request), command.telling);
 }
 

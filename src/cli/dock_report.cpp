@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <iostream>
@@ -123,6 +124,22 @@ std::string words_of_end(const ScanRecord& record) {
   return "";
 }
 
+/// " (2 drifted apart, 1 failed)"; empty where all led to minima.
+std::string words_of_lost_starts(const DockSummary& docking) {
+  struct Lost {
+    DockEnd end;
+    const char* words;
+  };
+  constexpr std::array<Lost, 3> kLost{{{DockEnd::drifted_apart, "drifted apart"},
+                                       {DockEnd::not_converged, "did not converge"},
+                                       {DockEnd::failed, "had no energy"}}};
+  std::string words;
+  for (const auto& [end, what] : kLost)
+    if (docking.starts_of(end) > 0)
+      words += fmt::format("{}{} {}", words.empty() ? "" : ", ", docking.starts_of(end), what);
+  return words.empty() ? "" : fmt::format(" ({})", words);
+}
+
 void report_part(const std::string& name, const ScanRecord& record, const DockTelling& telling) {
   const Shard& part = record.shard;
   if (telling.json)
@@ -147,8 +164,9 @@ void report_docking(const std::string& name, const DockTelling& telling) {
   if (telling.quiet) return;
   if (!docking.best.empty()) std::cout << text_of(docking) << std::flush;
   const std::int64_t minima = record.docking->minima;
-  tell({fmt::format("{} starts found {} {}{}", record.totals.poses, minima,
-                    minima == 1 ? "minimum" : "minima", words_of_end(record)),
+  tell({fmt::format("{} starts found {} {}{}{}", record.totals.poses, minima,
+                    minima == 1 ? "minimum" : "minima", words_of_lost_starts(*record.docking),
+                    words_of_end(record)),
         fmt::format("wrote {}.xyz, .csv and .json: {} {}", name, record.totals.written,
                     record.totals.written == 1 ? "minimum" : "minima")});
 }

@@ -16,6 +16,7 @@
 #include "cli/long_output.hpp"
 #include "common/number_format.hpp"
 #include "common/number_text.hpp"
+#include "common/shown_text.hpp"
 #include "energy/frame_energies.hpp"
 #include "energy/pose_energy.hpp"
 #include "molecules/input_file.hpp"
@@ -36,13 +37,23 @@ struct OneEnergy {
   PoseEnergy energy;
 };
 
+/// "gfn2, libxtb 6.5.1"; "command: xtb {xyz} --gfn 2 --sp" with a program of the user's.
+std::string words_of_method(const EnergyModel& model) {
+  const EnergyOptions& options = model.options();
+  if (options.method != EnergyMethod::command)
+    return fmt::format("{}, {}", name_of(options.method), model.engine());
+  constexpr std::size_t kMostColumns = 120;
+  return fmt::format("{}: {}", name_of(options.method),
+                     printable(options.command.run, kMostColumns).text);
+}
+
 std::string text_of(const OneEnergy& found, const EnergyModel& model) {
   constexpr int kHartreeDecimals = 10, kAngstromDecimals = 4;
   const EnergyOptions& options = model.options();
   const std::vector<double>& references = model.references();
-  std::string text = fmt::format("interaction energy  {} kcal/mol\n  method            {}, {}\n",
-                                 fixed_text(found.energy.interaction, kEnergyDecimals),
-                                 name_of(options.method), model.engine());
+  std::string text =
+      fmt::format("interaction energy  {} kcal/mol\n  method            {}\n",
+                  fixed_text(found.energy.interaction, kEnergyDecimals), words_of_method(model));
   text +=
       fmt::format("  charges           {} and {}, unpaired electrons {} and {}\n",
                   options.charges[0], options.charges[1], options.unpaired[0], options.unpaired[1]);
@@ -63,7 +74,7 @@ Json json_of(const OneEnergy& found, const EnergyModel& model) {
           {"engine", model.engine()},
           {"charges", options.charges},
           {"unpaired", options.unpaired},
-          {"reference_energies_hartree", model.references()},
+          {"reference_energies_hartree", {{name_of(options.method), model.references()}}},
           {"shortest", found.survey.shortest},
           {"contacts", found.survey.contacts},
           {"clearance", found.survey.clearance}};

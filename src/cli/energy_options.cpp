@@ -10,6 +10,7 @@
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
+#include "energy/command_engine.hpp"
 
 namespace dravo {
 namespace {
@@ -42,6 +43,15 @@ EnergyCommand command_of(const EnergyWords& words) {
         "energy in what it prints");
   return {words.run, words.read,
           about("--read-unit", [&] { return energy_unit(words.read_unit); })};
+}
+
+void require_usable(const EnergyOptions& options) {
+  const auto any = [](const std::array<int, 2>& numbers) {
+    return numbers != std::array<int, 2>{};
+  };
+  about("--run",
+        [&] { require_names(options.command.run, any(options.charges), any(options.unpaired)); });
+  about("--read", [&] { (void)energy_expression(options.command.read); });
 }
 
 }  // namespace
@@ -98,7 +108,10 @@ std::optional<EnergyOptions> energy_options(const EnergyWords& words) {
   options.charges = two_numbers("--charges", words.charges);
   options.unpaired = two_numbers("--unpaired", words.unpaired);
   const bool command = options.method == EnergyMethod::command;
-  if (command) options.command = command_of(words);
+  if (command) {
+    options.command = command_of(words);
+    require_usable(options);
+  }
   if (!command && !words.run.empty()) throw InvalidInput("--run belongs to --energy command");
   return options;
 }

@@ -20,8 +20,6 @@
 namespace dravo {
 namespace {
 
-constexpr auto kShortestColumn = "shortest";
-
 /// What was not given is the scan's.
 EnergyOptions options_of(EnergyWords words, const ScanRecord& scan) {
   constexpr auto kNone = "0,0";
@@ -29,13 +27,6 @@ EnergyOptions options_of(EnergyWords words, const ScanRecord& scan) {
   if (words.unpaired.empty()) words.unpaired = told_unpaired(scan).value_or(kNone);
   require_recordable(words);
   return *energy_options(words);
-}
-
-BestRule rule_of(const ScanEnergyCommand& command, const ScanRecord& scan) {
-  std::string by = command.by;
-  if (by.empty()) by = has_energies(scan) ? kEnergyColumn : kShortestColumn;
-  const bool largest = by.starts_with('-');
-  return {command.best, by.substr(largest ? 1 : 0), largest};
 }
 
 /// The lowest energies, with their places by those of the scan.
@@ -59,7 +50,7 @@ void compute_poses(const ScanEnergyCommand& command) {
   const PairPlacer placer = placer_of(request.scan, scan);
   const EnergyOptions options = options_of(command.words, scan);
   const std::string_view method = name_of(options.method);
-  if (command.best > 0) request.best = rule_of(command, scan);
+  if (command.best > 0) request.best = best_rule(command.best, command.by, has_energies(scan));
   if (request.name.empty()) request.name = fmt::format("{}-{}", request.scan, method);
   require_folder_of(request.name);
   const EnergyModel model(scan.molecules->pair, options);

@@ -71,15 +71,9 @@ struct ScanCommand {
   bool json = false;
   std::string shard;
   std::int64_t best = 0;  ///< 0 for all poses
-  std::string by = "shortest";
+  std::string by;         ///< empty without the option
   ScanRequest request;
 };
-
-/// "shortest", or "-shortest" for the largest values.
-BestRule best_rule(std::int64_t count, const std::string& by) {
-  const bool largest = by.starts_with('-');
-  return {count, by.substr(largest ? 1 : 0), largest};
-}
 
 PlanKeys keys_of(const ScanCommand& options) {
   PlanKeys keys;
@@ -149,7 +143,6 @@ void run(const CLI::App& command, ScanCommand& options) {
   ScanRequest& request = options.request;
   if (options.resume) request.earlier = Earlier::resume;
   if (options.overwrite) request.earlier = Earlier::overwrite;
-  if (options.best > 0) request.best = best_rule(options.best, options.by);
   if (!options.shard.empty()) request.part = parse_shard(options.shard);
   request.progress = kind_of_status(options.quiet);
   if (!options.quiet) request.tell = [](const std::string& news) { tell({news}); };
@@ -158,6 +151,8 @@ void run(const CLI::App& command, ScanCommand& options) {
   if (!options.quiet) tell(pair.remarks);
   PlanKeys keys = keys_of(options);
   const ScanEnergy energy = take_scan_energy(command, options.energy, keys);
+  if (options.best > 0)
+    request.best = best_rule(options.best, options.by, energy.options.has_value());
   const std::optional<Pair> like =
       reference_pair(options.placing.like, *options.pair, pair.pair.n1());
   const ScanPlan plan(keys, pose_defaults(*options.pair, pair, like ? &*like : nullptr));
@@ -217,7 +212,10 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opti
                    ->check(CLI::Range(std::int64_t{1}, kMostBest))
                    ->excludes(count)
                    ->excludes(command.get_option("--files"));
-  command.add_option("--by", options->by, "this column (shortest); -COLUMN: the largest values")
+  command
+      .add_option(
+          "--by", options->by,
+          "this column (e_int_kcal_mol with --energy, else shortest); -COLUMN: the largest values")
       ->type_name("[-]COLUMN")
       ->needs(best);
   auto* resume = command.add_flag("--resume", options->resume, "go on with an unfinished scan");

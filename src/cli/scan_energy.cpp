@@ -117,9 +117,9 @@ ScanEnergy take_scan_energy(const CLI::App& command, ScanEnergyWords words, Plan
   const std::string idle = idle_key(given, words.method);
   if (!idle.empty()) given.refuse(idle);
   try {
+    require_recordable(words);
     ScanEnergy energy{energy_options(words), std::nullopt};
     if (!words.keep_below.empty()) energy.keep_below = bound_in(words.keep_below);
-    require_recordable(words);
     return energy;
   } catch (const InvalidInput& fault) {
     given.refuse(fault.what());

@@ -69,37 +69,6 @@ std::string with_values(std::string line, const EnergySystem& system) {
   return line;
 }
 
-/// A command that is not told of a charge would compute another system without a word.
-void require_names(const std::string& line, const EnergySystem& system) {
-  struct Wanted {
-    std::string_view name, reason;
-    bool wanted;
-  };
-  const std::array<Wanted, 3> names{
-      {{"{xyz}", "the file to compute", true},
-       {"{charge}", "as there are charges", system.charge != 0},
-       {"{unpaired}", "as there are unpaired electrons", system.unpaired != 0}}};
-  for (const auto& [name, reason, wanted] : names)
-    if (wanted && line.find(name) == std::string::npos)
-      throw InvalidInput(fmt::format("expected a command with {}, {}, found {}", name, reason,
-                                     dravo::quoted(line)));
-}
-
-std::regex expression_of(const std::string& text) {
-  std::optional<std::regex> expression;
-  try {
-    expression.emplace(text);
-  } catch (const std::regex_error& error) {
-    throw InvalidInput(fmt::format("expected a regular expression, found {}: {}",
-                                   dravo::quoted(text), error.what()));
-  }
-  if (expression->mark_count() == 1) return *expression;
-  throw InvalidInput(
-      fmt::format("expected a regular expression with one group, the energy in parentheses, found "
-                  "{}",
-                  dravo::quoted(text)));
-}
-
 /// What a program printed.
 struct Printed {
   std::optional<double> energy;  ///< of the last match, if that is a number
@@ -156,7 +125,7 @@ class CommandEngine final : public SystemEngine {
   CommandEngine(const EnergySystem& system, const EnergyCommand& command)
       : labels_(system.labels),
         line_(with_values(command.run, system)),
-        expression_(expression_of(command.read)),
+        expression_(energy_expression(command.read)),
         hartree_(hartree(command.unit)) {}
 
   SystemEnergy compute(std::span<const Vec3> positions, std::span<Vec3> gradient) override {
@@ -182,13 +151,16 @@ class CommandEngine final : public SystemEngine {
 
   [[nodiscard]] SystemEnergy judged(int status, const Printed& printed) const {
     const std::string end =
-        fmt::format("{}, and its last line is \"{}\"", end_text(status), printed.last_line);
-    if (is_killed(status)) return {EnergyStatus::engine_died, 0.0, end};
+        end_text(status) + (printed.last_line.empty()
+                                ? ", and it printed nothing"
+                                : fmt::format(", and its last line is \"{}\"", printed.last_line));
+    if (is_killed(status)) return {EnergyStatus::engine_died, 0.0, "the program failed: " + end};
     if (WEXITSTATUS(status) == kNotFound)
       throw EngineFailure(
           fmt::format("{}: {}; commands run in a folder of their own, {{here}} is that of dravo",
                       dravo::quoted(line_), printed.last_line));
-    if (WEXITSTATUS(status) != 0) return {EnergyStatus::scf_fail, 0.0, end};
+    if (WEXITSTATUS(status) != 0)
+      return {EnergyStatus::scf_fail, 0.0, "the program failed: " + end};
     if (printed.energy) return {EnergyStatus::ok, *printed.energy * hartree_};
     return {EnergyStatus::scf_fail, 0.0, "no energy is found in what the program prints; " + end};
   }
@@ -204,9 +176,38 @@ class CommandEngine final : public SystemEngine {
 
 }  // namespace
 
+void require_names(const std::string& line, bool charged, bool unpaired) {
+  struct Wanted {
+    std::string_view name, reason;
+    bool wanted;
+  };
+  const std::array<Wanted, 3> names{{{"{xyz}", "the file to compute", true},
+                                     {"{charge}", "as there are charges", charged},
+                                     {"{unpaired}", "as there are unpaired electrons", unpaired}}};
+  for (const auto& [name, reason, wanted] : names)
+    if (wanted && line.find(name) == std::string::npos)
+      throw InvalidInput(fmt::format("expected a command with {}, {}, found {}", name, reason,
+                                     dravo::quoted(line)));
+}
+
+std::regex energy_expression(const std::string& text) {
+  std::optional<std::regex> expression;
+  try {
+    expression.emplace(text);
+  } catch (const std::regex_error& error) {
+    throw InvalidInput(fmt::format("expected a regular expression, found {}: {}",
+                                   dravo::quoted(text), error.what()));
+  }
+  if (expression->mark_count() == 1) return *expression;
+  throw InvalidInput(
+      fmt::format("expected a regular expression with one group, the energy in parentheses, found "
+                  "{}",
+                  dravo::quoted(text)));
+}
+
 std::unique_ptr<SystemEngine> start_command(const EnergySystem& system,
                                             const EnergyCommand& command) {
-  require_names(command.run, system);
+  require_names(command.run, system.charge != 0, system.unpaired != 0);
   return std::make_unique<CommandEngine>(system, command);
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "driver/element_table.hpp"
 #include "molecules/fragments.hpp"
@@ -18,6 +19,9 @@ std::int64_t protons_in(std::span<const Label> labels) {
   for (const Label& label : labels) protons += atomic_number_of_symbol(label).value_or(0);
   return protons;
 }
+
+/// "+1", "0", "-2".
+std::string charge_text(int charge) { return charge == 0 ? "0" : fmt::format("{:+}", charge); }
 
 /// One molecule as it was asked for.
 struct Asked {
@@ -37,9 +41,9 @@ void require_possible(const Asked& molecule) {
   const bool even = electrons % 2 == 0;
   if (unpaired >= 0 && unpaired <= electrons && unpaired % 2 == electrons % 2) return;
   throw InvalidInput(
-      fmt::format("molecule {} with charge {:+} has {} electrons: expected {} number of unpaired "
+      fmt::format("molecule {} with charge {} has {} electrons: expected {} number of unpaired "
                   "ones up to {}{}, found {}",
-                  number, charge, electrons, even ? "an even" : "an odd", electrons,
+                  number, charge_text(charge), electrons, even ? "an even" : "an odd", electrons,
                   even ? "" : " (--unpaired), or another charge (--charges)", unpaired));
 }
 
@@ -49,9 +53,9 @@ void require_one_part(const Asked& molecule) {
   const std::size_t parts = bonded_components(molecule.labels, molecule.positions).size();
   if (parts == 1) return;
   throw InvalidInput(
-      fmt::format("molecule {} with charge {:+} is not bonded as a whole: GFN-FF cannot tell which "
+      fmt::format("molecule {} with charge {} is not bonded as a whole: GFN-FF cannot tell which "
                   "of its {} parts has the charge; gfn2 computes it",
-                  molecule.number, molecule.charge, parts));
+                  molecule.number, charge_text(molecule.charge), parts));
 }
 
 }  // namespace

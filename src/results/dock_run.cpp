@@ -153,6 +153,8 @@ ScanRecord record_of(const Docking& docking, const Pair& pair, const DockPlan& p
   if (plan.keep) record.origin[kKeepKey] = std::to_string(*plan.keep);
   record.poses = plan.starts.value_or(kMostStarts);
   record.molecules = std::make_shared<const ScannedPair>(ScannedPair{pair, std::nullopt});
+  for (const EnergyModel& model : {docking.search_model(), docking.score_model()})
+    add_references(record, model);
   return record;
 }
 
@@ -182,20 +184,18 @@ void find_minima(const Docking& docking, const DockPlan& plan, int threads, Stat
     if (done < of) end_when_interrupted(fmt::format("scoring {} of {} minima", done, of));
   };
   std::vector<DockMinimum> minima = docking.minima(found.starts, threads, progress);
-  DockSummary summary{"", std::ssize(minima), {}};
-  for (const EnergyModel& model : {docking.search_model(), docking.score_model()})
-    summary.references[std::string(name_of(model.options().method))] = model.references();
+  found.summary = DockSummary{"", std::ssize(minima), {}};
+  for (const DockStart& start : found.starts)
+    ++found.summary->starts.at(static_cast<std::size_t>(start.end));
   if (plan.keep && *plan.keep < std::ssize(minima))
     minima.resize(static_cast<std::size_t>(*plan.keep));
   found.texts = texts_of(docking.placer(), plan.options, minima);
-  found.summary = std::move(summary);
 }
 
-void run_dock(const Pair& pair, const DockRequest& request) {
+void run_dock(const Docking& docking, const Pair& pair, const DockRequest& request) {
   const std::string name = result_name(request);
   require_file_name(request.name);
   refuse_inputs_as_results(name, request.inputs);
-  const Docking docking(pair, request.plan.options);
   const auto found = std::make_shared<DockFindings>(docking);
   ScanRecord plan = record_of(docking, pair, request.plan);
   plan.shard = request.part.value_or(Shard{});
@@ -205,10 +205,15 @@ void run_dock(const Pair& pair, const DockRequest& request) {
   if (files.finished()) return;
   tell_of_earlier(request, std::ssize(found->starts));
   const InterruptionWatch watch;
-  const std::string ended = StartSearch(docking, request, files, *found).run();
-  if (!request.part) {
-    find_minima(docking, request.plan, request.threads, request.progress, *found);
-    found->summary->ended = ended;
+  try {
+    const std::string ended = StartSearch(docking, request, files, *found).run();
+    if (!request.part) {
+      find_minima(docking, request.plan, request.threads, request.progress, *found);
+      found->summary->ended = ended;
+    }
+  } catch (const InvalidInput&) {
+    files.abandon();  // a method without forces has none the next time
+    throw;
   }
   files.finish();
 }

@@ -41,9 +41,10 @@ struct DockRequest {
 /// Of the results, without ending.
 std::string result_name(const DockRequest& request);
 
-/// Throws what a `Docking` throws, IoFailure when the results cannot be written, and Interrupted
-/// after SIGINT or SIGTERM.
-void run_dock(const Pair& pair, const DockRequest& request);
+/// `docking` is of the pair and of the plan of the request. Throws IoFailure when the results
+/// cannot be written, EngineFailure, and Interrupted after SIGINT or SIGTERM; InvalidInput, and
+/// then leaves no unfinished results, where the method has no forces for the pair.
+void run_dock(const Docking& docking, const Pair& pair, const DockRequest& request);
 
 /// The record of a docking of this pair that has done nothing.
 ScanRecord record_of(const Docking& docking, const Pair& pair, const DockPlan& plan);

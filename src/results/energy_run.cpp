@@ -157,7 +157,8 @@ ScanRecord record_of(const ScanRecord& scan, const EnergyRequest& request, const
   record.poses = number_of(rows);
   record.totals.energies.emplace();
   record.molecules = scan.molecules;
-  record.reference_energies = model.references();
+  record.reference_energies = scan.reference_energies;
+  add_references(record, model);
   return record;
 }
 

@@ -65,7 +65,7 @@ constexpr std::array<Column, 22> kPoseColumns{{
     {"beta_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.beta, kAngle); }},
     {"gamma_applied",
      [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, kAngle); }},
-    {"shortest", [](auto& text, const auto& p) { append_fixed(text, p.shortest, kLength); }},
+    {kShortestColumn, [](auto& text, const auto& p) { append_fixed(text, p.shortest, kLength); }},
     {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.contacts); }},
     {"clearance", append_clearance},
     {"clearance_atom1", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom1); }},

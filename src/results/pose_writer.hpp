@@ -12,8 +12,9 @@
 
 namespace dravo {
 
-/// The column of the interaction energy.
+/// The columns of the interaction energy and of the shortest distance.
 inline constexpr auto kEnergyColumn = "e_int_kcal_mol";
+inline constexpr auto kShortestColumn = "shortest";
 
 /// Columns that not every plan has.
 struct PoseColumns {

@@ -161,16 +161,22 @@ ScanTotals totals_in(const Json& json) {
           json.contains(kEnergies) ? std::optional(energies_in(json.at(kEnergies))) : std::nullopt};
 }
 
+constexpr auto kStartsThatEnded = "starts";
+
 Json json_of(const DockSummary& docking) {
+  Json starts = Json::object();
+  for (const DockEnd end : kDockEnds) starts[name_of(end)] = docking.starts_of(end);
   return {{"ended", docking.ended},
           {"depends_on_machine", docking.ended == kEndedByTime},
           {"minima", docking.minima},
-          {kReferenceEnergies, docking.references}};
+          {kStartsThatEnded, std::move(starts)}};
 }
 
 DockSummary docking_in(const Json& json) {
-  return {json.at("ended").get<std::string>(), whole(json, "minima"),
-          json.at(kReferenceEnergies).get<std::map<std::string, std::vector<double>>>()};
+  DockSummary docking{json.at("ended").get<std::string>(), whole(json, "minima"), {}};
+  for (std::size_t k = 0; k < kDockEnds.size(); ++k)
+    docking.starts[k] = whole(json.at(kStartsThatEnded), std::string(name_of(kDockEnds[k])));
+  return docking;
 }
 
 std::string bytes_key(ResultFile file) {
@@ -239,7 +245,7 @@ ScanRecord parse_record(const std::string& name, const std::string& text) {
       record.files[file] = {whole(json, bytes_key(file)), checksum_in(json, checksum_key(file))};
     record.molecules = molecules_in(json);
     if (json.contains(kReferenceEnergies))
-      record.reference_energies = json.at(kReferenceEnergies).get<std::vector<double>>();
+      record.reference_energies = json.at(kReferenceEnergies).get<ReferenceEnergies>();
     if (json.contains(kDocking)) record.docking = docking_in(json.at(kDocking));
     if (record.shard.number > record.shard.of) throw std::out_of_range("shard");
     return record;

@@ -103,6 +103,14 @@ void ScanFiles::claim() {
   claimable_ = true;
 }
 
+void ScanFiles::abandon() {
+  claimable_ = false;
+  results_.reset();
+  remove_unfinished(name_);
+  progress_->clear();
+  progress_.reset();
+}
+
 void ScanFiles::finish() {
   claim();  // a kill among the next steps must not make poses again
   claimable_ = false;

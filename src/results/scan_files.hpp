@@ -45,6 +45,9 @@ class ScanFiles {
   /// All poses are in the files.
   void finish();
 
+  /// Nobody can go on with this: nothing of it is left.
+  void abandon();
+
  private:
   void clear_the_way(Earlier earlier);
   void begin();

@@ -11,6 +11,7 @@
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
 #include "common/version.hpp"
+#include "results/pose_writer.hpp"
 #include "results/record_keys.hpp"
 #include "scan/fingerprint.hpp"
 
@@ -32,6 +33,12 @@ constexpr auto kUnpairedKey = "unpaired";
 constexpr double kMostOfRounding = 1e-6;
 
 }  // namespace
+
+BestRule best_rule(std::int64_t count, std::string by, bool energies) {
+  if (by.empty()) by = energies ? kEnergyColumn : kShortestColumn;
+  const bool largest = by.starts_with('-');
+  return {count, by.substr(largest ? 1 : 0), largest};
+}
 
 std::int64_t Shard::first(std::int64_t poses) const {
   __extension__ using Wide = __int128;
@@ -59,9 +66,7 @@ Writing ScanRecord::writing() const {
 std::optional<BestRule> ScanRecord::best() const {
   const auto count = origin.find(kBestKey);
   if (count == origin.end()) return std::nullopt;
-  const std::string& by = origin.at(kByKey);
-  const bool largest = by.starts_with('-');
-  BestRule rule{std::stoll(count->second), by.substr(largest ? 1 : 0), largest};
+  BestRule rule = best_rule(std::stoll(count->second), origin.at(kByKey), false);
   if (rule.count < 1) throw std::out_of_range(kBestKey);
   return rule;
 }
@@ -133,6 +138,10 @@ std::optional<std::string> told(const ScanRecord& record, const std::string& key
 
 }  // namespace
 
+void add_references(ScanRecord& record, const EnergyModel& energy) {
+  record.reference_energies[std::string(name_of(energy.options().method))] = energy.references();
+}
+
 void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,
                    const std::optional<double>& keep_below) {
   origin.merge(description_of(energy));
@@ -193,18 +202,22 @@ std::string listed(const std::vector<double>& energies) {
   return text;
 }
 
+/// Records of one origin have the same methods.
 void require_same_references(const std::string& name, const ScanRecord& earlier,
                              const ScanRecord& now) {
-  const auto& were = earlier.reference_energies;
-  const auto& are = now.reference_energies;
-  const bool same =
-      std::equal(were.begin(), were.end(), are.begin(), are.end(),
-                 [](double was, double is) { return std::abs(was - is) <= kMostOfRounding; });
-  if (!same)
-    throw IoFailure(fmt::format(
-        "{}: the energy that interactions are counted from was {} Hartree, is {}: the engine or its "
-        "parameters have changed, so make it again",
-        name, listed(were), listed(are)));
+  for (const auto& [method, are] : now.reference_energies) {
+    const auto found = earlier.reference_energies.find(method);
+    if (found == earlier.reference_energies.end()) continue;
+    const std::vector<double>& were = found->second;
+    const bool same =
+        std::equal(were.begin(), were.end(), are.begin(), are.end(),
+                   [](double was, double is) { return std::abs(was - is) <= kMostOfRounding; });
+    if (!same)
+      throw IoFailure(fmt::format(
+          "{}: the energy that interactions are counted from was {} Hartree, is {}: the engine or "
+          "its parameters have changed, so make it again",
+          name, listed(were), listed(are)));
+  }
 }
 
 void require_same_origin(const std::string& name, const ScanRecord& earlier,

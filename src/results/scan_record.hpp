@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "dravo/dock.hpp"
 #include "dravo/energy.hpp"
 #include "dravo/molecule.hpp"
 #include "results/scan_totals.hpp"
@@ -44,6 +45,10 @@ struct BestRule {
   std::string column;
   bool largest;
 };
+
+/// `by` is a column, or one behind a hyphen for its largest values. Without it the column is that
+/// of the energy where there is one, else that of the shortest distance.
+BestRule best_rule(std::int64_t count, std::string by, bool energies);
 
 /// The files that a scan may have besides its record and its progress.
 enum class ResultFile : std::size_t {
@@ -89,8 +94,15 @@ inline constexpr auto kEndedByTime = "time";
 struct DockSummary {
   std::string ended;  ///< why it made no more starts
   std::int64_t minima = 0;
-  std::map<std::string, std::vector<double>> references;  ///< of each method, Hartree
+  std::array<std::int64_t, kDockEnds.size()> starts{};  ///< that ended so, by `DockEnd`
+
+  [[nodiscard]] std::int64_t starts_of(DockEnd end) const {
+    return starts.at(static_cast<std::size_t>(end));
+  }
 };
+
+/// As `EnergyModel::references` has them, Hartree, by the names of methods.
+using ReferenceEnergies = std::map<std::string, std::vector<double>>;
 
 /// Of a scan, or of a docking, whose starts are its poses.
 struct ScanRecord {
@@ -102,9 +114,8 @@ struct ScanRecord {
   std::map<ResultFile, FileState> files;
   /// Null in the progress of a scan and in records of earlier versions.
   std::shared_ptr<const ScannedPair> molecules = nullptr;
-  /// As `EnergyModel::references` has them. No part of the origin: their last digits depend on the
-  /// machine.
-  std::vector<double> reference_energies = {};
+  /// No part of the origin: their last digits depend on the machine.
+  ReferenceEnergies reference_energies = {};
   std::optional<DockSummary> docking = std::nullopt;  ///< of a finished one that is in one part
 
   [[nodiscard]] bool is_docking() const;
@@ -133,6 +144,9 @@ void add_to_origin(std::map<std::string, std::string>& origin, Writing writing,
 
 /// Engine, charges and unpaired electrons of a method, as origins have them.
 std::map<std::string, std::string> description_of(const EnergyModel& energy);
+
+/// Adds what the energies of a method are counted from.
+void add_references(ScanRecord& record, const EnergyModel& energy);
 
 /// Adds how energies are computed, and which bound they keep to.
 void add_to_origin(std::map<std::string, std::string>& origin, const EnergyModel& energy,

@@ -119,7 +119,7 @@ ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, con
                     std::make_shared<const ScannedPair>(molecules)};
   if (!request.energy) return record;
   record.totals.energies.emplace();
-  record.reference_energies = request.energy->references();
+  add_references(record, *request.energy);
   return record;
 }
 

@@ -180,7 +180,7 @@ TEST(Docking, ByOneMethodHasOneEnergy) {
   const Files files = docked({"--search", "gfn2", "--starts", "5"});
   EXPECT_TRUE(files.at("dock.csv").starts_with("rank,e_int_gfn2_kcal_mol,r,theta,"))
       << files.at("dock.csv");
-  EXPECT_EQ(record_of(files)["docking"]["reference_energies_hartree"].size(), 1U);
+  EXPECT_EQ(record_of(files)["reference_energies_hartree"].size(), 1U);
 }
 
 // --- when it ends -----------------------------------------------------------------------------
@@ -232,6 +232,26 @@ TEST(Report, ShowsTheBestFiveWithTheirHydrogenBonds) {
                       "dravo: wrote dock\\.xyz, \\.csv and \\.json: [0-9]+ minima\n"))
       << outcome.messages;
   EXPECT_EQ(folder.dock({"--resume", "--quiet"}).screen, "");
+}
+
+// Protons repel each other.
+TEST(Report, TellsWhatBecameOfStartsThatFoundNothing) {
+  const WaterMolecules folder;
+  folder.write("proton.xyz", "1\n\nH 0 0 0\n");
+  const Words protons{"dock",      "proton.xyz", "proton.xyz", "--starts", "10",
+                      "--charges", "1,1",        "--search",   "gfn2"};
+  const Outcome outcome = run_with_engines(folder, protons);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.screen, "");
+  EXPECT_TRUE(matches(outcome.messages,
+                      "dravo: 10 starts found 0 minima \\([1-9].*\\)\n"
+                      "dravo: wrote dock.xyz, .csv and .json: 0 minima\n"))
+      << outcome.messages;
+  const Json starts = record_of(outcome.files)["docking"]["starts"];
+  EXPECT_EQ(starts["minimum"], 0);
+  EXPECT_EQ(starts["drifted_apart"].get<int>() + starts["not_converged"].get<int>() +
+                starts["failed"].get<int>(),
+            10);
 }
 
 TEST(Report, IsTheSameOfAFinishedDocking) {
@@ -301,6 +321,30 @@ TEST(Dock, RefusesWhatItCannotDo) {
   };
   for (const auto& [words, message] : cases)
     expect_refusal(run_with_engines(folder, dock_words(words)), message, before, message);
+}
+
+// GFN-FF has no forces for a hydrogen bond to an oxygen of O=C=O on a line.
+TEST(Dock, LeavesNothingOfASearchWithoutForces) {
+  const WaterMolecules folder;
+  folder.write("co2.xyz", "3\n\nC 0 0 0\nO 0 0 1.16\nO 0 0 -1.16\n");
+  const Files before = folder.outputs();
+  const Words words{"dock", "co2.xyz", kWater, "--starts", "3", "--quiet"};
+  expect_refusal(
+      run_with_engines(folder, words),
+      "the forces between these molecules are not numbers, as those of GFN-FF for hydrogen bonds "
+      "to atoms that lie exactly on a line (O=C=O); search with gfn2",
+      before);
+  EXPECT_EQ(run_with_engines(folder, words + Words{"--search", "gfn2"}).status, 0);
+}
+
+TEST(Dock, OffersNoResumeWhereNothingHasBegun) {
+  const WaterMolecules folder;
+  const Outcome outcome = run_dock(folder, kSomeStarts, without_worker);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.messages,
+            "dravo: the program dravo-xtb-worker is not there: looked for /none; the "
+            "variable DRAVO_XTB_WORKER can tell its path\n");
+  EXPECT_TRUE(outcome.files.empty());
 }
 
 TEST(Dock, RefusesWordsThatItDoesNotTake) {

@@ -270,7 +270,7 @@ TEST_F(EnergiesOfAScan, HaveARecord) {
   std::snprintf(digits.data(), digits.size(), "%016lx", checksum.value());
   EXPECT_EQ(origin["command-table-xxh3"], digits.data());
   // Sums of 1/d within each molecule, in kcal/mol.
-  const Json& references = record["reference_energies_hartree"];
+  const Json& references = record["reference_energies_hartree"]["command"];
   ASSERT_EQ(references.size(), 2U);
   const Pair dimer = read_pair({.file = (folder_.path() / kInput).string()}).pair;
   for (const std::size_t m : {0U, 1U}) {
@@ -307,13 +307,18 @@ TEST_F(EnergiesOfAScan, TakeTheChargesOfTheScan) {
   ASSERT_EQ(run(Words{"scan", "--best", "3"} + charge).status, 0);
   const Json record = Json::parse(folder_.read("scan-command.json"));
   EXPECT_EQ(record["origin"]["command-charges"], "2,-2");
-  EXPECT_NEAR(record["reference_energies_hartree"][0].get<double>(), 2 / 627.5094740631, 1e-12);
+  EXPECT_NEAR(record["reference_energies_hartree"]["command"][0].get<double>(), 2 / 627.5094740631,
+              1e-12);
   // Those of results like these are asked of them in turn.
   Words other = charge;
   other[1] = "gfn2";
   if (!has_libxtb()) return;
   ASSERT_EQ(run({"scan-command", "--energy", "gfn2", "--unpaired", "0,0"}).status, 0);
-  EXPECT_EQ(Json::parse(folder_.read("scan-command-gfn2.json"))["origin"]["gfn2-charges"], "2,-2");
+  const Json later = Json::parse(folder_.read("scan-command-gfn2.json"));
+  EXPECT_EQ(later["origin"]["gfn2-charges"], "2,-2");
+  Json references = record["reference_energies_hartree"];
+  EXPECT_EQ(later["reference_energies_hartree"]["command"], references["command"]);
+  EXPECT_EQ(later["reference_energies_hartree"]["gfn2"].size(), 2U);
   ASSERT_EQ(run(Words{"scan", "--charges", "4,0", "--overwrite"} + charge).status, 0);
   EXPECT_EQ(Json::parse(folder_.read("scan-command.json"))["origin"]["command-charges"], "4,0");
 }

@@ -164,6 +164,11 @@ TEST(BestByEnergy, IsTheBeginningOfTheSortedTableWithoutClashes) {
   }
 }
 
+TEST(BestByEnergy, IsWhatBestMeansInAScanWithEnergies) {
+  const Words best = kForceField + Words{"--best", "7"};
+  expect_files(made_of_waters(best), made_of_waters(best + Words{"--by", kEnergy}), "without --by");
+}
+
 // Later.
 
 TEST(FramesOfEnergies, AreMadeAgainWithoutAnEngine) {
@@ -376,7 +381,13 @@ TEST(EnergiesThatCannotBe, AreRefusedInAPlanWithTheirPlace) {
        "expected one value for energy\nenergy = [\"gfn2\", \"gfn1\"]\n                   ^^^^"},
       {"keep-below = -1", "--keep-below needs --energy\nkeep-below = -1\n             ^^"},
       {"energy = \"gfn2\"\nrun = \"x\"",
-       "--run belongs to --energy command\nrun = \"x\"\n       ^"}};
+       "--run belongs to --energy command\nrun = \"x\"\n       ^"},
+      {"energy = \"command\"\nread = \"(.)\"\nrun = \"x\"",
+       "--run: expected a command with {xyz}, the file to compute, found \"x\"\nrun = \"x\"\n"
+       "       ^"},
+      {"energy = \"command\"\nrun = \"{xyz}\"\nread = \"E\"",
+       "--read: expected a regular expression with one group, the energy in parentheses, found "
+       "\"E\"\nread = \"E\"\n        ^"}};
   const Waters folder;
   for (const auto& [plan, message] : cases) {
     folder.write("plan.toml", "r = 3\n" + plan + "\n");

@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
         Run{"echo 'a \"quoted\" $HOME'\\''s E=1'", "a \"quoted\" .HOME's E=(\\d)", kOk, 1.0, ""},
         Run{"printf 'a\\0b E=4\\n'", "E=(\\d)", kOk, 4.0, ""},
         Run{"touch leftover more; mkdir folder; echo E=2; cat leftover", "E=(\\d)", kOk, 2.0, ""},
-        Run{"echo", "E=(\\d)", kNone, 0.0, kNotFound + "0, and its last line is \"\""},
+        Run{"echo", "E=(\\d)", kNone, 0.0, kNotFound + "0, and it printed nothing"},
         Run{"echo lost; echo", "E=(\\d)", kNone, 0.0,
             kNotFound + "0, and its last line is \"lost\""},
         Run{"echo E=1; echo E=nan", "E=(\\S+)", kNone, 0.0,
@@ -70,13 +70,13 @@ INSTANTIATE_TEST_SUITE_P(
         Run{"echo E=1; echo 'E=****'", "E=(\\S+)", kNone, 0.0,
             kNotFound + "0, and its last line is \"E=****\""},
         Run{"echo E=1; exit 3", "E=(\\S+)", kNone, 0.0,
-            "it ended with status 3, and its last line is \"E=1\""},
+            "the program failed: it ended with status 3, and its last line is \"E=1\""},
         Run{"echo E=1; kill -s SEGV $$", "E=(\\S+)", kDied, 0.0,
-            "signal 11 ended it (Segmentation fault), and its last line is \"E=1\""},
+            "the program failed: signal 11 ended it (Segmentation fault), and its last line is \"E=1\""},
         Run{"sh -c 'kill -s ABRT $$'; exit $?", "E=(\\S+)", kDied, 0.0,
-            "it ended with status 134, and its last line is \"Aborted\""},
+            "the program failed: it ended with status 134, and its last line is \"Aborted\""},
         Run{"echo E=1; exit 255", "E=(\\S+)", kNone, 0.0,
-            "it ended with status 255, and its last line is \"E=1\""}));
+            "the program failed: it ended with status 255, and its last line is \"E=1\""}));
 
 TEST(CommandUnits, AreConvertedToHartree) {
   const auto energy = [](EnergyUnit unit) {

@@ -62,14 +62,14 @@ INSTANTIATE_TEST_SUITE_P(
               kWater,
               {0, 0},
               {0, 0},
-              "molecule 1 with charge +0 has 17 electrons: expected an odd number of unpaired ones "
+              "molecule 1 with charge 0 has 17 electrons: expected an odd number of unpaired ones "
               "up to 17 (--unpaired), or another charge (--charges), found 0"},
         Asked{"anion without its charge",
               kWater,
               kChlorine,
               {0, 0},
               {0, 0},
-              "molecule 2 with charge +0 has 17 electrons: expected an odd number of unpaired ones "
+              "molecule 2 with charge 0 has 17 electrons: expected an odd number of unpaired ones "
               "up to 17 (--unpaired), or another charge (--charges), found 0"},
         Asked{"charge of the other",
               kWater,
@@ -83,21 +83,21 @@ INSTANTIATE_TEST_SUITE_P(
               kOxygen,
               {0, 0},
               {0, 1},
-              "molecule 2 with charge +0 has 16 electrons: expected an even number of unpaired "
+              "molecule 2 with charge 0 has 16 electrons: expected an even number of unpaired "
               "ones up to 16, found 1"},
         Asked{"more than there are",
               kWater,
               kOxygen,
               {0, 0},
               {12, 0},
-              "molecule 1 with charge +0 has 10 electrons: expected an even number of unpaired "
+              "molecule 1 with charge 0 has 10 electrons: expected an even number of unpaired "
               "ones up to 10, found 12"},
         Asked{"fewer than none",
               kOxygen,
               kWater,
               {0, 0},
               {-2, 0},
-              "molecule 1 with charge +0 has 16 electrons: expected an even number of unpaired "
+              "molecule 1 with charge 0 has 16 electrons: expected an even number of unpaired "
               "ones up to 16, found -2"},
         Asked{"charge above its protons",
               kWater,

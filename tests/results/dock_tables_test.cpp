@@ -123,7 +123,8 @@ ScanRecord docking() {
   record.poses = 500;
   record.totals = {180, 0, 3, 1, 1.75, 1};
   record.files = {{ResultFile::frames, {10, 1}}, {ResultFile::table, {20, 2}}};
-  record.docking = DockSummary{"nothing new", 7, {{"gfnff", {-0.1}}, {"gfn2", {-5.0, -1.0 / 3.0}}}};
+  record.docking = DockSummary{"nothing new", 7, {171, 5, 3, 1}};
+  record.reference_energies = {{"gfnff", {-0.1}}, {"gfn2", {-5.0, -1.0 / 3.0}}};
   return record;
 }
 
@@ -133,7 +134,9 @@ TEST(RecordOfADocking, IsReadBackFromItsText) {
   ASSERT_TRUE(read.docking);
   EXPECT_EQ(read.docking->ended, "nothing new");
   EXPECT_EQ(read.docking->minima, 7);
-  EXPECT_EQ(read.docking->references, docking().docking->references);
+  EXPECT_EQ(read.docking->starts, docking().docking->starts);
+  EXPECT_EQ(read.docking->starts_of(DockEnd::not_converged), 3);
+  EXPECT_EQ(read.reference_energies, docking().reference_energies);
   EXPECT_EQ(read.files.size(), 2U);
 }
 

@@ -71,7 +71,7 @@ TEST(EnergyTotals, AddUpInTheOrderOfThePoses) {
 ScanRecord record() {
   ScanRecord scan{{{"energy", "gfn2"}}, 10, {}, {7, 0, 7, 1, 1.5, 2}, {}};
   scan.files = {{ResultFile::frames, {1, 2}}, {ResultFile::table, {3, 4}}};
-  scan.reference_energies = {-5.070544, -0.1 - 0.2};
+  scan.reference_energies = {{"gfn2", {-5.070544, -0.1 - 0.2}}};
   scan.totals.energies = EnergyTotals{{4, 2, 1, 0, 0}, -16.64172, 3, {4.1, 90, 0, 1e-7, 5, 6}, 0.2};
   return scan;
 }
@@ -84,7 +84,7 @@ const std::string kEnergiesInJson =
 TEST(RecordOfEnergies, IsReadBackFromItsText) {
   const std::string text = text_of(record());
   EXPECT_NE(text.find(kEnergiesInJson), std::string::npos) << text;
-  EXPECT_NE(text.find("\"reference_energies_hartree\":[-5.070544,-0.30000000000000004]"),
+  EXPECT_NE(text.find("\"reference_energies_hartree\":{\"gfn2\":[-5.070544,-0.30000000000000004]}"),
             std::string::npos)
       << text;
   const ScanRecord read = parse_record("a.json", text);
@@ -140,10 +140,10 @@ TEST(RecordOfEnergies, ThatIsNoneIsRefused) {
 TEST(RecordOfEnergies, OfAnotherEngineIsAnotherScan) {
   const ScanRecord earlier = record();
   ScanRecord now = earlier;
-  now.reference_energies[0] += 0.9e-6;
+  now.reference_energies["gfn2"][0] += 0.9e-6;
   EXPECT_EQ(message_of([&] { require_same_origin("a.json", earlier, now); }), "")
       << "another machine";
-  now.reference_energies = {-5.070546, -0.30000000000000004};
+  now.reference_energies["gfn2"][0] = -5.070546;
   EXPECT_EQ(
       message_of([&] { require_same_origin("a.json", earlier, now); }),
       "a.json: the energy that interactions are counted from was -5.070544 and "
