@@ -17,6 +17,8 @@ target_link_libraries(dravo_nlopt INTERFACE ${NLOPT_LIBRARY})
 
 # What the library holds besides the stages.
 set(DRAVO_LIBRARY_SOURCES
+  src/common/installed_file.cpp
+  src/common/markup.cpp
   src/dock/clusters.cpp
   src/dock/dock_names.cpp
   src/dock/dock_search.cpp
@@ -77,6 +79,16 @@ set(DRAVO_LIBRARY_SOURCES
   src/scan/scan.cpp
   src/scan/unique_poses.cpp
   src/scan/zipped_list.cpp
+  src/scene/bild.cpp
+  src/scene/colours.cpp
+  src/scene/element_colours.cpp
+  src/scene/molecule_scene.cpp
+  src/scene/pair_scene.cpp
+  src/scene/png.cpp
+  src/scene/projection.cpp
+  src/scene/scene_parts.cpp
+  src/scene/svg.cpp
+  src/scene/view_direction.cpp
   src/symmetry/candidate_frames.cpp
   src/symmetry/centred_atoms.cpp
   src/symmetry/extended_frame.cpp
@@ -108,7 +120,26 @@ if(DRAVO_XTB)
   target_link_libraries(dravo-xtb-worker PRIVATE dravo_headers PkgConfig::XTB Threads::Threads)
   install(TARGETS dravo-xtb-worker RUNTIME DESTINATION ${DRAVO_LIBEXEC_FOLDER})
 endif()
-configure_file(src/energy/xtb_build.hpp.in ${PROJECT_BINARY_DIR}/generated/energy/xtb_build.hpp @ONLY)
+
+# librsvg stays in a module that is loaded for a PNG: it brings dozens of libraries.
+set(DRAVO_BUILT_WITH_PNG false)
+if(DRAVO_PNG)
+  set(DRAVO_BUILT_WITH_PNG true)
+  find_package(PkgConfig)
+  if(PkgConfig_FOUND)
+    pkg_check_modules(RSVG IMPORTED_TARGET librsvg-2.0)
+  endif()
+  if(NOT RSVG_FOUND)
+    message(FATAL_ERROR "librsvg was not found: install librsvg2-dev and pkg-config, or build without "
+      "PNG pictures by -DDRAVO_PNG=OFF")
+  endif()
+  add_library(dravo-png MODULE src/scene/png_module.cpp)
+  set_target_properties(dravo-png PROPERTIES PREFIX "")
+  target_link_libraries(dravo-png PRIVATE dravo_headers PkgConfig::RSVG)
+  install(TARGETS dravo-png LIBRARY DESTINATION ${DRAVO_LIBEXEC_FOLDER})
+endif()
+configure_file(src/common/build_options.hpp.in ${PROJECT_BINARY_DIR}/generated/common/build_options.hpp
+  @ONLY)
 
 # The bytes of scans.
 set(DRAVO_RESULTS_SOURCES

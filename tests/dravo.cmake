@@ -137,6 +137,10 @@ if(DRAVO_XTB)
   add_dependencies(dock_tests_sanitized dravo-xtb-worker)
 endif()
 
+dravo_test_programs(scene protocol
+  drawing_test.cpp
+  pair_scene_test.cpp)
+
 # The built dravo, as it is and sanitized.
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)

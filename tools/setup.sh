@@ -37,7 +37,7 @@ require_packages() {
 }
 
 # shellcheck disable=SC2034  # read by the scripts that source this file
-build_packages=(cmake g++ libcli11-dev libfmt-dev liblapack-dev libnlopt-dev libtomlplusplus-dev
-  libxtb-dev libxxhash-dev ninja-build nlohmann-json3-dev pkg-config)
+build_packages=(cmake g++ libcli11-dev libfmt-dev liblapack-dev libnlopt-dev librsvg2-dev
+  libtomlplusplus-dev libxtb-dev libxxhash-dev ninja-build nlohmann-json3-dev pkg-config)
 # shellcheck disable=SC2034
-test_packages=(clang gfortran libgtest-dev librapidcheck-dev locales)
+test_packages=(clang gfortran libgtest-dev librapidcheck-dev locales nodejs)

@@ -1,59 +1,41 @@
 #include "energy/xtb_engine.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string_view>
-#include <system_error>
 
 #include "common/atom_table.hpp"
+#include "common/build_options.hpp"
+#include "common/installed_file.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
 #include "driver/element_table.hpp"
 #include "energy/child_process.hpp"
 #include "energy/private_folder.hpp"
-#include "energy/xtb_build.hpp"
 #include "energy/xtb_protocol.hpp"
 
 namespace dravo {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr auto kWorkerName = "dravo-xtb-worker";
 constexpr auto kPathVariable = "DRAVO_XTB_WORKER";
-
-/// Where the worker may stand: where the user says, beside this program, where it is installed.
-std::vector<fs::path> worker_places() {
-  if (const char* const told = std::getenv(kPathVariable)) return {fs::path(told)};
-  std::error_code ignored;
-  const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
-  return {program.parent_path() / kWorkerName,
-          program.parent_path().parent_path() / kLibexecFolder / kWorkerName,
-          fs::path(kInstalledLibexec) / kWorkerName};
-}
 
 std::string worker_program() {
   if (!kBuiltWithXtb)
     throw EngineFailure(
         "this build has no libxtb: install the Debian package libxtb-dev and build again, or use "
         "another program (--energy command)");
-  std::string looked_for;
-  for (const fs::path& place : worker_places()) {
-    if (::access(place.c_str(), X_OK) == 0) return fs::absolute(place).string();
-    looked_for.append(looked_for.empty() ? "" : ", ").append(place.string());
+  try {
+    return installed_file("program", kWorkerName, kPathVariable);
+  } catch (const IoFailure& failure) {
+    throw EngineFailure(failure.what());
   }
-  throw EngineFailure(
-      fmt::format("the program {} is not there: looked for {}; the variable {} can tell its path",
-                  kWorkerName, looked_for, kPathVariable));
 }
 
 /// Beyond its last element libxtb ends the process, or computes with no parameters at all.

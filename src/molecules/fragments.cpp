@@ -100,18 +100,33 @@ std::vector<Rows> bonded_components(std::span<const Label> labels,
   return components;
 }
 
+std::vector<std::pair<std::int32_t, std::int32_t>> bonded_pairs(std::span<const Label> labels,
+                                                                std::span<const Vec3> positions) {
+  std::vector<std::pair<std::int32_t, std::int32_t>> bonds;
+  if (labels.empty()) return bonds;
+  const std::vector<double> radii = covalent_radii(labels);
+  const double largest = *std::max_element(radii.begin(), radii.end());
+  const NeighbourGrid grid(positions, longest_bond(largest, largest));
+  for (std::size_t i = 0; i < labels.size(); ++i)
+    for (const std::int32_t cell : grid.cells_around(positions[i]))
+      for (const auto& [position, row] : grid.members(cell)) {
+        const auto j = static_cast<std::size_t>(row);
+        if (i < j && modulus(positions[i] - position) <= longest_bond(radii[i], radii[j]))
+          bonds.emplace_back(static_cast<std::int32_t>(i), row);
+      }
+  std::sort(bonds.begin(), bonds.end());
+  return bonds;
+}
+
 std::string atoms_text(std::int32_t count) {
   return fmt::format("{} {}", count, count == 1 ? "atom" : "atoms");
 }
 
-std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows,
-                           std::int32_t atoms_before) {
+std::string formula_of(std::span<const Label> labels) {
   std::map<std::string_view, std::size_t> counts;  // in alphabetical order
-  Rows atoms;
-  for (const std::int32_t row : rows) {
-    const std::string_view label = text_of(labels[static_cast<std::size_t>(row)]);
-    ++counts[label.substr(0, label.find(' '))];
-    atoms.push_back(atoms_before + row + 1);
+  for (const Label& label : labels) {
+    const std::string_view text = text_of(label);
+    ++counts[text.substr(0, text.find(' '))];
   }
   std::string formula;
   const auto append = [&](std::string_view symbol) {
@@ -125,8 +140,19 @@ std::string describe_atoms(std::span<const Label> labels, std::span<const std::i
     append("H");
   }
   while (!counts.empty()) append(counts.begin()->first);
-  return fmt::format("{} {} ({})", atoms_text(static_cast<std::int32_t>(rows.size())), formula,
-                     ranges_of(atoms));
+  return formula;
+}
+
+std::string describe_atoms(std::span<const Label> labels, std::span<const std::int32_t> rows,
+                           std::int32_t atoms_before) {
+  std::vector<Label> described;
+  Rows atoms;
+  for (const std::int32_t row : rows) {
+    described.push_back(labels[static_cast<std::size_t>(row)]);
+    atoms.push_back(atoms_before + row + 1);
+  }
+  return fmt::format("{} {} ({})", atoms_text(static_cast<std::int32_t>(rows.size())),
+                     formula_of(described), ranges_of(atoms));
 }
 
 std::string shortened(std::string enumeration) {

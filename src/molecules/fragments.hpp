@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/atom_table.hpp"
@@ -19,8 +20,15 @@ using Rows = std::vector<std::int32_t>;
 /// finite and in Angstrom.
 std::vector<Rows> bonded_components(std::span<const Label> labels, std::span<const Vec3> positions);
 
+/// Rows of two bonded atoms, the lower first, in ascending order; bonded as above.
+std::vector<std::pair<std::int32_t, std::int32_t>> bonded_pairs(std::span<const Label> labels,
+                                                                std::span<const Vec3> positions);
+
 /// "6 atoms", "1 atom".
 std::string atoms_text(std::int32_t count);
+
+/// Of symbols, in Hill's order: "CH3NO".
+std::string formula_of(std::span<const Label> labels);
 
 /// "6 atoms CH3NO (1-6)": number, formula in Hill's order, numbers of the atoms, which count on
 /// from `atoms_before`.
