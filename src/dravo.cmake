@@ -176,8 +176,64 @@ set(DRAVO_RESULTS_SOURCES
   src/results/status_line.cpp
   src/results/table_rows.cpp
   src/results/text_chunk.cpp
-  src/scan/plan_file.cpp)
+  src/scan/plan_file.cpp
+  src/view/base64.cpp
+  src/view/chemiscope.cpp
+  src/view/encoded_column.cpp
+  src/view/first_map.cpp
+  src/view/page.cpp
+  src/view/pose_table.cpp
+  src/view/results_data.cpp
+  src/view/shell_word.cpp
+  src/view/thinning.cpp
+  src/view/trajectory_data.cpp
+  src/view/view_data.cpp)
 list(TRANSFORM DRAVO_RESULTS_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
+
+# The page of `dravo view`, joined from these in this order into one source.
+set(DRAVO_PAGE_MODULES
+  dom.js
+  geometry.js
+  numbers.js
+  controls.js
+  contacts.js
+  pair.js
+  distances.js
+  options.js
+  colours.js
+  ticks.js
+  diagram.js
+  curves.js
+  list.js
+  columns.js
+  poses.js
+  map_model.js
+  map_painting.js
+  map.js
+  player.js
+  panels.js
+  projection.js
+  camera.js
+  svg.js
+  canvas.js
+  view.js
+  picture.js
+  texts.js
+  saving.js
+  scene.js
+  theme.js
+  page.js)
+set(page_parts ${DRAVO_PAGE_MODULES} page.css page.html)
+list(TRANSFORM page_parts PREPEND ${PROJECT_SOURCE_DIR}/view/)
+set(page_source ${PROJECT_BINARY_DIR}/generated/view/page_text.cpp)
+list(JOIN DRAVO_PAGE_MODULES "," page_modules)
+add_custom_command(OUTPUT ${page_source}
+  COMMAND ${CMAKE_COMMAND} -DFOLDER=${PROJECT_SOURCE_DIR}/view -DMODULES=${page_modules}
+    -DOUTPUT=${page_source} -P ${PROJECT_SOURCE_DIR}/cmake/view_page.cmake
+  DEPENDS ${PROJECT_SOURCE_DIR}/cmake/view_page.cmake ${page_parts}
+  VERBATIM)
+add_library(dravo_page STATIC ${page_source})
+target_link_libraries(dravo_page PRIVATE dravo_headers)
 
 # dravo_results_library(library): the bytes of scans, on a build of the library.
 function(dravo_results_library library)
@@ -187,7 +243,7 @@ function(dravo_results_library library)
     $<$<BOOL:${XXHASH_DISPATCHES}>:DRAVO_XXHASH_DISPATCHES>)
   target_link_libraries(${library}_results
     PUBLIC ${library}_protocol nlohmann_json::nlohmann_json
-    PRIVATE tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
+    PRIVATE dravo_page tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
   target_precompile_headers(${library}_results REUSE_FROM ${library})
 endfunction()
 
@@ -200,6 +256,8 @@ function(dravo_program library)
     src/cli/convert.cpp
     src/cli/dock.cpp
     src/cli/dock_report.cpp
+    src/cli/draw.cpp
+    src/cli/drawing_options.cpp
     src/cli/energy.cpp
     src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
@@ -210,15 +268,20 @@ function(dravo_program library)
     src/cli/long_output.cpp
     src/cli/main.cpp
     src/cli/merge.cpp
+    src/cli/named_results.cpp
+    src/cli/opened_page.cpp
     src/cli/output_file.cpp
     src/cli/pair_options.cpp
+    src/cli/pair_shown.cpp
     src/cli/place.cpp
     src/cli/pose_options.cpp
+    src/cli/poses_shown.cpp
     src/cli/prepare.cpp
     src/cli/shard_option.cpp
     src/cli/scan.cpp
     src/cli/scan_energy.cpp
     src/cli/usage.cpp
+    src/cli/view.cpp
     src/cli/words.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
     nlohmann_json::nlohmann_json)

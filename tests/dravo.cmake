@@ -99,6 +99,17 @@ dravo_test_programs(results results
   scan_size_test.cpp
   text_chunk_test.cpp)
 
+dravo_test_programs(view results
+  base64_test.cpp
+  chemiscope_test.cpp
+  encoded_column_test.cpp
+  first_map_test.cpp
+  page_test.cpp
+  pose_table_test.cpp
+  shell_word_test.cpp
+  thinning_test.cpp)
+target_compile_definitions(view_test_objects PRIVATE DRAVO_DEFAULT_PROGRAM="")
+
 # Programs of the tests find the worker beside themselves, as the built dravo does.
 file(CREATE_LINK ${PROJECT_BINARY_DIR}/dravo-xtb-worker
   ${CMAKE_CURRENT_BINARY_DIR}/dravo-xtb-worker SYMBOLIC)
@@ -185,7 +196,9 @@ add_executable(cli_tests
   cli/spoilt_scans_test.cpp
   cli/standard_input_test.cpp
   cli/turned_axes_test.cpp
-  cli/usage_test.cpp)
+  cli/usage_test.cpp
+  cli/view_results_test.cpp
+  cli/view_test.cpp)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
@@ -193,10 +206,19 @@ add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
 if(DRAVO_XTB)
   target_sources(cli_tests PRIVATE
     cli/dock_parts_test.cpp cli/dock_stops_test.cpp cli/dock_test.cpp
-    cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp)
+    cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp
+    cli/view_energies_test.cpp)
   target_compile_definitions(cli_tests PRIVATE
     DRAVO_BUILT_XTB_WORKER="$<TARGET_FILE:dravo-xtb-worker>")
   add_dependencies(cli_tests dravo-xtb-worker)
+endif()
+if(DRAVO_PNG)
+  target_sources(cli_tests PRIVATE cli/draw_test.cpp)
+  target_compile_definitions(cli_tests PRIVATE DRAVO_BUILT_PNG_MODULE="$<TARGET_FILE:dravo-png>")
+  # Reads the pictures.
+  set_source_files_properties(cli/draw_test.cpp PROPERTIES INCLUDE_DIRECTORIES "${RSVG_INCLUDE_DIRS}")
+  target_link_libraries(cli_tests PRIVATE ${RSVG_LINK_LIBRARIES})
+  add_dependencies(cli_tests dravo-png)
 endif()
 target_compile_definitions(cli_tests PRIVATE
   DRAVO_WATCHED_SYSTEM="$<TARGET_FILE:watched_system>"
@@ -215,6 +237,16 @@ if(DRAVO_PYTHON)
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/ase_read_back.py $<TARGET_FILE:dravo-cli>
     ${PROJECT_SOURCE_DIR}/examples/formamide-dimer/QN-input-GEOMETRY.xyz $<TARGET_FILE:qn-dravo>)
   set_tests_properties(cli/ase_read_back PROPERTIES SKIP_RETURN_CODE 77)
+endif()
+
+# The script of the page of `dravo view`: its modules, and the page against the program.
+find_program(DRAVO_NODE NAMES node nodejs)
+if(DRAVO_NODE)
+  foreach(part columns contacts drawings geometry map_model numbers page positions texts view)
+    add_test(NAME page/${part} COMMAND ${DRAVO_NODE} ${CMAKE_CURRENT_SOURCE_DIR}/view/${part}_test.mjs)
+    set_tests_properties(page/${part} PROPERTIES ENVIRONMENT
+      "DRAVO_PROGRAM=$<TARGET_FILE:dravo-cli>;DRAVO_EXAMPLES=${PROJECT_SOURCE_DIR}/examples")
+  endforeach()
 endif()
 
 # What somebody else gets: an installed library, found in two ways, and nothing of records in it.

@@ -3,20 +3,15 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
-#include <system_error>
 
 #include "cli/commands.hpp"
 #include "cli/energy_frames.hpp"
 #include "cli/energy_options.hpp"
 #include "cli/energy_scan.hpp"
+#include "cli/named_results.hpp"
 #include "molecules/input_file.hpp"
-#include "results/progress_file.hpp"
-#include "results/result_files.hpp"
 
 namespace dravo {
 namespace {
@@ -45,35 +40,10 @@ struct EnergyCommandLine {
   bool quiet = false;
 };
 
-bool is_file(const std::string& name) {
-  std::error_code ignored;  // whatever it is, reading meets it too
-  const auto status = std::filesystem::status(name, ignored);
-  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
-}
-
-/// The name of a scan, for which NAME.csv and NAME.json stand too; empty for a file.
-std::optional<std::string> scan_named(const std::string& given) {
-  for (const std::string_view ending : {".csv", ".json"}) {
-    if (!given.ends_with(ending)) continue;
-    std::string name = given.substr(0, given.size() - ending.size());
-    if (has_finished_record(name)) return name;
-  }
-  if (is_standard_input(given) || is_file(given)) return std::nullopt;
-  if (has_finished_record(given) || has_progress(given)) return given;
-  throw InvalidInput(
-      fmt::format("{}: there is no such file, and no scan of this name, which has {}{}", given,
-                  given, kRecordEnding));
-}
-
-template <class Options>
-void refuse(const CLI::App& command, const Options& options, const std::string& why) {
-  for (const char* const option : options)
-    if (command.count(option) > 0) throw InvalidInput(fmt::format("{} {}", option, why));
-}
-
 void compute_file(const CLI::App& command, EnergyCommandLine& line) {
   const std::string file = shown_name(line.frames.request->file);
-  refuse(command, kOfScans, fmt::format("is for the poses of a scan, but {} is a file", file));
+  refuse_options(command, kOfScans,
+                 fmt::format("is for the poses of a scan, but {} is a file", file));
   line.frames.energy = *energy_options(line.words);
   line.frames.output = line.output;
   line.frames.overwrite = line.overwrite;
@@ -84,7 +54,8 @@ void compute_file(const CLI::App& command, EnergyCommandLine& line) {
 }
 
 void compute_scan(const CLI::App& command, const std::string& name, EnergyCommandLine& line) {
-  refuse(command, kOfFiles, fmt::format("is for the frames of a file, but {} is a scan", name));
+  refuse_options(command, kOfFiles,
+                 fmt::format("is for the frames of a file, but {} is a scan", name));
   ScanEnergyCommand& scan = line.scan;
   scan.words = line.words;
   if (command.count("--charges") == 0) scan.words.charges.clear();
@@ -101,7 +72,7 @@ void compute_scan(const CLI::App& command, const std::string& name, EnergyComman
 }
 
 void run(const CLI::App& command, EnergyCommandLine& line) {
-  const auto scan = scan_named(line.frames.request->file);
+  const auto scan = results_named(line.frames.request->file, "scan");
   if (scan)
     compute_scan(command, *scan, line);
   else

@@ -70,6 +70,8 @@ void describe(CLI::App& program) {
   dravo::add_merge(program);
   dravo::add_extract(program);
   dravo::add_energy(program);
+  dravo::add_draw(program);
+  dravo::add_view(program);
   dravo::add_convert(program);
   for (CLI::App* command : program.get_subcommands({}))
     command->set_version_flag("--version", kVersions);

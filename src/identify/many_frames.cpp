@@ -2,11 +2,16 @@
 
 #include <fmt/format.h>
 
+#include <array>
+#include <cstddef>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/ordered_chunks.hpp"
+#include "common/vector.hpp"
 #include "dravo/error.hpp"
+#include "identify/closed_form.hpp"
 #include "molecules/wanted_frames.hpp"
 
 namespace dravo {
@@ -30,8 +35,23 @@ std::string joined(const std::vector<std::string>& sentences) {
   return text;
 }
 
+/// By the axes that the parameters belong to, so that each atom stays itself.
+Pair placed_pair(const Pair& pair, const Identification& found) {
+  const auto frames = preferred_frames(found.molecules);
+  const RelativePose pose = relative_pose(found.parameters);
+  const std::array<Matrix3, 2> rows{frame_rows(frames[0], 0), frame_rows(frames[1], 1)};
+  std::vector<Vec3> positions = pair.positions();
+  for (std::size_t k = 0; k < positions.size(); ++k) {
+    const std::size_t m = k < static_cast<std::size_t>(pair.n1()) ? 0 : 1;
+    const Vec3 own = rows[m] * (positions[k] - frames[m].cm);
+    positions[k] = m == 0 ? pose.turn * own + pose.place : own;
+  }
+  return {pair.n1(), Molecule(pair.labels(), std::move(positions))};
+}
+
 void identify_pair(const Pair& pair, const ManyFrames& wanted, IdentifiedFrame& frame) {
   const Identification found = identify(pair, wanted.options);
+  if (wanted.placed) frame.placed = placed_pair(pair, found);
   frame.parameters = found.parameters;
   frame.survey = survey_contacts(pair, wanted.criterion);
   frame.remark = joined(remarks_on(found));

@@ -26,6 +26,9 @@ struct IdentifiedFrame {
   PoseDegrees parameters = {};
   ContactSurvey survey = {};
   std::string remark = {};  ///< sentences with semicolons between; empty for none
+  /// Where they were asked for: the atoms in molecule 2's frame as the parameters place them, in
+  /// the order of the file.
+  std::optional<Pair> placed = std::nullopt;
   std::optional<BadFrame> bad =
       std::nullopt;  ///< nothing of the above is known then, but the number
 };
@@ -36,7 +39,8 @@ struct ManyFrames {
   IndexSelection selection = IndexSelection::parse("frames", "all");
   IdentifyOptions options = {};
   ContactCriterion criterion = {};
-  int threads = 0;  ///< 0 for as many as the machine has cores
+  int threads = 0;      ///< 0 for as many as the machine has cores
+  bool placed = false;  ///< frames have their atoms
 };
 
 /// Gets some of the frames, and how many bytes of the file lie behind them.

@@ -34,17 +34,26 @@ std::string_view without_line_end(std::string_view line) { return line.substr(0,
 
 }  // namespace
 
-ScanRecord record_of_finished(const std::string& name) {
+ScanRecord record_of_results(const std::string& name) {
   const std::string file = name + kRecordEnding;
-  if (has_finished_record(name)) {
-    ScanRecord record = parse_record(file, read_file(file));
-    if (!record.is_docking()) return record;
-    throw InvalidInput(fmt::format("{0}: is a docking, not a scan; its frames are in {0}{1}", name,
-                                   ending_of(ResultFile::frames)));
-  }
+  if (has_finished_record(name)) return parse_record(file, read_file(file));
   if (has_progress(name))
     throw IoFailure(name + ": is unfinished; the command that makes it goes on with --resume");
   throw IoFailure(fmt::format("{}: there is no scan of this name, which has {}", name, file));
+}
+
+ScanRecord record_of_finished(const std::string& name) {
+  ScanRecord record = record_of_results(name);
+  if (record.is_docking())
+    throw InvalidInput(fmt::format("{0}: is a docking, not a scan; its frames are in {0}{1}", name,
+                                   ending_of(ResultFile::frames)));
+  return record;
+}
+
+ContactCriterion criterion_of(const ScanRecord& record) {
+  const auto distance = record.origin.find(kContactDistance);
+  return distance == record.origin.end() ? ContactCriterion()
+                                         : ContactCriterion::of_text(distance->second);
 }
 
 PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
@@ -57,12 +66,9 @@ PairPlacer placer_of(const std::string& name, const ScanRecord& record) {
   if (pair == record.origin.end() || pair->second != fingerprint_of(molecules.pair))
     throw IoFailure(file + ": the molecules have changed since it was written");
   const bool exact = is_exact(record);
-  const auto distance = record.origin.find(kContactDistance);
-  const ContactCriterion criterion = distance == record.origin.end()
-                                         ? ContactCriterion()
-                                         : ContactCriterion::of_text(distance->second);
-  PairPlacer placer(molecules.pair, {exact ? Placing::exact : Placing::automatic,
-                                     molecules.like ? &*molecules.like : nullptr, criterion});
+  PairPlacer placer(molecules.pair,
+                    {exact ? Placing::exact : Placing::automatic,
+                     molecules.like ? &*molecules.like : nullptr, criterion_of(record)});
   if (placer.exact() != exact)
     throw IoFailure(file + ": this version of the program places the pair in another way");
   return placer;

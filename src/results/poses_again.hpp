@@ -11,9 +11,15 @@
 
 namespace dravo {
 
+/// The record of a finished scan or docking of this name, else as `record_of_finished`.
+ScanRecord record_of_results(const std::string& name);
+
 /// The record of a finished scan of this name. Throws IoFailure where there is none, or one that is
 /// unfinished. Whether its other files are whole is not looked at.
 ScanRecord record_of_finished(const std::string& name);
+
+/// What its poses count as short contacts.
+ContactCriterion criterion_of(const ScanRecord& record);
 
 /// Places what a scan placed, in its way. Throws IoFailure for the record of an earlier version,
 /// which does not hold what was placed; `name` is the scan's.

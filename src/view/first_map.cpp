@@ -1,0 +1,60 @@
+#include "view/first_map.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace dravo {
+namespace {
+
+const ViewColumn* column_named(const ViewPoses& poses, std::string_view name) {
+  for (const ViewColumn& column : poses.columns)
+    if (column.name == name) return &column;
+  return nullptr;
+}
+
+std::size_t different_values(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return static_cast<std::size_t>(std::unique(values.begin(), values.end()) - values.begin());
+}
+
+/// A parameter that varies.
+struct Axis {
+  std::size_t place;  ///< among the parameters
+  std::string name;
+  std::size_t values;
+};
+
+std::vector<Axis> axes_of(const ViewPoses& poses) {
+  std::vector<Axis> axes;
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
+    const ViewColumn* column = k == 0 ? column_named(poses, kAboveContact) : nullptr;
+    if (column == nullptr) column = column_named(poses, kPoseParameters[k].name);
+    if (column == nullptr) continue;
+    const std::size_t values = different_values(column->numbers);
+    if (values > 1) axes.push_back({k, column->name, values});
+  }
+  return axes;
+}
+
+}  // namespace
+
+std::string colour_among(const std::vector<std::string_view>& names) {
+  const auto last = std::find_if(names.rbegin(), names.rend(),
+                                 [](std::string_view name) { return name.starts_with("e_int_"); });
+  return last == names.rend() ? "shortest" : std::string(*last);
+}
+
+void choose_axes(ViewPoses& poses) {
+  constexpr std::size_t kMostAxes = 2;
+  std::vector<Axis> axes = axes_of(poses);
+  std::stable_sort(axes.begin(), axes.end(),
+                   [](const Axis& a, const Axis& b) { return a.values > b.values; });
+  axes.resize(std::min(axes.size(), kMostAxes));
+  std::sort(axes.begin(), axes.end(),
+            [](const Axis& a, const Axis& b) { return a.place < b.place; });
+  poses.x = axes.empty() ? poses.columns.at(0).name : axes[0].name;
+  poses.y = axes.size() == kMostAxes ? axes[1].name : "";
+}
+
+}  // namespace dravo
