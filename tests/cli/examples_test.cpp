@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -181,6 +182,30 @@ TEST(Documents, ShowElsewhereWhatCommandsPrint) {
   }
 }
 
+/// The picture below a command is the one that it writes.
+TEST(Documents, HaveThePicturesThatTheirCommandsDraw) {
+  const Lines document = lines_of(file_text(DRAVO_SOURCES "/docs/pictures.md"));
+  const Sources folder;
+  int pictures = 0;
+  std::string drawn;
+  for (const std::string& line : document) {
+    if (line.starts_with("    dravo draw ")) {
+      Words words = parts_of(line.substr(4), ' ');
+      words.erase(words.begin());
+      drawn = words.back();
+      const Outcome outcome = run_command(folder, words);
+      EXPECT_EQ(outcome.status, 0) << line << '\n' << outcome.messages;
+    } else if (line.starts_with("![")) {
+      ++pictures;
+      EXPECT_TRUE(line.ends_with("](pictures/" + drawn + ")")) << line;
+      EXPECT_EQ(file_text((folder.path() / drawn).string()),
+                file_text(std::string(DRAVO_SOURCES "/docs/pictures/") + drawn))
+          << drawn << "; tools/draw_pictures makes all of them again";
+    }
+  }
+  EXPECT_EQ(pictures, 7);
+}
+
 // --- "How do I ..." of the README ---------------------------------------------------------------
 
 /// Commands in backticks of that table, in its order.
@@ -219,6 +244,7 @@ void put_files_of_the_table(const Sources& folder) {
 TEST(Documents, HaveATableOfCommandsThatWork) {
   const Sources folder;
   put_files_of_the_table(folder);
+  for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY"}) ::unsetenv(display);  // no browser
   std::size_t done = 0;
   for (const std::string& command : commands_of_the_table()) {
     Words words = parts_of(command, ' ');
