@@ -30,8 +30,7 @@ constexpr std::size_t kMostListed = 10;   ///< contacts, and hydrogen bonds, tha
 
 /// "O1".
 std::string atom_text(const Pair& pair, std::int32_t atom) {
-  const std::string_view symbol = text_of(pair.labels()[static_cast<std::size_t>(atom)]);
-  return fmt::format("{}{}", symbol.substr(0, symbol.find(' ')), atom + 1);
+  return fmt::format("{}{}", symbol_of(pair.labels()[static_cast<std::size_t>(atom)]), atom + 1);
 }
 
 std::string ratio_text(double ratio) {

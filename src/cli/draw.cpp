@@ -11,6 +11,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "cli/commands.hpp"
 #include "cli/drawing_options.hpp"
@@ -146,12 +147,21 @@ void require_one_pose(const DrawCommand& command) {
   request.frame = *frame;
 }
 
+/// The picture may replace no file that is read, and others only when the user says so.
+void require_place(const DrawCommand& command, const std::vector<std::string>& inputs) {
+  if (command.output.empty()) return;
+  refuse_inputs_as_output(command.output, inputs);
+  require_replaceable(command.output, command.overwrite);
+}
+
 void draw_picture(DrawCommand& command, const Format& format) {
+  const PairRequest& request = *command.shown.request;
+  require_place(command, {request.file, request.second_file, command.shown.like});
   require_one_pose(command);
   command.scene.criterion = command.shown.criterion;
   const auto molecule = single_molecule(command.shown);
   const Drawn drawn = molecule ? drawn_molecule(*molecule, command) : drawn_pair(command);
-  command.drawing.title = title_of(*command.shown.request);
+  command.drawing.title = title_of(request);
   command.drawing.description = drawn.description;
   const std::string text = format.text(drawn.scene, command.drawing);
   if (command.output.empty()) {
@@ -164,7 +174,7 @@ void draw_picture(DrawCommand& command, const Format& format) {
 
 void write_for_chemiscope(const CLI::App& app, const DrawCommand& command) {
   const PosesShown shown(app, command.shown, command.frame);
-  refuse_inputs_as_output(command.output, shown.inputs());
+  require_place(command, shown.inputs());
   const ViewData data = shown.data();
   WorkingDirectory().replace(command.output, chemiscope_of(data));
   tell({fmt::format("wrote {}: {}", command.output,
@@ -172,11 +182,6 @@ void write_for_chemiscope(const CLI::App& app, const DrawCommand& command) {
 }
 
 void draw(const CLI::App& app, DrawCommand command) {
-  const PairRequest& request = *command.shown.request;
-  if (!command.output.empty()) {
-    refuse_inputs_as_output(command.output, {request.file, request.second_file});
-    require_replaceable(command.output, command.overwrite);
-  }
   if (command.output.ends_with(".json"))
     write_for_chemiscope(app, command);
   else

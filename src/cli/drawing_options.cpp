@@ -5,7 +5,7 @@
 #include <array>
 #include <string>
 
-#include "dravo/error.hpp"
+#include "cli/text_option.hpp"
 
 namespace dravo {
 namespace {
@@ -25,17 +25,9 @@ constexpr std::array<SceneFlag, 4> kSceneFlags{
 }  // namespace
 
 void add_view_option(CLI::App& command, ViewDirection& view) {
-  const auto read = [&view](const std::string& text) {
-    try {
-      view = ViewDirection::of_text(text);
-    } catch (const InvalidInput& fault) {
-      throw CLI::ValidationError("--view", fault.what());
-    }
-  };
-  command
-      .add_option_function<std::string>(
-          "--view", read,
-          "from where: the tip of an axis of molecule 2, or azimuth from X and elevation in degrees")
+  add_text_option(
+      command, "--view", view,
+      "from where: the tip of an axis of molecule 2, or azimuth from X and elevation in degrees")
       ->type_name("x|y|z|iso|AZ,EL")
       ->default_str("iso");
 }

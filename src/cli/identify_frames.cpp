@@ -48,13 +48,6 @@ class BadFrames {
   std::int64_t count_ = 0;
 };
 
-/// Where the user says so.
-std::optional<std::int32_t> n1_of(const FramesCommand& command) {
-  const Split& split = command.request->split;
-  const auto* n1 = split ? std::get_if<std::int32_t>(&*split) : nullptr;
-  return n1 == nullptr ? std::nullopt : std::optional(*n1);
-}
-
 void tell_result(const FramesCommand& command, std::int64_t rows, const BadFrames& bad,
                  std::int64_t seen) {
   if (bad.count() > 0)
@@ -71,7 +64,8 @@ void tell_result(const FramesCommand& command, std::int64_t rows, const BadFrame
 
 void identify_frames(const FramesCommand& command) {
   FrameStream stream(command.request->file);
-  const std::optional<Pair> like = reference_pair(command.like, *command.request, n1_of(command));
+  const std::optional<Pair> like =
+      reference_pair(command.like, *command.request, n1_of(*command.request));
   const ManyFrames wanted{*command.request,
                           command.selection,
                           {command.rule, like ? &*like : nullptr},

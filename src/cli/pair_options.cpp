@@ -7,6 +7,7 @@
 #include <limits>
 #include <variant>
 
+#include "cli/text_option.hpp"
 #include "common/number_text.hpp"
 #include "dravo/error.hpp"
 #include "molecules/input_file.hpp"
@@ -37,6 +38,11 @@ void add_split(CLI::App& command, const SharedRequest& request) {
 }
 
 }  // namespace
+
+std::optional<std::int32_t> n1_of(const PairRequest& request) {
+  const auto* n1 = request.split ? std::get_if<std::int32_t>(&*request.split) : nullptr;
+  return n1 == nullptr ? std::nullopt : std::optional(*n1);
+}
 
 void add_reading_options(CLI::App& command, const SharedRequest& request) {
   add_split(command, request);
@@ -117,14 +123,7 @@ void add_placing_options(CLI::App& command, PlacingOptions& options) {
 }
 
 void add_contact_option(CLI::App& command, ContactCriterion& criterion) {
-  const auto read = [&criterion](const std::string& text) {
-    try {
-      criterion = ContactCriterion::of_text(text);
-    } catch (const InvalidInput& fault) {
-      throw CLI::ValidationError("--contact-distance", fault.what());
-    }
-  };
-  command.add_option_function<std::string>("--contact-distance", read, kContactDistanceHelp)
+  add_text_option(command, "--contact-distance", criterion, kContactDistanceHelp)
       ->type_name(kContactDistanceType);
 }
 

@@ -17,6 +17,9 @@ namespace dravo {
 /// Filled when the arguments are parsed; shared by the options and the work of a command.
 using SharedRequest = std::shared_ptr<PairRequest>;
 
+/// Atoms of molecule 1 where the user says so.
+std::optional<std::int32_t> n1_of(const PairRequest& request);
+
 /// What tells how the file of a pair is read, but for its frame: `--split N1|auto`, `--unit UNIT`
 /// and `--no-check`.
 void add_reading_options(CLI::App& command, const SharedRequest& request);

@@ -3,10 +3,8 @@
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <numeric>
 #include <optional>
 #include <span>
-#include <utility>
 
 #include "common/number_format.hpp"
 #include "dravo/identify.hpp"

@@ -10,7 +10,6 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
-#include <variant>
 
 #include "cli/named_results.hpp"
 #include "common/number_text.hpp"
@@ -48,11 +47,6 @@ std::string name_beside(const PairRequest& request) {
 
 // --- commands that place the pair again -------------------------------------------------------
 
-std::string split_text(const Split& split) {
-  const auto* n1 = split ? std::get_if<std::int32_t>(&*split) : nullptr;
-  return n1 == nullptr ? "auto" : std::to_string(*n1);
-}
-
 /// `dravo place` as the pair was read, without a pose.
 std::string place_command(const PairShown& shown, std::int64_t frame) {
   const PairRequest& request = *shown.request;
@@ -61,7 +55,8 @@ std::string place_command(const PairShown& shown, std::int64_t frame) {
     text.append(" ").append(option).append(value.empty() ? "" : " " + shell_word(value));
   };
   if (!request.second_file.empty()) add(shell_file(request.second_file).c_str(), "");
-  if (request.split) add("--split", split_text(request.split));
+  const auto n1 = n1_of(request);
+  if (request.split) add("--split", n1 ? std::to_string(*n1) : "auto");
   if (frame != 1) add("--frame", std::to_string(frame));
   if (request.unit != LengthUnit::angstrom) add("--unit", named_unit(request.unit).name);
   if (!request.check) add("--no-check", "");
@@ -94,12 +89,6 @@ bool has_several_frames(const std::string& file) {
   FrameStream::Frame frame;
   if (!stream.next(frame) || !stream.next(frame)) return false;
   return parse_integer(trimmed(frame.text.substr(0, frame.text.find('\n')))).has_value();
-}
-
-/// Atoms of molecule 1 where the user says so.
-std::optional<std::int32_t> n1_of(const PairRequest& request) {
-  const auto* n1 = request.split ? std::get_if<std::int32_t>(&*request.split) : nullptr;
-  return n1 == nullptr ? std::nullopt : std::optional(*n1);
 }
 
 /// The first of them are told, unless no frame is left: then the first of them is the error.

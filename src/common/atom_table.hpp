@@ -21,6 +21,11 @@ namespace dravo {
 
 inline std::string_view text_of(const Label& label) { return {label.data(), label.size()}; }
 
+/// Of a label that is the symbol of an element: without its blank.
+inline std::string_view symbol_of(const Label& label) {
+  return {label.data(), label[1] == ' ' ? 1U : 2U};
+}
+
 inline constexpr std::size_t kColumns = 5;
 
 /// The doubles behind a table of up to `Rows` rows; zero when it has static storage.

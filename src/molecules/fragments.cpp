@@ -124,10 +124,7 @@ std::string atoms_text(std::int32_t count) {
 
 std::string formula_of(std::span<const Label> labels) {
   std::map<std::string_view, std::size_t> counts;  // in alphabetical order
-  for (const Label& label : labels) {
-    const std::string_view text = text_of(label);
-    ++counts[text.substr(0, text.find(' '))];
-  }
+  for (const Label& label : labels) ++counts[symbol_of(label)];
   std::string formula;
   const auto append = [&](std::string_view symbol) {
     const auto entry = counts.extract(symbol);

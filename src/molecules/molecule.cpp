@@ -65,8 +65,7 @@ Molecule::Molecule(std::vector<Label> labels, std::vector<Vec3> positions)
 }
 
 std::string_view Molecule::symbol(std::int32_t i) const {
-  const std::string_view text = text_of(labels_[static_cast<std::size_t>(i)]);
-  return text.substr(0, text.find(' '));
+  return symbol_of(labels_[static_cast<std::size_t>(i)]);
 }
 
 Pair::Pair(const Molecule& molecule1, const Molecule& molecule2)

@@ -67,10 +67,6 @@ RadiiByNumber radii_by_number() {
   return radii;
 }
 
-std::string_view symbol_of(const Label& label) {
-  return text_of(label).substr(0, label[1] == ' ' ? 1 : 2);
-}
-
 /// Rows of atoms without a radius.
 Rows without_radius(const Pair& pair) {
   const std::vector<double> radii = van_der_waals_radii(pair.labels());

@@ -7,13 +7,13 @@
 #include <string>
 #include <string_view>
 
-#include "common/constants.hpp"
 #include "common/number_format.hpp"
 #include "common/shown_text.hpp"
 #include "common/vector.hpp"
 #include "dravo/drawing.hpp"
 #include "scene/colours.hpp"
 #include "scene/element_colours.hpp"
+#include "scene/pieces.hpp"
 
 namespace dravo {
 namespace {
@@ -22,8 +22,6 @@ namespace {
 constexpr double kStick = 0.11, kLine = 0.03, kArc = 0.03, kShaft = 0.06, kHead = 0.16;
 constexpr double kHeadLength = 0.4;
 
-/// With the gap behind them, Angstrom, and how much of that they are.
-constexpr double kDash = 0.28, kDashPart = 0.55;
 constexpr double kDegreesOfPiece = 5.0;
 
 class BildWriter {
@@ -102,10 +100,7 @@ class BildWriter {
   void add_arc(const Arc& arc) {
     set_colour(palette_.of(arc.ink));
     const int pieces = static_cast<int>(std::ceil(arc.degrees / kDegreesOfPiece));
-    const auto at = [&](double part) {
-      const double angle = kRadiansPerDegree * arc.degrees * part / pieces;
-      return arc.centre + arc.radius * (std::cos(angle) * arc.start + std::sin(angle) * arc.across);
-    };
+    const auto at = [&](double k) { return point_of(arc, k / pieces); };
     for (int k = 0; k < pieces; ++k) add_cylinder(at(k), at(k + 1), kArc);
   }
 

@@ -1,15 +1,13 @@
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
-#include <span>
 #include <vector>
 
-#include "common/constants.hpp"
 #include "common/vector.hpp"
 #include "dravo/scene.hpp"
 #include "identify/closed_form.hpp"
+#include "inertia/centre_of_mass.hpp"
+#include "molecules/pair_table.hpp"
 #include "scene/scene_parts.hpp"
 
 namespace dravo {
@@ -28,12 +26,12 @@ constexpr std::array<const char*, 3> kLetters{"z", "y", "x"};
 class SceneMaker {
  public:
   SceneMaker(const Molecule& molecule, const PrincipalFrame& frame)
-      : frame_(frame), own_(frame_rows(frame, 0)), labels_(molecule.labels()) {
+      : molecule_(molecule), frame_(frame), own_(frame_rows(frame, 0)) {
     for (const Vec3& p : molecule.positions()) positions_.push_back(own_ * (p - frame.cm));
   }
 
   Scene make(const SceneOptions& options) {
-    const DrawnAtoms atoms{labels_, positions_};
+    const DrawnAtoms atoms{molecule_.labels(), positions_};
     add_atoms(scene_, atoms);
     if (options.frames && frame_.shape != Shape::atom)
       for (std::size_t k = 0; k < drawn_axes(); ++k) add_own_axis(k);
@@ -81,7 +79,9 @@ class SceneMaker {
   /// The line to the centre of the heaviest element, and its angles.
   void add_reference() {
     if (!std::isfinite(frame_.axes[0].angles.along)) return;
-    const Vec3 centre = centre_of_heaviest();
+    const OwnedTable atoms = table_of(molecule_);
+    const MassCentre centres = find_mass_centre(atoms.table(), {0, molecule_.size()});
+    const Vec3 centre = own_ * (centres.higher_z()->centroid - frame_.cm);
     const double distance = modulus(centre);
     const Vec3 direction = (1.0 / distance) * centre;
     scene_.lines.push_back({kOrigin, centre, Ink::text, false});
@@ -100,24 +100,9 @@ class SceneMaker {
             "");
   }
 
-  [[nodiscard]] Vec3 centre_of_heaviest() const {
-    const DrawnAtoms atoms{labels_, positions_};
-    std::int32_t heaviest = 0;
-    for (std::size_t atom = 0; atom < positions_.size(); ++atom)
-      heaviest = std::max(heaviest, atoms.element(atom));
-    Vec3 sum{};
-    double count = 0.0;
-    for (std::size_t atom = 0; atom < positions_.size(); ++atom) {
-      if (atoms.element(atom) != heaviest) continue;
-      sum = sum + positions_[atom];
-      count += 1.0;
-    }
-    return (1.0 / count) * sum;
-  }
-
+  const Molecule& molecule_;
   const PrincipalFrame& frame_;
   Matrix3 own_;
-  std::span<const Label> labels_;
   std::vector<Vec3> positions_;
   Scene scene_;
 };

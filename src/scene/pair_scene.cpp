@@ -47,6 +47,11 @@ class SceneMaker {
     return std::move(scene_);
   }
 
+  Scene make_frames() {
+    add_frames();
+    return std::move(scene_);
+  }
+
  private:
   [[nodiscard]] DrawnAtoms molecule(std::size_t index) const {
     const auto n1 = static_cast<std::size_t>(pair_.n1());
@@ -180,6 +185,8 @@ PlacedPair placed_pair(const Placer& placer, const PoseDegrees& pose) {
   return {Pair(placer.n1(), Molecule(placer.labels(), placer.positions(pose))),
           with_folded_azimuths(pose), shapes_of(placer.molecules())};
 }
+
+Scene frames_of(const PlacedPair& placed) { return SceneMaker(placed).make_frames(); }
 
 Scene scene_of(const PlacedPair& placed, const SceneOptions& options) {
   return SceneMaker(placed).make(options);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 

@@ -36,7 +36,7 @@ std::string reason_of(GError* error) {
 
 }  // namespace
 
-/// Writes the bytes of the PNG file to `png`. Returns what went wrong, or nothing.
+/// Writes the bytes of the PNG file to `png`, or what went wrong to `failure`.
 extern "C" __attribute__((visibility("default"))) void dravo_png_of_svg(std::string_view svg,
                                                                         int width, int height,
                                                                         std::string& png,

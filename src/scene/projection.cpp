@@ -11,6 +11,7 @@
 
 #include "common/constants.hpp"
 #include "scene/ball_radius.hpp"
+#include "scene/pieces.hpp"
 
 namespace dravo {
 namespace {
@@ -32,9 +33,7 @@ constexpr double kHeadRadius = 0.36;                     ///< as part of its len
 constexpr double kStickBegins = 0.9;
 
 /// Lines are cut where others may pass before or behind them.
-constexpr double kPiece = 0.4;      ///< Angstrom
-constexpr double kDash = 0.28;      ///< with the gap behind it
-constexpr double kDashPart = 0.55;  ///< of that
+constexpr double kPiece = 0.4;  ///< Angstrom
 constexpr double kMostPieces = 80.0;
 constexpr double kDegreesOfPiece = 6.0;
 
@@ -45,11 +44,6 @@ constexpr double kSmallestFont = 11.0, kLargestFont = 48.0;
 /// the longest of them need around the scene.
 constexpr double kLetterWidth = 0.56, kLineHeight = 1.15;
 constexpr double kMarginX = 3.2, kMarginY = 1.4;
-
-Vec3 point_of(const Arc& arc, double part) {
-  const double angle = kRadiansPerDegree * arc.degrees * part;
-  return arc.centre + arc.radius * (std::cos(angle) * arc.start + std::sin(angle) * arc.across);
-}
 
 // --- the box around a scene -------------------------------------------------------------------
 

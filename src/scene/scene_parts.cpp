@@ -3,15 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
-#include "common/constants.hpp"
 #include "common/number_format.hpp"
 #include "common/vector.hpp"
 #include "driver/element_table.hpp"
 #include "molecules/fragments.hpp"
 #include "scene/ball_radius.hpp"
+#include "scene/pieces.hpp"
 
 namespace dravo {
 namespace {
@@ -43,9 +42,8 @@ void add_atoms(Scene& scene, const DrawnAtoms& atoms) {
 
 void add_names(Scene& scene, const DrawnAtoms& atoms) {
   for (std::size_t atom = 0; atom < atoms.positions.size(); ++atom) {
-    const auto z = static_cast<std::size_t>(atoms.element(atom));
     scene.captions.push_back({atoms.positions[atom],
-                              fmt::format("{}{}", element_table()[z - 1].symbol, atom + 1),
+                              fmt::format("{}{}", symbol_of(atoms.labels[atom]), atom + 1),
                               Ink::text});
   }
 }
@@ -66,10 +64,10 @@ void add_axis(Scene& scene, const DrawnAxis& axis, const Vec3& centre,
 void add_arc(Scene& scene, const Arc& arc, std::string_view name) {
   if (!(arc.degrees > kNoAngle)) return;
   scene.arcs.push_back(arc);
-  const double half = 0.5 * arc.degrees * kRadiansPerDegree;
-  const Vec3 direction = std::cos(half) * arc.start + std::sin(half) * arc.across;
+  Arc of_words = arc;
+  of_words.radius *= kToWords;
   scene.captions.push_back(
-      {arc.centre + kToWords * arc.radius * direction,
+      {point_of(of_words, 0.5),
        fmt::format("{}{}{}\u00b0", name, name.empty() ? "" : " = ", fixed_text(arc.degrees, 1)),
        arc.ink});
 }

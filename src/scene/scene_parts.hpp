@@ -47,4 +47,7 @@ void add_axis(Scene& scene, const DrawnAxis& axis, const Vec3& centre, std::span
 /// With its angle in words: "θ = 84.0°", or "84.0°" without a name. Nothing for an angle of zero.
 void add_arc(Scene& scene, const Arc& arc, std::string_view name);
 
+/// The arrows of both frames and their letters, without the atoms.
+Scene frames_of(const PlacedPair& placed);
+
 }  // namespace dravo

@@ -11,7 +11,6 @@
 
 #include "common/atom_table.hpp"
 #include "common/number_format.hpp"
-#include "common/text.hpp"
 #include "common/vector.hpp"
 #include "identify/closed_form.hpp"
 #include "scene/colours.hpp"
@@ -28,18 +27,6 @@ struct Structure {
   std::vector<Vec3> positions;
   PoseDegrees pose;
 };
-
-const ViewColumn& column_of(const ViewPoses& poses, const std::string& name) {
-  return *std::find_if(poses.columns.begin(), poses.columns.end(),
-                       [&](const ViewColumn& column) { return column.name == name; });
-}
-
-PoseDegrees pose_of(const ViewPoses& poses, std::size_t row) {
-  PoseDegrees pose;
-  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
-    pose.*kPoseParameters[k].value = column_of(poses, poses.parameters[k]).numbers[row];
-  return pose;
-}
 
 /// To eight decimals, as in xyz files.
 double rounded(double angstrom) {
@@ -83,7 +70,7 @@ class ChemiscopeWriter {
 
   [[nodiscard]] Structure structure(std::size_t row) const {
     const ViewPoses& poses = *data_.poses;
-    const PoseDegrees pose = pose_of(poses, row);
+    const PoseDegrees pose = poses.pose(row);
     if (poses.positions.empty()) return {placed(pose), pose};
     const std::size_t atoms =
         data_.molecules[0].positions.size() + data_.molecules[1].positions.size();
@@ -98,7 +85,7 @@ class ChemiscopeWriter {
   void add(const Structure& structure) {
     Json names = Json::array(), x = Json::array(), y = Json::array(), z = Json::array();
     for (const ViewMolecule& molecule : data_.molecules)
-      for (const Label& label : molecule.labels) names.push_back(trimmed(text_of(label)));
+      for (const Label& label : molecule.labels) names.push_back(symbol_of(label));
     for (const Vec3& p : structure.positions) {
       x.push_back(rounded(p.x));
       y.push_back(rounded(p.y));
@@ -118,9 +105,8 @@ class ChemiscopeWriter {
     for (const ViewMolecule& molecule : data_.molecules)
       labels.insert(labels.end(), molecule.labels.begin(), molecule.labels.end());
     const auto n1 = static_cast<std::int32_t>(data_.molecules[0].labels.size());
-    const Scene scene = scene_of(
-        {Pair(n1, Molecule(std::move(labels), structure.positions)), structure.pose, shapes_},
-        {.frames = true, .angles = false, .contacts = false});
+    const Scene scene = frames_of(
+        {Pair(n1, Molecule(std::move(labels), structure.positions)), structure.pose, shapes_});
     for (std::size_t k = 0; k < scene.arrows.size(); ++k) add_arrow(scene, k);
   }
 
@@ -173,7 +159,7 @@ class ChemiscopeWriter {
   /// Its axes and its colour can be numbers only.
   [[nodiscard]] Json map() const {
     const ViewPoses& poses = *data_.poses;
-    const bool has_colour = has_numbers_alone(column_of(poses, poses.colour));
+    const bool has_colour = has_numbers_alone(*poses.column(poses.colour));
     const std::string colour = has_colour ? poses.colour : colour_among({});
     return {{"x", {{"property", poses.x}}},
             {"y", {{"property", poses.y.empty() ? colour : poses.y}}},

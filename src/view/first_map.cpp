@@ -7,12 +7,6 @@
 namespace dravo {
 namespace {
 
-const ViewColumn* column_named(const ViewPoses& poses, std::string_view name) {
-  for (const ViewColumn& column : poses.columns)
-    if (column.name == name) return &column;
-  return nullptr;
-}
-
 std::size_t different_values(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   return static_cast<std::size_t>(std::unique(values.begin(), values.end()) - values.begin());
@@ -28,8 +22,8 @@ struct Axis {
 std::vector<Axis> axes_of(const ViewPoses& poses) {
   std::vector<Axis> axes;
   for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
-    const ViewColumn* column = k == 0 ? column_named(poses, kAboveContact) : nullptr;
-    if (column == nullptr) column = column_named(poses, kPoseParameters[k].name);
+    const ViewColumn* column = k == 0 ? poses.column(kAboveContact) : nullptr;
+    if (column == nullptr) column = poses.column(kPoseParameters[k].name);
     if (column == nullptr) continue;
     const std::size_t values = different_values(column->numbers);
     if (values > 1) axes.push_back({k, column->name, values});

@@ -32,8 +32,6 @@ std::string shown(std::string_view text) {
   return printable(text, std::numeric_limits<std::size_t>::max()).text;
 }
 
-std::string_view symbol_of(const Label& label) { return {label.data(), label[1] == ' ' ? 1U : 2U}; }
-
 // --- data -------------------------------------------------------------------------------------
 
 std::string_view name_of(Shape shape) {

@@ -122,12 +122,6 @@ void append_row(std::vector<ViewColumn>& columns, const std::string& text, const
 
 // --- what was applied -------------------------------------------------------------------------
 
-ViewColumn* column_named(ViewPoses& poses, std::string_view name) {
-  for (ViewColumn& column : poses.columns)
-    if (column.name == name) return &column;
-  return nullptr;
-}
-
 bool are_same(std::string_view parameter, double asked, double applied) {
   constexpr double kSameLength = 1e-7, kSameAngle = 1e-5, kTurn = 360.0;
   if (parameter == "r") return std::abs(asked - applied) < kSameLength;
@@ -168,8 +162,8 @@ void take_up_applied(ViewPoses& poses) {
   for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
     poses.parameters[k] = kPoseParameters[k].name;
     const std::string name = poses.parameters[k] + std::string(kAppliedEnding);
-    ViewColumn* const asked = column_named(poses, kPoseParameters[k].name);
-    const ViewColumn* const applied = column_named(poses, name);
+    ViewColumn* const asked = poses.column(kPoseParameters[k].name);
+    const ViewColumn* const applied = poses.column(name);
     if (asked == nullptr || applied == nullptr) continue;
     const bool is_number =
         applied->words.empty() && std::none_of(applied->numbers.begin(), applied->numbers.end(),

@@ -21,18 +21,6 @@
 namespace dravo {
 namespace {
 
-/// Of a row that is there.
-PoseDegrees pose_in(const ViewPoses& poses, std::size_t row) {
-  PoseDegrees pose;
-  for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
-    const auto column =
-        std::find_if(poses.columns.begin(), poses.columns.end(),
-                     [&](const ViewColumn& c) { return c.name == poses.parameters[k]; });
-    pose.*kPoseParameters[k].value = column->numbers.at(row);
-  }
-  return pose;
-}
-
 bool has_numbers(const ViewPoses& poses, std::string_view name) {
   return std::any_of(poses.columns.begin(), poses.columns.end(), [&](const ViewColumn& column) {
     return column.name == name && std::any_of(column.numbers.begin(), column.numbers.end(),
@@ -68,7 +56,7 @@ ViewData scan_data(const std::string& name, const ScanRecord& record) {
   const std::string sample = table.samples[0];
   ViewPoses poses = poses_of(std::move(table), "scan", name);
   choose_axes(poses);
-  ViewData data = view_data(placer, pose_in(poses, 0));
+  ViewData data = view_data(placer, poses.pose(0));
   data.criterion = criterion_of(record);
   // By axes of its own a pair is placed in another way than by those carried along.
   if (!record.molecules->like)
@@ -90,7 +78,7 @@ ViewData docking_data(const std::string& name, const ScanRecord& record) {
   poses.x = "rank";
   poses.colour = energy_column(plan.options.score);
   ViewData data =
-      view_data(PairPlacer(record.molecules->pair, {.placing = Placing::exact}), pose_in(poses, 0));
+      view_data(PairPlacer(record.molecules->pair, {.placing = Placing::exact}), poses.pose(0));
   data.command = fmt::format("dravo place {}", shell_file(name + ending_of(ResultFile::frames)));
   data.poses = std::move(poses);
   return data;

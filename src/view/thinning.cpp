@@ -33,9 +33,8 @@ std::vector<std::int64_t> even_choice(std::int64_t of, std::int64_t most, std::i
 }
 
 std::int64_t best_row(const ViewPoses& poses) {
-  const auto colour = std::find_if(poses.columns.begin(), poses.columns.end(),
-                                   [&](const ViewColumn& c) { return c.name == poses.colour; });
-  if (colour == poses.columns.end()) return 0;
+  const ViewColumn* const colour = poses.column(poses.colour);
+  if (colour == nullptr) return 0;
   const std::vector<double>& values = colour->numbers;
   std::size_t best = 0;
   for (std::size_t row = 0; row < values.size(); ++row)

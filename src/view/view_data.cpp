@@ -1,9 +1,34 @@
 #include "view/view_data.hpp"
 
+#include <algorithm>
+
 #include "molecules/pair_table.hpp"
 #include "molecules/pose_range.hpp"
 
 namespace dravo {
+
+namespace {
+
+template <class Columns>
+auto* column_named(Columns& columns, std::string_view name) {
+  const auto found = std::find_if(columns.begin(), columns.end(),
+                                  [&](const ViewColumn& column) { return column.name == name; });
+  return found == columns.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+const ViewColumn* ViewPoses::column(std::string_view wanted) const {
+  return column_named(columns, wanted);
+}
+ViewColumn* ViewPoses::column(std::string_view wanted) { return column_named(columns, wanted); }
+
+PoseDegrees ViewPoses::pose(std::size_t row) const {
+  PoseDegrees pose;
+  for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
+    pose.*kPoseParameters[k].value = column(parameters[k])->numbers.at(row);
+  return pose;
+}
 
 ViewData view_data(const PairPlacer& placer, const PoseDegrees& pose) {
   ViewData data;

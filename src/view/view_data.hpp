@@ -52,6 +52,13 @@ struct ViewPoses {
   std::vector<float> positions = {};
 
   [[nodiscard]] std::size_t rows() const { return columns.empty() ? 0 : columns[0].rows(); }
+
+  /// Null where there is none of this name.
+  [[nodiscard]] const ViewColumn* column(std::string_view wanted) const;
+  [[nodiscard]] ViewColumn* column(std::string_view wanted);
+
+  /// By the columns in `parameters`, which must be there.
+  [[nodiscard]] PoseDegrees pose(std::size_t row) const;
 };
 
 struct ViewData {

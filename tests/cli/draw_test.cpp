@@ -118,6 +118,8 @@ TEST(Draw, RefusesWhatItCannotDraw) {
   for (const auto& [words, message] :
        {Refused{{kDimer, "--split", "6", "-o", "there.svg"}, "there.svg"},
         Refused{{"dimer.svg", "--split", "6", "-o", "dimer.svg", "--overwrite"}, "dimer.svg"},
+        Refused{{kDimer, "--split", "6", "--like", "dimer.svg", "-o", "dimer.svg", "--overwrite"},
+                "dimer.svg"},
         Refused{{kDimer, "--split", "6", "-o", "picture.jpg"},
                 "picture.jpg: expected a name that ends in .svg"},
         Refused{{kDimer, "--split", "6", "-o", "no/folder.svg"}, "no"},
