@@ -234,6 +234,7 @@ add_custom_command(OUTPUT ${page_source}
   VERBATIM)
 add_library(dravo_page STATIC ${page_source})
 target_link_libraries(dravo_page PRIVATE dravo_headers)
+dravo_part_of_modules(dravo_page)
 
 # dravo_results_library(library): the bytes of scans, on a build of the library.
 function(dravo_results_library library)
@@ -245,6 +246,7 @@ function(dravo_results_library library)
     PUBLIC ${library}_protocol nlohmann_json::nlohmann_json
     PRIVATE dravo_page tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
   target_precompile_headers(${library}_results REUSE_FROM ${library})
+  dravo_part_of_modules(${library}_results)
 endfunction()
 
 # dravo_program(library): the program dravo.

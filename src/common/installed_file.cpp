@@ -1,6 +1,8 @@
 #include "common/installed_file.hpp"
 
+#include <dlfcn.h>
 #include <fmt/format.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -16,12 +18,29 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<fs::path> places_of(const std::string& name, const char* variable) {
-  if (const char* const told = std::getenv(variable)) return {fs::path(told)};
+/// The file of which this code is a part: a program, or a module of Python.
+fs::path own_file() {
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
-  return {program.parent_path() / name, program.parent_path().parent_path() / kLibexecFolder / name,
-          fs::path(kInstalledLibexec) / name};
+  Dl_info own{}, main{};
+  const bool known = ::dladdr(reinterpret_cast<const void*>(&own_file), &own) != 0 &&
+                     ::dladdr(reinterpret_cast<const void*>(::getauxval(AT_ENTRY)), &main) != 0;
+  return known && own.dli_fbase != main.dli_fbase ? fs::absolute(own.dli_fname) : program;
+}
+
+/// Beside that file, and below the prefix, which is one of the folders above: bin/dravo, or
+/// lib/python3.11/site-packages/dravo/_core.so.
+std::vector<fs::path> places_of(const std::string& name, const char* variable) {
+  if (const char* const told = std::getenv(variable)) return {fs::path(told)};
+  constexpr int kMostLevels = 4;
+  fs::path folder = own_file().parent_path();
+  std::vector<fs::path> places{folder / name};
+  for (int level = 0; level < kMostLevels && folder.has_relative_path(); ++level) {
+    folder = folder.parent_path();
+    places.push_back(folder / kLibexecFolder / name);
+  }
+  places.push_back(fs::path(kInstalledLibexec) / name);
+  return places;
 }
 
 }  // namespace

@@ -389,6 +389,13 @@ PairFile pair_of_text(std::string_view text, const PairRequest& request) {
   return pair_file_of(contents_of(request.file, text, request), request);
 }
 
+PairFile pair_of_atoms(const Molecule& atoms, const PairRequest& request) {
+  Contents contents;
+  contents.labels = atoms.labels();
+  contents.positions = atoms.positions();
+  return pair_file_of(std::move(contents), request);
+}
+
 CheckedPair pair_of_frame(XyzFrame frame, const PairRequest& request) {
   std::vector<std::string> ignored;  // how bonds divide it
   return checked_pair(contents_of(std::move(frame)), request, ignored);

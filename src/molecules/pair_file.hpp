@@ -15,6 +15,10 @@ bool is_qn_input(std::string_view text);
 /// As `read_pair` does with `request.file`, which has this text.
 PairFile pair_of_text(std::string_view text, const PairRequest& request);
 
+/// The same of atoms that are in memory; messages call them by the name `request.file`. Its unit is
+/// not looked at.
+PairFile pair_of_atoms(const Molecule& atoms, const PairRequest& request);
+
 /// A pair and what its distances show; nothing when it is not to be checked.
 struct CheckedPair {
   Pair pair;

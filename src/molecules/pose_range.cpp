@@ -88,4 +88,18 @@ std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double
   return complaint(parameter, value, nullptr);
 }
 
+void require_usable(std::span<const PoseDegrees> poses) {
+  for (std::size_t k = 0; k < poses.size(); ++k) {
+    const auto complaint = complaint_about(poses[k]);
+    if (!complaint) continue;
+    if (!std::isfinite(complaint->value()))
+      throw InvalidInput(fmt::format("pose {}: {}: expected a finite number, found {}", k + 1,
+                                     complaint->name(), complaint->value()));
+    throw OutOfRange(fmt::format("pose {}: {} {}: {}", k + 1, complaint->name(),
+                                 shortest_text(complaint->value()), complaint->what()),
+                     complaint->name(), complaint->value(), complaint->lowest(),
+                     complaint->highest());
+  }
+}
+
 }  // namespace dravo

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 
 #include "dravo/error.hpp"
 #include "dravo/pose.hpp"
@@ -22,5 +23,9 @@ std::optional<OutOfRange> complaint_about(const PoseDegrees& pose);
 
 /// The same of one value, beside which the others may be any.
 std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double value);
+
+/// Throws OutOfRange for the first of the poses that nobody may have, and InvalidInput where a
+/// number is not finite. The message tells which pose, from 1.
+void require_usable(std::span<const PoseDegrees> poses);
 
 }  // namespace dravo

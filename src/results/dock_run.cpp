@@ -23,8 +23,6 @@
 namespace dravo {
 namespace {
 
-/// Of a docking that ends by itself.
-constexpr std::int64_t kMostStarts = 500;
 
 constexpr auto kScoreKey = "score";
 constexpr auto kSeedKey = "seed";

@@ -20,6 +20,9 @@ inline constexpr auto kEndedByNothingNew = "nothing new";
 inline constexpr auto kEndedByStarts = "starts";  ///< as many as asked for
 inline constexpr auto kEndedByMostStarts = "most starts";
 
+/// Starts of a docking that finds something new until then.
+inline constexpr std::int64_t kMostStarts = 500;
+
 /// What the results of a docking follow from, besides the pair.
 struct DockPlan {
   DockOptions options;

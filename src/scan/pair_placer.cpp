@@ -86,8 +86,8 @@ PairPlacer::PairPlacer(const Pair& pair, const PlacerOptions& options)
       molecules_(frames_for(pair, options)),
       ready_(made_ready(pair, molecules_, options.placing)),
       offsets_(positions(ready_.parallel.table(), split_.molecule1(), ready_.molecule1.cm)),
-      surveyor_(positions(ready_.parallel.table(), split_.molecule2(), {}),
-                radii_for(pair, options.criterion), options.criterion) {}
+      molecule2_(positions(ready_.parallel.table(), split_.molecule2(), {})),
+      surveyor_(molecule2_, radii_for(pair, options.criterion), options.criterion) {}
 
 Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const {
   const EulerAngles rotation{radians.alpha, radians.beta, radians.gamma};
@@ -98,6 +98,20 @@ Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const
     turn_tips(placement.molecule1, ready_.molecule1,
               euler_matrix(rotation.alpha, rotation.beta, rotation.gamma));
   return placement;
+}
+
+void PairPlacer::place_atoms(const PoseRadians& radians, std::span<double> positions) const {
+  const Vec3 cm = ready_.molecule1.cm;
+  const Vec3 translation = cartesian({radians.r, radians.theta, radians.phi}) - cm;
+  const Matrix3 turn = euler_matrix(radians.alpha, radians.beta, radians.gamma);
+  double* next = positions.data();
+  const auto write = [&next](const Vec3& p) {
+    *next++ = p.x;
+    *next++ = p.y;
+    *next++ = p.z;
+  };
+  for (const Vec3& offset : offsets_) write(turn * offset + cm + translation);
+  for (const Vec3& atom : molecule2_) write(atom);
 }
 
 double PairPlacer::touching_distance(const PoseRadians& radians) const {
@@ -111,8 +125,7 @@ double PairPlacer::touching_distance(const PoseRadians& radians) const {
 double PairPlacer::radius_of_molecule1() const { return farthest(offsets_); }
 
 double PairPlacer::longest_touching_distance() const {
-  const auto molecule2 = positions(ready_.parallel.table(), split_.molecule2(), {});
-  return radius_of_molecule1() + farthest(molecule2) + surveyor_.longest_contact();
+  return radius_of_molecule1() + farthest(molecule2_) + surveyor_.longest_contact();
 }
 
 }  // namespace dravo

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <vector>
 
 #include "common/atom_table.hpp"
@@ -48,6 +49,9 @@ class PairPlacer {
   /// The pair by used parameters.
   Placement place(const PoseRadians& radians, AtomTable& placed) const;
 
+  /// The same atoms to the bit, and nothing else: x, y, z one behind the other, 3 N.
+  void place_atoms(const PoseRadians& radians, std::span<double> positions) const;
+
   /// With the clearance when it is asked for.
   [[nodiscard]] ContactSurvey survey(const ConstAtomTable& placed, bool clearance) const {
     return clearance ? surveyor_.survey_with_clearance(placed, split_.molecule1())
@@ -70,6 +74,7 @@ class PairPlacer {
   std::array<PrincipalFrame, 2> molecules_;
   ReadyPair ready_;
   std::vector<Vec3> offsets_;  ///< molecule 1's analysed atoms, from its centre of mass
+  std::vector<Vec3> molecule2_;
   ContactSurveyor surveyor_;
 };
 

@@ -1,6 +1,10 @@
-#include <cstddef>
-#include <string>
+#include <fmt/format.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+
+#include "common/ordered_chunks.hpp"
 #include "dravo/error.hpp"
 #include "dravo/place.hpp"
 #include "dravo/scan.hpp"
@@ -18,6 +22,26 @@ PoseRadians used_parameters(const PairPlacer& placer, const PoseDegrees& pose) {
   return placer.used_parameters(pose);
 }
 
+/// Coordinates of a pair.
+std::size_t numbers_of(std::int32_t atoms) { return 3 * static_cast<std::size_t>(atoms); }
+
+void require_room(std::span<double> positions, std::int32_t atoms, std::size_t poses) {
+  const std::size_t expected = poses * numbers_of(atoms);
+  if (positions.size() != expected)
+    throw InvalidInput(
+        fmt::format("expected room for {} coordinates, found {}", expected, positions.size()));
+}
+
+void write_positions(const ConstAtomTable& placed, std::span<double> positions) {
+  std::size_t k = 0;
+  for (std::int32_t i = 0; i < placed.rows(); ++i) {
+    const Vec3 p = placed.position(i);
+    positions[k++] = p.x;
+    positions[k++] = p.y;
+    positions[k++] = p.z;
+  }
+}
+
 }  // namespace
 
 Placer::Placer(const Pair& pair, const PlacerOptions& options)
@@ -31,31 +55,38 @@ const std::array<PrincipalFrame, 2>& Placer::molecules() const { return placer_-
 double Placer::missed() const { return placer_->missed(); }
 
 Placed Placer::place(const PoseDegrees& pose, std::span<double> positions) const {
-  const auto expected = 3 * static_cast<std::size_t>(size());
-  if (positions.size() != expected)
-    throw InvalidInput("expected room for " + std::to_string(expected) + " coordinates, found " +
-                       std::to_string(positions.size()));
+  require_room(positions, size(), 1);
   const PoseRadians used = used_parameters(*placer_, pose);
   OwnedTable placed(size());
   const Placement placement = placer_->place(used, placed.table());
-  std::size_t k = 0;
-  for (std::int32_t i = 0; i < size(); ++i) {
-    const Vec3 p = placed.table().position(i);
-    positions[k++] = p.x;
-    positions[k++] = p.y;
-    positions[k++] = p.z;
-  }
+  write_positions(placed.table(), positions);
   return {exact() ? with_folded_azimuths(pose) : applied_parameters(placement, used),
           placer_->survey(placed.table(), true)};
 }
 
 std::vector<Vec3> Placer::positions(const PoseDegrees& pose) const {
-  OwnedTable placed(size());
-  placer_->place(used_parameters(*placer_, pose), placed.table());
+  std::vector<double> numbers(numbers_of(size()));
+  placer_->place_atoms(used_parameters(*placer_, pose), numbers);
   std::vector<Vec3> atoms;
   atoms.reserve(placer_->labels().size());
-  for (std::int32_t i = 0; i < size(); ++i) atoms.push_back(placed.table().position(i));
+  for (std::size_t k = 0; k < numbers.size(); k += 3)
+    atoms.push_back({numbers[k], numbers[k + 1], numbers[k + 2]});
   return atoms;
+}
+
+void Placer::positions(std::span<const PoseDegrees> poses, std::span<double> positions,
+                       int threads) const {
+  require_room(positions, size(), poses.size());
+  require_usable(poses);
+  const std::size_t numbers = numbers_of(size());
+  std::atomic<std::size_t> next = 0;
+  in_threads(threads_of(threads), [&] {
+    constexpr std::size_t kTogether = 256;
+    for (std::size_t k = next.fetch_add(kTogether); k < poses.size(); k = next.fetch_add(kTogether))
+      for (std::size_t i = k; i < std::min(k + kTogether, poses.size()); ++i)
+        placer_->place_atoms(placer_->used_parameters(poses[i]),
+                             positions.subspan(i * numbers, numbers));
+  });
 }
 
 double Placer::touching_distance(const PoseDegrees& pose) const {

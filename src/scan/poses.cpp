@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -17,16 +16,6 @@ namespace {
 
 void require_range(const Axis& axis, const PoseParameter& parameter) {
   if (const auto fault = find_axis_fault(axis, parameter)) throw OutOfRange(fault->complaint);
-}
-
-void require_range(const PoseDegrees& pose) {
-  for (const PoseParameter& parameter : kPoseParameters) {
-    const double value = pose.*parameter.value;
-    if (!std::isfinite(value))
-      throw InvalidInput(
-          fmt::format("{}: expected a finite number, found {}", parameter.name, value));
-  }
-  if (const auto complaint = complaint_about(pose)) throw OutOfRange(*complaint);
 }
 
 }  // namespace
@@ -55,7 +44,7 @@ Poses Poses::grid(const PoseAxes& axes) {
 }
 
 Poses Poses::list(std::vector<PoseDegrees> poses) {
-  for (const PoseDegrees& pose : poses) require_range(pose);
+  require_usable(poses);
   return Poses(list_source(std::move(poses)));
 }
 

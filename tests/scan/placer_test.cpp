@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -11,6 +13,7 @@
 #include "dravo/identify.hpp"
 #include "dravo/place.hpp"
 #include "dravo/scan.hpp"
+#include "support/message_of.hpp"
 #include "support/pairs.hpp"
 #include "support/sample_input.hpp"
 
@@ -118,6 +121,35 @@ TEST(Placer, IsTheSameInSeveralThreads) {
       threads.emplace_back([&placer, &atoms] { atoms = placer.positions(kPose); });
   }
   for (const auto& atoms : together) EXPECT_TRUE(atoms == alone);
+}
+
+TEST(Placer, PlacesManyPosesAsEachAloneToTheBit) {
+  const Pair pair = pair_of(sample("formamide-dimer"));
+  std::vector<PoseDegrees> poses(1000);
+  Poses::random(1000, 5.0, 3).fill(0, poses);
+  poses[17] = {.r = 4.0, .phi = 725.0, .alpha = -30.0};
+  for (const Placing placing : {Placing::exact, Placing::as_qn_dravo}) {
+    const Placer placer(pair, {.placing = placing});
+    const auto numbers = 3 * static_cast<std::size_t>(placer.size());
+    std::vector<double> all(numbers * poses.size()), again(all.size()), one(numbers);
+    placer.positions(poses, all);
+    placer.positions(poses, again, 3);
+    EXPECT_EQ(all, again);
+    for (std::size_t k = 0; k < poses.size(); ++k) {
+      (void)placer.place(poses[k], one);
+      EXPECT_TRUE(std::equal(one.begin(), one.end(), &all[k * numbers])) << k;
+    }
+  }
+}
+
+TEST(Placer, TellsWhichOfManyPosesIsOutOfRange) {
+  const Placer placer(pair_of(sample("formamide-dimer")));
+  const std::vector<PoseDegrees> poses{kPose, {.r = 4.0, .theta = 190.0}};
+  std::vector<double> room(2 * 36);
+  EXPECT_EQ(message_of<OutOfRange>([&] { placer.positions(poses, room); }),
+            "pose 2: theta 190: 0 <= theta <= 180; theta 170 with phi 180 is the same direction");
+  EXPECT_THROW(placer.positions(poses, std::span(room).first(71)), InvalidInput);
+  EXPECT_NO_THROW(placer.positions(std::span<const PoseDegrees>(), std::span<double>()));
 }
 
 TEST(Placer, KnowsByHowMuchTheSearchMissedTheAxes) {

@@ -135,7 +135,7 @@ TEST(ListOfPoses, HasNoPoseOutOfRange) {
   EXPECT_EQ(message_of<InvalidInput>([] {
               (void)Poses::list({{3, kNaN, 2, 3, 4, 5}});
             }),
-            "theta: expected a finite number, found nan");
+            "pose 1: theta: expected a finite number, found nan");
 }
 
 TEST(RandomPoses, AreThoseOfAPlan) {

@@ -1,0 +1,101 @@
+/// Numpy arrays that own what C++ computed.
+#pragma once
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "dravo/atoms.hpp"
+#include "dravo/pose.hpp"
+
+namespace dravo::python {
+
+namespace py = pybind11;
+
+/// Rows of the C order; others are copied into it.
+using Doubles = py::array_t<double, py::array::c_style | py::array::forcecast>;
+
+/// An array that takes the values over.
+template <class Value>
+py::array_t<Value> array_of(std::vector<Value> values, std::vector<py::ssize_t> shape) {
+  auto owned = std::make_unique<std::vector<Value>>(std::move(values));
+  const Value* const data = owned->data();
+  const py::capsule owner(owned.release(), [](void* memory) {
+    std::unique_ptr<std::vector<Value>>(static_cast<std::vector<Value>*>(memory));
+  });
+  return py::array_t<Value>(std::move(shape), data, owner);
+}
+
+template <class Value>
+py::array_t<Value> array_of(std::vector<Value> values) {
+  const auto size = static_cast<py::ssize_t>(values.size());
+  return array_of(std::move(values), {size});
+}
+
+/// An array that takes memory over that nobody has written yet.
+inline py::array_t<double> array_of(std::unique_ptr<double[]> values,
+                                    std::vector<py::ssize_t> shape) {
+  double* const data = values.release();
+  const py::capsule owner(
+      data, [](void* memory) { std::unique_ptr<double[]>(static_cast<double*>(memory)); });
+  return py::array_t<double>(std::move(shape), data, owner);
+}
+
+inline py::array_t<double> points_array(std::span<const Vec3> points) {
+  std::vector<double> values;
+  values.reserve(3 * points.size());
+  for (const Vec3& p : points) values.insert(values.end(), {p.x, p.y, p.z});
+  return array_of(std::move(values), {static_cast<py::ssize_t>(points.size()), 3});
+}
+
+inline py::array_t<double> vector_array(const Vec3& p) {
+  return array_of(std::vector<double>{p.x, p.y, p.z});
+}
+
+/// r to gamma.
+inline std::array<double, 6> numbers_of(const PoseDegrees& pose) {
+  return {pose.r, pose.theta, pose.phi, pose.alpha, pose.beta, pose.gamma};
+}
+
+inline PoseDegrees pose_of(const std::array<double, 6>& numbers) {
+  const auto [r, theta, phi, alpha, beta, gamma] = numbers;
+  return {r, theta, phi, alpha, beta, gamma};
+}
+
+/// Rows of n x 6.
+inline std::vector<PoseDegrees> poses_of(const Doubles& rows) {
+  std::vector<PoseDegrees> poses(static_cast<std::size_t>(rows.shape(0)));
+  const double* next = rows.data();
+  for (PoseDegrees& pose : poses) {
+    pose = {next[0], next[1], next[2], next[3], next[4], next[5]};
+    next += 6;
+  }
+  return poses;
+}
+
+/// n x 6.
+inline py::array_t<double> poses_array(std::span<const PoseDegrees> poses) {
+  std::vector<double> values;
+  values.reserve(6 * poses.size());
+  for (const PoseDegrees& pose : poses)
+    for (const double number : numbers_of(pose)) values.push_back(number);
+  return array_of(std::move(values), {static_cast<py::ssize_t>(poses.size()), 6});
+}
+
+inline std::vector<Vec3> points_of(const Doubles& rows) {
+  std::vector<Vec3> points(static_cast<std::size_t>(rows.shape(0)));
+  const double* next = rows.data();
+  for (Vec3& p : points) {
+    p = {next[0], next[1], next[2]};
+    next += 3;
+  }
+  return points;
+}
+
+}  // namespace dravo::python
