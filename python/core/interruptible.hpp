@@ -30,6 +30,7 @@ class Kept {
  public:
   explicit Kept(py::object object)
       : object_(object.release().ptr(), [](PyObject* kept) {
+          if (Py_IsInitialized() == 0 || _Py_IsFinalizing() != 0) return;  // all of it goes
           const py::gil_scoped_acquire lock;
           Py_DECREF(kept);
         }) {}

@@ -4,7 +4,9 @@ from __future__ import annotations
 
 import os
 import subprocess
-from typing import Any
+import sys
+import tempfile
+from typing import IO, Any
 
 from . import _places
 from ._errors import Error, InputError, NoUniqueFrame
@@ -16,8 +18,8 @@ def run(command: str, *files: FileName, **options: Any) -> str:
 
     Options are keyword arguments: ``output="scan"`` is ``--output scan``, ``resume=True`` is
     ``--resume``, False and None leave an option out, tuples and lists are joined with commas.
-    Returns what the command prints; its messages go to standard error. Ctrl-C ends it as it does
-    in a shell: what was made stays, and ``resume=True`` goes on.
+    Returns what the command prints; its messages go to standard error while it runs. Ctrl-C ends
+    it: what was made stays, and ``resume=True`` goes on.
 
     Raises `NoUniqueFrame` where the command refuses a pair (exit status 1), `InputError` with its
     message otherwise, and `Error` where the program is not found.
@@ -31,15 +33,29 @@ def run(command: str, *files: FileName, **options: Any) -> str:
     words = [program, command, *(os.fspath(file) for file in files)]
     for name, value in options.items():
         words += _words(name, value)
-    done = subprocess.run(words, capture_output=True, text=True, check=False)
-    message = done.stderr.strip()
-    if done.returncode == 1:
-        raise NoUniqueFrame(message)
-    if done.returncode != 0:
-        raise InputError(message)
-    if message:
-        print(message)
-    return done.stdout
+    with tempfile.TemporaryFile("w+") as printed:
+        status, messages = _run(words, printed)
+        if status == 1:
+            raise NoUniqueFrame(messages)
+        if status != 0:
+            raise InputError(messages)
+        printed.seek(0)
+        return printed.read()
+
+
+def _run(words: list[str], printed: IO[str]) -> tuple[int, str]:
+    """The exit status and the messages, which are shown as they come."""
+    lines = []
+    with subprocess.Popen(words, stdout=printed, stderr=subprocess.PIPE, text=True) as running:
+        assert running.stderr is not None
+        try:
+            for line in running.stderr:
+                lines.append(line.removeprefix("dravo: "))
+                sys.stderr.write(line)
+        except KeyboardInterrupt:
+            running.terminate()
+            raise
+    return running.returncode, "".join(lines).strip()
 
 
 def _words(name: str, value: Any) -> list[str]:

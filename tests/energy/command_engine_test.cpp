@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
 #include <thread>
@@ -34,6 +35,8 @@ struct Run {
   double energy;
   std::string message;
 };
+
+void PrintTo(const Run& run, std::ostream* out) { *out << run.run; }
 
 class Command : public ::testing::TestWithParam<Run> {};
 

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
 #include <string_view>
@@ -47,6 +48,10 @@ struct Published {
   EnergyMethod method;
   double energy, molecule1, molecule2;  ///< Hartree
 };
+
+void PrintTo(const Published& published, std::ostream* out) {
+  *out << published.pair << ", " << name_of(published.method);
+}
 
 class PairsOfS22 : public ::testing::TestWithParam<Published> {};
 
