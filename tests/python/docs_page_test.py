@@ -1,0 +1,73 @@
+"""docs/python.md: every block of Python on it is run, and prints what stands below it."""
+
+import doctest
+import os
+import re
+import shutil
+from pathlib import Path
+
+import dravo
+import pytest
+
+PAGE = Path(__file__).resolve().parents[2] / "docs" / "python.md"
+EXAMPLES = Path(os.environ["DRAVO_EXAMPLES"])
+BUILD = Path(os.environ["DRAVO_PROGRAM"]).parent
+FILES = [
+    "formamide-dimer/formamide-dimer.xyz",
+    "formamide-dimer/formamide.xyz",
+    "argon-hcn/argon.xyz",
+    "argon-hcn/hcn.xyz",
+]
+
+
+def only_python(page: str) -> str:
+    """The page with everything blank but its blocks of Python, so that lines keep their numbers."""
+    inside = False
+    lines = []
+    for line in page.splitlines():
+        fence = line.startswith("```")
+        lines.append(line if inside and not fence else "")
+        if fence:
+            inside = line == "```python"
+    return "\n".join(lines) + "\n"
+
+
+def test_the_page_has_its_blocks_and_nothing_else() -> None:
+    page = "text >>> 1\n```python\n>>> 2\n2\n```\n```\n>>> 3\n```\nmore\n"
+    assert only_python(page) == "\n\n>>> 2\n2\n\n\n\n\n\n"
+
+
+@pytest.mark.skipif(not (BUILD / "dravo-xtb-worker").exists(), reason="a build without libxtb")
+def test_every_block_prints_what_the_page_shows(
+    tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    for name in FILES:
+        shutil.copy(EXAMPLES / name, tmp_path)
+    monkeypatch.chdir(tmp_path)
+    monkeypatch.setenv("PATH", str(BUILD), prepend=":")
+
+    text = only_python(PAGE.read_text())
+    examples = doctest.DocTestParser().get_doctest(text, {}, "python.md", str(PAGE), 0)
+    # A line without a prompt in front would be one that nobody runs.
+    assert len(re.findall("^>>> ", text, re.MULTILINE)) == len(examples.examples) >= 60
+    report: list[str] = []
+    failed, _ = doctest.DocTestRunner(optionflags=doctest.ELLIPSIS).run(examples, out=report.append)
+    assert failed == 0, "".join(report)
+
+
+def test_what_the_page_mentions_exists() -> None:
+    """Also between the blocks: dravo.something, placer.something, methods of pairs and batches."""
+    pair = dravo.read(EXAMPLES / "formamide-dimer/formamide-dimer.xyz", split=6)
+    placer = dravo.Placer(pair)
+    objects = {
+        "dravo": dravo,
+        "pair": pair,
+        "placer": placer,
+        "batch": dravo.scan(placer, [[4.0, 90, 0, 0, 0, 0]]).rest(),
+        "page": pair.view(),
+        "molecule": pair.molecules[0],
+    }
+    mentioned = re.findall(rf"(?<![\w./\"-])({'|'.join(objects)})\.([a-zA-Z_]\w*)", PAGE.read_text())
+    names = {(of, name) for of, name in mentioned if name not in ("xyz", "svg", "html", "_errors")}
+    assert len(names) > 40
+    assert {(of, name) for of, name in names if not hasattr(objects[of], name)} == set()
