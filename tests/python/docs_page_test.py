@@ -1,4 +1,4 @@
-"""docs/python.md: every block of Python on it is run, and prints what stands below it."""
+"""docs/python.md and README.md: every block of Python is run, and prints what stands below it."""
 
 import doctest
 import os
@@ -9,7 +9,8 @@ from pathlib import Path
 import dravo
 import pytest
 
-PAGE = Path(__file__).resolve().parents[2] / "docs" / "python.md"
+SOURCES = Path(__file__).resolve().parents[2]
+PAGE = SOURCES / "docs/python.md"
 EXAMPLES = Path(os.environ["DRAVO_EXAMPLES"])
 BUILD = Path(os.environ["DRAVO_PROGRAM"]).parent
 FILES = [
@@ -38,18 +39,20 @@ def test_the_page_has_its_blocks_and_nothing_else() -> None:
 
 
 @pytest.mark.skipif(not (BUILD / "dravo-xtb-worker").exists(), reason="a build without libxtb")
+@pytest.mark.parametrize("page, fewest", [("docs/python.md", 60), ("README.md", 4)])
 def test_every_block_prints_what_the_page_shows(
-    tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+    page: str, fewest: int, tmp_path: Path, monkeypatch: pytest.MonkeyPatch
 ) -> None:
     for name in FILES:
         shutil.copy(EXAMPLES / name, tmp_path)
+    (tmp_path / "examples").symlink_to(EXAMPLES)
     monkeypatch.chdir(tmp_path)
     monkeypatch.setenv("PATH", str(BUILD), prepend=":")
 
-    text = only_python(PAGE.read_text())
-    examples = doctest.DocTestParser().get_doctest(text, {}, "python.md", str(PAGE), 0)
+    text = only_python((SOURCES / page).read_text())
+    examples = doctest.DocTestParser().get_doctest(text, {}, page, page, 0)
     # A line without a prompt in front would be one that nobody runs.
-    assert len(re.findall("^>>> ", text, re.MULTILINE)) == len(examples.examples) >= 60
+    assert len(re.findall("^>>> ", text, re.MULTILINE)) == len(examples.examples) >= fewest
     report: list[str] = []
     failed, _ = doctest.DocTestRunner(optionflags=doctest.ELLIPSIS).run(examples, out=report.append)
     assert failed == 0, "".join(report)
