@@ -22,8 +22,8 @@ def both(placer):
 def turned_and_moved(molecule1, pose):
     """A copy of molecule 1, which stands in its frame, as a pose has it.
 
-    ASE turns by z-x-z and clockwise, where alpha, beta and gamma are turns by z-y-z, clockwise too:
-    the axis y is the axis x a quarter turn on, which goes to the first angle and comes from the last.
+    ASE turns by z-x-z and clockwise, alpha, beta and gamma turn by z-y-z and clockwise too. The axis
+    y is x a quarter turn on: the first angle has a quarter more, the last a quarter less.
     """
     r, theta, phi, alpha, beta, gamma = pose
     moved = molecule1.copy()

@@ -8,7 +8,10 @@ from typing import Any
 
 import ase.io
 import numpy as np
+import numpy.typing as npt
 import pytest
+
+Distances = npt.NDArray[np.float64]
 
 SCRIPTS = Path(os.environ["DRAVO_EXAMPLES"]) / "python"
 BUILD = Path(os.environ["DRAVO_PROGRAM"]).parent
@@ -97,7 +100,7 @@ class TestCalculators:
         return run("calculators.py", tmp_path_factory.mktemp("calculators"))
 
     @pytest.fixture(scope="class")
-    def distances(self, found: dict[str, Any]) -> np.ndarray:
+    def distances(self, found: dict[str, Any]) -> Distances:
         """To the two atoms of the dimer, in every pose, by the law of cosines."""
         r, phi = np.meshgrid(found["r"], np.radians(found["phi"]), indexing="ij")
         half = found["distance"] / 2
@@ -105,7 +108,7 @@ class TestCalculators:
         return np.array([np.hypot(across, along - half), np.hypot(across, along + half)])
 
     def test_the_calculator_gets_the_atoms_where_they_belong(
-        self, found: dict[str, Any], distances: np.ndarray
+        self, found: dict[str, Any], distances: Distances
     ) -> None:
         sixth = (3.40 / distances) ** 6
         in_kcal_mol = 0.01034 * 23.06055
@@ -115,7 +118,7 @@ class TestCalculators:
         assert wanted.min() == pytest.approx(-2 * in_kcal_mol, rel=1e-3)
 
     def test_atoms_that_clash_have_no_energy(
-        self, found: dict[str, Any], distances: np.ndarray
+        self, found: dict[str, Any], distances: Distances
     ) -> None:
         """Closer than half of twice the radius of argon, 1.88 Angstrom (Bondi)."""
         clashes = distances.min(axis=0) < 1.88
