@@ -129,7 +129,7 @@ def grid(
 ) -> Poses:
     """Every combination; r varies slowest, gamma fastest.
 
-    Each parameter is a number, an iterable of numbers, or a text as the commands take it:
+    Each parameter is a number, a list, range or array of them, or a text as the commands take it:
     ``"3:7:0.1"`` (both ends), ``"0,45,90"``; with `pair` also ``"here"`` and ``"here + 0:2:0.1"``,
     which count from the pair as it stands, and what is not given is as the pair has it. r may be
     ``"contact + 0:2:0.1"``: distances then count from the first contact of each direction.

@@ -185,7 +185,7 @@ def scan(
     energy : ``"gfnff"``, ``"gfn2"``, ``"gfn1"`` or a `Method`: interaction energies
     keep_below : only poses with a lower energy, kcal/mol
     threads : 0 for as many as the machine has cores
-    batch : poses that are looked at for one (100,000; fewer with positions or energies)
+    batch : at least so many poses are looked at for one (100,000; fewer with positions or energies)
 
     Memory does not grow with the number of poses. Ctrl-C ends it at once. Raises `InputError` and
     `EngineError`.
