@@ -38,6 +38,8 @@ require_packages() {
 
 # shellcheck disable=SC2034  # read by the scripts that source this file
 build_packages=(cmake g++ libcli11-dev libfmt-dev liblapack-dev libnlopt-dev librsvg2-dev
-  libtomlplusplus-dev libxtb-dev libxxhash-dev ninja-build nlohmann-json3-dev pkg-config)
+  libtomlplusplus-dev libxtb-dev libxxhash-dev ninja-build nlohmann-json3-dev pkg-config pybind11-dev
+  python3-dev python3-numpy)
 # shellcheck disable=SC2034
-test_packages=(clang gfortran libgtest-dev librapidcheck-dev locales nodejs)
+test_packages=(clang gfortran libgtest-dev librapidcheck-dev locales mypy nodejs python3-ase
+  python3-matplotlib python3-pytest)
