@@ -14,6 +14,14 @@ FORMAMIDES = Path(os.environ["DRAVO_EXAMPLES"]) / "formamide-dimer"
 BUILD = Path(os.environ["DRAVO_PROGRAM"]).parent
 #: that compute energies
 BY_ENGINE = re.compile(r"\.energy\(|energies\(|dock\(|energy=|\"energy\"")
+#: to which calls keyword arguments belong that stand alone
+CALLS = {
+    ("contacts", "unique", "positions", "energy"): "dravo.scan(placer, poses, {}).rest()",
+    ("keep_below",): 'dravo.scan(placer, poses, energy="gfnff", {}).rest()',
+    ("charges", "unpaired"): 'dravo.Method("gfn2", {})',
+    ("forces",): 'pair.energy("gfnff", {})',
+    ("split",): 'dravo.read("dimer.xyz", {})',
+}
 
 
 def cells(column: int) -> Iterator[str]:
@@ -31,7 +39,15 @@ def snippets() -> list[str]:
     found = [code for code in cells(0) if "(" in code and not code.startswith("dravo ")]
     found += [code for code in cells(1) if re.match(r"(dravo|pair|batch)\.|\w+=[-\w(\"]", code)]
     # What has dots for something else is no code, and a placer with placing=... is a heading.
-    return sorted({code for code in found if "..." not in code})
+    return sorted({called(code) for code in found if "..." not in code})
+
+
+def called(code: str) -> str:
+    """Keyword arguments in their call; other code as it is."""
+    name = re.match(r"(\w+)=", code)
+    if name is None:
+        return code
+    return next(call for names, call in CALLS.items() if name[1] in names).format(code)
 
 
 @pytest.fixture(scope="module")
@@ -42,7 +58,7 @@ def names(tmp_path_factory: pytest.TempPathFactory) -> dict[str, Any]:
         shutil.copy(FORMAMIDES / "formamide-dimer.xyz", folder / name)
     for name in ("a.xyz", "b.xyz"):
         shutil.copy(FORMAMIDES / "formamide.xyz", folder / name)
-    (folder / "poses.csv").write_text("r,theta,phi,alpha,beta,gamma\n4,90,0,0,30,0\n5,90,0,0,30,0\n")
+    (folder / "poses.csv").write_text("r,theta,phi,alpha,beta,gamma\n4,90,0,0,30,0\n")
     pair = dravo.read(folder / "dimer.xyz", split=6)
     placer = dravo.Placer(pair)
     poses = dravo.grid(r="3.2,4", pair=pair)
@@ -80,5 +96,4 @@ def test_can_be_run(code: str, names: dict[str, Any], monkeypatch: pytest.Monkey
         dravo.run("scan", "dimer.xyz", split=6, r="3.2,4", table=True, output="big", quiet=True)
     for written in ("pair.svg", "pair.html", "pair.xyz", "new.xyz"):
         Path(written).unlink(missing_ok=True)
-    alone = re.match(r"\w+=", code)
-    eval(f"dict({code})" if alone else code, {**names})
+    eval(code, {**names})
