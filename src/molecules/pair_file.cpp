@@ -249,7 +249,7 @@ void remark_on_frames(const std::string& name, const Contents& contents, std::in
   } else {
     text += "; use --split N1" + listed_molecules(contents.labels, components);
   }
-  throw InvalidInput(text);
+  throw InvalidInput(text, {shown_name(request.file)});
 }
 
 /// The atoms in the order of `rows`.
@@ -294,15 +294,17 @@ std::int32_t split_of(const PairRequest& request, Contents& contents,
     if (request.n1_if_untold) return *request.n1_if_untold;
     throw InvalidInput(
         shown_name(request.file) +
-        ": where molecule 2 begins is not known; use --split N1, the number of atoms "
-        "of molecule 1, or --split auto, by bonds");
+            ": where molecule 2 begins is not known; use --split N1, the number of atoms "
+            "of molecule 1, or --split auto, by bonds",
+        {shown_name(request.file)});
   }
   if (std::holds_alternative<SplitByBonds>(*request.split))
     return split_by_bonds(request, contents, remarks);
   const std::int32_t n1 = std::get<std::int32_t>(*request.split);
   if (contents.n1.value_or(n1) != n1)
     throw InvalidInput(fmt::format("{}: the file gives molecule 1 {}, --split {}",
-                                   shown_name(request.file), atoms_text(*contents.n1), n1));
+                                   shown_name(request.file), atoms_text(*contents.n1), n1),
+                       {shown_name(request.file)});
   return n1;
 }
 
