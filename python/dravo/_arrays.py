@@ -13,6 +13,9 @@ Floats = npt.NDArray[np.float64]
 Integers = npt.NDArray[np.int64]
 Numbers = npt.ArrayLike
 
+#: Angstrom: 1.9 in single precision, as qn-dravo has it
+SHORT_CONTACT = float(np.float32(1.9))
+
 
 def floats(values: Any, shape: tuple[int | None, ...], what: str) -> Floats:
     """The values as float64 in the order of C, copied only where they are not so already.

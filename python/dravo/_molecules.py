@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, NamedTuple, Sequence, Union
 import numpy as np
 
 from . import _core
-from ._arrays import Floats, Integers, Numbers, criterion, finite, integer
+from ._arrays import SHORT_CONTACT, Floats, Integers, Numbers, criterion, finite, integer
 from ._errors import FileError, InputError
 
 if TYPE_CHECKING:
@@ -281,7 +281,7 @@ class Pair:
             _core.identify(self._core, frames, None if like is None else like._core)
         )
 
-    def contacts(self, contact_distance: float | str = 1.9) -> list[Contact]:
+    def contacts(self, contact_distance: float | str = SHORT_CONTACT) -> list[Contact]:
         """Atoms of different molecules up to `contact_distance` apart: Angstrom, ``"vdw*0.8"`` or
         ``"vdw"``, multiples of the sum of the van der Waals radii."""
         return [Contact(*found) for found in self._core.contacts(criterion(contact_distance))]
@@ -295,7 +295,7 @@ class Pair:
         N, O or F."""
         return [HydrogenBond(*found) for found in self._core.hydrogen_bonds()]
 
-    def survey(self, contact_distance: float | str = 1.9) -> Survey:
+    def survey(self, contact_distance: float | str = SHORT_CONTACT) -> Survey:
         """Shortest distance, number of short contacts, clearance."""
         shortest, contacts, clearance, *atoms = self._core.survey(criterion(contact_distance))
         return Survey(shortest, contacts, clearance, (atoms[0], atoms[1]))

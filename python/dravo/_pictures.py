@@ -11,7 +11,7 @@ from typing import Any
 import numpy as np
 
 from . import _core
-from ._arrays import criterion, integer
+from ._arrays import SHORT_CONTACT, criterion, integer
 from ._errors import InputError
 from ._molecules import FileName, Molecule, Pair, Pose, write_whole
 from ._placer import Placer, as_placer
@@ -47,7 +47,7 @@ def _look(
     theme: str = "light",
     title: str = "",
     description: str = "",
-    contact_distance: float | str = 1.9,
+    contact_distance: float | str = SHORT_CONTACT,
 ) -> dict[str, Any]:
     try:
         width, height = size

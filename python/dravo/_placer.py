@@ -7,7 +7,7 @@ from typing import TYPE_CHECKING, Any, Iterator, Union
 import numpy as np
 
 from . import _core
-from ._arrays import Floats, criterion, integer
+from ._arrays import SHORT_CONTACT, Floats, criterion, integer
 from ._errors import InputError
 from ._molecules import Molecule, Pair, Pose, Survey
 from ._poses import PARAMETERS, poses_array
@@ -53,7 +53,7 @@ class Placer:
         *,
         placing: str = "exact",
         like: Pair | None = None,
-        contact_distance: float | str = 1.9,
+        contact_distance: float | str = SHORT_CONTACT,
     ) -> None:
         if isinstance(pair, Molecule) and isinstance(molecule2, Molecule):
             pair = Pair(pair, molecule2)
