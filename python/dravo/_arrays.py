@@ -26,7 +26,7 @@ def floats(values: Any, shape: tuple[int | None, ...], what: str) -> Floats:
         array = np.asarray(values)
         if array.dtype.kind not in "fiu" and array.size:
             raise TypeError(f"numbers, found {array.dtype}")
-        array = np.ascontiguousarray(array, dtype=np.float64)
+        array = np.require(array, np.float64, ["C_CONTIGUOUS", "ALIGNED"])
     except (TypeError, ValueError) as fault:
         raise InputError(f"{what}: expected an array of numbers, found {_shown(values)}") from fault
     fits = array.ndim == len(shape) and all(

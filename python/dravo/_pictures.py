@@ -15,7 +15,7 @@ from ._arrays import SHORT_CONTACT, criterion, integer
 from ._errors import InputError
 from ._molecules import FileName, Molecule, Pair, Pose, write_whole
 from ._placer import Placer, as_placer
-from ._poses import PARAMETERS, poses_array
+from ._poses import PARAMETERS, Poses
 
 
 class Picture(bytes):
@@ -213,7 +213,7 @@ def _columns(
 ) -> list[tuple[str, list[float]]]:
     if len(rows) == 0:
         raise InputError("view: there is no pose")
-    named: dict[str, Any] = dict(zip(PARAMETERS, poses_array(rows).T))
+    named: dict[str, Any] = dict(zip(PARAMETERS, Poses(rows).rows().T))
     if columns is None:
         from ._scan import scan
 

@@ -126,7 +126,9 @@ class Placer:
         values = [r, theta, phi, alpha, beta, gamma]
         if pose is not None:
             pose = Pose(*pose)
-        return Pose(*(self._value(k, value, pose) for k, value in enumerate(values)))
+        chosen = Pose(*(self._value(k, value, pose) for k, value in enumerate(values)))
+        _core.require_usable_pose(chosen)
+        return chosen
 
     def _value(self, k: int, value: Value | None, pose: Pose | None) -> float:
         """Parameter k as it was given, or what stands in for it."""

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, Iterable, Iterator, Union, overload
 import numpy as np
 
 from . import _core
-from ._arrays import Floats, Numbers, finite, integer
+from ._arrays import Floats, Numbers, floats, integer
 from ._errors import InputError
 from ._molecules import FileName, Pair, Pose
 
@@ -84,10 +84,10 @@ class Poses:
 
 
 def poses_array(poses: Any) -> Floats:
-    """n x 6, whatever they come as."""
+    """n x 6, whatever they come as; whether they are in range is seen by who uses them."""
     if isinstance(poses, Pose):
         poses = [poses]
-    return finite(poses, (None, 6), "poses")
+    return floats(poses, (None, 6), "poses")
 
 
 def as_poses(poses: Any) -> Poses:
