@@ -13,7 +13,7 @@ import numpy.typing as npt
 from . import _core
 from ._arrays import SHORT_CONTACT, Floats, criterion, finite, integer
 from ._errors import InputError
-from ._molecules import Pair, Pose, Split, _split
+from ._molecules import Pair, Pose, Split, _split, file_name
 from ._poses import PARAMETERS
 
 
@@ -176,7 +176,7 @@ def identify_many(
     reference = None if like is None else like._core
     if isinstance(frames, (str, os.PathLike)):
         columns = _core.identify_file(
-            os.fspath(frames), _split(split), unit, bool(check), frame, rule, reference, told, many,
+            file_name(frames), _split(split), unit, bool(check), frame, rule, reference, told, many,
             bool(skip_bad),
         )  # fmt: skip
     else:

@@ -352,6 +352,16 @@ def _atoms(count: int) -> str:
     return f"{count} atom" if count == 1 else f"{count} atoms"
 
 
+def file_name(file: FileName) -> str:
+    """As text. Raises `InputError` where it has bytes that are none."""
+    name = os.fsdecode(file)
+    try:
+        name.encode()
+    except UnicodeEncodeError:
+        raise InputError(f"{name!r}: expected the name of a file in UTF-8") from None
+    return name
+
+
 def _split(split: Split) -> int | str | None:
     if split is None or isinstance(split, str):
         return split
@@ -382,8 +392,8 @@ def read(
     >>> read("formamide-dimer.xyz", split=6)
     <dravo.Pair CH3NO (6 atoms) and CH3NO (6 atoms)>
     """
-    name = os.fspath(file)
-    second = "" if second_file is None else os.fspath(second_file)
+    name = file_name(file)
+    second = "" if second_file is None else file_name(second_file)
     found = _core.read_pair(
         name, second, _split(split), integer(frame, "frame", 1), unit, bool(check)
     )
@@ -400,13 +410,13 @@ def read_molecule(file: FileName, frame: int = 1, unit: str = "angstrom") -> Mol
     <dravo.Molecule CH3NO, 6 atoms>
     """
     return Molecule._of(
-        _core.read_molecule(os.fspath(file), integer(frame, "frame", 1), unit)
+        _core.read_molecule(file_name(file), integer(frame, "frame", 1), unit)
     )
 
 
 def write_whole(file: FileName, content: str | bytes, overwrite: bool) -> None:
     """The file appears when it is complete. Raises `FileError`."""
-    name = os.fspath(file)
+    name = file_name(file)
     if os.path.exists(name) and not overwrite:
         raise FileError(f"{name}: the file exists; overwrite=True replaces it")
     unfinished = f"{name}.{os.getpid()}.unfinished"

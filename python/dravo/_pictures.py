@@ -13,7 +13,7 @@ import numpy as np
 from . import _core
 from ._arrays import SHORT_CONTACT, criterion, integer
 from ._errors import InputError
-from ._molecules import FileName, Molecule, Pair, Pose, write_whole
+from ._molecules import FileName, Molecule, Pair, Pose, file_name, write_whole
 from ._placer import Placer, as_placer
 from ._poses import PARAMETERS, Poses
 
@@ -194,7 +194,7 @@ def view(
     """
     look.setdefault("angles", True)
     if isinstance(what, (str, os.PathLike)):
-        name = os.fspath(what)
+        name = file_name(what)
         look.setdefault("title", os.path.basename(name))
         return Page(_core.view_results(name, _look(**look)))
     placer = _exact(what)

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import os
 from typing import TYPE_CHECKING, Any, Iterable, Iterator, Union, overload
 
 import numpy as np
@@ -10,7 +9,7 @@ import numpy as np
 from . import _core
 from ._arrays import Floats, Numbers, floats, integer
 from ._errors import InputError
-from ._molecules import FileName, Pair, Pose
+from ._molecules import FileName, Pair, Pose, file_name
 
 if TYPE_CHECKING:
     from ._placer import Placer
@@ -164,4 +163,4 @@ def random(
 def zipped(file: FileName) -> Poses:
     """The rows of a CSV file with columns r to gamma, as the option ``--zip``. They stay in the
     file. Raises `InputError` and `FileError`."""
-    return _planned({"zip": os.fspath(file)}, None)
+    return _planned({"zip": file_name(file)}, None)

@@ -24,6 +24,7 @@ import dravo
 pair = dravo.read({file!r}, split=6)
 placer = dravo.Placer(pair)
 sleeping = dravo.Method("command", run="sleep 5; echo {{xyz}}", read="(.*)")
+frames = np.tile(pair.positions, (800_000, 1, 1)) if {many} else None
 print("begins", flush=True)
 try:
     {call}
@@ -44,10 +45,7 @@ CALLS = {
     "scan that drops all": 'next(dravo.scan(placer, dravo.random(10**12, r=0), contacts="drop", batch=10**9))',
     "poses above contact": "dravo.scan(placer, dravo.random(10**9, r='contact+0')).rest()",
     "loop": "for batch in dravo.scan(placer, dravo.random(10**12, r=5), batch=100): pass",
-    "identify_many": (
-        "dravo.identify_many(np.broadcast_to(pair.positions, (800_000, 12, 3)), "
-        "symbols=pair.symbols, split=6)"
-    ),
+    "identify_many": "dravo.identify_many(frames, symbols=pair.symbols, split=6)",
     "energies": 'dravo.energies(placer, dravo.random(5000, r=5), "gfn2")',
     "energies by a command": "dravo.energies(placer, dravo.random(10, r=5), sleeping)",
     "energy by a command": "pair.energy(sleeping)",
@@ -55,7 +53,7 @@ CALLS = {
     "list of poses": "for _ in range(100): dravo.Poses(np.zeros((5_000_000, 6)))",
     "rows of poses": "dravo.random(50_000_000, r=5).rows()",
     "poses in a loop": "for pose in dravo.random(10**12, r=5): pass",
-    "command": 'dravo.run("scan", {file!r}, split=6, r=5, random=10**9, output="long", quiet=True)',
+    "command": 'dravo.run("scan", {file!r}, split=6, r=5, random=10**9, count=True, quiet=True)',
 }
 
 
@@ -76,7 +74,8 @@ def processes_of(session: int) -> list[str]:
 @pytest.mark.parametrize("name", CALLS)
 def test_control_c_ends(name: str) -> None:
     file = str(EXAMPLES / "formamide-dimer" / "formamide-dimer.xyz")
-    script = BEFORE.format(file=file, call=CALLS[name].format(file=file))
+    call = CALLS[name].format(file=file)
+    script = BEFORE.format(file=file, call=call, many="frames" in call)
     child = subprocess.Popen(
         [sys.executable, "-c", script],
         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, start_new_session=True,
