@@ -35,7 +35,7 @@ class Placer:
     is to be placed so, and `InputError`.
 
     >>> placer = Placer(read("formamide-dimer.xyz", split=6))
-    >>> placer.survey(r=4.0, theta=90, phi=0, alpha=0, beta=30, gamma=0).contacts
+    >>> placer.survey(r=3.0, theta=90, phi=0, alpha=0, beta=30, gamma=0).contacts
     1
     """
 

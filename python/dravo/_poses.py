@@ -162,5 +162,11 @@ def random(
 
 def zipped(file: FileName) -> Poses:
     """The rows of a CSV file with columns r to gamma, as the option ``--zip``. They stay in the
-    file. Raises `InputError` and `FileError`."""
+    file. Raises `InputError` and `FileError`.
+
+    >>> with open("poses.csv", "w") as table:
+    ...     print("r,theta,phi,alpha,beta,gamma", "4,90,0,0,30,0", sep="\\n", file=table)
+    >>> zipped("poses.csv")[0]
+    Pose(r=4.0, theta=90.0, phi=0.0, alpha=0.0, beta=30.0, gamma=0.0)
+    """
     return _planned({"zip": file_name(file)}, None)
