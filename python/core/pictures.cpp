@@ -136,8 +136,10 @@ py::str view_poses(const Placer& placer, NumberColumns columns, const std::strin
 py::str view_results(const std::string& name, const py::dict& options) {
   ViewData data = interruptible([name](const Stop&) { return view_of_results(name); });
   const ContactCriterion criterion = data.criterion;
+  const std::string description = data.description;
   set_look(data, options);
   data.criterion = criterion;
+  if (data.description.empty()) data.description = description;
   return page_of(std::move(data));
 }
 

@@ -234,7 +234,7 @@ class Pair:
         return cls(atoms.get_chemical_symbols(), atoms.get_positions(), split, check=check)
 
     def to_ase(self) -> Any:
-        """An ``ase.Atoms``, with the array ``"molecule"`` (1 or 2). Raises ImportError without ASE."""
+        """An ``ase.Atoms``, whose array ``"molecule"`` has 1 or 2. ImportError without ASE."""
         from ase import Atoms
 
         atoms = Atoms(self.symbols, self.positions)

@@ -195,7 +195,8 @@ def view(
     look.setdefault("angles", True)
     if isinstance(what, (str, os.PathLike)):
         name = file_name(what)
-        look.setdefault("title", os.path.basename(name))
+        stem, ending = os.path.splitext(os.path.basename(name))
+        look.setdefault("title", stem if ending in (".csv", ".json", ".xyz") else stem + ending)
         return Page(_core.view_results(name, _look(**look)))
     placer = _exact(what)
     if poses is None:

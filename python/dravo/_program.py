@@ -29,7 +29,7 @@ def run(command: str, *files: FileName, **options: Any) -> str:
     """
     program = _places.program()
     if program is None:
-        raise Error("the program dravo is not there: it is installed beside the package, or on PATH")
+        raise Error("the program dravo is neither beside the package nor on PATH")
     words = [program, command, *(os.fspath(file) for file in files)]
     for name, value in options.items():
         words += _words(name, value)

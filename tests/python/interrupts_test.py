@@ -42,7 +42,9 @@ sys.exit(7)
 CALLS = {
     "positions": "placer.positions(np.zeros((20_000_000, 6)))",
     "scan": "dravo.scan(placer, dravo.random(10**12, r=5), batch=10**9).rest()",
-    "scan that drops all": 'next(dravo.scan(placer, dravo.random(10**12, r=0), contacts="drop", batch=10**9))',
+    "scan that drops all": (
+        'next(dravo.scan(placer, dravo.random(10**12, r=0), contacts="drop", batch=10**9))'
+    ),
     "poses above contact": "dravo.scan(placer, dravo.random(10**9, r='contact+0')).rest()",
     "loop": "for batch in dravo.scan(placer, dravo.random(10**12, r=5), batch=100): pass",
     "identify_many": "dravo.identify_many(frames, symbols=pair.symbols, split=6)",

@@ -182,7 +182,8 @@ def test_unwraps_half_turns_as_the_command() -> None:
     table = dravo.identify_many(positions, symbols=placer.symbols, split=1, unwrap=True)
     with open("frames.xyz", "w") as stream:
         for atoms in positions:
-            lines = [f"{s} {x:.17g} {y:.17g} {z:.17g}" for s, (x, y, z) in zip(placer.symbols, atoms)]
+            rows = (" ".join(map(repr, p)) for p in atoms.tolist())
+            lines = [f"{symbol} {row}" for symbol, row in zip(placer.symbols, rows)]
             stream.write("\n".join([str(len(placer)), "", *lines, ""]))
     command("identify", "frames.xyz", "--split=1", "--frame=all", "--unwrap", "-o", "frames.csv")
     assert_same_frames(table, "frames.csv")

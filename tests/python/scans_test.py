@@ -195,3 +195,24 @@ def test_docks_as_the_command() -> None:
         assert list(minimum.pose) == [float(row[name]) for name in dravo.Pose._fields]
     assert np.array_equal(found.poses[0], found[0].pose)
     assert [m.energy for m in dravo.dock(pair, **given, keep=1)] == [found[0].energy]
+
+
+def test_a_docking_that_has_time() -> None:
+    pair = ARGON_HCN.read()
+    found = dravo.dock(pair, search="gfnff", score="gfnff", time=0.05)
+    assert found.starts_made >= 1 and len(found) >= 1
+    with pytest.raises(dravo.InputError, match="^time: expected"):
+        dravo.dock(pair, time="soon")  # type: ignore[arg-type]
+
+
+def test_pages_of_results_are_those_of_the_command() -> None:
+    words = ["--r=3:5:0.5", "--theta=0:180:30", "--phi=0", "--alpha=0", "--beta=90", "--gamma=0"]
+    command("scan", *FORMAMIDES.words(), *words, "--exact", "--table", "--quiet", "--output=map")
+    command("dock", *ARGON_HCN.words(), "--starts=3", "--score=gfnff", "--quiet", "--output=docked")
+    for name in ("map", "docked", "map.csv"):
+        command("view", name, "--no-open", "-o", f"{name}.html")
+        assert dravo.view(name).html == Path(f"{name}.html").read_text()
+    placer = dravo.Placer(FORMAMIDES.read())
+    poses = dravo.grid(r="3:5:0.5", theta="0:180:30", phi=0, alpha=0, beta=90, gamma=0)
+    page = dravo.view(placer, poses, colour="shortest").html
+    assert '"name":"shortest"' in page and '"shown":35,"of":35' in page
