@@ -195,8 +195,9 @@ def view(
     look.setdefault("angles", True)
     if isinstance(what, (str, os.PathLike)):
         name = file_name(what)
-        stem, ending = os.path.splitext(os.path.basename(name))
-        look.setdefault("title", stem if ending in (".csv", ".json", ".xyz") else stem + ending)
+        if name.endswith((".csv", ".json")) and not os.path.exists(f"{name}.json"):
+            name = os.path.splitext(name)[0]
+        look.setdefault("title", os.path.basename(name))
         return Page(_core.view_results(name, _look(**look)))
     placer = _exact(what)
     if poses is None:
