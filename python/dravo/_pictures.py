@@ -2,10 +2,7 @@
 
 from __future__ import annotations
 
-import html
 import os
-import tempfile
-import webbrowser
 from typing import Any
 
 import numpy as np
@@ -151,14 +148,19 @@ class Page:
 
     def open(self) -> None:
         """Shows it in the browser."""
+        import tempfile
+        import webbrowser
+
         with tempfile.NamedTemporaryFile("w", suffix=".html", delete=False) as stream:
             stream.write(self.html)
         webbrowser.open("file://" + stream.name)
 
     def _repr_html_(self) -> str:
+        from html import escape
+
         # A document of its own: neither its style nor its script meets those of the notebook.
         return (
-            f'<iframe srcdoc="{html.escape(self.html)}" width="100%" height="{self.height}" '
+            f'<iframe srcdoc="{escape(self.html)}" width="100%" height="{self.height}" '
             'sandbox="allow-scripts allow-downloads" style="border: 0"></iframe>'
         )
 

@@ -3,9 +3,7 @@
 from __future__ import annotations
 
 import os
-import subprocess
 import sys
-import tempfile
 from typing import IO, Any
 
 from . import _places
@@ -33,6 +31,8 @@ def run(command: str, *files: FileName, **options: Any) -> str:
     words = [program, command, *(os.fspath(file) for file in files)]
     for name, value in options.items():
         words += _words(name, value)
+    import tempfile
+
     with tempfile.TemporaryFile("w+") as printed:
         status, messages = _run(words, printed)
         if status == 1:
@@ -45,6 +45,8 @@ def run(command: str, *files: FileName, **options: Any) -> str:
 
 def _run(words: list[str], printed: IO[str]) -> tuple[int, str]:
     """The exit status and the messages, which are shown as they come."""
+    import subprocess
+
     lines = []
     with subprocess.Popen(words, stdout=printed, stderr=subprocess.PIPE, text=True) as running:
         assert running.stderr is not None

@@ -30,12 +30,15 @@ def test_takes_little_longer_than_numpy(folder: Path, monkeypatch: pytest.Monkey
     # Compiled once, as an installed package is.
     monkeypatch.delenv("PYTHONDONTWRITEBYTECODE", raising=False)
     monkeypatch.setenv("PYTHONPYCACHEPREFIX", str(folder))
+    monkeypatch.setenv("OPENBLAS_NUM_THREADS", "1")  # others wait for work, busily
     run("import dravo")
     longest = 0.060
     best = {"numpy": math.inf, "dravo": math.inf}
-    for _ in range(8):
+    for _ in range(25):
         for module in best:
             best[module] = min(best[module], seconds_of(module))
+        if best["dravo"] - best["numpy"] <= longest / 2:
+            break
     print({module: f"{1000 * seconds:.0f} ms" for module, seconds in best.items()})
     assert best["dravo"] - best["numpy"] <= longest
 
@@ -45,6 +48,7 @@ def test_what_it_takes_with_it() -> None:
     of_numpy = set(run(f"import numpy; {listed}").split())
     of_dravo = set(run(f"import dravo; {listed}").split()) - of_numpy
     unwanted = {"ase", "matplotlib", "scipy", "IPython", "asyncio", "http", "multiprocessing"}
+    unwanted |= {"subprocess", "tempfile", "webbrowser"}  # the first call that needs them has time
     assert not of_dravo & unwanted
     assert "dravo" in of_dravo
 
