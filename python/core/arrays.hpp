@@ -68,15 +68,11 @@ inline PoseDegrees pose_of(const std::array<double, 6>& numbers) {
   return {r, theta, phi, alpha, beta, gamma};
 }
 
-/// Rows of n x 6.
-inline std::vector<PoseDegrees> poses_of(const Doubles& rows) {
-  std::vector<PoseDegrees> poses(static_cast<std::size_t>(rows.shape(0)));
-  const double* next = rows.data();
-  for (PoseDegrees& pose : poses) {
-    pose = {next[0], next[1], next[2], next[3], next[4], next[5]};
-    next += 6;
-  }
-  return poses;
+/// Rows of n x 6, where they are.
+inline std::span<const PoseDegrees> poses_span(const Doubles& rows) {
+  static_assert(sizeof(PoseDegrees) == 6 * sizeof(double));
+  return {reinterpret_cast<const PoseDegrees*>(rows.data()),
+          static_cast<std::size_t>(rows.shape(0))};
 }
 
 /// n x 6.

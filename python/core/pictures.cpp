@@ -15,6 +15,7 @@
 #include "dravo/frame.hpp"
 #include "dravo/scene.hpp"
 #include "interruptible.hpp"
+#include "molecules/fragments.hpp"
 #include "parts.hpp"
 #include "scan/pair_placer.hpp"
 #include "view/first_map.hpp"
@@ -133,11 +134,22 @@ py::str view_poses(const Placer& placer, NumberColumns columns, const std::strin
   return page_of(std::move(data));
 }
 
+/// Of the pose that is shown first.
+std::string description_of(const ViewData& data) {
+  const auto& [one, two] = data.molecules;
+  const auto [r, theta, phi, alpha, beta, gamma] = numbers_of(data.pose);
+  return fmt::format(
+      "Molecule 1, {}, and molecule 2, {}: r {:.2f} Angstrom, theta {:.1f}, phi {:.1f}, alpha {:.1f}, "
+      "beta {:.1f}, gamma {:.1f} degrees.",
+      formula_of(one.labels), formula_of(two.labels), r, theta, phi, alpha, beta, gamma);
+}
+
 py::str view_results(const std::string& name, const py::dict& options) {
   ViewData data = interruptible([name](const Stop&) { return view_of_results(name); });
   const ContactCriterion criterion = data.criterion;
   set_look(data, options);
   data.criterion = criterion;
+  if (data.description.empty()) data.description = description_of(data);
   return page_of(std::move(data));
 }
 

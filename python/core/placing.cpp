@@ -49,10 +49,8 @@ py::tuple placed(const Placer& placer, const std::array<double, 6>& pose) {
 
 /// Poses x atoms x 3. The poses are read where they are.
 py::array_t<double> positions_of(const Placer& placer, const Doubles& poses, int threads) {
-  static_assert(sizeof(PoseDegrees) == 6 * sizeof(double));
-  const auto count = static_cast<std::size_t>(poses.shape(0));
   const auto numbers = 3 * static_cast<std::size_t>(placer.size());
-  const std::span rows(reinterpret_cast<const PoseDegrees*>(poses.data()), count);
+  const std::span rows = poses_span(poses);
   auto positions =
       interruptible([placer, rows, threads, numbers, kept = Kept(poses)](const Stop& stop) {
         constexpr std::size_t kNumbersTogether = 1'000'000;  // some milliseconds
@@ -62,6 +60,7 @@ py::array_t<double> positions_of(const Placer& placer, const Doubles& poses, int
         for (std::size_t k = 0; k < rows.size(); k += together) {
           if (stop) throw Stopped();
           const std::size_t some = std::min(together, rows.size() - k);
+          require_usable(rows.subspan(k, some), k + 1);  // counts from the first of all
           placer.positions(rows.subspan(k, some), {&memory[k * numbers], some * numbers}, threads);
         }
         return memory;

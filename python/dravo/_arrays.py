@@ -13,6 +13,9 @@ Floats = npt.NDArray[np.float64]
 Integers = npt.NDArray[np.int64]
 Numbers = npt.ArrayLike
 
+#: Angstrom: 1.9 in single precision, as qn-dravo has it
+SHORT_CONTACT = float(np.float32(1.9))
+
 
 def floats(values: Any, shape: tuple[int | None, ...], what: str) -> Floats:
     """The values as float64 in the order of C, copied only where they are not so already.
@@ -23,7 +26,7 @@ def floats(values: Any, shape: tuple[int | None, ...], what: str) -> Floats:
         array = np.asarray(values)
         if array.dtype.kind not in "fiu" and array.size:
             raise TypeError(f"numbers, found {array.dtype}")
-        array = np.ascontiguousarray(array, dtype=np.float64)
+        array = np.require(array, np.float64, ["C_CONTIGUOUS", "ALIGNED"])
     except (TypeError, ValueError) as fault:
         raise InputError(f"{what}: expected an array of numbers, found {_shown(values)}") from fault
     fits = array.ndim == len(shape) and all(

@@ -84,6 +84,7 @@ class Poses:
     def rows(self, first: int, count: int) -> _Floats:
         """count x 6."""
 
+def require_usable_pose(pose: _Six) -> None: ...
 def number_of(name: str, text: str) -> tuple[float, bool]: ...
 
 class EnergyModel:

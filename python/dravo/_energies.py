@@ -28,6 +28,9 @@ class Method:
         replaced
     read : regular expression with one group, the energy in what it prints; the last match counts
     read_unit : ``"hartree"``, ``"ev"``, ``"kcal/mol"`` or ``"kj/mol"``
+
+    >>> Method("gfn2", charges=(0, -1)).charges
+    (0, -1)
     """
 
     name: str
@@ -77,7 +80,7 @@ def energy(
 
     >>> found = energy(read("formamide-dimer.xyz", split=6), "gfn2")
     >>> found.status, round(found.energy, 1)
-    ('ok', -12.9)
+    ('ok', -16.6)
     """
     model = as_model(pair, _with(method, options))
     centre = pair.molecules[0].frame().centre_of_mass.tolist() if forces else None
@@ -193,7 +196,8 @@ class Docking(Sequence[Minimum]):
 
     def __repr__(self) -> str:
         lowest = f", lowest {self.energy[0]:.2f} kcal/mol" if len(self) else ""
-        return f"<dravo.Docking, {len(self)} minima of {self.starts_made} starts{lowest}>"
+        minima = "1 minimum" if len(self) == 1 else f"{len(self)} minima"
+        return f"<dravo.Docking, {minima} of {self.starts_made} starts{lowest}>"
 
 
 def dock(
@@ -224,6 +228,9 @@ def dock(
     threads : and engines, 0 for as many as the machine has cores
 
     Poses are exact ones. Raises `EngineError` and `InputError`.
+
+    >>> dock(read("argon.xyz", "hcn.xyz"), search="gfnff", score="gfnff", starts=4)
+    <dravo.Docking, 1 minimum of 4 starts, lowest -0.27 kcal/mol>
     """
     if starts is not None and time is not None:
         raise InputError("starts and time exclude each other")

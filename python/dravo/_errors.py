@@ -6,7 +6,7 @@ import re
 
 
 def _in_words_of_python(message: str) -> str:
-    """Options of the commands are keyword arguments here: --contact-distance is contact_distance."""
+    """Options are keyword arguments here: --contact-distance is contact_distance."""
     return re.sub(r"(?<![\w-])--([a-z][a-z-]*)", lambda m: m[1].replace("-", "_"), message)
 
 

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import math
 import os
 from dataclasses import dataclass
 from typing import Any, Iterable, Sequence
@@ -10,9 +11,9 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _core
-from ._arrays import Floats, criterion, finite, integer
+from ._arrays import SHORT_CONTACT, Floats, criterion, finite, integer
 from ._errors import InputError
-from ._molecules import Pair, Pose, Split, _split
+from ._molecules import Pair, Pose, Split, _split, file_name
 from ._poses import PARAMETERS
 
 
@@ -141,7 +142,7 @@ def identify_many(
     check: bool = True,
     rule: str = "extended",
     like: Pair | None = None,
-    contact_distance: float | str = 1.9,
+    contact_distance: float | str = SHORT_CONTACT,
     unwrap: bool = False,
     skip_bad: bool = False,
     threads: int = 0,
@@ -175,7 +176,7 @@ def identify_many(
     reference = None if like is None else like._core
     if isinstance(frames, (str, os.PathLike)):
         columns = _core.identify_file(
-            os.fspath(frames), _split(split), unit, bool(check), frame, rule, reference, told, many,
+            file_name(frames), _split(split), unit, bool(check), frame, rule, reference, told, many,
             bool(skip_bad),
         )  # fmt: skip
     else:
@@ -188,8 +189,21 @@ def identify_many(
         table[name] = columns[name]
     for name, column in zip(PARAMETERS, columns["poses"].T):
         turns = unwrap and name in ("phi", "alpha", "gamma")
-        table[name] = np.unwrap(column, period=360) if turns else column
+        table[name] = _unwrapped(column.tolist()) if turns else column
     return table
+
+
+def _unwrapped(degrees: list[float]) -> list[float]:
+    """Each angle within half a turn of the one before, as the command tells them."""
+    before = None
+    for k, angle in enumerate(degrees):
+        if angle >= 360 - 0.5e-6:  # which six decimals would make 360
+            angle = 0.0
+        if before is not None:
+            turns = (before - angle) / 360
+            angle += 360 * math.copysign(math.floor(abs(turns) + 0.5), turns)
+        before = degrees[k] = angle
+    return degrees
 
 
 def _trajectory(

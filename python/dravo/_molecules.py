@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, NamedTuple, Sequence, Union
 import numpy as np
 
 from . import _core
-from ._arrays import Floats, Integers, Numbers, criterion, finite, integer
+from ._arrays import SHORT_CONTACT, Floats, Integers, Numbers, criterion, finite, integer
 from ._errors import FileError, InputError
 
 if TYPE_CHECKING:
@@ -234,7 +234,7 @@ class Pair:
         return cls(atoms.get_chemical_symbols(), atoms.get_positions(), split, check=check)
 
     def to_ase(self) -> Any:
-        """An ``ase.Atoms``, with the array ``"molecule"`` (1 or 2). Raises ImportError without ASE."""
+        """An ``ase.Atoms``, whose array ``"molecule"`` has 1 or 2. ImportError without ASE."""
         from ase import Atoms
 
         atoms = Atoms(self.symbols, self.positions)
@@ -281,7 +281,7 @@ class Pair:
             _core.identify(self._core, frames, None if like is None else like._core)
         )
 
-    def contacts(self, contact_distance: float | str = 1.9) -> list[Contact]:
+    def contacts(self, contact_distance: float | str = SHORT_CONTACT) -> list[Contact]:
         """Atoms of different molecules up to `contact_distance` apart: Angstrom, ``"vdw*0.8"`` or
         ``"vdw"``, multiples of the sum of the van der Waals radii."""
         return [Contact(*found) for found in self._core.contacts(criterion(contact_distance))]
@@ -295,7 +295,7 @@ class Pair:
         N, O or F."""
         return [HydrogenBond(*found) for found in self._core.hydrogen_bonds()]
 
-    def survey(self, contact_distance: float | str = 1.9) -> Survey:
+    def survey(self, contact_distance: float | str = SHORT_CONTACT) -> Survey:
         """Shortest distance, number of short contacts, clearance."""
         shortest, contacts, clearance, *atoms = self._core.survey(criterion(contact_distance))
         return Survey(shortest, contacts, clearance, (atoms[0], atoms[1]))
@@ -352,6 +352,16 @@ def _atoms(count: int) -> str:
     return f"{count} atom" if count == 1 else f"{count} atoms"
 
 
+def file_name(file: FileName) -> str:
+    """As text. Raises `InputError` where it has bytes that are none."""
+    name = os.fsdecode(file)
+    try:
+        name.encode()
+    except UnicodeEncodeError:
+        raise InputError(f"{name!r}: expected the name of a file in UTF-8") from None
+    return name
+
+
 def _split(split: Split) -> int | str | None:
     if split is None or isinstance(split, str):
         return split
@@ -382,8 +392,8 @@ def read(
     >>> read("formamide-dimer.xyz", split=6)
     <dravo.Pair CH3NO (6 atoms) and CH3NO (6 atoms)>
     """
-    name = os.fspath(file)
-    second = "" if second_file is None else os.fspath(second_file)
+    name = file_name(file)
+    second = "" if second_file is None else file_name(second_file)
     found = _core.read_pair(
         name, second, _split(split), integer(frame, "frame", 1), unit, bool(check)
     )
@@ -400,13 +410,13 @@ def read_molecule(file: FileName, frame: int = 1, unit: str = "angstrom") -> Mol
     <dravo.Molecule CH3NO, 6 atoms>
     """
     return Molecule._of(
-        _core.read_molecule(os.fspath(file), integer(frame, "frame", 1), unit)
+        _core.read_molecule(file_name(file), integer(frame, "frame", 1), unit)
     )
 
 
 def write_whole(file: FileName, content: str | bytes, overwrite: bool) -> None:
     """The file appears when it is complete. Raises `FileError`."""
-    name = os.fspath(file)
+    name = file_name(file)
     if os.path.exists(name) and not overwrite:
         raise FileError(f"{name}: the file exists; overwrite=True replaces it")
     unfinished = f"{name}.{os.getpid()}.unfinished"

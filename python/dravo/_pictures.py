@@ -2,20 +2,17 @@
 
 from __future__ import annotations
 
-import html
 import os
-import tempfile
-import webbrowser
 from typing import Any
 
 import numpy as np
 
 from . import _core
-from ._arrays import criterion, integer
+from ._arrays import SHORT_CONTACT, criterion, integer
 from ._errors import InputError
-from ._molecules import FileName, Molecule, Pair, Pose, write_whole
+from ._molecules import FileName, Molecule, Pair, Pose, file_name, write_whole
 from ._placer import Placer, as_placer
-from ._poses import PARAMETERS, poses_array
+from ._poses import PARAMETERS, Poses
 
 
 class Picture(bytes):
@@ -47,7 +44,7 @@ def _look(
     theme: str = "light",
     title: str = "",
     description: str = "",
-    contact_distance: float | str = 1.9,
+    contact_distance: float | str = SHORT_CONTACT,
 ) -> dict[str, Any]:
     try:
         width, height = size
@@ -151,14 +148,19 @@ class Page:
 
     def open(self) -> None:
         """Shows it in the browser."""
+        import tempfile
+        import webbrowser
+
         with tempfile.NamedTemporaryFile("w", suffix=".html", delete=False) as stream:
             stream.write(self.html)
         webbrowser.open("file://" + stream.name)
 
     def _repr_html_(self) -> str:
+        from html import escape
+
         # A document of its own: neither its style nor its script meets those of the notebook.
         return (
-            f'<iframe srcdoc="{html.escape(self.html)}" width="100%" height="{self.height}" '
+            f'<iframe srcdoc="{escape(self.html)}" width="100%" height="{self.height}" '
             'sandbox="allow-scripts allow-downloads" style="border: 0"></iframe>'
         )
 
@@ -194,7 +196,9 @@ def view(
     """
     look.setdefault("angles", True)
     if isinstance(what, (str, os.PathLike)):
-        name = os.fspath(what)
+        name = file_name(what)
+        if name.endswith((".csv", ".json")) and not os.path.exists(f"{name}.json"):
+            name = os.path.splitext(name)[0]
         look.setdefault("title", os.path.basename(name))
         return Page(_core.view_results(name, _look(**look)))
     placer = _exact(what)
@@ -213,7 +217,7 @@ def _columns(
 ) -> list[tuple[str, list[float]]]:
     if len(rows) == 0:
         raise InputError("view: there is no pose")
-    named: dict[str, Any] = dict(zip(PARAMETERS, poses_array(rows).T))
+    named: dict[str, Any] = dict(zip(PARAMETERS, Poses(rows).rows().T))
     if columns is None:
         from ._scan import scan
 

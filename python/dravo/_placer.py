@@ -7,7 +7,7 @@ from typing import TYPE_CHECKING, Any, Iterator, Union
 import numpy as np
 
 from . import _core
-from ._arrays import Floats, criterion, integer
+from ._arrays import SHORT_CONTACT, Floats, criterion, integer
 from ._errors import InputError
 from ._molecules import Molecule, Pair, Pose, Survey
 from ._poses import PARAMETERS, poses_array
@@ -35,7 +35,7 @@ class Placer:
     is to be placed so, and `InputError`.
 
     >>> placer = Placer(read("formamide-dimer.xyz", split=6))
-    >>> placer.survey(r=4.0, theta=90, phi=0, alpha=0, beta=30, gamma=0).contacts
+    >>> placer.survey(r=3.0, theta=90, phi=0, alpha=0, beta=30, gamma=0).contacts
     1
     """
 
@@ -53,7 +53,7 @@ class Placer:
         *,
         placing: str = "exact",
         like: Pair | None = None,
-        contact_distance: float | str = 1.9,
+        contact_distance: float | str = SHORT_CONTACT,
     ) -> None:
         if isinstance(pair, Molecule) and isinstance(molecule2, Molecule):
             pair = Pair(pair, molecule2)
@@ -126,7 +126,9 @@ class Placer:
         values = [r, theta, phi, alpha, beta, gamma]
         if pose is not None:
             pose = Pose(*pose)
-        return Pose(*(self._value(k, value, pose) for k, value in enumerate(values)))
+        chosen = Pose(*(self._value(k, value, pose) for k, value in enumerate(values)))
+        _core.require_usable_pose(chosen)
+        return chosen
 
     def _value(self, k: int, value: Value | None, pose: Pose | None) -> float:
         """Parameter k as it was given, or what stands in for it."""

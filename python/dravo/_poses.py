@@ -2,15 +2,14 @@
 
 from __future__ import annotations
 
-import os
 from typing import TYPE_CHECKING, Any, Iterable, Iterator, Union, overload
 
 import numpy as np
 
 from . import _core
-from ._arrays import Floats, Numbers, finite, integer
+from ._arrays import Floats, Numbers, floats, integer
 from ._errors import InputError
-from ._molecules import FileName, Pair, Pose
+from ._molecules import FileName, Pair, Pose, file_name
 
 if TYPE_CHECKING:
     from ._placer import Placer
@@ -84,10 +83,10 @@ class Poses:
 
 
 def poses_array(poses: Any) -> Floats:
-    """n x 6, whatever they come as."""
+    """n x 6, whatever they come as; whether they are in range is seen by who uses them."""
     if isinstance(poses, Pose):
         poses = [poses]
-    return finite(poses, (None, 6), "poses")
+    return floats(poses, (None, 6), "poses")
 
 
 def as_poses(poses: Any) -> Poses:
@@ -163,5 +162,11 @@ def random(
 
 def zipped(file: FileName) -> Poses:
     """The rows of a CSV file with columns r to gamma, as the option ``--zip``. They stay in the
-    file. Raises `InputError` and `FileError`."""
-    return _planned({"zip": os.fspath(file)}, None)
+    file. Raises `InputError` and `FileError`.
+
+    >>> with open("poses.csv", "w") as table:
+    ...     print("r,theta,phi,alpha,beta,gamma", "4,90,0,0,30,0", sep="\\n", file=table)
+    >>> zipped("poses.csv")[0]
+    Pose(r=4.0, theta=90.0, phi=0.0, alpha=0.0, beta=30.0, gamma=0.0)
+    """
+    return _planned({"zip": file_name(file)}, None)

@@ -3,9 +3,7 @@
 from __future__ import annotations
 
 import os
-import subprocess
 import sys
-import tempfile
 from typing import IO, Any
 
 from . import _places
@@ -29,10 +27,12 @@ def run(command: str, *files: FileName, **options: Any) -> str:
     """
     program = _places.program()
     if program is None:
-        raise Error("the program dravo is not there: it is installed beside the package, or on PATH")
+        raise Error("the program dravo is neither beside the package nor on PATH")
     words = [program, command, *(os.fspath(file) for file in files)]
     for name, value in options.items():
         words += _words(name, value)
+    import tempfile
+
     with tempfile.TemporaryFile("w+") as printed:
         status, messages = _run(words, printed)
         if status == 1:
@@ -45,6 +45,8 @@ def run(command: str, *files: FileName, **options: Any) -> str:
 
 def _run(words: list[str], printed: IO[str]) -> tuple[int, str]:
     """The exit status and the messages, which are shown as they come."""
+    import subprocess
+
     lines = []
     with subprocess.Popen(words, stdout=printed, stderr=subprocess.PIPE, text=True) as running:
         assert running.stderr is not None

@@ -27,9 +27,9 @@ class ScanBatch:
     """
 
     __slots__ = (
-        "above_contact", "applied", "clearance", "clearance_atoms", "contacts", "energies",
-        "equivalents", "first_index", "index", "looked_at", "poses", "positions", "shortest",
-        "status",
+        "_extras", "above_contact", "applied", "clearance", "clearance_atoms", "contacts",
+        "energies", "equivalents", "first_index", "index", "looked_at", "poses", "positions",
+        "shortest", "status",
     )  # fmt: skip
 
     #: index of the first pose that was looked at for the batch, from 1
@@ -61,8 +61,11 @@ class ScanBatch:
     #: Angstrom (n x atoms x 3); None unless asked for
     positions: Floats | None
 
-    def __init__(self, columns: dict[str, Any]) -> None:
+    def __init__(self, columns: dict[str, Any], extras: frozenset[str]) -> None:
+        self._extras = extras
         columns["energies"] = columns.pop("interaction")
+        if "above_contact" not in extras:
+            columns["above_contact"] = np.zeros(len(columns["index"]))
         columns["status"] = _STATUSES[columns["status"]]
         for name, column in columns.items():
             setattr(self, name, column)
@@ -74,7 +77,7 @@ class ScanBatch:
         """A structured array with the columns that tables of ``dravo scan`` have, atoms of the
         clearance from 1."""
         columns: dict[str, Any] = {"index": self.index}
-        if self.above_contact.any():
+        if "above_contact" in self._extras:
             columns["above_contact"] = self.above_contact
         columns.update(zip(PARAMETERS, self.poses.T))
         columns.update(zip((f"{name}_applied" for name in PARAMETERS), self.applied.T))
@@ -83,9 +86,9 @@ class ScanBatch:
         columns["clearance"] = self.clearance
         columns["clearance_atom1"] = self.clearance_atoms[:, 0] + 1
         columns["clearance_atom2"] = self.clearance_atoms[:, 1] + 1
-        if (self.equivalents > 1).any():
+        if "equivalents" in self._extras:
             columns["equivalents"] = self.equivalents
-        if (self.status != "").any():
+        if "energies" in self._extras:
             columns["e_int_kcal_mol"] = self.energies
             columns["status"] = self.status
         rows = np.empty(len(self), [(name, column.dtype) for name, column in columns.items()])
@@ -107,8 +110,10 @@ class Scan(Iterator[ScanBatch]):
     It ends when the last one is taken, or by `close`, which the end of a ``with`` calls.
     """
 
-    def __init__(self, core: _core.Scan) -> None:
+    def __init__(self, core: _core.Scan, extras: frozenset[str]) -> None:
         self._core = core
+        #: columns that tables of this scan have beside those of all
+        self._extras = extras
 
     def __iter__(self) -> Scan:
         return self
@@ -117,20 +122,20 @@ class Scan(Iterator[ScanBatch]):
         columns = self._core.next()
         if columns is None:
             raise StopIteration
-        return ScanBatch(columns)
+        return ScanBatch(columns, self._extras)
 
     def rest(self) -> ScanBatch:
         """What is left, as one batch."""
         batches = [columns for columns in iter(self._core.next, None)]
         if not batches:
-            return ScanBatch(_no_columns())
+            return ScanBatch(_no_columns(), self._extras)
         whole = {"first_index": batches[0].pop("first_index")}
         whole["looked_at"] = sum(batch.pop("looked_at") for batch in batches)
         for name in batches[0]:
             if name != "first_index":
                 parts = [batch[name] for batch in batches]
                 whole[name] = None if parts[0] is None else np.concatenate(parts)
-        return ScanBatch(whole)
+        return ScanBatch(whole, self._extras)
 
     def close(self) -> None:
         """Ends it at once."""
@@ -193,7 +198,7 @@ def scan(
     >>> placer = Placer(read("formamide-dimer.xyz", split=6))
     >>> for batch in scan(placer, random(10000, r="4,6", seed=1), contacts="drop"):
     ...     print(len(batch), "of", batch.looked_at, round(batch.shortest.min(), 3))
-    17151 of 20000 1.9
+    17127 of 20000 1.9
     """
     placer = as_placer(pair)
     some = as_poses(poses)
@@ -203,10 +208,9 @@ def scan(
         batch = min(_MOST_POSES, max(_MOST_BYTES // max(bytes_of_pose, 1), 1))
         if model is not None:
             batch = min(batch, _POSES_WITH_ENERGIES)
-    return Scan(
-        _core.scan(
-            placer._core, some._core, contacts, bool(positions), bool(clearance), bool(unique),
-            None if model is None else model, keep_below, integer(threads, "threads", 0, 1024),
-            integer(batch, "batch", 1),
-        )
+    extras = {"above_contact": some.above_contact, "equivalents": unique, "energies": model}
+    core = _core.scan(
+        placer._core, some._core, contacts, bool(positions), bool(clearance), bool(unique), model,
+        keep_below, integer(threads, "threads", 0, 1024), integer(batch, "batch", 1),
     )  # fmt: skip
+    return Scan(core, frozenset(name for name, there in extras.items() if there))

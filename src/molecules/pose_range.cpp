@@ -88,14 +88,14 @@ std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double
   return complaint(parameter, value, nullptr);
 }
 
-void require_usable(std::span<const PoseDegrees> poses) {
+void require_usable(std::span<const PoseDegrees> poses, std::size_t first) {
   for (std::size_t k = 0; k < poses.size(); ++k) {
     const auto complaint = complaint_about(poses[k]);
     if (!complaint) continue;
     if (!std::isfinite(complaint->value()))
-      throw InvalidInput(fmt::format("pose {}: {}: expected a finite number, found {}", k + 1,
+      throw InvalidInput(fmt::format("pose {}: {}: expected a finite number, found {}", first + k,
                                      complaint->name(), complaint->value()));
-    throw OutOfRange(fmt::format("pose {}: {} {}: {}", k + 1, complaint->name(),
+    throw OutOfRange(fmt::format("pose {}: {} {}: {}", first + k, complaint->name(),
                                  shortest_text(complaint->value()), complaint->what()),
                      complaint->name(), complaint->value(), complaint->lowest(),
                      complaint->highest());

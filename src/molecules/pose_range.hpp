@@ -1,6 +1,7 @@
 /// Which poses there are, and which of them are the same by their periodic angles.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 
@@ -25,7 +26,7 @@ std::optional<OutOfRange> complaint_about(const PoseDegrees& pose);
 std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double value);
 
 /// Throws OutOfRange for the first of the poses that nobody may have, and InvalidInput where a
-/// number is not finite. The message tells which pose, from 1.
-void require_usable(std::span<const PoseDegrees> poses);
+/// number is not finite. The message tells which pose; the first of these is number `first`.
+void require_usable(std::span<const PoseDegrees> poses, std::size_t first = 1);
 
 }  // namespace dravo
