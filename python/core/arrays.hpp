@@ -3,10 +3,14 @@
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
+#include <sys/mman.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
+#include <new>
 #include <span>
 #include <utility>
 #include <vector>
@@ -38,12 +42,30 @@ py::array_t<Value> array_of(std::vector<Value> values) {
   return array_of(std::move(values), {size});
 }
 
-/// An array that takes memory over that nobody has written yet.
-inline py::array_t<double> array_of(std::unique_ptr<double[]> values,
-                                    std::vector<py::ssize_t> shape) {
-  double* const data = values.release();
-  const py::capsule owner(
-      data, [](void* memory) { std::unique_ptr<double[]>(static_cast<double*>(memory)); });
+struct Freed {
+  void operator()(double* memory) const { std::free(memory); }
+};
+
+/// Memory that nobody has written yet.
+using Memory = std::unique_ptr<double[], Freed>;
+
+/// For so many numbers. Large memory comes in large pages, where the system has them: else a fault
+/// for each four kilobytes takes as long as placing the atoms in them.
+inline Memory memory_for(std::size_t numbers) {
+  constexpr std::size_t kLargePage = std::size_t{1} << 21U;
+  const std::size_t bytes = std::max<std::size_t>(numbers * sizeof(double), 1);
+  const bool large = bytes >= kLargePage;
+  const std::size_t whole = (bytes + kLargePage - 1) / kLargePage * kLargePage;
+  void* const memory = large ? std::aligned_alloc(kLargePage, whole) : std::malloc(bytes);
+  if (memory == nullptr) throw std::bad_alloc();
+  if (large) ::madvise(memory, whole, MADV_HUGEPAGE);
+  return Memory(static_cast<double*>(memory));
+}
+
+/// An array that takes it over.
+inline py::array_t<double> array_of(Memory memory, std::vector<py::ssize_t> shape) {
+  double* const data = memory.release();
+  const py::capsule owner(data, [](void* freed) { std::free(freed); });
   return py::array_t<double>(std::move(shape), data, owner);
 }
 

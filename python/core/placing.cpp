@@ -55,8 +55,7 @@ py::array_t<double> positions_of(const Placer& placer, const Doubles& poses, int
       interruptible([placer, rows, threads, numbers, kept = Kept(poses)](const Stop& stop) {
         constexpr std::size_t kNumbersTogether = 1'000'000;  // some milliseconds
         const std::size_t together = std::max<std::size_t>(kNumbersTogether / numbers, 1);
-        // The threads that write it are the first to touch it.
-        std::unique_ptr<double[]> memory(new double[rows.size() * numbers]);
+        Memory memory = memory_for(rows.size() * numbers);
         for (std::size_t k = 0; k < rows.size(); k += together) {
           if (stop) throw Stopped();
           const std::size_t some = std::min(together, rows.size() - k);

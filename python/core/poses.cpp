@@ -88,7 +88,7 @@ py::array_t<double> rows_of(const CountedPoses& self, std::int64_t first, std::i
   if (count < 0) throw InvalidInput(fmt::format("expected a number of poses, found {}", count));
   auto rows = interruptible([poses = self.poses, first, count](const Stop& stop) {
     constexpr std::int64_t kTogether = 10'000;
-    std::unique_ptr<double[]> memory(new double[6 * static_cast<std::size_t>(count)]);
+    Memory memory = memory_for(6 * static_cast<std::size_t>(count));
     std::vector<PoseDegrees> some;
     for (std::int64_t k = 0; k < count; k += kTogether) {
       if (stop) throw Stopped();
