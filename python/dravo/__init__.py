@@ -91,3 +91,9 @@ __all__ = [
     "view",
     "zipped",
 ]
+
+# Errors and help name what people import.
+for _name in __all__:
+    if getattr(globals()[_name], "__module__", "").startswith("dravo."):
+        globals()[_name].__module__ = "dravo"
+del _name

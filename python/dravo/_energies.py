@@ -11,7 +11,7 @@ import numpy.typing as npt
 from . import _core
 from ._arrays import Floats, Integers, finite, integer, two_integers
 from ._errors import InputError
-from ._molecules import Pair, Pose
+from ._molecules import Molecule, Pair, Pose
 from ._placer import Placer, as_placer
 
 
@@ -82,6 +82,7 @@ def energy(
     >>> found.status, round(found.energy, 1)
     ('ok', -16.6)
     """
+    pair._in_one_space()
     model = as_model(pair, _with(method, options))
     centre = pair.molecules[0].frame().centre_of_mass.tolist() if forces else None
     interaction, status, parts = model.compute(pair.positions, centre)
@@ -101,6 +102,8 @@ def _with(method: str | Method, options: dict[str, Any]) -> str | Method:
 class Energies:
     """Interaction energies of many poses, from `energies`. As an array it is `energy`."""
 
+    #: r (the whole distance) to gamma, Angstrom and degrees (n x 6)
+    poses: Floats
     #: kcal/mol; nan unless the status is ok (n)
     energy: Floats
     #: "ok", "clash", "scf_fail", "nonphysical", "engine_died" (n)
@@ -117,6 +120,11 @@ class Energies:
         if np.isnan(self.energy).all():
             raise InputError("no pose has an energy")
         return int(np.nanargmin(self.energy))
+
+    @property
+    def best(self) -> Pose:
+        """The pose with the lowest energy. Raises `InputError` where no pose has one."""
+        return Pose(*self.poses[self.argmin()].tolist())
 
     def __repr__(self) -> str:
         names, counts = np.unique(self.status, return_counts=True)
@@ -145,7 +153,8 @@ def energies(
     from ._scan import scan
 
     found = scan(pair, poses, energy=_with(method, options), threads=threads).rest()
-    return Energies(found.energies, found.status)
+    assert found.energies is not None and found.status is not None
+    return Energies(found.poses, found.energies, found.status)
 
 
 class Minimum(NamedTuple):
@@ -201,7 +210,8 @@ class Docking(Sequence[Minimum]):
 
 
 def dock(
-    pair: Pair | Placer,
+    pair: Pair | Placer | Molecule,
+    molecule2: Molecule | None = None,
     *,
     search: str = "gfnff",
     score: str = "gfn2",
@@ -218,6 +228,7 @@ def dock(
 
     Parameters
     ----------
+    pair : a `Pair`, or molecule 1 with molecule 2 behind it
     search, score : the methods that minimise the starts, and that rank the minima
     charges, unpaired : net charges (e) and unpaired electrons of molecule 1 and molecule 2
     starts : so many; without it until 50 find nothing new, after 150 to 500
@@ -234,7 +245,7 @@ def dock(
     """
     if starts is not None and time is not None:
         raise InputError("starts and time exclude each other")
-    placer = Placer(pair.pair if isinstance(pair, Placer) else pair)
+    placer = Placer(pair.pair if isinstance(pair, Placer) else pair, molecule2)
     found = _core.dock(
         placer.pair._core,
         search,

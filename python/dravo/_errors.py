@@ -3,11 +3,23 @@
 from __future__ import annotations
 
 import re
+from typing import Callable
+
+
+#: what the commands advise, and how it is said here; other options are keyword arguments of their name
+_ADVICE: tuple[tuple[str, str | Callable[[re.Match[str]], str]], ...] = (
+    (r"\n?Run with --help for more\.", ""),
+    (r"--no-check accepts", "check=False accepts"),
+    (r"--(split|frame) (N1|K|[0-9]+)\b", r"\1=\2"),
+    (r"--(split|unit|energy) (auto|angstrom|bohr|nm|command)\b", r'\1="\2"'),
+    (r"(?<![\w-])--([a-z][a-z-]*)", lambda option: option[1].replace("-", "_")),
+)
 
 
 def _in_words_of_python(message: str) -> str:
-    """Options are keyword arguments here: --contact-distance is contact_distance."""
-    return re.sub(r"(?<![\w-])--([a-z][a-z-]*)", lambda m: m[1].replace("-", "_"), message)
+    for words, here in _ADVICE:
+        message = re.sub(words, here, message)
+    return message
 
 
 class Error(Exception):

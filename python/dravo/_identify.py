@@ -13,7 +13,7 @@ import numpy.typing as npt
 from . import _core
 from ._arrays import SHORT_CONTACT, Floats, criterion, finite, integer
 from ._errors import InputError
-from ._molecules import Pair, Pose, Split, _split, file_name
+from ._molecules import Pair, Pose, Split, _split, file_name, reference
 from ._poses import PARAMETERS
 
 
@@ -173,16 +173,16 @@ def identify_many(
     """
     told = criterion(contact_distance)
     many = integer(threads, "threads", 0, 1024)
-    reference = None if like is None else like._core
+    carried = reference(like)
     if isinstance(frames, (str, os.PathLike)):
         columns = _core.identify_file(
-            file_name(frames), _split(split), unit, bool(check), frame, rule, reference, told, many,
+            file_name(frames), _split(split), unit, bool(check), frame, rule, carried, told, many,
             bool(skip_bad),
         )  # fmt: skip
     else:
         pair, positions = _trajectory(frames, symbols, split)
         columns = _core.identify_arrays(
-            pair._core, positions, rule, reference, told, many, bool(skip_bad)
+            pair._core, positions, rule, carried, told, many, bool(skip_bad)
         )
     table = np.empty(len(columns["frame"]), _TABLE)
     for name in ("frame", "shortest", "contacts", "remark"):

@@ -234,12 +234,26 @@ class Pair:
         return cls(atoms.get_chemical_symbols(), atoms.get_positions(), split, check=check)
 
     def to_ase(self) -> Any:
-        """An ``ase.Atoms``, whose array ``"molecule"`` has 1 or 2. ImportError without ASE."""
+        """An ``ase.Atoms``, with the array ``"molecule"`` (1 or 2). Raises ImportError without ASE,
+        and `InputError` for two molecules that do not stand in one space."""
+        self._in_one_space()
+        return self._to_ase()
+
+    def _to_ase(self) -> Any:
         from ase import Atoms
 
         atoms = Atoms(self.symbols, self.positions)
         atoms.set_array("molecule", self._molecule_of_atoms())
         return atoms
+
+    def _in_one_space(self) -> _core.Pair:
+        """For what depends on how the molecules stand to each other."""
+        if self._apart:
+            raise InputError(
+                "two molecules do not say how they stand; place them first: "
+                "Placer(pair).placed_pair(r=4.0)"
+            )
+        return self._core
 
     def _molecule_of_atoms(self) -> Integers:
         return np.repeat(np.array([1, 2]), [self.n1, len(self) - self.n1])
@@ -278,26 +292,26 @@ class Pair:
         from ._identify import Identification
 
         return Identification._of(
-            _core.identify(self._core, frames, None if like is None else like._core)
+            _core.identify(self._in_one_space(), frames, reference(like))
         )
 
     def contacts(self, contact_distance: float | str = SHORT_CONTACT) -> list[Contact]:
         """Atoms of different molecules up to `contact_distance` apart: Angstrom, ``"vdw*0.8"`` or
         ``"vdw"``, multiples of the sum of the van der Waals radii."""
-        return [Contact(*found) for found in self._core.contacts(criterion(contact_distance))]
+        return [Contact(*found) for found in self._in_one_space().contacts(criterion(contact_distance))]
 
     def closest(self, count: int = 5) -> list[ClosePair]:
         """The closest intermolecular pairs of atoms."""
-        return [ClosePair(*found) for found in self._core.closest(integer(count, "count"))]
+        return [ClosePair(*found) for found in self._in_one_space().closest(integer(count, "count"))]
 
     def hydrogen_bonds(self) -> list[HydrogenBond]:
         """Between the molecules: H...A up to 2.5 Angstrom, D-H...A from 120 degrees on; D and A are
         N, O or F."""
-        return [HydrogenBond(*found) for found in self._core.hydrogen_bonds()]
+        return [HydrogenBond(*found) for found in self._in_one_space().hydrogen_bonds()]
 
     def survey(self, contact_distance: float | str = SHORT_CONTACT) -> Survey:
         """Shortest distance, number of short contacts, clearance."""
-        shortest, contacts, clearance, *atoms = self._core.survey(criterion(contact_distance))
+        shortest, contacts, clearance, *atoms = self._in_one_space().survey(criterion(contact_distance))
         return Survey(shortest, contacts, clearance, (atoms[0], atoms[1]))
 
     def energy(self, method: str = "gfnff", **options: Any) -> PairEnergy:
@@ -324,6 +338,7 @@ class Pair:
 
         Raises `FileError` for a file that is there, unless `overwrite`.
         """
+        self._in_one_space()
         lines = [str(len(self)), "Properties=species:S:1:pos:R:3:molecule:I:1"]
         for symbol, p, molecule in zip(self.symbols, self.positions, self._molecule_of_atoms()):
             p = np.where(np.abs(p) < 5e-9, 0.0, p)  # which eight decimals would show as -0.00000000
@@ -360,6 +375,15 @@ def file_name(file: FileName) -> str:
     except UnicodeEncodeError:
         raise InputError(f"{name!r}: expected the name of a file in UTF-8") from None
     return name
+
+
+def reference(like: Any) -> _core.Pair | None:
+    """The pair whose axes are carried along. Raises `InputError` for anything else."""
+    if like is None:
+        return None
+    if not isinstance(like, Pair):
+        raise InputError(f"like: expected a Pair, found {like!r}")
+    return like._in_one_space()
 
 
 def _split(split: Split) -> int | str | None:

@@ -205,7 +205,7 @@ def view(
     if poses is None:
         chosen = placer.pose(pose)
         return Page(_core.view_pair(placer._core, chosen, _look_of(placer, chosen, look)))
-    named = _columns(placer, placer._rows(poses), columns)
+    named = _columns(placer, placer.rows(poses), columns)
     if colour and colour not in dict(named):
         raise InputError(f"colour: there is no column {colour!r}")
     first = Pose(*(float(column[0]) for _, column in named[: len(PARAMETERS)]))

@@ -7,9 +7,9 @@ from typing import TYPE_CHECKING, Any, Iterator, Union
 import numpy as np
 
 from . import _core
-from ._arrays import SHORT_CONTACT, Floats, criterion, integer
+from ._arrays import SHORT_CONTACT, Floats, criterion, finite, integer
 from ._errors import InputError
-from ._molecules import Molecule, Pair, Pose, Survey
+from ._molecules import Molecule, Pair, Pose, Survey, reference
 from ._poses import PARAMETERS, poses_array
 
 if TYPE_CHECKING:
@@ -63,8 +63,9 @@ class Placer:
         self.placing = placing
         self.contact_distance = contact_distance
         self._like = like
-        reference = None if like is None else like._core
-        self._core = _core.Placer(pair._core, placing, reference, criterion(contact_distance))
+        self._core = _core.Placer(
+            pair._core, placing, reference(like), criterion(contact_distance)
+        )
 
     def __len__(self) -> int:
         return len(self._core)
@@ -121,11 +122,11 @@ class Placer:
 
         >>> placer = Placer(read("formamide-dimer.xyz", split=6))
         >>> placer.pose(Pose(4.0, theta=90), beta=30)
-        Pose(r=4.0, theta=90, phi=0.0, alpha=0.0, beta=30.0, gamma=0.0)
+        Pose(r=4.0, theta=90.0, phi=0.0, alpha=0.0, beta=30.0, gamma=0.0)
         """
         values = [r, theta, phi, alpha, beta, gamma]
         if pose is not None:
-            pose = Pose(*pose)
+            pose = Pose(*finite(pose, (6,), "pose").tolist())
         chosen = Pose(*(self._value(k, value, pose) for k, value in enumerate(values)))
         _core.require_usable_pose(chosen)
         return chosen
@@ -232,13 +233,18 @@ class Placer:
         >>> placer.positions(random(1000, r=5.0)).shape
         (1000, 12, 3)
         """
-        return self._core.positions(self._rows(poses), integer(threads, "threads", 0, 1024))
+        return self._core.positions(self.rows(poses), integer(threads, "threads", 0, 1024))
 
-    def _rows(self, poses: Any) -> Floats:
-        """n x 6, with r as the whole distance."""
-        rows = poses_array(poses)
+    def rows(self, poses: Any) -> Floats:
+        """Poses as n x 6 numbers, Angstrom and degrees, with r as the whole distance where it counts
+        from the first contact.
+
+        >>> pair = read("formamide-dimer.xyz", split=6)
+        >>> Placer(pair).rows(grid(r="contact + 0:1:0.5", pair=pair)).shape
+        (3, 6)
+        """
         if not getattr(poses, "above_contact", False):
-            return rows
+            return poses_array(poses)
         from ._scan import scan
 
         batches = scan(self, poses, clearance=False)
@@ -256,8 +262,8 @@ class Placer:
         4 3.5
         4 4.0
         """
-        template = self.pair.to_ase()
-        rows = self._rows(poses)
+        template = self.pair._to_ase()
+        rows = self.rows(poses)
         for first in range(0, len(rows), batch):
             some = rows[first : first + batch]
             for pose, positions in zip(some.tolist(), self.positions(some)):

@@ -54,7 +54,9 @@ class Poses:
     @overload
     def __getitem__(self, which: slice) -> Floats: ...
     def __getitem__(self, which: int | slice) -> Pose | Floats:
-        """One pose, or the rows of some as an array."""
+        """One pose, or the rows of some as an array. Raises `InputError` where r counts from the
+        first contact: `Placer.rows` knows the whole distances."""
+        self._require_whole()
         if isinstance(which, slice):
             first, stop, step = which.indices(len(self))
             if step != 1:
@@ -64,6 +66,13 @@ class Poses:
             raise IndexError(f"there are {len(self)} poses, no number {which}")
         return Pose(*self._core.rows(which % len(self), 1)[0].tolist())
 
+    def _require_whole(self) -> None:
+        if self.above_contact:
+            raise InputError(
+                "r of these poses counts from the first contact of a pair: placer.rows(poses) has "
+                "the whole distances"
+            )
+
     def __iter__(self) -> Iterator[Pose]:
         together = 1000
         for first in range(0, len(self), together):
@@ -71,7 +80,8 @@ class Poses:
                 yield Pose(*row)
 
     def rows(self) -> Floats:
-        """All of them, n x 6."""
+        """All of them, n x 6. Raises as ``poses[0]``."""
+        self._require_whole()
         return self._core.rows(0, len(self))
 
     def __array__(self, dtype: Any = None, copy: bool | None = None) -> Any:
@@ -98,7 +108,8 @@ def _words(name: str, values: Values) -> list[str]:
     """As a plan has them."""
     if isinstance(values, str):
         return [values]
-    array = np.atleast_1d(np.asarray(list(values) if isinstance(values, range) else values))
+    listed = list(values) if isinstance(values, Iterable) else values
+    array = np.atleast_1d(np.asarray(listed))
     if array.ndim != 1 or array.dtype.kind not in "fiu" or array.size == 0:
         raise InputError(
             f'{name}: expected a number, numbers, or a text such as "0,45,90" or "0:180:10", '
@@ -107,13 +118,28 @@ def _words(name: str, values: Values) -> list[str]:
     return [repr(value) for value in array.astype(np.float64).tolist()]
 
 
-def _planned(
-    words: dict[str, Values | None], pair: Pair | Placer | None
-) -> Poses:
+def _planned(words: dict[str, Values | None], pair: Pair | Placer | None) -> Poses:
     given = {name: _words(name, values) for name, values in words.items() if values is not None}
+    from_here = [name for name, texts in given.items() if texts[0].lstrip().startswith("here")]
+    missing = [name for name in PARAMETERS if words.get(name, 0) is None]
     if pair is None:
+        _require_told(given, from_here, missing)
         return Poses._of(_core.Poses.planned(given, None, None))
-    return Poses._of(_core.Poses.planned(given, pair._defaults(), pair._own_pose()))
+    stated = pair._defaults()
+    needed = from_here or (missing and stated is None)
+    return Poses._of(_core.Poses.planned(given, stated, pair._own_pose() if needed else None))
+
+
+def _require_told(
+    given: dict[str, list[str]], from_here: list[str], missing: list[str]
+) -> None:
+    """Without a pair every parameter needs values of its own."""
+    for name in from_here:
+        raise InputError(f"{name}={given[name][0]!r}: here needs pair=PAIR, whose own value it is")
+    if missing:
+        raise InputError(
+            f"expected values for {', '.join(missing)}; or pair=PAIR, whose own stand in for them"
+        )
 
 
 def grid(

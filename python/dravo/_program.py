@@ -35,6 +35,8 @@ def run(command: str, *files: FileName, **options: Any) -> str:
 
     with tempfile.TemporaryFile("w+") as printed:
         status, messages = _run(words, printed)
+        if status < 0:
+            raise Error(f"signal {-status} ended dravo {command}\n{messages}".strip())
         if status == 1:
             raise NoUniqueFrame(messages)
         if status != 0:
@@ -61,8 +63,10 @@ def _run(words: list[str], printed: IO[str]) -> tuple[int, str]:
 
 
 def _words(name: str, value: Any) -> list[str]:
+    if name == "check" and value is False:
+        return ["--no-check"]
     option = "--" + name.replace("_", "-")
-    if value is None or value is False:
+    if value is None or value is False or name == "check":
         return []
     if value is True:
         return [option]

@@ -42,8 +42,8 @@ class ScanBatch:
     poses: Floats
     #: as applied (n x 6)
     applied: Floats
-    #: the r of the poses, where it counts from the first contact, else 0; Angstrom (n)
-    above_contact: Floats
+    #: the r of the poses, where it counts from the first contact, Angstrom (n); else None
+    above_contact: Floats | None
     #: distance of the closest atoms of different molecules, Angstrom (n)
     shortest: Floats
     #: how many pairs of atoms are in short contact (n)
@@ -54,19 +54,22 @@ class ScanBatch:
     clearance_atoms: npt.NDArray[np.int32]
     #: how many poses each stands for, with unique (n)
     equivalents: Integers
-    #: interaction energy, kcal/mol, rounded to six decimals; nan unless the status is ok (n)
-    energies: Floats
-    #: "ok", "clash", "scf_fail", "nonphysical", "engine_died"; "" without energies (n)
-    status: npt.NDArray[np.str_]
+    #: interaction energy, kcal/mol, rounded to six decimals; nan unless the status is ok (n); None
+    #: unless asked for
+    energies: Floats | None
+    #: "ok", "clash", "scf_fail", "nonphysical", "engine_died" (n); None without energies
+    status: npt.NDArray[np.str_] | None
     #: Angstrom (n x atoms x 3); None unless asked for
     positions: Floats | None
 
     def __init__(self, columns: dict[str, Any], extras: frozenset[str]) -> None:
         self._extras = extras
         columns["energies"] = columns.pop("interaction")
-        if "above_contact" not in extras:
-            columns["above_contact"] = np.zeros(len(columns["index"]))
         columns["status"] = _STATUSES[columns["status"]]
+        if "above_contact" not in extras:
+            columns["above_contact"] = None
+        if "energies" not in extras:
+            columns["energies"] = columns["status"] = None
         for name, column in columns.items():
             setattr(self, name, column)
 
@@ -136,6 +139,9 @@ class Scan(Iterator[ScanBatch]):
                 parts = [batch[name] for batch in batches]
                 whole[name] = None if parts[0] is None else np.concatenate(parts)
         return ScanBatch(whole, self._extras)
+
+    def __repr__(self) -> str:
+        return "<dravo.Scan; for batch in it, or rest()>"
 
     def close(self) -> None:
         """Ends it at once."""

@@ -215,3 +215,52 @@ def test_arguments_of_other_names_are_type_errors(call: Callable[[], object]) ->
 def test_odd_names_of_files(text: Any) -> None:
     with pytest.raises(dravo.Error):
         dravo.read(text, split=6)
+
+
+FORMAMIDE_FILE = EXAMPLES / FORMAMIDES.files[0]
+FROM_CONTACT = dravo.grid(r="contact + 0:1:0.5", pair=formamides)
+ADVICE: list[tuple[Callable[[], Any], str]] = [
+    (lambda: dravo.read(FORMAMIDE_FILE), "use split=N1, the number of atoms of molecule 1"),
+    (lambda: dravo.read(FORMAMIDE_FILE), 'or split="auto", by bonds'),
+    (lambda: dravo.read(FORMAMIDE_FILE, split=4), "check=False accepts the pair as it is"),
+    (lambda: dravo.grid(r=4, phi=0), "expected values for theta, alpha, beta, gamma; or pair="),
+    (lambda: dravo.random(5, r="here + 1"), "r='here + 1': here needs pair="),
+    (lambda: formamides.identify(like=placer), "like: expected a Pair, found <dravo.Placer of"),
+    (lambda: placer.place(4), "pose: expected an array of 6 numbers, found a single number"),
+    (lambda: FROM_CONTACT[0], "placer.rows(poses) has the whole distances"),
+    (lambda: list(FROM_CONTACT), "placer.rows(poses)"),
+    (lambda: FROM_CONTACT.rows(), "placer.rows(poses)"),
+    (lambda: dravo.run("place", FORMAMIDE_FILE, r=4), "use split=N1"),
+]
+
+
+@pytest.mark.parametrize("call, words", ADVICE)
+def test_errors_say_what_to_do(call: Callable[[], object], words: str) -> None:
+    with pytest.raises(dravo.InputError) as failure:
+        call()
+    assert words in str(failure.value)
+
+
+@pytest.mark.parametrize(
+    "use",
+    [
+        lambda pair: pair.identify(), lambda pair: pair.survey(), lambda pair: pair.contacts(),
+        lambda pair: pair.closest(), lambda pair: pair.hydrogen_bonds(),
+        lambda pair: pair.energy("gfnff"), lambda pair: pair.to_ase(),
+        lambda pair: pair.write("pair.xyz"), lambda pair: formamides.identify(like=pair),
+    ],
+)  # fmt: skip
+def test_molecules_of_two_files_do_not_say_how_they_stand(
+    use: Callable[[dravo.Pair], object], folder: Path
+) -> None:
+    for pair in (ARGON_HCN.read(), dravo.Pair(*formamides.molecules)):
+        with pytest.raises(dravo.InputError, match="place them first"):
+            use(pair)
+    assert list(folder.iterdir()) == []
+
+
+def test_everything_is_named_as_people_import_it() -> None:
+    for name in dravo.__all__:
+        if name != "__version__":
+            assert getattr(dravo, name).__module__ == "dravo", name
+    assert str(pytest.raises(dravo.InputError, dravo.Poses, "x").type) == "<class 'dravo.InputError'>"

@@ -131,6 +131,7 @@ def test_energies(example: Example) -> None:
     assert [f"{e:.6f}" for e in found.energy] == [row["e_int_kcal_mol"] or "nan" for row in rows]
     lowest = [float(row["e_int_kcal_mol"] or "inf") for row in rows]
     assert found.argmin() == int(np.argmin(lowest))
+    assert found.best == poses[found.argmin()] and np.array_equal(found.poses, poses.rows())
 
     command("scan", *example.words(), *options(plan), *words, "--keep-below=0", "--overwrite")
     kept = dravo.scan(placer, poses, energy="gfnff", keep_below=0).rest()
@@ -195,6 +196,7 @@ def test_docks_as_the_command() -> None:
         assert list(minimum.pose) == [float(row[name]) for name in dravo.Pose._fields]
     assert np.array_equal(found.poses[0], found[0].pose)
     assert [m.energy for m in dravo.dock(pair, **given, keep=1)] == [found[0].energy]
+    assert list(dravo.dock(*pair.molecules, **given)) == list(found)
 
 
 def test_a_docking_that_has_time() -> None:
