@@ -247,6 +247,7 @@ function(dravo_results_library library)
     PRIVATE dravo_page tomlplusplus::tomlplusplus ${XXHASH_LIBRARY})
   target_precompile_headers(${library}_results REUSE_FROM ${library})
   dravo_part_of_modules(${library}_results)
+  dravo_join(${library}_results 15)
 endfunction()
 
 # dravo_program(library): the program dravo.
@@ -288,7 +289,7 @@ function(dravo_program library)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
     nlohmann_json::nlohmann_json)
   target_compile_options(dravo_cli PRIVATE -O1)
-  target_precompile_headers(dravo_cli PRIVATE <CLI/CLI.hpp> <fmt/format.h>)
+  dravo_join(dravo_cli 16)
 
   add_executable(dravo-cli)
   set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)

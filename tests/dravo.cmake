@@ -155,59 +155,32 @@ dravo_test_programs(scene protocol
 # The built dravo, as it is and sanitized.
 add_library(watched_system MODULE cli/watched_system.cpp)
 target_link_libraries(watched_system PRIVATE dravo_options)
-add_executable(cli_tests
-  cli/angles_test.cpp
-  cli/best_scan_test.cpp
-  cli/checks_test.cpp
-  cli/contacts_test.cpp
-  cli/convert_test.cpp
-  cli/durable_test.cpp
-  cli/energy_frames_test.cpp
-  cli/energy_kills_test.cpp
-  cli/energy_scan_test.cpp
-  cli/energy_test.cpp
-  cli/exact_scan_test.cpp
-  cli/examples_test.cpp
-  cli/extract_test.cpp
-  cli/formats_test.cpp
-  cli/here_test.cpp
-  cli/identify_frames_test.cpp
-  cli/identify_test.cpp
-  cli/interrupted_test.cpp
-  cli/less_output_test.cpp
-  cli/merge_test.cpp
-  cli/messages_page_test.cpp
-  cli/missed_axes_test.cpp
-  cli/other_scans_test.cpp
-  cli/place_test.cpp
-  cli/pose_folders_test.cpp
-  cli/prepare_nudging_test.cpp
-  cli/prepare_refusals_test.cpp
-  cli/prepare_test.cpp
-  cli/program_test.cpp
-  cli/resume_test.cpp
-  cli/scan_files_test.cpp
-  cli/scan_kills_test.cpp
-  cli/scan_plans_test.cpp
-  cli/scan_poses_test.cpp
-  cli/scan_refusals_test.cpp
-  cli/scan_size_test.cpp
-  cli/scan_totals_test.cpp
-  cli/spoilt_scans_test.cpp
-  cli/standard_input_test.cpp
-  cli/turned_axes_test.cpp
-  cli/usage_test.cpp
-  cli/view_results_test.cpp
-  cli/view_test.cpp)
+add_executable(cli_tests)
+set_target_properties(cli_tests PROPERTIES UNITY_BUILD ${DRAVO_JOIN} UNITY_BUILD_MODE GROUP)
+
+# cli_tests_of(group name...): tests/cli/name_test.cpp and so on, compiled as one by dravo_join.
+function(cli_tests_of group)
+  list(TRANSFORM ARGN REPLACE "(.+)" "cli/\\1_test.cpp")
+  target_sources(cli_tests PRIVATE ${ARGN})
+  set_source_files_properties(${ARGN} PROPERTIES UNITY_GROUP ${group})
+endfunction()
+
+cli_tests_of(scans best_scan exact_scan less_output other_scans scan_files scan_plans scan_poses
+  scan_refusals scan_size scan_totals)
+cli_tests_of(stops energy_kills interrupted missed_axes place resume scan_kills spoilt_scans)
+cli_tests_of(usage angles formats merge messages_page program turned_axes usage)
+cli_tests_of(energies durable energy energy_frames energy_scan)
+cli_tests_of(files convert extract pose_folders standard_input)
+cli_tests_of(inputs checks contacts here prepare prepare_nudging prepare_refusals)
+cli_tests_of(frames examples identify identify_frames)
+cli_tests_of(pages view view_results)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
 add_dependencies(cli_tests dravo-cli qn-dravo watched_system)
 if(DRAVO_XTB)
-  target_sources(cli_tests PRIVATE
-    cli/dock_parts_test.cpp cli/dock_stops_test.cpp cli/dock_test.cpp
-    cli/scan_energy_kills_test.cpp cli/scan_energy_test.cpp
-    cli/view_energies_test.cpp)
+  cli_tests_of(dockings dock dock_parts dock_stops scan_energy_kills)
+  cli_tests_of(scan_energies scan_energy view_energies)
   target_compile_definitions(cli_tests PRIVATE
     DRAVO_BUILT_XTB_WORKER="$<TARGET_FILE:dravo-xtb-worker>")
   add_dependencies(cli_tests dravo-xtb-worker)

@@ -21,7 +21,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kDecimals = 4;  ///< of distances and ratios
+constexpr int kDistanceDecimals = 4;  ///< of distances and ratios
 constexpr int kAngleDecimals = 1;
 
 constexpr std::size_t kClosestPairs = 5;  ///< that identify tells
@@ -34,14 +34,16 @@ std::string atom_text(const Pair& pair, std::int32_t atom) {
 }
 
 std::string ratio_text(double ratio) {
-  return std::isfinite(ratio) ? fixed_text(ratio, kDecimals) : "-";
+  return std::isfinite(ratio) ? fixed_text(ratio, kDistanceDecimals) : "-";
 }
 
 std::string angle_text(const HydrogenBond& bond) {
   return fixed_text(bond.angle, kAngleDecimals) + " degrees";
 }
 
-std::string distance_text(double distance) { return fixed_text(distance, kDecimals) + " Angstrom"; }
+std::string distance_text(double distance) {
+  return fixed_text(distance, kDistanceDecimals) + " Angstrom";
+}
 
 std::string words_of(const ContactCriterion& criterion) {
   return criterion.by_radii()
@@ -54,14 +56,14 @@ bool is_contact(const ClosePair& atoms, const ContactCriterion& criterion) {
 }
 
 /// "O1 and H11".
-std::string atoms_text(const Pair& pair, std::int32_t atom1, std::int32_t atom2) {
+std::string two_atoms_text(const Pair& pair, std::int32_t atom1, std::int32_t atom2) {
   return fmt::format("{} and {}", atom_text(pair, atom1), atom_text(pair, atom2));
 }
 
 std::string clearance_text(const Pair& pair, const ContactSurvey& survey) {
   if (survey.clearance_atom1 < 0) return "-";
   return fmt::format("{} of the van der Waals radii, {}", ratio_text(survey.clearance),
-                     atoms_text(pair, survey.clearance_atom1, survey.clearance_atom2));
+                     two_atoms_text(pair, survey.clearance_atom1, survey.clearance_atom2));
 }
 
 std::string hydrogen_bond_lines(const Pair& pair) {
@@ -91,8 +93,8 @@ std::string closest_message(const Pair& pair, const ContactCriterion& criterion)
   std::string text;
   for (const ClosePair& atoms : closest_pairs(pair, kPairs))
     text += fmt::format("{}{} {}", text.empty() ? "closest atoms: " : ", ",
-                        atoms_text(pair, atoms.atom1, atoms.atom2),
-                        fixed_text(atoms.distance, kDecimals));
+                        two_atoms_text(pair, atoms.atom1, atoms.atom2),
+                        fixed_text(atoms.distance, kDistanceDecimals));
   text += " Angstrom";
   const ContactSurvey survey = survey_contacts(pair, criterion);
   if (survey.clearance_atom1 >= 0) text += "; clearance " + clearance_text(pair, survey);
@@ -125,7 +127,7 @@ std::string contact_section(const Pair& pair, const ContactCriterion& criterion)
       "                    Angstrom\n";
   for (const ClosePair& atoms : closest_pairs(pair, kClosestPairs))
     text += fmt::format("  {:<7} {:<8}{:>10}{:>14}{}\n", atom_text(pair, atoms.atom1),
-                        atom_text(pair, atoms.atom2), fixed_text(atoms.distance, kDecimals),
+                        atom_text(pair, atoms.atom2), fixed_text(atoms.distance, kDistanceDecimals),
                         ratio_text(atoms.ratio), is_contact(atoms, criterion) ? "  contact" : "");
   text += fmt::format("  contacts        {}, {}\n", survey.contacts, words_of(criterion));
   text += fmt::format("  clearance       {}\n", clearance_text(pair, survey));

@@ -17,7 +17,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kExample =
+constexpr auto kConvertFooter =
     "Writes extended xyz with element symbols, eight decimals, and a column with the molecule of\n"
     "each atom where FILE or --split divides them: what viewers and Python's ASE read.\n"
     "Example: the pair that qn-dravo wrote, which has atomic numbers\n"
@@ -71,7 +71,7 @@ void add_convert(CLI::App& program) {
   command.add_option("-o,--output", options->output, "file to write (standard output)")
       ->type_name("FILE");
   command.add_flag("--overwrite", options->overwrite, "replace a file that exists");
-  command.footer(kExample);
+  command.footer(kConvertFooter);
   command.callback([options] { convert(*options); });
 }
 

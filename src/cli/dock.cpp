@@ -25,7 +25,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kFooter =
+constexpr auto kDockFooter =
     "The molecules are rigid, and how they stand to each other in FILE does not matter. Each start\n"
     "is a random direction and orientation at contact, minimised with the method of --search. All\n"
     "minima are scored by that of --score, and the best 30 minimised again with it. The search ends\n"
@@ -170,7 +170,7 @@ void add_run_options(CLI::App& command, const std::shared_ptr<DockCommand>& opti
 
 void add_dock(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("dock", "Find the minima of a pair");
-  command.footer(kFooter);
+  command.footer(kDockFooter);
   auto options = std::make_shared<DockCommand>();
   options->pair = add_pair_file(command);
   command.get_option("pair")->description(

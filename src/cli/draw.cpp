@@ -33,7 +33,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kExample =
+constexpr auto kDrawFooter =
     "The pair is drawn in the frame of molecule 2: as it stands in FILE, or where --r to --gamma place\n"
     "it, as `dravo place` does. Axes are blue, green and red in the order of their moments.\n"
     "One molecule is drawn with its own frame; --angles shows what gives the axes their directions.\n"
@@ -178,7 +178,7 @@ void write_for_chemiscope(const CLI::App& app, const DrawCommand& command) {
   const ViewData data = shown.data();
   WorkingDirectory().replace(command.output, chemiscope_of(data));
   tell({fmt::format("wrote {}: {}", command.output,
-                    words_of(data, fmt::format("there are at most {}", kMostPoses)))});
+                    words_of(data, fmt::format("there are at most {}", kMostShownPoses)))});
 }
 
 void draw(const CLI::App& app, DrawCommand command) {
@@ -220,7 +220,7 @@ void add_draw(CLI::App& program) {
   command.add_option("-o,--output", options->output, "file to write (SVG on standard output)")
       ->type_name("FILE");
   command.add_flag("--overwrite", options->overwrite, "replace a file that exists");
-  command.footer(kExample);
+  command.footer(kDrawFooter);
   command.callback([options, &command] { draw(command, *options); });
 }
 

@@ -16,7 +16,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kFooter =
+constexpr auto kEnergyFooter =
     "Of a file the pair is computed as it stands in a frame: with --frame all the answer is a table.\n"
     "Of a scan its poses are placed again: NAME-METHOD.csv has their rows with two columns more.\n"
     "Example: the energy of a pair; of all frames of a file; of the 100 lowest poses of a scan\n"
@@ -107,7 +107,7 @@ void add_scan_options(CLI::App& command, EnergyCommandLine& line) {
 void add_energy(CLI::App& program) {
   CLI::App& command = *program.add_subcommand(
       "energy", "Compute interaction energies of frames, or of the poses of a scan");
-  command.footer(kFooter);
+  command.footer(kEnergyFooter);
   const auto line = std::make_shared<EnergyCommandLine>();
   FrameEnergyCommand& frames = line->frames;
   frames.request = std::make_shared<PairRequest>();

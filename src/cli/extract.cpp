@@ -14,7 +14,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kFooter =
+constexpr auto kExtractFooter =
     "--poses takes numbers of the column index and ranges with both ends, FIRST:LAST or\n"
     "FIRST:LAST:STEP, with commas between, or all. Of a range the poses are written that the table\n"
     "has; a number that it lacks is an error. The poses come in the order of the table.\n"
@@ -52,7 +52,7 @@ void extract(const ExtractCommand& command) {
 void add_extract(CLI::App& program) {
   CLI::App& command =
       *program.add_subcommand("extract", "Write frames of poses from the table of a scan");
-  command.footer(kFooter);
+  command.footer(kExtractFooter);
   const auto options = std::make_shared<ExtractCommand>();
   command.add_option("name", options->scan, "what --output was for the scan")
       ->required()

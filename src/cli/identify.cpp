@@ -29,7 +29,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr auto kExample =
+constexpr auto kIdentifyFooter =
     "Example: frames and parameters of a pair as it stands, from an xyz file of both molecules\n"
     "  dravo identify dimer.xyz --split 6\n"
     "  dravo identify trajectory.xyz --split 6 --frame all -o parameters.csv\n"
@@ -302,7 +302,7 @@ void add_table_options(CLI::App& command, FramesCommand& frames) {
 void add_identify(CLI::App& program) {
   CLI::App& command = *program.add_subcommand(
       "identify", "Find the six parameters of a pair as it stands, and the frames behind them");
-  command.footer(kExample);
+  command.footer(kIdentifyFooter);
   const auto options = std::make_shared<IdentifyCommand>();
   options->frames.request = add_pair_file(command);
   add_reading_options(command, options->frames.request);

@@ -17,7 +17,7 @@ constexpr int kCannotBeDone = 1;
 constexpr int kBadUsageOrInput = 2;
 constexpr int kSignal = 128;  // as shells count
 
-constexpr auto kExample =
+constexpr auto kProgramFooter =
     "Examples: two molecules placed; what a pair is; a scan around a molecule; the best pairs\n"
     "  dravo place water.xyz benzene.xyz --r 3.3 -o pair.xyz\n"
     "  dravo identify pair.xyz\n"
@@ -59,7 +59,7 @@ int parsing_ended(const CLI::App& program, const CLI::ParseError& end) {
 }
 
 void describe(CLI::App& program) {
-  program.footer(kExample);
+  program.footer(kProgramFooter);
   program.set_version_flag("--version", kVersions);
   program.require_subcommand(1);
   dravo::add_prepare(program);

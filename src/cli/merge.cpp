@@ -19,7 +19,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kFooter =
+constexpr auto kMergeFooter =
     "Example: four machines made a part each\n"
     "  dravo scan QN-input-GEOMETRY.xyz --plan plan.toml --output dimer --shard 1/4   (to 4/4)\n"
     "  dravo merge dimer\n"
@@ -66,7 +66,7 @@ void run_merge(const MergeOptions& options) {
 
 void add_merge(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("merge", "Join the parts of a scan or a docking");
-  command.footer(kFooter);
+  command.footer(kMergeFooter);
   auto options = std::make_shared<MergeOptions>();
   command.add_option("name", options->name, "what --output was for the parts")
       ->required()

@@ -30,7 +30,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kExample =
+constexpr auto kPlaceFooter =
     "A value is a number, or here, the pair's own as FILE has it, or here + a number (here-10).\n"
     "What is not given is as FILE states it when it is a QN-input-GEOMETRY.xyz, else here; with FILE2\n"
     "it is 0 (theta beside a linear molecule 2: 90), and --r must be given.\n"
@@ -139,7 +139,7 @@ void add_place(CLI::App& program) {
   command.add_option("-o,--output", options->output, "file to write (standard output)")
       ->type_name("FILE");
   command.add_flag("--overwrite", options->overwrite, "replace a file that exists");
-  command.footer(kExample);
+  command.footer(kPlaceFooter);
   command.callback([options] { place(*options); });
 }
 

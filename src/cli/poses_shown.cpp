@@ -32,8 +32,8 @@ namespace fs = std::filesystem;
 
 constexpr std::array<const char*, 6> kOfPoses{"--r",     "--theta", "--phi",
                                               "--alpha", "--beta",  "--gamma"};
-constexpr std::array<const char*, 7> kOfFiles{"--split", "--no-check",         "--unit", "--frame",
-                                              "--like",  "--contact-distance", "file2"};
+constexpr std::array<const char*, 7> kOfPairFiles{
+    "--split", "--no-check", "--unit", "--frame", "--like", "--contact-distance", "file2"};
 
 // --- names ------------------------------------------------------------------------------------
 
@@ -185,7 +185,7 @@ PosesShown::PosesShown(const CLI::App& command, const PairShown& shown, const st
     const std::string why =
         fmt::format("is for a pair in a file, but {} is a scan or a docking", *results_);
     refuse_options(command, kOfPoses, why);
-    refuse_options(command, kOfFiles, why);
+    refuse_options(command, kOfPairFiles, why);
     return;
   }
   const bool given = !frame.empty();

@@ -35,7 +35,7 @@ struct Preparation {
   bool overwrite = false;
 };
 
-constexpr auto kExample =
+constexpr auto kPrepareFooter =
     "A value is a number, or here, the pair's own as FILE has it, or here + a number (here-10).\n"
     "What is not given is as FILE states it when it is a QN-input-GEOMETRY.xyz, else here; with FILE2\n"
     "it is 0, and --r must be given.\n"
@@ -175,7 +175,7 @@ void add_prepare(CLI::App& program) {
       ->type_name("FILE")
       ->capture_default_str();
   command.add_flag("--overwrite", wanted->overwrite, "replace a file that exists");
-  command.footer(kExample);
+  command.footer(kPrepareFooter);
   command.callback([wanted] { prepare(*wanted); });
 }
 

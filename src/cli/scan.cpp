@@ -47,7 +47,7 @@ constexpr std::array<PlanOption, 11> kPlanOptions{{
     {"contact-distance", kContactDistanceType, kContactDistanceHelp},
 }};
 
-constexpr auto kFooter =
+constexpr auto kScanFooter =
     "VALUES is a number, a list such as 0,45,90, or start:stop:step. here is the value of the pair\n"
     "as it stands in FILE, and \"here + VALUES\" counts from it. What is not given is as FILE states it\n"
     "when it is a QN-input-GEOMETRY.xyz, else here; with FILE2 it is 0, theta 90 beside a linear\n"
@@ -239,7 +239,7 @@ void add_run_options(CLI::App& command, const std::shared_ptr<ScanCommand>& opti
 
 void add_scan(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("scan", "Place a pair many times");
-  command.footer(kFooter);
+  command.footer(kScanFooter);
   auto options = std::make_shared<ScanCommand>();
   options->pair = add_pair_options(command);
   add_second_file(command, options->pair);

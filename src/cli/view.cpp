@@ -15,7 +15,7 @@
 namespace dravo {
 namespace {
 
-constexpr auto kFooter =
+constexpr auto kViewFooter =
     "The page works by itself, in any browser and without a network. Of a pair it moves molecule 1\n"
     "by six sliders. Of a scan, of one with energies or of a docking it has a map of the poses, of a\n"
     "file with several frames the parameters as curves. FILE2 and --r to --gamma are for a pair.\n"
@@ -37,7 +37,7 @@ struct ViewCommand {
 /// "wrote pair.html: molecule 1 has 6 atoms, molecule 2 has 6", "wrote scan.html: 1000 poses".
 std::string words_of_written(const std::string& name, const ViewData& data) {
   const std::string limit =
-      fmt::format("a page has at most {} and {} MB", kMostPoses, kLargestPage / 1'000'000);
+      fmt::format("a page has at most {} and {} MB", kMostShownPoses, kLargestPage / 1'000'000);
   return fmt::format("wrote {}: {}", name, words_of(data, limit));
 }
 
@@ -87,7 +87,7 @@ void add_view(CLI::App& program) {
   add_view_option(command, options->view);
   add_scene_flags(command, options->scene);
   add_output(command, *options);
-  command.footer(kFooter);
+  command.footer(kViewFooter);
   command.callback([options, &command] { run(command, *options); });
 }
 

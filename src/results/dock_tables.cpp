@@ -8,6 +8,7 @@
 #include "common/errors.hpp"
 #include "common/shown_text.hpp"
 #include "dravo/contacts.hpp"
+#include "results/decimals.hpp"
 #include "results/energy_text.hpp"
 #include "results/pose_writer.hpp"
 #include "results/table_rows.hpp"
@@ -15,10 +16,6 @@
 
 namespace dravo {
 namespace {
-
-/// Decimals.
-constexpr int kLength = 8;
-constexpr int kEnergy = 6;
 
 /// `pose(row)` is a reference to it.
 template <class Row, class Pose>
@@ -75,11 +72,11 @@ Columns<DockRow> columns_of_minima(const DockOptions& options) {
   add_count(
       "rank", [](auto& row) -> auto& { return row.rank; });
   add_real(
-      energy_column(options.score), kEnergy,
+      energy_column(options.score), decimals::kEnergy,
       [](auto& row) -> auto& { return row.minimum.score_energy; });
   if (options.search != options.score)
     add_real(
-        energy_column(options.search), kEnergy,
+        energy_column(options.search), decimals::kEnergy,
         [](auto& row) -> auto& { return row.minimum.search_energy; });
   add_pose(
       columns, [](auto& row) -> auto& { return row.minimum.pose; });
@@ -87,7 +84,7 @@ Columns<DockRow> columns_of_minima(const DockOptions& options) {
       "starts", [](auto& row) -> auto& { return row.minimum.starts; });
   columns.push_back(refined_column());
   add_real(
-      "shortest", kLength, [](auto& row) -> auto& { return row.shortest; });
+      "shortest", decimals::kLength, [](auto& row) -> auto& { return row.shortest; });
   add_count(
       "contacts", [](auto& row) -> auto& { return row.contacts; });
   add_count(

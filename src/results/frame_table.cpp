@@ -5,12 +5,10 @@
 #include <string_view>
 
 #include "common/number_format.hpp"
+#include "results/decimals.hpp"
 
 namespace dravo {
 namespace {
-
-constexpr int kLength = 8;  // decimals
-constexpr int kAngle = 6;
 
 constexpr std::array<double PoseDegrees::*, 3> kPeriodic{&PoseDegrees::phi, &PoseDegrees::alpha,
                                                          &PoseDegrees::gamma};
@@ -26,7 +24,7 @@ PoseDegrees below_a_turn(PoseDegrees pose) {
 
 /// No zero has a sign.
 void append_angle(std::string& table, double degrees) {
-  append_fixed(table, std::abs(degrees) < kHalfOfLastDecimal ? 0.0 : degrees, kAngle);
+  append_fixed(table, std::abs(degrees) < kHalfOfLastDecimal ? 0.0 : degrees, decimals::kAngle);
 }
 
 /// A quote within the text is written twice.
@@ -53,12 +51,12 @@ void FrameTable::append_row(std::string& table, const IdentifiedFrame& frame) {
   for (const auto& [name, value] : kPoseParameters) {
     table += ',';
     if (value == &PoseDegrees::r)
-      append_fixed(table, pose.r, kLength);
+      append_fixed(table, pose.r, decimals::kLength);
     else
       append_angle(table, pose.*value);
   }
   table += ',';
-  append_fixed(table, frame.survey.shortest, kLength);
+  append_fixed(table, frame.survey.shortest, decimals::kLength);
   table += ',';
   append_shortest(table, frame.survey.contacts);
   table += ',';

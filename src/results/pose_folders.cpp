@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 /// Distance, theta, phi; alpha, beta, gamma. '#' stands for a digit.
 constexpr std::string_view kParameters = "[####.#-###-###]-(###-###-###)";
 constexpr std::string_view kNoAngle = "NAD";
-constexpr std::string_view kPart = ".part";  // what a kill leaves
+constexpr std::string_view kUnfinished = ".part";  // what a kill leaves
 
 /// Takes the parameters off a name; false when it does not begin with them.
 bool take_parameters(std::string_view& name) {
@@ -57,7 +57,7 @@ std::array<std::string, 4> endings_of_names() {
 /// Whether a file of a pose has this name, finished or not.
 bool is_name_of_ours(std::string_view name) {
   if (!take_parameters(name)) return false;
-  if (name.ends_with(kPart)) name.remove_suffix(kPart.size());
+  if (name.ends_with(kUnfinished)) name.remove_suffix(kUnfinished.size());
   static const std::array<std::string, 4> endings = endings_of_names();
   return std::find(endings.begin(), endings.end(), name) != endings.end();
 }

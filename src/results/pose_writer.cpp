@@ -11,17 +11,12 @@
 #include "common/number_format.hpp"
 #include "common/record_format.hpp"
 #include "molecules/coordinate.hpp"
+#include "results/decimals.hpp"
 
 namespace dravo {
 namespace {
 
-/// Decimals of lengths and of angles in degrees.
-constexpr int kLength = 8;
-constexpr int kAngle = 6;
-constexpr int kRatio = 6;
-constexpr int kEnergy = 6;  // kcal/mol
-
-struct Column {
+struct PoseColumn {
   std::string_view name;
   void (*append)(std::string& text, const ScannedPose& pose);
   bool PoseColumns::*only_with = nullptr;
@@ -34,19 +29,20 @@ void append_atom(std::string& text, std::int32_t atom) {
 
 /// Nothing where no pair of atoms has radii.
 void append_clearance(std::string& text, const ScannedPose& pose) {
-  if (pose.clearance_atom1 >= 0) append_fixed(text, pose.clearance, kRatio);
+  if (pose.clearance_atom1 >= 0) append_fixed(text, pose.clearance, decimals::kRatio);
 }
 
 /// Nothing for a pose without an energy.
 void append_energy(std::string& text, const ScannedPose& pose) {
-  if (pose.energy_status == EnergyStatus::ok) append_fixed(text, pose.interaction, kEnergy);
+  if (pose.energy_status == EnergyStatus::ok)
+    append_fixed(text, pose.interaction, decimals::kEnergy);
 }
 
 void append_status(std::string& text, const ScannedPose& pose) {
   if (pose.energy_status) text += name_of(*pose.energy_status);
 }
 
-constexpr std::array<Column, 22> kPoseColumns{{
+constexpr std::array<PoseColumn, 22> kPoseColumns{{
     {"index", [](auto& text, const auto& p) { append_shortest(text, p.index); }},
     {"above_contact", [](auto& text, const auto& p) { append_shortest(text, p.above_contact); },
      &PoseColumns::above_contact},
@@ -56,16 +52,20 @@ constexpr std::array<Column, 22> kPoseColumns{{
     {"alpha", [](auto& text, const auto& p) { append_shortest(text, p.asked.alpha); }},
     {"beta", [](auto& text, const auto& p) { append_shortest(text, p.asked.beta); }},
     {"gamma", [](auto& text, const auto& p) { append_shortest(text, p.asked.gamma); }},
-    {"r_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.r, kLength); }},
+    {"r_applied",
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.r, decimals::kLength); }},
     {"theta_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.theta, kAngle); }},
-    {"phi_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.phi, kAngle); }},
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.theta, decimals::kAngle); }},
+    {"phi_applied",
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.phi, decimals::kAngle); }},
     {"alpha_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.alpha, kAngle); }},
-    {"beta_applied", [](auto& text, const auto& p) { append_fixed(text, p.applied.beta, kAngle); }},
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.alpha, decimals::kAngle); }},
+    {"beta_applied",
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.beta, decimals::kAngle); }},
     {"gamma_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, kAngle); }},
-    {kShortestColumn, [](auto& text, const auto& p) { append_fixed(text, p.shortest, kLength); }},
+     [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, decimals::kAngle); }},
+    {kShortestColumn,
+     [](auto& text, const auto& p) { append_fixed(text, p.shortest, decimals::kLength); }},
     {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.contacts); }},
     {"clearance", append_clearance},
     {"clearance_atom1", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom1); }},
@@ -121,12 +121,12 @@ bool read_known(std::string_view name, std::string_view text, ScannedPose& pose)
   return known == kKnownColumns.end() || known->read(text, pose);
 }
 
-bool is_there(const Column& column, const PoseColumns& columns) {
+bool is_there(const PoseColumn& column, const PoseColumns& columns) {
   return column.only_with == nullptr || columns.*column.only_with;
 }
 
 /// " name=value", or nothing for a value that is none.
-void append_key(std::string& comment, const Column& column, const ScannedPose& pose) {
+void append_key(std::string& comment, const PoseColumn& column, const ScannedPose& pose) {
   const std::size_t start = comment.size();
   comment.append(" ").append(column.name).append("=");
   const std::size_t value = comment.size();
@@ -144,7 +144,7 @@ void append_atom(std::string& frame, const Label& label, const Vec3& p, bool exa
   frame += text_of(label);
   for (const double coordinate : {p.x, p.y, p.z}) {
     frame += ' ';
-    append_fixed_field(frame, as_written(coordinate, exact), kWidth, kLength);
+    append_fixed_field(frame, as_written(coordinate, exact), kWidth, decimals::kLength);
   }
 }
 
@@ -172,14 +172,14 @@ std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
 
 std::string PoseWriter::table_heading() const {
   std::string heading;
-  for (const Column& column : kPoseColumns)
+  for (const PoseColumn& column : kPoseColumns)
     if (is_there(column, columns_)) heading.append(heading.empty() ? "" : ",").append(column.name);
   return heading + "\n";
 }
 
 void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
   const std::size_t start = table.size();
-  for (const Column& column : kPoseColumns) {
+  for (const PoseColumn& column : kPoseColumns) {
     if (!is_there(column, columns_)) continue;
     if (table.size() > start) table += ',';
     column.append(table, pose);
@@ -189,7 +189,7 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
 
 std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
   ScannedPose pose;
-  for (const Column& column : kPoseColumns) {
+  for (const PoseColumn& column : kPoseColumns) {
     if (!is_there(column, columns_)) continue;
     const std::size_t comma = std::min(row.find(','), row.size());
     if (!read_known(column.name, row.substr(0, comma), pose)) return std::nullopt;
@@ -203,7 +203,7 @@ void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
                               const ConstAtomTable& placed) const {
   append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
   frames.append("\n").append(kProperties);
-  for (const Column& column : kPoseColumns)
+  for (const PoseColumn& column : kPoseColumns)
     if (is_there(column, columns_)) append_key(frames, column, pose);
   if (columns_.exact) frames += " placing=exact";
   frames += '\n';

@@ -33,7 +33,7 @@ std::int64_t poses_of_chunk(std::int32_t atoms) {
   return std::max<std::int64_t>(kBytesOfChunk / (kBytesBesides + kBytesOfAtom * atoms), 1);
 }
 
-bool exists(const std::string& name) {
+bool is_taken(const std::string& name) {
   std::error_code ignored;  // whatever it is, writing meets it too
   return std::filesystem::exists(name, ignored);
 }
@@ -56,7 +56,7 @@ bool starts_over(const ScanRequest& request) {
 /// Files of other poses would stand among the new ones. The parts of a scan share the folder.
 void refuse_earlier_folder(const ScanRequest& request) {
   const bool begins = request.earlier != Earlier::overwrite && starts_over(request);
-  if (begins && !request.part && exists(request.name))
+  if (begins && !request.part && is_taken(request.name))
     throw IoFailure(request.name + ": exists already; remove it, or choose another --output");
 }
 

@@ -17,15 +17,15 @@ using Json = nlohmann::ordered_json;
 
 /// The different values of a column in the order of their first rows, and which of them each row
 /// has.
-struct Places {
+struct ValuePlaces {
   std::vector<std::size_t> first_rows;
   std::vector<std::uint16_t> at;
 };
 
 /// Empty for more values than places of 16 bits can tell. `key(row)` is equal for equal values.
 template <class Key>
-std::optional<Places> places_of(std::size_t rows, std::size_t most, const Key& key) {
-  Places places;
+std::optional<ValuePlaces> places_of(std::size_t rows, std::size_t most, const Key& key) {
+  ValuePlaces places;
   std::unordered_map<std::decay_t<decltype(key(std::size_t{0}))>, std::uint16_t> known;
   for (std::size_t row = 0; row < rows; ++row) {
     const auto [place, is_new] =
@@ -53,7 +53,7 @@ Json value_of(const ViewColumn& column, std::size_t row) {
   return column.words[row];
 }
 
-Json list_of(const ViewColumn& column, const Places& places) {
+Json list_of(const ViewColumn& column, const ValuePlaces& places) {
   constexpr std::size_t kMostOfByte = 256;
   if (places.first_rows.size() == 1) return {{"constant", value_of(column, 0)}};
   Json list = Json::array();

@@ -13,14 +13,14 @@ std::size_t different_values(std::vector<double> values) {
 }
 
 /// A parameter that varies.
-struct Axis {
+struct MapAxis {
   std::size_t place;  ///< among the parameters
   std::string name;
   std::size_t values;
 };
 
-std::vector<Axis> axes_of(const ViewPoses& poses) {
-  std::vector<Axis> axes;
+std::vector<MapAxis> axes_of(const ViewPoses& poses) {
+  std::vector<MapAxis> axes;
   for (std::size_t k = 0; k < kPoseParameters.size(); ++k) {
     const ViewColumn* column = k == 0 ? poses.column(kAboveContact) : nullptr;
     if (column == nullptr) column = poses.column(kPoseParameters[k].name);
@@ -41,12 +41,12 @@ std::string colour_among(const std::vector<std::string_view>& names) {
 
 void choose_axes(ViewPoses& poses) {
   constexpr std::size_t kMostAxes = 2;
-  std::vector<Axis> axes = axes_of(poses);
+  std::vector<MapAxis> axes = axes_of(poses);
   std::stable_sort(axes.begin(), axes.end(),
-                   [](const Axis& a, const Axis& b) { return a.values > b.values; });
+                   [](const MapAxis& a, const MapAxis& b) { return a.values > b.values; });
   axes.resize(std::min(axes.size(), kMostAxes));
   std::sort(axes.begin(), axes.end(),
-            [](const Axis& a, const Axis& b) { return a.place < b.place; });
+            [](const MapAxis& a, const MapAxis& b) { return a.place < b.place; });
   poses.x = axes.empty() ? poses.columns.at(0).name : axes[0].name;
   poses.y = axes.size() == kMostAxes ? axes[1].name : "";
 }

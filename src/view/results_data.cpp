@@ -50,7 +50,7 @@ std::string text_of_option(const ContactCriterion& criterion) {
 ViewData scan_data(const std::string& name, const ScanRecord& record) {
   const PairPlacer placer = placer_of(name, record);
   const std::string file = name + ending_of(ResultFile::table);
-  PoseTable table = read_pose_table(file, kMostPoses);
+  PoseTable table = read_pose_table(file, kMostShownPoses);
   PosesAgain again(placer, table.heading, Writing::table, file, has_energies(record));
   for (const std::string& row : table.samples) (void)again.made(row);
   const std::string sample = table.samples[0];
@@ -74,7 +74,7 @@ ViewData docking_data(const std::string& name, const ScanRecord& record) {
   const DockPlan plan = plan_of(name + kRecordEnding, record);
   if (read_table(file, columns_of_minima(plan.options)).empty())
     throw IoFailure(file + ": the docking found no minimum, so there is nothing to show");
-  ViewPoses poses = poses_of(read_pose_table(file, kMostPoses), "dock", name);
+  ViewPoses poses = poses_of(read_pose_table(file, kMostShownPoses), "dock", name);
   poses.x = "rank";
   poses.colour = energy_column(plan.options.score);
   ViewData data =

@@ -9,7 +9,7 @@
 namespace dravo {
 
 /// A page shows so many poses at most.
-inline constexpr std::int64_t kMostPoses = 100'000;
+inline constexpr std::int64_t kMostShownPoses = 100'000;
 
 /// `most` numbers from 0 to below `of`, or all of them where they are fewer: evenly spaced in
 /// ascending order, 0 among them, and so is `best` where `most` is above 1.

@@ -64,7 +64,7 @@ FrameRow row_of(const IdentifiedFrame& frame) {
 /// So many fit into a page at most: four letters have three bytes of the positions.
 std::size_t most_frames(std::int32_t atoms) {
   const auto row = static_cast<std::size_t>(atoms) * 3 * sizeof(float) * 4 / 3;
-  return std::clamp<std::size_t>(kLargestPage / row, 1, kMostPoses);
+  return std::clamp<std::size_t>(kLargestPage / row, 1, kMostShownPoses);
 }
 
 ViewPoses poses_of(std::vector<FrameRow> rows, std::int64_t of, const std::string& name) {
@@ -135,7 +135,7 @@ class FrameTaker {
     ViewData data = data_of(*first_->placed, first_->parameters, like);
     const std::int64_t of = rows_->seen();
     data.poses = poses_of(rows_->take(), of, name_);
-    thin(*data.poses, kMostPoses);
+    thin(*data.poses, kMostShownPoses);
     return data;
   }
 

@@ -59,8 +59,8 @@ class RunningDocking {
   bool ended_ = false;
 };
 
-/// False when it does not come true in a minute.
-bool comes_true(const std::function<bool()>& condition) {
+/// Whether it comes true so soon.
+bool comes_true_in_a_minute(const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) return false;
@@ -144,7 +144,8 @@ TEST(InterruptedDocking, SaysHowFarItIsAndGoesOn) {
       redirect(STDERR_FILENO, messages.c_str(), O_WRONLY);
       engines.use()();
     });
-    ASSERT_TRUE(comes_true([&] { return starts_in(folder, "dock-starts.csv.part") > 20; }));
+    ASSERT_TRUE(
+        comes_true_in_a_minute([&] { return starts_in(folder, "dock-starts.csv.part") > 20; }));
     const auto asked = std::chrono::steady_clock::now();
     EXPECT_EQ(docking.wait_for_end(signal), status);
     EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(5));
@@ -171,7 +172,8 @@ TEST(UnfinishedDocking, IsNeitherReplacedNorMixedWithAnother) {
   const WaterMolecules folder;
   {
     RunningDocking docking(folder, kManyStarts);
-    ASSERT_TRUE(comes_true([&] { return starts_in(folder, "dock-starts.csv.part") > 20; }));
+    ASSERT_TRUE(
+        comes_true_in_a_minute([&] { return starts_in(folder, "dock-starts.csv.part") > 20; }));
     const Outcome beside = run_dock(folder, kManyStarts + Words{"--resume"});
     EXPECT_EQ(beside.messages, "dravo: dock.progress: another process is writing these results\n");
     EXPECT_EQ(docking.wait_for_end(SIGKILL), -SIGKILL);
@@ -196,7 +198,7 @@ TEST(KilledEngine, CostsOneStartAtMost) {
   const WaterMolecules folder;
   const EngineFolder engines;
   RunningDocking docking(folder, part, engines.use());
-  ASSERT_TRUE(comes_true([&] { return starts_in(folder, table + ".part") > 100; }));
+  ASSERT_TRUE(comes_true_in_a_minute([&] { return starts_in(folder, table + ".part") > 100; }));
   const std::vector<pid_t> workers = children_of(docking.id());
   ASSERT_EQ(workers.size(), 1U);
   ASSERT_EQ(::kill(workers[0], SIGKILL), 0);

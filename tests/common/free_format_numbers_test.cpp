@@ -10,12 +10,11 @@
 
 #include "common/free_format.hpp"
 #include "support/message_of.hpp"
+#include "support/not_finite.hpp"
 #include "support/text_lines.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(ReadIntegers, OptionalSignAndDigits) {
   EXPECT_EQ(integer_in("7"), 7);

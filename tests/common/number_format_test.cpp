@@ -9,11 +9,13 @@
 #include <random>
 #include <string>
 
+#include "support/not_finite.hpp"
+
 namespace dravo {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+using test::kInfinity;
+using test::kNaN;
 
 /// The fixed notation of the C++ library.
 std::string library_fixed(double value, int decimals) {
@@ -59,7 +61,7 @@ TEST(FixedNotation, EndsOfItsRange) {
         std::numeric_limits<double>::max(), kInfinity, -kInfinity})
     for (const int decimals : {0, 1, 8, 9, 10})
       EXPECT_EQ(plain_fixed(value, decimals), library_fixed(value, decimals));
-  EXPECT_EQ(plain_fixed(kNotANumber, 3), "nan");
+  EXPECT_EQ(plain_fixed(kNaN, 3), "nan");
 }
 
 TEST(ScientificText, HasOneDigitBeforeThePoint) {
@@ -78,7 +80,7 @@ TEST(ScientificText, RoundsUpIntoTheNextPowerOfTen) {
 
 TEST(ScientificText, NamesWhatIsNotFinite) {
   EXPECT_EQ(scientific_text(kInfinity, 4), "inf");
-  EXPECT_EQ(scientific_text(kNotANumber, 4), "nan");
+  EXPECT_EQ(scientific_text(kNaN, 4), "nan");
 }
 
 }  // namespace

@@ -19,12 +19,13 @@
 #include <vector>
 
 #include "common/record_stream.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+using test::kInfinity;
+using test::kNaN;
 
 /// A record that holds one item, its leading blank included.
 std::string free_record(double value) {
@@ -91,8 +92,8 @@ TEST(FreeReals, RoundedDigitsDecideBetweenTheForms) {
 TEST(FreeReals, NonFiniteValuesAreNamed) {
   EXPECT_EQ(free_record(kInfinity), "                  Infinity");
   EXPECT_EQ(free_record(-kInfinity), "                 -Infinity");
-  EXPECT_EQ(free_record(kNotANumber), "                       NaN");
-  EXPECT_EQ(free_record(-kNotANumber), "                       NaN");
+  EXPECT_EQ(free_record(kNaN), "                       NaN");
+  EXPECT_EQ(free_record(-kNaN), "                       NaN");
 }
 
 TEST(FreeIntegers, StandInElevenColumns) {
@@ -154,8 +155,8 @@ TEST(FixedFields, NonFiniteValuesAreNamedWhereTheyFit) {
   EXPECT_EQ(fixed(-kInfinity, 8, 3), "********");
   EXPECT_EQ(fixed(-kInfinity, 15, 8), "      -Infinity");
   EXPECT_EQ(fixed(kInfinity, 7, 2), "*******");
-  EXPECT_EQ(fixed(kNotANumber, 8, 3), "     NaN");
-  EXPECT_EQ(fixed(kNotANumber, 2, 1), "**");
+  EXPECT_EQ(fixed(kNaN, 8, 3), "     NaN");
+  EXPECT_EQ(fixed(kNaN, 2, 1), "**");
 }
 
 TEST(TextFields, ShorterIsRightAlignedAndLongerCutOnTheRight) {
@@ -271,7 +272,7 @@ class FortranRecords : public testing::Test {
 /// the size that geometries hold.
 std::vector<double> sample_reals() {
   std::mt19937_64 random(20240229);
-  std::vector<double> values{0.0, -0.0, kInfinity, -kInfinity, kNotANumber};
+  std::vector<double> values{0.0, -0.0, kInfinity, -kInfinity, kNaN};
   for (int i = 0; i < 10000; ++i) values.push_back(std::bit_cast<double>(random()));
   for (int exponent = -323; exponent <= 308; ++exponent) {
     const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
@@ -299,7 +300,7 @@ TEST_F(FortranRecords, FreeItemsAreTheSame) {
 }
 
 TEST_F(FortranRecords, ItemsAreSeparatedTheSameWay) {
-  for (const double value : {0.0, -0.25, 3.5, 1e-5, -1e300, kInfinity, kNotANumber}) {
+  for (const double value : {0.0, -0.25, 3.5, 1e-5, -1e300, kInfinity, kNaN}) {
     RecordStream stream;
     stream.record("a", -7, " b ", value, "c", "d", 12);
     std::string record = stream.text();
@@ -313,7 +314,7 @@ TEST_F(FortranRecords, FieldsAreTheSame) {
   constexpr std::array<std::array<int, 2>, 9> kFormats{
       {{7, 1}, {7, 2}, {7, 3}, {8, 3}, {15, 8}, {4, 2}, {4, 3}, {3, 2}, {12, 5}}};
   std::mt19937_64 random(1869);
-  std::vector<double> values{0.0, -0.0, kNotANumber};
+  std::vector<double> values{0.0, -0.0, kNaN};
   for (int i = -400; i <= 400; ++i)  // ties, exact in binary: 0.125 with two decimals, for example
     for (const int parts : {2, 4, 8, 16, 32}) values.push_back(i / static_cast<double>(parts));
   for (int exponent = -9; exponent <= 8; ++exponent) {

@@ -3,17 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <vector>
 
 #include "common/errors.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+using test::kInfinity;
+using test::kNaN;
 
 /// Bytes of one free-format record.
 template <class... Items>
@@ -76,7 +76,7 @@ TEST(FreeRecords, RealsOfBothFormsStandInColumns) {
 }
 
 TEST(FreeRecords, InfinitiesAndNotANumberStandInTheSameColumns) {
-  EXPECT_EQ(record(kInfinity, -kInfinity, kNotANumber),
+  EXPECT_EQ(record(kInfinity, -kInfinity, kNaN),
             "                  Infinity                 -Infinity                       NaN\n");
 }
 
@@ -124,7 +124,7 @@ TEST(FormattedRecords, HaveNoBlankOfTheirOwn) {
 }
 
 TEST(FormattedRecords, FieldsTouch) {
-  EXPECT_EQ(formatted(Fwd{kInfinity, 8, 3}, Fwd{kNotANumber, 8, 3}), "Infinity     NaN\n");
+  EXPECT_EQ(formatted(Fwd{kInfinity, 8, 3}, Fwd{kNaN, 8, 3}), "Infinity     NaN\n");
   EXPECT_EQ(formatted(Fwd{0.005, 7, 2}, Fwd{-0.005, 7, 2}, Fwd{0.015, 7, 2}),
             "   0.01  -0.01   0.01\n");
   EXPECT_EQ(formatted(Fwd{0.05, 7, 1}, Aw{" NAD ", 5}, Aw{" NAD ", 5}), "    0.1 NAD  NAD \n");

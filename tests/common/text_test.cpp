@@ -34,18 +34,18 @@ TEST(Trimmed, TextLiesInTheWholeOne) {
   }
 }
 
-struct Division {
+struct DividedText {
   std::string_view text;
   std::vector<std::string_view> parts;
 };
 
 TEST(PartsBetween, SeparatorsAreTrimmedAndMayBeEmpty) {
-  const std::vector<Division> texts{{"", {""}},
-                                    {"a", {"a"}},
-                                    {" a , b\t", {"a", "b"}},
-                                    {",", {"", ""}},
-                                    {"a,,b,", {"a", "", "b", ""}},
-                                    {"a:b,c d", {"a:b", "c d"}}};
+  const std::vector<DividedText> texts{{"", {""}},
+                                       {"a", {"a"}},
+                                       {" a , b\t", {"a", "b"}},
+                                       {",", {"", ""}},
+                                       {"a,,b,", {"a", "", "b", ""}},
+                                       {"a:b,c d", {"a:b", "c d"}}};
   for (const auto& [text, parts] : texts) EXPECT_EQ(parts_between(text, ','), parts) << text;
   EXPECT_EQ(parts_between("0: 1:2", ':'), (std::vector<std::string_view>{"0", "1", "2"}));
 }

@@ -3,15 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "common/frame.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+using test::kInfinity;
+using test::kNaN;
 
 TEST(Vectors, AddSubtractAndScaleComponentByComponent) {
   const Vec3 a{1.0, -2.0, 4.0};
@@ -34,7 +34,7 @@ TEST(Vectors, DifferInAnyComponentAndFromNotANumber) {
   EXPECT_FALSE(a == (Vec3{9.0, 2.0, 3.0}));
   EXPECT_FALSE(a == (Vec3{1.0, 9.0, 3.0}));
   EXPECT_FALSE(a == (Vec3{1.0, 2.0, 9.0}));
-  const Vec3 broken{1.0, 2.0, kNotANumber};
+  const Vec3 broken{1.0, 2.0, kNaN};
   EXPECT_FALSE(broken == broken);
 }
 
@@ -90,7 +90,7 @@ TEST(HalfPower, FollowsThePowerFunctionWhereTheSquareRootGoesAnotherWay) {
 
 TEST(HalfPower, IsNotANumberBelowZero) {
   EXPECT_TRUE(std::isnan(half_power(-1.0)));
-  EXPECT_TRUE(std::isnan(half_power(kNotANumber)));
+  EXPECT_TRUE(std::isnan(half_power(kNaN)));
 }
 
 TEST(Modulus, OfPythagoreanVectors) {
@@ -123,7 +123,7 @@ TEST(ClampedToUnit, CutsOnlyWhatLiesOutside) {
     EXPECT_EQ(clamped_to_unit(inside), inside);
 }
 
-TEST(ClampedToUnit, PassesNotANumber) { EXPECT_TRUE(std::isnan(clamped_to_unit(kNotANumber))); }
+TEST(ClampedToUnit, PassesNotANumber) { EXPECT_TRUE(std::isnan(clamped_to_unit(kNaN))); }
 
 TEST(Matrices, MultiplyAVectorRowByRow) {
   const Matrix3 m{{{{1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}, {7.0, 8.0, 10.0}}}};

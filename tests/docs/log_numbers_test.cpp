@@ -26,7 +26,7 @@ constexpr double kDegree = std::numbers::pi / 180.0;
 /// In place of a number that the log does not hold.
 constexpr double kNotLogged = std::numeric_limits<double>::quiet_NaN();
 
-const std::string kExample = DRAVO_EXAMPLES "/formamide-dimer/QN-input-GEOMETRY.xyz";
+const std::string kLoggedPair = DRAVO_EXAMPLES "/formamide-dimer/QN-input-GEOMETRY.xyz";
 
 // --- masses and atoms ---------------------------------------------------------------------------
 
@@ -61,7 +61,7 @@ enum class Masses { as_printed, single_precision };
 std::array<std::vector<Atom>, 2> example_atoms(Masses kind) {
   const auto masses = masses_of(page("docs/log.md"));
   std::array<std::vector<Atom>, 2> molecules;
-  std::istringstream in(file_text(kExample));
+  std::istringstream in(file_text(kLoggedPair));
   int count = 0;
   in >> count;
   for (int i = 0; i < count; ++i) {
@@ -171,7 +171,7 @@ class Log {
 
 /// The bundled dimer as the built program treats it.
 const Outcome& example_run() {
-  static const Outcome outcome = run_on(file_text(kExample));
+  static const Outcome outcome = run_on(file_text(kLoggedPair));
   return outcome;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "driver/radians.hpp"
 #include "support/memory_units.hpp"
 #include "support/records.hpp"
 
@@ -28,7 +29,7 @@ constexpr std::string_view kLogPosition = "  POSITION: [r, theta(polar angle), p
 constexpr std::string_view kRotation = "  ROTATION: (alpha, beta, and gamma Euler angles)";
 constexpr std::string_view kNoAngleDefined = " NAD=Nenhum Angulo Definido";
 
-constexpr double radians(double degrees) { return degrees * 3.14159265358979323846 / 180.0; }
+using test::radians;
 
 /// r in Angstrom, angles in degrees.
 PoseRadians applied(double r, double theta, double phi, double alpha, double beta, double gamma) {

@@ -7,12 +7,13 @@
 
 #include "common/errors.hpp"
 #include "driver/input_stops.hpp"
+#include "driver/radians.hpp"
 #include "driver/run_stop.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double radians(double degrees) { return degrees * 3.14159265358979323846 / 180.0; }
+using test::radians;
 
 /// r in Angstrom, angles in degrees.
 PoseRadians user(double r, double theta, double phi, double alpha, double beta, double gamma) {

@@ -50,7 +50,7 @@ double prepared(Parameter parameter, double degrees) {
 }
 
 /// The screen of a run that the parameters stop.
-std::string stopped(const PoseDegrees& degrees) {
+std::string screen_of_stop(const PoseDegrees& degrees) {
   RecordStream screen;
   EXPECT_THROW(prepare_parameters(degrees, screen), RunStop);
   return screen.text();
@@ -152,7 +152,7 @@ const std::vector<RangeFailure>& range_failures() {
 
 TEST(RangeChecks, EachReportsItsTextsAndTheUserValue) {
   for (const RangeFailure& row : range_failures())
-    EXPECT_EQ(stopped(with(kPlain, row.parameter, row.value)), row.screen);
+    EXPECT_EQ(screen_of_stop(with(kPlain, row.parameter, row.value)), row.screen);
 }
 
 TEST(RangeChecks, OfTwoViolationsTheEarlierCheckReports) {
@@ -161,7 +161,8 @@ TEST(RangeChecks, OfTwoViolationsTheEarlierCheckReports) {
     for (std::size_t second = first + 1; second < rows.size(); ++second) {
       if (rows[first].parameter == rows[second].parameter) continue;
       const PoseDegrees one = with(kPlain, rows[first].parameter, rows[first].value);
-      EXPECT_EQ(stopped(with(one, rows[second].parameter, rows[second].value)), rows[first].screen)
+      EXPECT_EQ(screen_of_stop(with(one, rows[second].parameter, rows[second].value)),
+                rows[first].screen)
           << "checks " << first << " and " << second;
     }
   }
@@ -169,15 +170,15 @@ TEST(RangeChecks, OfTwoViolationsTheEarlierCheckReports) {
 
 TEST(RangeChecks, LowerLimitsLookAtTheValueItself) {
   // The value shown is rounded, so a little below zero shows 0.
-  EXPECT_EQ(stopped(with(kPlain, &PoseDegrees::phi, -0.2)),
+  EXPECT_EQ(screen_of_stop(with(kPlain, &PoseDegrees::phi, -0.2)),
             "  azimuth angle out of range! \n"
             "  Allowed: 0<phi<360\n"
             "  User value :           0\n"
             "  program stopped\n");
   for (const Parameter parameter : {&PoseDegrees::r, &PoseDegrees::phi, &PoseDegrees::theta,
                                     &PoseDegrees::alpha, &PoseDegrees::beta, &PoseDegrees::gamma}) {
-    EXPECT_NE(stopped(with(kPlain, parameter, -0.001)), "");
-    EXPECT_NE(stopped(with(kPlain, parameter, below(0.0))), "");
+    EXPECT_NE(screen_of_stop(with(kPlain, parameter, -0.001)), "");
+    EXPECT_NE(screen_of_stop(with(kPlain, parameter, below(0.0))), "");
     prepared(with(kPlain, parameter, 0.0));
     prepared(with(kPlain, parameter, -0.0));
   }
@@ -185,7 +186,7 @@ TEST(RangeChecks, LowerLimitsLookAtTheValueItself) {
 
 TEST(RangeChecks, ASmallNegativeDistanceIsShownWithAllItsDigits) {
   // 24 characters in 25 columns, behind the separating blank.
-  EXPECT_EQ(stopped(with(kPlain, &PoseDegrees::r, -1.5e-38)),
+  EXPECT_EQ(screen_of_stop(with(kPlain, &PoseDegrees::r, -1.5e-38)),
             "  negative r not allowed! \n"
             "  Allowed: r>0\n"
             "  User value :  -1.4999999999999999E-038\n"
@@ -203,7 +204,7 @@ TEST(RangeChecks, UpperLimitsLookAtTheRoundedValue) {
   for (const auto& row : rows) {
     EXPECT_EQ(prepared(row.parameter, row.half - 0.1), (row.half - 0.1) * kRadians);
     EXPECT_EQ(prepared(row.parameter, below(row.half)), below(row.half) * kRadians);
-    EXPECT_NE(stopped(with(kPlain, row.parameter, row.half)), "");
+    EXPECT_NE(screen_of_stop(with(kPlain, row.parameter, row.half)), "");
   }
 }
 
@@ -233,7 +234,7 @@ TEST(BetaZeroRule, FixesGammaWhateverTheUserGave) {
 
 TEST(BetaZeroRule, EndsWhereBetaRoundsToOne) {
   EXPECT_EQ(prepared({3.5, 90.0, 45.0, 10.0, 0.5, 30.0}).gamma, 30.0 * kRadians);
-  EXPECT_EQ(stopped({3.5, 90.0, 45.0, 10.0, 0.5, 500.0}),
+  EXPECT_EQ(screen_of_stop({3.5, 90.0, 45.0, 10.0, 0.5, 500.0}),
             "  GAMMA Euler angle out of range!    \n"
             "  Allowed: 0<GAMMA<360 degrees \n"
             "  User value :         500\n"
@@ -242,7 +243,7 @@ TEST(BetaZeroRule, EndsWhereBetaRoundsToOne) {
 
 TEST(BetaZeroRule, ComesBeforeTheRangeChecks) {
   // Beta is out of range and rounds to 0: gamma is not reported, beta is.
-  EXPECT_EQ(stopped({3.5, 90.0, 45.0, 10.0, -0.4, -20.0}),
+  EXPECT_EQ(screen_of_stop({3.5, 90.0, 45.0, 10.0, -0.4, -20.0}),
             "  BETA Euler angle out of range!    \n"
             "  Allowed: 0<BETA<180 degrees \n"
             "  User value :           0\n"

@@ -17,12 +17,12 @@
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"
 #include "support/atoms.hpp"
+#include "support/not_finite.hpp"
 #include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kHalfTurn = 3.141592653589793;
 
 MoleculeReferenceAngles on_first_axis(double along, double reversed) {

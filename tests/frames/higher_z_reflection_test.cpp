@@ -5,7 +5,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <random>
 #include <string>
 #include <string_view>
@@ -16,12 +15,11 @@
 #include "inertia/centre_of_mass.hpp"
 #include "inertia/inertia_tensor.hpp"
 #include "support/atoms.hpp"
+#include "support/not_finite.hpp"
 #include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// Lines [first, first + count) of a text.
 std::string lines_of(const std::string& text, std::size_t first, std::size_t count) {

@@ -13,9 +13,9 @@ namespace dravo::test {
 namespace {
 
 using Fixing = std::array<FixedBy, 3>;
-constexpr FixedBy angle = FixedBy::reference_angle;
-constexpr FixedBy hand = FixedBy::right_handedness;
-constexpr FixedBy over = FixedBy::right_handedness_over_reference;
+constexpr FixedBy by_angle = FixedBy::reference_angle;
+constexpr FixedBy by_hand = FixedBy::right_handedness;
+constexpr FixedBy by_hand_over = FixedBy::right_handedness_over_reference;
 
 Fixing fixing_of(const PrincipalFrame& molecule) {
   return {molecule.axes[0].fixed_by, molecule.axes[1].fixed_by, molecule.axes[2].fixed_by};
@@ -36,15 +36,15 @@ TEST(Axes, HaveLettersByMomentAndMolecule) {
 TEST(Axes, AcrossThePlaneOfAMoleculeAreFixedByRightHandedness) {
   const Identification found = identify(pair_of(sample("formamide-dimer")));
   for (const PrincipalFrame& molecule : found.molecules) {
-    EXPECT_EQ(fixing_of(molecule), (Fixing{angle, angle, hand}));
+    EXPECT_EQ(fixing_of(molecule), (Fixing{by_angle, by_angle, by_hand}));
     EXPECT_NEAR(std::abs(molecule.axes[2].direction.z), 1.0, 1e-6) << "the dimer lies in z = 0";
   }
 }
 
 TEST(Axes, ThatAllHaveDirectionsGiveUpXInMolecule1AndYInMolecule2) {
   const Identification found = identify(pair_of(kChiral, kChiral));
-  EXPECT_EQ(fixing_of(found.molecules[0]), (Fixing{angle, angle, over}));
-  EXPECT_EQ(fixing_of(found.molecules[1]), (Fixing{over, angle, angle}));
+  EXPECT_EQ(fixing_of(found.molecules[0]), (Fixing{by_angle, by_angle, by_hand_over}));
+  EXPECT_EQ(fixing_of(found.molecules[1]), (Fixing{by_hand_over, by_angle, by_angle}));
 }
 
 TEST(Axes, PointToTheReferenceUnlessRightHandednessFixesThem) {
@@ -55,9 +55,9 @@ TEST(Axes, PointToTheReferenceUnlessRightHandednessFixesThem) {
       for (const PrincipalAxis& axis : molecule.axes) {
         EXPECT_NEAR(axis.angles.along + axis.angles.reversed, 180.0, 1e-4);
         const double difference = axis.angles.reversed - axis.angles.along;
-        const bool holds = axis.fixed_by == angle  ? difference > 10.0
-                           : axis.fixed_by == hand ? std::abs(difference) <= 10.0
-                                                   : std::abs(difference) > 10.0;
+        const bool holds = axis.fixed_by == by_angle  ? difference > 10.0
+                           : axis.fixed_by == by_hand ? std::abs(difference) <= 10.0
+                                                      : std::abs(difference) > 10.0;
         EXPECT_TRUE(holds) << axis.letter << ' ' << difference;
       }
 }

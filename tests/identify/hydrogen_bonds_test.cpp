@@ -10,11 +10,10 @@
 #include "dravo/contacts.hpp"
 #include "support/molecule_sets.hpp"
 #include "support/pairs.hpp"
+#include "support/turns.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kDegree = 0.017453292519943295;
 
 /// O-H along z with its hydrogen at the origin, and an acceptor so far from it that D-H...A is this
 /// angle.

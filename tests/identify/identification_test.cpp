@@ -41,7 +41,7 @@ TEST(Superposition, SeesADisplacedAtomAndAMirrorImageButNoMotion) {
   const double n = static_cast<double>(moved.atoms.size());
   EXPECT_NEAR(rmsd(positions_of(given), positions_of(moved)), 0.01 / std::sqrt(n), 3e-4);
   SampleInput mirrored = given;
-  for (auto& atom : mirrored.atoms) atom.position.x = -atom.position.x;
+  for (auto& [label, position] : mirrored.atoms) position.x = -position.x;
   EXPECT_GE(rmsd(positions_of(given), positions_of(mirrored)), 0.1);
 }
 

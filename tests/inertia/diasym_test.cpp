@@ -5,14 +5,15 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <random>
 #include <vector>
+
+#include "support/not_finite.hpp"
 
 namespace dravo {
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+using test::kNaN;
 
 using Matrix = std::array<double, 9>;  // column by column
 using Moments = std::array<double, 3>;

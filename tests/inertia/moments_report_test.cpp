@@ -12,12 +12,11 @@
 
 #include "inertia/centre_of_mass.hpp"
 #include "support/atoms.hpp"
+#include "support/not_finite.hpp"
 #include "support/records.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(RotationalConstant, OfAMolecularMoment) {
   EXPECT_EQ(rotational_constant_ghz(1e-38), 8.397824785295455);

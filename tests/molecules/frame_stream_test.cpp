@@ -27,14 +27,14 @@ void PrintTo(const Seen& seen, std::ostream* out) {
        << seen.lines << " lines";
 }
 
-struct File {
-  explicit File(const std::string& text) { folder.write("t.xyz", text); }
+struct StreamedFile {
+  explicit StreamedFile(const std::string& text) { folder.write("t.xyz", text); }
   TemporaryFolder folder;
   std::string path = folder.path() / "t.xyz";
 };
 
 std::vector<Seen> frames_of(const std::string& text) {
-  const File file(text);
+  const StreamedFile file(text);
   FrameStream stream(file.path);
   std::vector<Seen> seen;
   FrameStream::Frame frame;
@@ -113,7 +113,7 @@ TEST(FrameStream, FindsEveryFrameOfAFileOfManyBlocks) {
 }
 
 TEST(FrameStream, KnowsTheTrailerOfInputGeometry) {
-  const File file("2\n\n" + kAtom + kAtom + "\n 1\n\nn\n");
+  const StreamedFile file("2\n\n" + kAtom + kAtom + "\n 1\n\nn\n");
   FrameStream stream(file.path);
   FrameStream::Frame frame;
   ASSERT_TRUE(stream.next(frame));
@@ -122,7 +122,7 @@ TEST(FrameStream, KnowsTheTrailerOfInputGeometry) {
 }
 
 TEST(FrameStream, ShowsFirstLinesBeforeAnyFrameIsTaken) {
-  const File file("2\n\n" + kAtom + kAtom);
+  const StreamedFile file("2\n\n" + kAtom + kAtom);
   FrameStream stream(file.path);
   EXPECT_EQ(stream.first_lines(1), "2\n");
   EXPECT_EQ(stream.first_lines(3), "2\n\n" + kAtom);

@@ -6,10 +6,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <random>
 #include <set>
 #include <vector>
+
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 namespace {
@@ -17,9 +18,6 @@ namespace {
 using Random = std::mt19937_64;
 using Points = std::vector<Vec3>;
 using RowNumbers = std::vector<std::int32_t>;
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 double uniform(Random& random, double low, double high) {
   return std::uniform_real_distribution<double>(low, high)(random);
@@ -40,13 +38,13 @@ double distance(const Vec3& a, const Vec3& b) {
 }
 
 /// The points up to `reach` from a place that the grid finds, and how many it looks at.
-struct Found {
+struct FoundAtoms {
   RowNumbers rows;
   std::size_t looked_at = 0;
 };
 
-Found near(const NeighbourGrid& grid, const Vec3& place, double reach) {
-  Found found;
+FoundAtoms near(const NeighbourGrid& grid, const Vec3& place, double reach) {
+  FoundAtoms found;
   for (const std::int32_t cell : grid.cells_around(place))
     for (const auto& [position, row] : grid.members(cell)) {
       ++found.looked_at;
@@ -250,7 +248,7 @@ TEST(NeighbourGrid, FollowsALineOfAMillionAngstrom) {
     const NeighbourGrid grid(line, 60.0);
     std::size_t looked_at = 0;
     for (int k = 1; k + 1 < kPoints; ++k) {
-      const Found found = near(grid, line[static_cast<std::size_t>(k)], 55.0);
+      const FoundAtoms found = near(grid, line[static_cast<std::size_t>(k)], 55.0);
       looked_at += found.looked_at;
       ASSERT_EQ(found.rows,
                 modulus(direction) == 1.0 ? (RowNumbers{k - 1, k, k + 1}) : RowNumbers{k});

@@ -33,7 +33,7 @@ Atoms in_a_row(const std::vector<std::pair<const char*, double>>& atoms) {
   return row;
 }
 
-Pair pair_of(std::int32_t n1, const Atoms& atoms, double factor = 1.0) {
+Pair scaled_pair(std::int32_t n1, const Atoms& atoms, double factor = 1.0) {
   std::vector<Vec3> positions;
   for (const Vec3& p : atoms.positions) positions.push_back(factor * p);
   return {n1, Molecule(atoms.symbols, positions)};
@@ -90,7 +90,7 @@ class SoundPair : public ::testing::TestWithParam<Sound> {};
 TEST_P(SoundPair, IsNotRefused) {
   const auto& [name, n1, atoms] = GetParam();
   for (const Division division : {Division::asked, Division::told, Division::apart})
-    EXPECT_EQ(check_pair(pair_of(n1, atoms), origin(division)).refusals, Sentences{});
+    EXPECT_EQ(check_pair(scaled_pair(n1, atoms), origin(division)).refusals, Sentences{});
 }
 
 INSTANTIATE_TEST_SUITE_P(Pairs, SoundPair, ::testing::ValuesIn(kSound));
@@ -150,14 +150,14 @@ TEST_P(PairInAnotherUnit, IsRefusedWithItsOwn) {
 
 TEST_P(PairInAnotherUnit, IsKnownWithoutADivision) {
   const auto& [written, read] = GetParam();
-  const Pair pair = pair_of(6, formamides(), read.angstrom / written.angstrom);
+  const Pair pair = scaled_pair(6, formamides(), read.angstrom / written.angstrom);
   EXPECT_EQ(better_unit(pair.labels(), pair.positions(), read.unit), written.unit);
 }
 
 INSTANTIATE_TEST_SUITE_P(Units, PairInAnotherUnit, ::testing::ValuesIn(wrong_units()));
 
 TEST(BetterUnit, IsNoneForMolecules) {
-  const Pair pair = pair_of(6, formamides());
+  const Pair pair = scaled_pair(6, formamides());
   EXPECT_EQ(better_unit(pair.labels(), pair.positions(), LengthUnit::angstrom), std::nullopt);
 }
 
@@ -321,7 +321,7 @@ class FoundPair : public ::testing::TestWithParam<Found> {};
 
 TEST_P(FoundPair, IsToldWithWhatToTry) {
   const Found& found = GetParam();
-  const PairCheck check = check_pair(pair_of(found.n1, found.atoms), origin(found.division));
+  const PairCheck check = check_pair(scaled_pair(found.n1, found.atoms), origin(found.division));
   EXPECT_EQ(check.refusals, found.refusals);
   EXPECT_EQ(check.warnings, found.warnings);
 }
@@ -331,21 +331,21 @@ INSTANTIATE_TEST_SUITE_P(Pairs, FoundPair, ::testing::ValuesIn(kFound));
 TEST(CheckOfPairs, FilesOfTheirOwnAreNamedAndTheirAtomsCountFromOne) {
   const PairOrigin files{"one.xyz", "two.xyz", Division::apart};
   const Atoms twice = in_a_row({{"N", 0.0}, {"N", 1.1}, {"O", 5.0}, {"O", 5.0}, {"O", 6.2}});
-  EXPECT_EQ(check_pair(pair_of(2, twice), files).refusals,
+  EXPECT_EQ(check_pair(scaled_pair(2, twice), files).refusals,
             Sentences{"two.xyz: atoms closer than 0.5 Angstrom: O1-O2 0.0000 Angstrom\n"
                       "look for atoms that stand there twice, and for the unit; " +
                       kGoesOn});
-  EXPECT_EQ(check_pair(pair_of(2, hydrogens({0.0, 5.0, 10.0})), files).warnings,
+  EXPECT_EQ(check_pair(scaled_pair(2, hydrogens({0.0, 5.0, 10.0})), files).warnings,
             Sentences{"two.xyz: the molecule is not one connected whole: 2 atoms H2 (1-2), "
                       "2 atoms H2 (3-4)"});
-  EXPECT_EQ(check_pair(pair_of(4, hydrogens({0.0, 5.0, 10.0})), files).warnings,
+  EXPECT_EQ(check_pair(scaled_pair(4, hydrogens({0.0, 5.0, 10.0})), files).warnings,
             Sentences{"one.xyz: the molecule is not one connected whole: 2 atoms H2 (1-2), "
                       "2 atoms H2 (3-4)"});
 }
 
 TEST(CheckOfPairs, AFormatThatIsAlwaysInAngstromIsToBeConverted) {
   const PairOrigin input{"f", "", Division::apart, LengthUnit::angstrom, false};
-  EXPECT_EQ(check_pair(pair_of(6, formamides(), 1.0 / 0.529177210903), input).refusals,
+  EXPECT_EQ(check_pair(scaled_pair(6, formamides(), 1.0 / 0.529177210903), input).refusals,
             Sentences{"f: no two atoms are as close as a bond\n"
                       "the coordinates make molecules in bohr, but files of this format are in "
                       "Angstrom; convert them; " +
@@ -370,14 +370,14 @@ Atoms lattice(int molecules, double factor = 1.0) {
 
 TEST(CheckOfPairs, CellsFindWhatAllPairsFind) {
   // Two molecules one behind the other in the list, one of them the last of a row.
-  const Pair cut = pair_of(2 * 440 - 1, lattice(900));
+  const Pair cut = scaled_pair(2 * 440 - 1, lattice(900));
   const auto refusals = check_pair(cut, origin(Division::asked)).refusals;
   ASSERT_EQ(refusals.size(), 1U);
   EXPECT_TRUE(refusals[0].starts_with(
       "f: bonds across the split after atom 879: H879-H880 0.7500 Angstrom\n"
       "the bonds make 900 molecules; use a --split N1 that cuts none; "))
       << refusals[0];
-  const auto warnings = check_pair(pair_of(2, lattice(900)), origin(Division::asked)).warnings;
+  const auto warnings = check_pair(scaled_pair(2, lattice(900)), origin(Division::asked)).warnings;
   ASSERT_EQ(warnings.size(), 1U);
   EXPECT_TRUE(warnings[0].starts_with(
       "f: molecule 2 is not one connected whole: 2 atoms H2 (3-4), 2 atoms H2 (5-6), "))
@@ -387,7 +387,7 @@ TEST(CheckOfPairs, CellsFindWhatAllPairsFind) {
 
 TEST(CheckOfPairs, ManyAtomsInAnotherUnitAreRefusedWithIt) {
   for (const auto& [factor, unit] : {std::pair{0.1, "nm"}, {1.0 / 0.529177210903, "bohr"}}) {
-    const Pair pair = pair_of(900, lattice(900, factor));
+    const Pair pair = scaled_pair(900, lattice(900, factor));
     const auto refusals = check_pair(pair, origin(Division::asked)).refusals;
     ASSERT_EQ(refusals.size(), 1U) << unit;
     EXPECT_TRUE(refusals[0].ends_with(std::string("make molecules in ") + unit + ": use --unit " +

@@ -5,10 +5,11 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <ostream>
 #include <string>
 #include <vector>
+
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 namespace {
@@ -35,7 +36,6 @@ void PrintTo(const Complaint& complaint, std::ostream* out) {
   *out << complaint.name << " = " << complaint.degrees;
 }
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr auto kNegative = "0 <= r <= 9999.9; a distance is not negative";
 constexpr auto kTooLong = "0 <= r <= 9999.9; the names of files have no room for longer distances";
 constexpr auto kNotFinite = "expected a finite number";

@@ -129,12 +129,12 @@ TEST(Trailer, TellsTheAtomsOfMolecule1) {
   EXPECT_EQ(frame.frames, 1);
 }
 
-struct Failure {
+struct BadText {
   const char* text;
   const char* message;
 };
 
-const std::vector<Failure> kFailures{
+const std::vector<BadText> kBadTexts{
     {"", "w.xyz:1: expected the number of atoms (an integer), found the end of the file"},
     {"\xEF\xBB\xBF"
      "1\n\nH 0 0 0\n",
@@ -185,7 +185,7 @@ const std::vector<Failure> kFailures{
 };
 
 TEST(UnreadableXyz, IsOneMessageWithThePlace) {
-  for (const auto& [text, message] : kFailures) EXPECT_EQ(failure_of(text), message) << text;
+  for (const auto& [text, message] : kBadTexts) EXPECT_EQ(failure_of(text), message) << text;
 }
 
 TEST(UnreadableXyz, IsACoordinateThatNoFileOfEightDecimalsHolds) {

@@ -4,17 +4,18 @@
 
 #include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
+
+#include "support/not_finite.hpp"
 
 namespace dravo {
 namespace {
 
 constexpr Turn kNoTurn{0.0, 0.0, 1.0};
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+using test::kNaN;
 
 /// Every grid point turns nothing, and angles are given in degrees, so that a test reaches the
 /// rules about the angles alone.

@@ -12,11 +12,10 @@
 #include <vector>
 
 #include "support/atoms.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 const std::vector<Label> kLabels{{'O', ' '}, {'C', 'l'}};
 

@@ -47,7 +47,7 @@ struct Progressed {
   TemporaryFolder folder;
 };
 
-using Poses = std::vector<std::int64_t>;
+using PoseNumbers = std::vector<std::int64_t>;
 
 TEST(ProgressFile, WithoutARecordGoesWithItsOwner) {
   const Progressed scan;
@@ -77,11 +77,12 @@ TEST(ProgressFile, WithARecordStaysUntilItIsCleared) {
 }
 
 TEST(ProgressFile, KeepsTheLastTwoRecordsLaterFirst) {
-  const std::vector<Poses> histories{{0}, {0, 200}, {0, 200, 1200}, {7, 200, 1200, 1201, 4999}};
-  for (const Poses& history : histories) {
+  const std::vector<PoseNumbers> histories{
+      {0}, {0, 200}, {0, 200, 1200}, {7, 200, 1200, 1201, 4999}};
+  for (const PoseNumbers& history : histories) {
     const Progressed scan;
     scan.write(history);
-    Poses last(history.rbegin(), history.rend());
+    PoseNumbers last(history.rbegin(), history.rend());
     if (last.size() > 2) last.resize(2);
     EXPECT_EQ(scan.done(), last);
   }
@@ -95,7 +96,7 @@ TEST(ProgressFile, LeavesTheMoleculesOut) {
       ScannedPair{pair_of(sample("formamide-dimer")), std::nullopt});
   ProgressFile(scan.scan()).write(record);
   EXPECT_EQ(scan.text().find("symbols"), std::string::npos);
-  EXPECT_EQ(scan.done(), Poses{100});
+  EXPECT_EQ(scan.done(), PoseNumbers{100});
 }
 
 TEST(ProgressFile, WrittenAfterAClearHasNoEarlierRecord) {
@@ -106,7 +107,7 @@ TEST(ProgressFile, WrittenAfterAClearHasNoEarlierRecord) {
     progress.clear();
     progress.write(record_with(3));
   }
-  EXPECT_EQ(scan.done(), Poses{3});
+  EXPECT_EQ(scan.done(), PoseNumbers{3});
 }
 
 /// A kill or a full disk may leave any part of the last record.
@@ -121,7 +122,7 @@ TEST(ProgressFile, WithASpoiltLastRecordHasTheOneBefore) {
     std::string spoilt = whole;
     spoilt[begin + k] = spoilt[begin + k] == '1' ? '2' : '1';
     scan.put(spoilt);
-    EXPECT_EQ(scan.done(), Poses{200}) << k;
+    EXPECT_EQ(scan.done(), PoseNumbers{200}) << k;
   }
 }
 
@@ -131,7 +132,7 @@ TEST(ProgressFile, WithASpoiltEarlierRecordHasTheLast) {
   std::string spoilt = scan.text();
   spoilt[spoilt.find(text_of(record_with(200))) + 5] = '?';
   scan.put(spoilt);
-  EXPECT_EQ(scan.done(), Poses{300});
+  EXPECT_EQ(scan.done(), PoseNumbers{300});
 }
 
 TEST(ProgressFile, WithoutAWholeRecordIsRefused) {
@@ -195,7 +196,7 @@ TEST(ProgressFile, IsHeldByOneAtATime) {
               scan.file() + ": another process is writing these results");
     EXPECT_EQ(scan.text(), text);
   }
-  EXPECT_EQ(scan.done(), Poses{100}) << "free again";
+  EXPECT_EQ(scan.done(), PoseNumbers{100}) << "free again";
 }
 
 TEST(ProgressFile, OfOneThatHasNotBegunStaysWhenASecondIsRefused) {

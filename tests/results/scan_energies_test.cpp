@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,12 +10,11 @@
 #include "results/text_chunk.hpp"
 #include "scan/plans.hpp"
 #include "support/message_of.hpp"
+#include "support/not_finite.hpp"
 #include "support/shell_energies.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // Totals.
 
@@ -68,7 +66,7 @@ TEST(EnergyTotals, AddUpInTheOrderOfThePoses) {
 
 // Record.
 
-ScanRecord record() {
+ScanRecord record_with_energies() {
   ScanRecord scan{{{"energy", "gfn2"}}, 10, {}, {7, 0, 7, 1, 1.5, 2}, {}};
   scan.files = {{ResultFile::frames, {1, 2}}, {ResultFile::table, {3, 4}}};
   scan.reference_energies = {{"gfn2", {-5.070544, -0.1 - 0.2}}};
@@ -82,20 +80,20 @@ const std::string kEnergiesInJson =
     "\"theta\":90.0,\"phi\":0.0,\"alpha\":1e-07,\"beta\":5.0,\"gamma\":6.0}}";
 
 TEST(RecordOfEnergies, IsReadBackFromItsText) {
-  const std::string text = text_of(record());
+  const std::string text = text_of(record_with_energies());
   EXPECT_NE(text.find(kEnergiesInJson), std::string::npos) << text;
   EXPECT_NE(text.find("\"reference_energies_hartree\":{\"gfn2\":[-5.070544,-0.30000000000000004]}"),
             std::string::npos)
       << text;
   const ScanRecord read = parse_record("a.json", text);
   EXPECT_EQ(text_of(read), text);
-  EXPECT_EQ(read.reference_energies, record().reference_energies);
+  EXPECT_EQ(read.reference_energies, record_with_energies().reference_energies);
   EXPECT_TRUE(has_energies(read));
   EXPECT_NE(json_text_of(read.totals, true).find(kEnergiesInJson), std::string::npos);
 }
 
 TEST(RecordOfEnergies, KnowsOfNoLowestOne) {
-  ScanRecord scan = record();
+  ScanRecord scan = record_with_energies();
   scan.totals.energies = EnergyTotals{};
   const std::string text = text_of(scan);
   EXPECT_NE(text.find("\"lowest\":null,\"lowest_index\":0}"), std::string::npos) << text;
@@ -103,7 +101,7 @@ TEST(RecordOfEnergies, KnowsOfNoLowestOne) {
 }
 
 TEST(RecordOfEnergies, TellsWhereRCountsFromTheContactOnly) {
-  ScanRecord scan = record();
+  ScanRecord scan = record_with_energies();
   scan.totals.energies->above_contact = 4.1;
   const std::string text = text_of(scan);
   EXPECT_EQ(text.find("above_contact"), std::string::npos);
@@ -111,7 +109,7 @@ TEST(RecordOfEnergies, TellsWhereRCountsFromTheContactOnly) {
 }
 
 TEST(RecordOfEnergies, IsNothingInAScanWithout) {
-  ScanRecord scan = record();
+  ScanRecord scan = record_with_energies();
   scan.totals.energies.reset();
   scan.reference_energies.clear();
   scan.origin.clear();
@@ -121,7 +119,7 @@ TEST(RecordOfEnergies, IsNothingInAScanWithout) {
 }
 
 TEST(RecordOfEnergies, ThatIsNoneIsRefused) {
-  const std::string whole = text_of(record());
+  const std::string whole = text_of(record_with_energies());
   for (const auto& [from, to] : {std::pair("\"ok\":4", "\"ok\":-4"),
                                  {"\"clash\":2", "\"cl\":2"},
                                  {"\"lowest\":-16.64172", "\"lowest\":\"low\""},
@@ -138,7 +136,7 @@ TEST(RecordOfEnergies, ThatIsNoneIsRefused) {
 }
 
 TEST(RecordOfEnergies, OfAnotherEngineIsAnotherScan) {
-  const ScanRecord earlier = record();
+  const ScanRecord earlier = record_with_energies();
   ScanRecord now = earlier;
   now.reference_energies["gfn2"][0] += 0.9e-6;
   EXPECT_EQ(message_of([&] { require_same_origin("a.json", earlier, now); }), "")

@@ -12,11 +12,10 @@
 #include <vector>
 
 #include "scan/plans.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // Parts.
 

@@ -42,7 +42,7 @@ double largest_difference(const std::vector<Vec3>& a, const std::vector<Vec3>& b
 }
 
 /// No angle of which is singular.
-PoseDegrees random_pose(std::mt19937& random) {
+PoseDegrees pose_drawn_by(std::mt19937& random) {
   const auto from_to = [&](double from, double to) {
     return std::uniform_real_distribution<double>(from, to)(random);
   };
@@ -97,7 +97,7 @@ TEST_P(ExactPlacerOf, PutsEveryAtomWhereTheFormulasHaveIt) {
   const auto& [Y, X, Z] = two.axes;
   std::mt19937 random(1);
   for (int k = 0; k < 20; ++k) {
-    PoseDegrees pose = random_pose(random);
+    PoseDegrees pose = pose_drawn_by(random);
     if (k == 0) pose = {0.0, 0.0, 360.0, 0.0, 180.0, 360.0};
     const Vec3 place = place_by_hand(pose);
     const Matrix3 turn = turn_by_hand(pose);
@@ -151,7 +151,7 @@ double largest_gap(const PoseDegrees& a, const PoseDegrees& b) {
 TEST_P(ExactPlacerOf, MakesThePairThatIsIdentifiedByThePose) {
   std::mt19937 random(2);
   for (int k = 0; k < 20; ++k) {
-    const PoseDegrees asked = with_free_turns_fixed(placer.molecules(), random_pose(random));
+    const PoseDegrees asked = with_free_turns_fixed(placer.molecules(), pose_drawn_by(random));
     const Identification found = identify(placed_pair(placer, asked));
     double nearest = INFINITY;
     for (const PoseDegrees& one : found.equivalent)
@@ -267,7 +267,7 @@ TEST_P(PlacingOf, AStrictPairExactlyIsThatOfQnDravoWithinWhatItsSearchesMiss) {
   const double missed = as_qn_dravo.missed() * kDegree;
   std::mt19937 random(4);
   for (int k = 0; k < 20; ++k) {
-    const PoseDegrees pose = random_pose(random);
+    const PoseDegrees pose = pose_drawn_by(random);
     const Vec3 place = place_by_hand(pose);
     const std::vector<Vec3> here = exact.positions(pose), there = as_qn_dravo.positions(pose);
     for (std::size_t i = 0; i < here.size(); ++i) {
@@ -318,7 +318,7 @@ TEST(CarriedAxes, PlaceAnyCopyAsTheReference) {
       EXPECT_EQ(frame.kind, FrameKind::carried);
       EXPECT_LT(frame.rmsd, 1e-9);
     }
-    const PoseDegrees pose = random_pose(random);
+    const PoseDegrees pose = pose_drawn_by(random);
     EXPECT_LT(largest_difference(placer.positions(pose), of_reference.positions(pose)), 1e-9);
   }
 }

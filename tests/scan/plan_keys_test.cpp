@@ -31,15 +31,15 @@ Words texts_of(const std::vector<PlanWord>& words) {
   return texts;
 }
 
-struct Reading {
+struct ReadWords {
   const char* toml;
   const char* key;
   Words texts;
 };
 
-void PrintTo(const Reading& reading, std::ostream* out) { *out << reading.toml; }
+void PrintTo(const ReadWords& reading, std::ostream* out) { *out << reading.toml; }
 
-class PlanKeysOf : public ::testing::TestWithParam<Reading> {};
+class PlanKeysOf : public ::testing::TestWithParam<ReadWords> {};
 
 TEST_P(PlanKeysOf, HaveTheirWordsAsTyped) {
   const auto& [toml, key, texts] = GetParam();
@@ -51,34 +51,34 @@ TEST_P(PlanKeysOf, HaveTheirWordsAsTyped) {
 
 INSTANTIATE_TEST_SUITE_P(
     Values, PlanKeysOf,
-    ::testing::Values(Reading{"r = 5\n", "r", {"5"}},                            //
-                      Reading{"r=0.30", "r", {"0.30"}},                          //
-                      Reading{"r = +1.50e1  # far\n", "r", {"+1.50e1"}},         //
-                      Reading{"r = \"0:1:0.1\"\n", "r", {"0:1:0.1"}},            //
-                      Reading{"r = '0:1:0.1'", "r", {"0:1:0.1"}},                //
-                      Reading{"r = \" contact + 1 \"", "r", {" contact + 1 "}},  //
-                      Reading{"\"r\" = 5\r\n", "r", {"5"}},                      //
-                      Reading{"files = true\r\n", "files", {"true"}},            //
-                      Reading{"\n\n# first\n   r   =   7   \n", "r", {"7"}},     //
-                      Reading{"r = nan", "r", {"nan"}},                          //
-                      Reading{"r = \"\"", "r", {""}}));
+    ::testing::Values(ReadWords{"r = 5\n", "r", {"5"}},                            //
+                      ReadWords{"r=0.30", "r", {"0.30"}},                          //
+                      ReadWords{"r = +1.50e1  # far\n", "r", {"+1.50e1"}},         //
+                      ReadWords{"r = \"0:1:0.1\"\n", "r", {"0:1:0.1"}},            //
+                      ReadWords{"r = '0:1:0.1'", "r", {"0:1:0.1"}},                //
+                      ReadWords{"r = \" contact + 1 \"", "r", {" contact + 1 "}},  //
+                      ReadWords{"\"r\" = 5\r\n", "r", {"5"}},                      //
+                      ReadWords{"files = true\r\n", "files", {"true"}},            //
+                      ReadWords{"\n\n# first\n   r   =   7   \n", "r", {"7"}},     //
+                      ReadWords{"r = nan", "r", {"nan"}},                          //
+                      ReadWords{"r = \"\"", "r", {""}}));
 
 INSTANTIATE_TEST_SUITE_P(
     Lists, PlanKeysOf,
-    ::testing::Values(Reading{"r = [3, 4.50, \"5:6:1\"]", "r", {"3", "4.50", "5:6:1"}},
-                      Reading{"r = [\n  3,  # near\n  40,\n]\n", "r", {"3", "40"}},
-                      Reading{"r = [3]", "r", {"3"}}));
+    ::testing::Values(ReadWords{"r = [3, 4.50, \"5:6:1\"]", "r", {"3", "4.50", "5:6:1"}},
+                      ReadWords{"r = [\n  3,  # near\n  40,\n]\n", "r", {"3", "40"}},
+                      ReadWords{"r = [3]", "r", {"3"}}));
 
 // Whole numbers have notations of their own in TOML; decimal ones keep their digits.
 INSTANTIATE_TEST_SUITE_P(Numbers, PlanKeysOf,
-                         ::testing::Values(Reading{"random = 1_000", "random", {"1000"}},
-                                           Reading{"random = 0x10", "random", {"16"}},
-                                           Reading{"random = 0o17", "random", {"15"}},
-                                           Reading{"random = 0b101", "random", {"5"}},
-                                           Reading{"random = +7", "random", {"7"}},
-                                           Reading{"r = [-1_0, 1_0.2_5]", "r", {"-10", "10.25"}},
-                                           Reading{"r = 2.50", "r", {"2.50"}},  //
-                                           Reading{"r = \"1_0\"", "r", {"1_0"}}));
+                         ::testing::Values(ReadWords{"random = 1_000", "random", {"1000"}},
+                                           ReadWords{"random = 0x10", "random", {"16"}},
+                                           ReadWords{"random = 0o17", "random", {"15"}},
+                                           ReadWords{"random = 0b101", "random", {"5"}},
+                                           ReadWords{"random = +7", "random", {"7"}},
+                                           ReadWords{"r = [-1_0, 1_0.2_5]", "r", {"-10", "10.25"}},
+                                           ReadWords{"r = 2.50", "r", {"2.50"}},  //
+                                           ReadWords{"r = \"1_0\"", "r", {"1_0"}}));
 
 TEST(PlanKeys, ComeTogether) {
   const PlanKeys keys = PlanFile("zip = \"poses.csv\"\ncontacts = \"drop\"\n").keys();
@@ -140,14 +140,14 @@ TEST(PlanWord, NamesAFileAsSeenFromThePlan) {
   }
 }
 
-struct Wrong {
+struct WrongPlan {
   const char* toml;
   const char* place_and_what;  ///< behind the name of the file
 };
 
-void PrintTo(const Wrong& wrong, std::ostream* out) { *out << wrong.toml; }
+void PrintTo(const WrongPlan& wrong, std::ostream* out) { *out << wrong.toml; }
 
-class PlanKeysRefuse : public ::testing::TestWithParam<Wrong> {};
+class PlanKeysRefuse : public ::testing::TestWithParam<WrongPlan> {};
 
 TEST_P(PlanKeysRefuse, WithItsPlace) {
   const PlanFile plan(GetParam().toml);
@@ -157,40 +157,40 @@ TEST_P(PlanKeysRefuse, WithItsPlace) {
 INSTANTIATE_TEST_SUITE_P(
     DeeperNesting, PlanKeysRefuse,
     ::testing::Values(
-        Wrong{"r = [1, [2, 3]]\n",
-              ":1: expected a value or a list of values\nr = [1, [2, 3]]\n        ^^^^^^"},
-        Wrong{"phi = 3\nr = {a = 1}\n",
-              ":2: expected a value or a list of values\nr = {a = 1}\n    ^^^^^^^"}));
+        WrongPlan{"r = [1, [2, 3]]\n",
+                  ":1: expected a value or a list of values\nr = [1, [2, 3]]\n        ^^^^^^"},
+        WrongPlan{"phi = 3\nr = {a = 1}\n",
+                  ":2: expected a value or a list of values\nr = {a = 1}\n    ^^^^^^^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     EmptyLists, PlanKeysRefuse,
-    ::testing::Values(Wrong{"r = []\n",
-                            ":1: expected a value, found an empty list\nr = []\n    ^^"},
-                      Wrong{"r = [1, []]\n",
-                            ":1: expected a value or a list of values\nr = [1, []]\n        ^^"}));
+    ::testing::Values(
+        WrongPlan{"r = []\n", ":1: expected a value, found an empty list\nr = []\n    ^^"},
+        WrongPlan{"r = [1, []]\n",
+                  ":1: expected a value or a list of values\nr = [1, []]\n        ^^"}));
 
 // Every character of a line takes one column, however many bytes it has.
 INSTANTIATE_TEST_SUITE_P(
     Characters, PlanKeysRefuse,
     ::testing::Values(
-        Wrong{"r = [\"\u00e4\u20ac\", []]\n",
-              ":1: expected a value or a list of values\nr = [\"\u00e4\u20ac\", []]\n"
-              "           ^^"},
-        Wrong{"\"\u00c5ngstr\u00f6m\" = []\n",
-              ":1: expected a value, found an empty list\n\"\u00c5ngstr\u00f6m\" = []\n"
-              "             ^^"},
-        Wrong{"# \u00c5\nphi = [\"\xf0\x9f\x98\x80\", [2]]\n",
-              ":2: expected a value or a list of values\nphi = [\"\xf0\x9f\x98\x80\", [2]]\n"
-              "            ^^^"}));
+        WrongPlan{"r = [\"\u00e4\u20ac\", []]\n",
+                  ":1: expected a value or a list of values\nr = [\"\u00e4\u20ac\", []]\n"
+                  "           ^^"},
+        WrongPlan{"\"\u00c5ngstr\u00f6m\" = []\n",
+                  ":1: expected a value, found an empty list\n\"\u00c5ngstr\u00f6m\" = []\n"
+                  "             ^^"},
+        WrongPlan{"# \u00c5\nphi = [\"\xf0\x9f\x98\x80\", [2]]\n",
+                  ":2: expected a value or a list of values\nphi = [\"\xf0\x9f\x98\x80\", [2]]\n"
+                  "            ^^^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     ByteOrderMarks, PlanKeysRefuse,
     ::testing::Values(
-        Wrong{"\xEF\xBB\xBFr = 5\n",
-              ":1: the file begins with a UTF-8 byte-order mark; save it without one\n"
-              "?r = 5\n^"},
-        Wrong{"\xEF\xBB\xBF",
-              ":1: the file begins with a UTF-8 byte-order mark; save it without one\n?\n^"}));
+        WrongPlan{"\xEF\xBB\xBFr = 5\n",
+                  ":1: the file begins with a UTF-8 byte-order mark; save it without one\n"
+                  "?r = 5\n^"},
+        WrongPlan{"\xEF\xBB\xBF",
+                  ":1: the file begins with a UTF-8 byte-order mark; save it without one\n?\n^"}));
 
 TEST(PlanKeysRefuse, WhatIsNoToml) {
   const PlanFile plan("r = 5\nphi = = 3\n");

@@ -12,14 +12,14 @@
 namespace dravo::test {
 namespace {
 
-struct Wrong {
+struct WrongOptions {
   Options options;
   const char* message;
 };
 
-void PrintTo(const Wrong& wrong, std::ostream* out) { *out << wrong.message; }
+void PrintTo(const WrongOptions& wrong, std::ostream* out) { *out << wrong.message; }
 
-class PlanRefuses : public ::testing::TestWithParam<Wrong> {};
+class PlanRefuses : public ::testing::TestWithParam<WrongOptions> {};
 
 TEST_P(PlanRefuses, WithReasonAndPlace) {
   EXPECT_EQ(message_of([] { (void)plan_of(GetParam().options); }), GetParam().message);
@@ -33,36 +33,36 @@ const std::string kLacksDistance = std::string("the plan lacks r") + kGive;
 
 INSTANTIATE_TEST_SUITE_P(
     MissingKeys, PlanRefuses,
-    ::testing::Values(Wrong{{}, kLacksAll.c_str()},
-                      Wrong{{{"contacts", "keep"}}, kLacksAll.c_str()},
-                      Wrong{{{"r", "1"}, {"theta", "2"}, {"alpha", "4"}, {"beta", "5"}},
-                            kLacksTwo.c_str()},
-                      Wrong{{{"random", "5"}}, kLacksDistance.c_str()}));
+    ::testing::Values(WrongOptions{{}, kLacksAll.c_str()},
+                      WrongOptions{{{"contacts", "keep"}}, kLacksAll.c_str()},
+                      WrongOptions{{{"r", "1"}, {"theta", "2"}, {"alpha", "4"}, {"beta", "5"}},
+                                   kLacksTwo.c_str()},
+                      WrongOptions{{{"random", "5"}}, kLacksDistance.c_str()}));
 
 INSTANTIATE_TEST_SUITE_P(
     Contradictions, PlanRefuses,
-    ::testing::Values(Wrong{one_pose({{"ro", "5"}}), "--ro: a plan has no key \"ro\"\n5\n^"},
-                      Wrong{one_pose({{"R", "5"}}), "--R: a plan has no key \"R\"\n5\n^"},
-                      Wrong{{{"zip", "poses.csv"}, {"random", "12"}},
-                            "--random: zip and random exclude each other\n12\n^^"},
-                      Wrong{one_pose({{"seed", "3"}}),
-                            "--seed: a seed is for random poses alone\n3\n^"},
-                      Wrong{{{"r", "3"}, {"phi", "10"}, {"random", "12"}},
-                            "--phi: phi has its values from random numbers\n10\n^^"},
-                      Wrong{{{"r", "3"}, {"gamma", "10"}, {"random", "12"}},
-                            "--gamma: gamma has its values from random numbers\n10\n^^"}));
+    ::testing::Values(WrongOptions{one_pose({{"ro", "5"}}), "--ro: a plan has no key \"ro\"\n5\n^"},
+                      WrongOptions{one_pose({{"R", "5"}}), "--R: a plan has no key \"R\"\n5\n^"},
+                      WrongOptions{{{"zip", "poses.csv"}, {"random", "12"}},
+                                   "--random: zip and random exclude each other\n12\n^^"},
+                      WrongOptions{one_pose({{"seed", "3"}}),
+                                   "--seed: a seed is for random poses alone\n3\n^"},
+                      WrongOptions{{{"r", "3"}, {"phi", "10"}, {"random", "12"}},
+                                   "--phi: phi has its values from random numbers\n10\n^^"},
+                      WrongOptions{{{"r", "3"}, {"gamma", "10"}, {"random", "12"}},
+                                   "--gamma: gamma has its values from random numbers\n10\n^^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Choices, PlanRefuses,
     ::testing::Values(
-        Wrong{one_pose({{"contacts", "skip"}}),
-              "--contacts: expected keep or drop or only, found \"skip\"\nskip\n^^^^"},
-        Wrong{one_pose({{"contacts", "Keep"}}),
-              "--contacts: expected keep or drop or only, found \"Keep\"\nKeep\n^^^^"},
-        Wrong{one_pose({{"contacts", ""}}),
-              "--contacts: expected keep or drop or only, found \"\"\n\n^"},
-        Wrong{one_pose({{"files", "yes"}}),
-              "--files: expected true or false, found \"yes\"\nyes\n^^^"}));
+        WrongOptions{one_pose({{"contacts", "skip"}}),
+                     "--contacts: expected keep or drop or only, found \"skip\"\nskip\n^^^^"},
+        WrongOptions{one_pose({{"contacts", "Keep"}}),
+                     "--contacts: expected keep or drop or only, found \"Keep\"\nKeep\n^^^^"},
+        WrongOptions{one_pose({{"contacts", ""}}),
+                     "--contacts: expected keep or drop or only, found \"\"\n\n^"},
+        WrongOptions{one_pose({{"files", "yes"}}),
+                     "--files: expected true or false, found \"yes\"\nyes\n^^^"}));
 
 constexpr auto kNoSeed =
     "--seed: expected a whole number from 0 to 18446744073709551615, found \"-1\"\n-1\n^^";
@@ -70,55 +70,61 @@ constexpr auto kNoSeed =
 INSTANTIATE_TEST_SUITE_P(
     Numbers, PlanRefuses,
     ::testing::Values(
-        Wrong{{{"r", "3"}, {"random", "0"}},
-              "--random: expected a whole number from 1 to 1000000000000000, found \"0\"\n0\n^"},
-        Wrong{{{"r", "3"}, {"random", "1.5"}},
-              "--random: expected a whole number from 1 to 1000000000000000, found \"1.5\"\n"
-              "1.5\n^^^"},
-        Wrong{{{"r", "3"}, {"random", "1000000000000001"}},
-              "--random: expected a whole number from 1 to 1000000000000000, found "
-              "\"1000000000000001\"\n1000000000000001\n^^^^^^^^^^^^^^^^"},
-        Wrong{{{"r", "3"}, {"random", ""}},
-              "--random: expected a whole number from 1 to 1000000000000000, found \"\"\n\n^"},
-        Wrong{{{"r", "3"}, {"random", "1"}, {"seed", "-1"}}, kNoSeed},
-        Wrong{{{"r", "3"}, {"random", "1"}, {"seed", "18446744073709551616"}},
-              "--seed: expected a whole number from 0 to 18446744073709551615, found "
-              "\"18446744073709551616\"\n18446744073709551616\n^^^^^^^^^^^^^^^^^^^^"}));
+        WrongOptions{
+            {{"r", "3"}, {"random", "0"}},
+            "--random: expected a whole number from 1 to 1000000000000000, found \"0\"\n0\n^"},
+        WrongOptions{{{"r", "3"}, {"random", "1.5"}},
+                     "--random: expected a whole number from 1 to 1000000000000000, found \"1.5\"\n"
+                     "1.5\n^^^"},
+        WrongOptions{{{"r", "3"}, {"random", "1000000000000001"}},
+                     "--random: expected a whole number from 1 to 1000000000000000, found "
+                     "\"1000000000000001\"\n1000000000000001\n^^^^^^^^^^^^^^^^"},
+        WrongOptions{
+            {{"r", "3"}, {"random", ""}},
+            "--random: expected a whole number from 1 to 1000000000000000, found \"\"\n\n^"},
+        WrongOptions{{{"r", "3"}, {"random", "1"}, {"seed", "-1"}}, kNoSeed},
+        WrongOptions{{{"r", "3"}, {"random", "1"}, {"seed", "18446744073709551616"}},
+                     "--seed: expected a whole number from 0 to 18446744073709551615, found "
+                     "\"18446744073709551616\"\n18446744073709551616\n^^^^^^^^^^^^^^^^^^^^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     FromContact, PlanRefuses,
     ::testing::Values(
-        Wrong{one_pose({{"r", "contact"}}),
-              "--r: expected contact + a distance, a list or start:stop:step, found \"contact\"\n"
-              "contact\n^^^^^^^"},
-        Wrong{one_pose({{"r", "contact - 1"}}),
-              "--r: expected contact + a distance, a list or start:stop:step, found "
-              "\"contact - 1\"\ncontact - 1\n^^^^^^^^^^^"},
-        Wrong{one_pose({{"r", "contacts + 1"}}),
-              "--r: expected contact + a distance, a list or start:stop:step, found "
-              "\"contacts + 1\"\ncontacts + 1\n^^^^^^^^^^^^"},
-        Wrong{one_pose({{"r", "contact +"}}),
-              "--r: expected a number or start:stop:step, found \"\"\ncontact +\n         ^"},
-        Wrong{one_pose({{"r", "contact + x"}}),
-              "--r: expected a number or start:stop:step, found \"x\"\n"
-              "contact + x\n          ^"},
-        Wrong{one_pose({{"r", "1,contact + 2"}}),
-              "--r: expected a number or start:stop:step, found \"contact + 2\"\n"
-              "1,contact + 2\n  ^^^^^^^^^^^"},
-        Wrong{one_pose({{"theta", "contact + 2"}}),
-              "--theta: expected a number or start:stop:step, found \"contact + 2\"\n"
-              "contact + 2\n^^^^^^^^^^^"}));
+        WrongOptions{
+            one_pose({{"r", "contact"}}),
+            "--r: expected contact + a distance, a list or start:stop:step, found \"contact\"\n"
+            "contact\n^^^^^^^"},
+        WrongOptions{one_pose({{"r", "contact - 1"}}),
+                     "--r: expected contact + a distance, a list or start:stop:step, found "
+                     "\"contact - 1\"\ncontact - 1\n^^^^^^^^^^^"},
+        WrongOptions{one_pose({{"r", "contacts + 1"}}),
+                     "--r: expected contact + a distance, a list or start:stop:step, found "
+                     "\"contacts + 1\"\ncontacts + 1\n^^^^^^^^^^^^"},
+        WrongOptions{
+            one_pose({{"r", "contact +"}}),
+            "--r: expected a number or start:stop:step, found \"\"\ncontact +\n         ^"},
+        WrongOptions{one_pose({{"r", "contact + x"}}),
+                     "--r: expected a number or start:stop:step, found \"x\"\n"
+                     "contact + x\n          ^"},
+        WrongOptions{one_pose({{"r", "1,contact + 2"}}),
+                     "--r: expected a number or start:stop:step, found \"contact + 2\"\n"
+                     "1,contact + 2\n  ^^^^^^^^^^^"},
+        WrongOptions{one_pose({{"theta", "contact + 2"}}),
+                     "--theta: expected a number or start:stop:step, found \"contact + 2\"\n"
+                     "contact + 2\n^^^^^^^^^^^"}));
 
 /// A value that is refused, and the sentence; the values of it are counted as typed.
-struct OutOfRange {
+struct RefusedValue {
   const char* key;
   const char* text;
   const char* sentence;
 };
 
-void PrintTo(const OutOfRange& range, std::ostream* out) { *out << range.key << ' ' << range.text; }
+void PrintTo(const RefusedValue& range, std::ostream* out) {
+  *out << range.key << ' ' << range.text;
+}
 
-class PlanOutOfRange : public ::testing::TestWithParam<OutOfRange> {};
+class PlanOutOfRange : public ::testing::TestWithParam<RefusedValue> {};
 
 TEST_P(PlanOutOfRange, IsRefusedWithTheRange) {
   const auto& [key, text, sentence] = GetParam();
@@ -138,26 +144,26 @@ constexpr auto kBetaBelow =
 INSTANTIATE_TEST_SUITE_P(
     AtBothEnds, PlanOutOfRange,
     ::testing::Values(
-        OutOfRange{"r", "-0.001", kNegativeDistance},  //
-        OutOfRange{"r", "9999.91", kTooFar},           //
-        OutOfRange{"theta", "200", kTheta200},         //
-        OutOfRange{"theta", "370", "0 <= theta <= 180; theta 10 is the same direction"},
-        OutOfRange{"theta", "180.5",
-                   "0 <= theta <= 180; theta 179.5 with phi + 180 is the same direction"},
-        OutOfRange{"beta", "-30", kBetaBelow},  //
-        OutOfRange{"beta", "330", kBetaBelow}));
+        RefusedValue{"r", "-0.001", kNegativeDistance},  //
+        RefusedValue{"r", "9999.91", kTooFar},           //
+        RefusedValue{"theta", "200", kTheta200},         //
+        RefusedValue{"theta", "370", "0 <= theta <= 180; theta 10 is the same direction"},
+        RefusedValue{"theta", "180.5",
+                     "0 <= theta <= 180; theta 179.5 with phi + 180 is the same direction"},
+        RefusedValue{"beta", "-30", kBetaBelow},  //
+        RefusedValue{"beta", "330", kBetaBelow}));
 
 INSTANTIATE_TEST_SUITE_P(AnywhereOnAnAxis, PlanOutOfRange,
-                         ::testing::Values(OutOfRange{"r", "-1:5:1", kNegativeDistance},
-                                           OutOfRange{"r", "5:-1:-1", kNegativeDistance},
-                                           OutOfRange{"r", "9999:10001:1", kTooFar},
-                                           OutOfRange{"theta", "0,10,200", kTheta200},
-                                           OutOfRange{"theta", "0,100:200:10,5", kTheta200},
-                                           OutOfRange{"beta", "-30:30:10", kBetaBelow},
-                                           OutOfRange{"r", "contact + -1", kNegativeDistance},
-                                           OutOfRange{"r", "contact + 0,-1", kNegativeDistance},
-                                           OutOfRange{"r", "contact + -1:1:1", kNegativeDistance},
-                                           OutOfRange{"r", "contact + 10000", kTooFar}));
+                         ::testing::Values(RefusedValue{"r", "-1:5:1", kNegativeDistance},
+                                           RefusedValue{"r", "5:-1:-1", kNegativeDistance},
+                                           RefusedValue{"r", "9999:10001:1", kTooFar},
+                                           RefusedValue{"theta", "0,10,200", kTheta200},
+                                           RefusedValue{"theta", "0,100:200:10,5", kTheta200},
+                                           RefusedValue{"beta", "-30:30:10", kBetaBelow},
+                                           RefusedValue{"r", "contact + -1", kNegativeDistance},
+                                           RefusedValue{"r", "contact + 0,-1", kNegativeDistance},
+                                           RefusedValue{"r", "contact + -1:1:1", kNegativeDistance},
+                                           RefusedValue{"r", "contact + 10000", kTooFar}));
 
 TEST(Plan, CaretsStandUnderTheWordOutOfRange) {
   const TemporaryFolder folder;

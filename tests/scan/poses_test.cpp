@@ -4,19 +4,16 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <vector>
 
 #include "dravo/error.hpp"
 #include "dravo/scan.hpp"
 #include "scan/plans.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 std::vector<double> values_of(const PoseAxis& axis) {
   std::vector<double> values;

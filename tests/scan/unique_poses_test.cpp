@@ -32,7 +32,7 @@ std::vector<ScannedPose> unique_poses(const Placer& placer, const Poses& poses, 
   return found;
 }
 
-double largest_gap(const PoseDegrees& a, const PoseDegrees& b) {
+double largest_difference(const PoseDegrees& a, const PoseDegrees& b) {
   double largest = 0.0;
   for (const auto& [name, value] : kPoseParameters) {
     const double gap = std::abs(a.*value - b.*value);
@@ -62,11 +62,11 @@ TEST(UniqueRandomPoses, HaveTheParametersThatIdentifyTells) {
       EXPECT_EQ(found[k].asked.r, drawn[k].r);
       const Pair drawn_pair(placer.n1(), Molecule(placer.labels(), placer.positions(drawn[k])));
       // A thousandth of the angle up to which angles are the same.
-      EXPECT_LT(largest_gap(identify(drawn_pair).parameters, found[k].asked), 1e-7)
+      EXPECT_LT(largest_difference(identify(drawn_pair).parameters, found[k].asked), 1e-7)
           << one << " on " << two << ", pose " << k + 1;
       const Pair made_pair(placer.n1(),
                            Molecule(placer.labels(), placer.positions(found[k].asked)));
-      EXPECT_LT(largest_gap(identify(made_pair).parameters, found[k].asked), 1e-7)
+      EXPECT_LT(largest_difference(identify(made_pair).parameters, found[k].asked), 1e-7)
           << one << " on " << two << ", pose " << k + 1;
     }
   }
@@ -79,7 +79,7 @@ TEST(UniqueRandomPoses, OfMoleculesWithoutRotationsAreThoseThatWereDrawn) {
   poses.fill(0, drawn);
   const auto found = unique_poses(placer, poses);
   for (std::size_t k = 0; k < found.size(); ++k)
-    EXPECT_LT(largest_gap(found[k].asked, drawn[k]), 1e-9);
+    EXPECT_LT(largest_difference(found[k].asked, drawn[k]), 1e-9);
 }
 
 const PoseAxes kGrid{"0,3", "0:180:30", "0:330:30", "0:270:90", "0:180:45", "0:270:90"};
@@ -117,7 +117,7 @@ TEST(UniquePosesAboveContact, OfRandomDirectionsKeepTheirDirections) {
   for (std::size_t k = 0; k < far.size(); ++k) {
     PoseDegrees as_far = touching[k].asked;
     as_far.r = 20;
-    EXPECT_LT(largest_gap(as_far, far[k].asked), 1e-9) << k;
+    EXPECT_LT(largest_difference(as_far, far[k].asked), 1e-9) << k;
     EXPECT_GT(far[k].asked.theta, 0.0);
     EXPECT_GT(touching[k].asked.r, 2.0);
   }

@@ -153,14 +153,14 @@ TEST(ZippedListFingerprint, DiffersForOtherRows) {
     EXPECT_NE(ListFile(other).list().fingerprint(), fingerprint) << other;
 }
 
-struct Wrong {
+struct WrongList {
   const char* text;
   const char* place_and_what;  ///< behind the name of the file
 };
 
-void PrintTo(const Wrong& wrong, std::ostream* out) { *out << wrong.text; }
+void PrintTo(const WrongList& wrong, std::ostream* out) { *out << wrong.text; }
 
-class ZippedListRefuses : public ::testing::TestWithParam<Wrong> {};
+class ZippedListRefuses : public ::testing::TestWithParam<WrongList> {};
 
 TEST_P(ZippedListRefuses, WithItsPlace) {
   const ListFile file(GetParam().text);
@@ -170,83 +170,90 @@ TEST_P(ZippedListRefuses, WithItsPlace) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, ZippedListRefuses,
     ::testing::Values(
-        Wrong{"1,2,3,4,5,6\n1,2,x,4,5,6\n",
-              ":2: expected phi (a number), found \"x\"\n1,2,x,4,5,6\n    ^"},
-        Wrong{"1,2,3,4,5,6\r\n\r\n1,2,3,4,5,six\r\n",
-              ":3: expected gamma (a number), found \"six\"\n1,2,3,4,5,six\n          ^^^"},
-        Wrong{"1,2,3,nan,5,6\n",
-              ":1: expected alpha (a number), found \"nan\"\n1,2,3,nan,5,6\n      ^^^"},
-        Wrong{"1,inf,3,4,5,6\n",
-              ":1: expected theta (a number), found \"inf\"\n1,inf,3,4,5,6\n  ^^^"},
-        Wrong{"1,2,3,4,,6\n", ":1: expected beta (a number), found \"\"\n1,2,3,4,,6\n        ^"},
-        Wrong{"1,2,3,4,5,6\n1,2,3,4\n",
-              ":2: expected six numbers, or a first line that names the columns, found 4 columns\n"
-              "1,2,3,4\n^^^^^^^"},
-        Wrong{"1,2,3,4,5,6\n1,2,3,4,5,6,7\n",
-              ":2: expected six numbers, or a first line that names the columns, found 7 columns\n"
-              "1,2,3,4,5,6,7\n^^^^^^^^^^^^^"},
-        Wrong{"r,theta,phi,alpha,beta,gamma\n1,2,3,4\n",
-              ":2: expected beta, found the end of the line\n1,2,3,4\n       ^"},
-        Wrong{"1,2,0-360,4,5,6\n",
-              ":1: expected phi (a number), found \"0-360\"\n1,2,0-360,4,5,6\n    ^^^^^"},
-        Wrong{"\xEF\xBB\xBF"
-              "1,2,x,4,5,6\n",
-              ":1: expected phi (a number), found \"x\"\n1,2,x,4,5,6\n    ^"},
-        Wrong{"1;2;3;4;5;6\n",
-              ":1: expected numbers, or the names of columns with r among them\n"
-              "1;2;3;4;5;6\n^^^^^^^^^^^"},
-        Wrong{"gamma,beta,alpha,phi,theta,r\n1,2,3,4,5\n",
-              ":2: expected r, found the end of the line\n1,2,3,4,5\n         ^"}));
+        WrongList{"1,2,3,4,5,6\n1,2,x,4,5,6\n",
+                  ":2: expected phi (a number), found \"x\"\n1,2,x,4,5,6\n    ^"},
+        WrongList{"1,2,3,4,5,6\r\n\r\n1,2,3,4,5,six\r\n",
+                  ":3: expected gamma (a number), found \"six\"\n1,2,3,4,5,six\n          ^^^"},
+        WrongList{"1,2,3,nan,5,6\n",
+                  ":1: expected alpha (a number), found \"nan\"\n1,2,3,nan,5,6\n      ^^^"},
+        WrongList{"1,inf,3,4,5,6\n",
+                  ":1: expected theta (a number), found \"inf\"\n1,inf,3,4,5,6\n  ^^^"},
+        WrongList{"1,2,3,4,,6\n",
+                  ":1: expected beta (a number), found \"\"\n1,2,3,4,,6\n        ^"},
+        WrongList{
+            "1,2,3,4,5,6\n1,2,3,4\n",
+            ":2: expected six numbers, or a first line that names the columns, found 4 columns\n"
+            "1,2,3,4\n^^^^^^^"},
+        WrongList{
+            "1,2,3,4,5,6\n1,2,3,4,5,6,7\n",
+            ":2: expected six numbers, or a first line that names the columns, found 7 columns\n"
+            "1,2,3,4,5,6,7\n^^^^^^^^^^^^^"},
+        WrongList{"r,theta,phi,alpha,beta,gamma\n1,2,3,4\n",
+                  ":2: expected beta, found the end of the line\n1,2,3,4\n       ^"},
+        WrongList{"1,2,0-360,4,5,6\n",
+                  ":1: expected phi (a number), found \"0-360\"\n1,2,0-360,4,5,6\n    ^^^^^"},
+        WrongList{"\xEF\xBB\xBF"
+                  "1,2,x,4,5,6\n",
+                  ":1: expected phi (a number), found \"x\"\n1,2,x,4,5,6\n    ^"},
+        WrongList{"1;2;3;4;5;6\n",
+                  ":1: expected numbers, or the names of columns with r among them\n"
+                  "1;2;3;4;5;6\n^^^^^^^^^^^"},
+        WrongList{"gamma,beta,alpha,phi,theta,r\n1,2,3,4,5\n",
+                  ":2: expected r, found the end of the line\n1,2,3,4,5\n         ^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Headings, ZippedListRefuses,
     ::testing::Values(
-        Wrong{"theta,phi,alpha,beta,gamma\n1,2,3,4,5\n",
-              ":1: expected numbers, or the names of columns with r among them\n"
-              "theta,phi,alpha,beta,gamma\n^^^^^"},
-        Wrong{"r,theta,phi,alpha,Beta,gamma\n1,2,3,4,5,6\n",
-              ":1: expected numbers, or the names of columns with beta among them\n"
-              "r,theta,phi,alpha,Beta,gamma\n^"},
-        Wrong{"r,theta,phi,alpha,beta,gamma\n1,2,3,4,5,6\nr,theta,phi,alpha,beta,gamma\n",
-              ":3: expected r (a number), found \"r\"\nr,theta,phi,alpha,beta,gamma\n^"},
-        Wrong{"\n\nr,phi,alpha,beta,gamma\n1,2,3,4,5\n",
-              ":3: expected numbers, or the names of columns with theta among them\n"
-              "r,phi,alpha,beta,gamma\n^"}));
+        WrongList{"theta,phi,alpha,beta,gamma\n1,2,3,4,5\n",
+                  ":1: expected numbers, or the names of columns with r among them\n"
+                  "theta,phi,alpha,beta,gamma\n^^^^^"},
+        WrongList{"r,theta,phi,alpha,Beta,gamma\n1,2,3,4,5,6\n",
+                  ":1: expected numbers, or the names of columns with beta among them\n"
+                  "r,theta,phi,alpha,Beta,gamma\n^"},
+        WrongList{"r,theta,phi,alpha,beta,gamma\n1,2,3,4,5,6\nr,theta,phi,alpha,beta,gamma\n",
+                  ":3: expected r (a number), found \"r\"\nr,theta,phi,alpha,beta,gamma\n^"},
+        WrongList{"\n\nr,phi,alpha,beta,gamma\n1,2,3,4,5\n",
+                  ":3: expected numbers, or the names of columns with theta among them\n"
+                  "r,phi,alpha,beta,gamma\n^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     ColumnsWithoutNames, ZippedListRefuses,
     ::testing::Values(
-        Wrong{"1,2,3,4\n",
-              ":1: expected six numbers, or a first line that names the columns, found 4 columns\n"
-              "1,2,3,4\n^^^^^^^"},
-        Wrong{"\n \n7,1,2,3,4,5,6\n",
-              ":3: expected six numbers, or a first line that names the columns, found 7 columns\n"
-              "7,1,2,3,4,5,6\n^^^^^^^^^^^^^"},
-        Wrong{"1,2,3,4,5,6,\n",
-              ":1: expected six numbers, or a first line that names the columns, found 7 columns\n"
-              "1,2,3,4,5,6,\n^^^^^^^^^^^^"}));
+        WrongList{
+            "1,2,3,4\n",
+            ":1: expected six numbers, or a first line that names the columns, found 4 columns\n"
+            "1,2,3,4\n^^^^^^^"},
+        WrongList{
+            "\n \n7,1,2,3,4,5,6\n",
+            ":3: expected six numbers, or a first line that names the columns, found 7 columns\n"
+            "7,1,2,3,4,5,6\n^^^^^^^^^^^^^"},
+        WrongList{
+            "1,2,3,4,5,6,\n",
+            ":1: expected six numbers, or a first line that names the columns, found 7 columns\n"
+            "1,2,3,4,5,6,\n^^^^^^^^^^^^"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Ranges, ZippedListRefuses,
     ::testing::Values(
-        Wrong{"1,2,3,4,5,6\n-1,2,3,4,5,6\n",
-              ":2: 0 <= r <= 9999.9; a distance is not negative\n-1,2,3,4,5,6\n^^"},
-        Wrong{"10000,2,3,4,5,6\n",
-              ":1: 0 <= r <= 9999.9; the names of files have no room for longer distances\n"
-              "10000,2,3,4,5,6\n^^^^^"},
-        Wrong{
+        WrongList{"1,2,3,4,5,6\n-1,2,3,4,5,6\n",
+                  ":2: 0 <= r <= 9999.9; a distance is not negative\n-1,2,3,4,5,6\n^^"},
+        WrongList{"10000,2,3,4,5,6\n",
+                  ":1: 0 <= r <= 9999.9; the names of files have no room for longer distances\n"
+                  "10000,2,3,4,5,6\n^^^^^"},
+        WrongList{
             "1,181,3,4,5,6\n",
             ":1: 0 <= theta <= 180; theta 179 with phi 183 is the same direction\n1,181,3,4,5,6\n  ^^^"},
-        Wrong{"gamma,beta,alpha,phi,theta,r\n1, -2 ,400,4,5,6\n",
-              ":2: 0 <= beta <= 180; beta 2 with alpha 220 and gamma 181 is the same orientation\n"
-              "1, -2 ,400,4,5,6\n   ^^"}));
+        WrongList{
+            "gamma,beta,alpha,phi,theta,r\n1, -2 ,400,4,5,6\n",
+            ":2: 0 <= beta <= 180; beta 2 with alpha 220 and gamma 181 is the same orientation\n"
+            "1, -2 ,400,4,5,6\n   ^^"}));
 
-INSTANTIATE_TEST_SUITE_P(EmptyLists, ZippedListRefuses,
-                         ::testing::Values(Wrong{"", ": expected rows of six numbers, found none"},
-                                           Wrong{"\n \n",
-                                                 ": expected rows of six numbers, found none"},
-                                           Wrong{"r,theta,phi,alpha,beta,gamma\n",
-                                                 ": expected rows of six numbers, found none"}));
+INSTANTIATE_TEST_SUITE_P(
+    EmptyLists, ZippedListRefuses,
+    ::testing::Values(WrongList{"", ": expected rows of six numbers, found none"},
+                      WrongList{"\n \n", ": expected rows of six numbers, found none"},
+                      WrongList{"r,theta,phi,alpha,beta,gamma\n",
+                                ": expected rows of six numbers, found none"}));
 
 TEST(ZippedList, ThatIsNotThereIsRefused) {
   const TemporaryFolder folder;

@@ -4,18 +4,16 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <random>
 #include <vector>
 
 #include "common/atom_table.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 
 using Random = std::mt19937_64;
 using Cloud = std::vector<Vec3>;
-
-inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 inline double uniform(Random& random, double low, double high) {
   return std::uniform_real_distribution<double>(low, high)(random);

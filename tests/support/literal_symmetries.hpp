@@ -76,7 +76,7 @@ inline std::vector<Matrix3> literal_symmetries(const Molecule& molecule, double 
 
 inline int count_of_proper(const std::vector<Matrix3>& operations) {
   return static_cast<int>(std::count_if(operations.begin(), operations.end(),
-                                        [](const Matrix3& m) { return determinant(m) > 0.0; }));
+                                        [](const Matrix3& m) { return signed_volume(m) > 0.0; }));
 }
 
 }  // namespace dravo::test

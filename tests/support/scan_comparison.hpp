@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <iomanip>
 #include <ios>
-#include <limits>
 #include <ostream>
 #include <random>
 #include <vector>
@@ -24,6 +23,7 @@
 #include "orientation/grid_walk.hpp"
 #include "orientation/rotations.hpp"
 #include "support/literal_scan.hpp"
+#include "support/not_finite.hpp"
 
 namespace dravo::test {
 
@@ -31,8 +31,6 @@ using Random = std::mt19937_64;
 using FitRule = AxesMatchRule<FitConvention>;
 using SearchRule = AxesMatchRule<SearchConvention>;
 
-inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
-inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr AxisTriple kLaboratory{{{0.0, 0.0, 1.0}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}}};
 
 inline double uniform(Random& random, double low, double high) {

@@ -28,6 +28,6 @@ inline Matrix3 product(const Matrix3& a, const Matrix3& b) {
 }
 
 /// 1 of a rotation, -1 of a reflection.
-inline double determinant(const Matrix3& m) { return dot(m.row[0], cross(m.row[1], m.row[2])); }
+inline double signed_volume(const Matrix3& m) { return dot(m.row[0], cross(m.row[1], m.row[2])); }
 
 }  // namespace dravo::test

@@ -24,7 +24,7 @@ TEST(RandomRotation, IsARotationAndPointsEverywhereAlike) {
   for (int k = 0; k < kTries; ++k) {
     const Matrix3 m = random_rotation(random);
     const Matrix3 one = product(m, transposed(m));
-    ASSERT_NEAR(determinant(m), 1.0, 1e-14);
+    ASSERT_NEAR(signed_volume(m), 1.0, 1e-14);
     ASSERT_NEAR(one.row[0].x + one.row[1].y + one.row[2].z, 3.0, 1e-14);
     // A zone of a sphere has the area of its height. Angles up to 90 degrees are this part of all
     // rotations: (pi/2 - 1) / pi.

@@ -3,16 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <string>
 #include <vector>
 
+#include "support/not_finite.hpp"
 #include "support/view_pages.hpp"
 
 namespace dravo::test {
 namespace {
-
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 ViewColumn column_of(std::vector<double> numbers, bool exact = false) {
   return {.name = "x", .exact = exact, .numbers = std::move(numbers)};
@@ -44,7 +42,7 @@ void expect_kept(const ViewColumn& column, const std::string& kind) {
 TEST(Column, OfOneValueIsThatValue) {
   EXPECT_EQ(encoded_column(column_of({90.0, 90.0, 90.0})).dump(), R"({"constant":90})");
   EXPECT_EQ(encoded_column(column_of({0.1})).dump(), R"({"constant":0.1})");
-  EXPECT_EQ(encoded_column(column_of({kNone, -kNone})).dump(), R"({"constant":null})");
+  EXPECT_EQ(encoded_column(column_of({kNaN, -kNaN})).dump(), R"({"constant":null})");
   EXPECT_EQ(encoded_column({.name = "status", .words = {"ok", "ok"}}).dump(),
             R"({"constant":"ok"})");
 }
@@ -53,7 +51,7 @@ TEST(Column, OfFewValuesIsAListWithThePlaceOfEachRow) {
   EXPECT_EQ(encoded_column({.name = "status", .words = {"ok", "clash", "ok", ""}}).dump(),
             R"({"list":["ok","clash",""],"at":"AAEAAg==","bits":8})");  // 0, 1, 0, 2
   std::vector<double> grid;
-  for (int k = 0; k < 4000; ++k) grid.push_back(k % 7 == 0 ? kNone : 0.1 * (k % 200));
+  for (int k = 0; k < 4000; ++k) grid.push_back(k % 7 == 0 ? kNaN : 0.1 * (k % 200));
   expect_kept(column_of(grid), "list");
   EXPECT_EQ(encoded_column(column_of(grid))["bits"], 8);
   for (int k = 0; k < 4000; ++k) grid[static_cast<std::size_t>(k)] = 0.1 * (k % 300);
@@ -63,7 +61,7 @@ TEST(Column, OfFewValuesIsAListWithThePlaceOfEachRow) {
 
 TEST(Column, OfManyValuesIsExactOrInSinglePrecision) {
   std::vector<double> numbers = many_numbers(500);
-  numbers[3] = kNone;
+  numbers[3] = kNaN;
   expect_kept(column_of(numbers, true), "float64");
   expect_kept(column_of(numbers), "float32");
 }

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <set>
 #include <vector>
 
+#include "support/not_finite.hpp"
 #include "view/even_rows.hpp"
 
 namespace dravo::test {
@@ -77,9 +77,8 @@ TEST(Thinning, KeepsRowsTogether) {
 }
 
 TEST(BestRow, IsTheFirstOfTheSmallestValues) {
-  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(best_row(poses_with({kNone, 3, kNone, 2, 2})), 3);
-  EXPECT_EQ(best_row(poses_with({1, kNone})), 0);
+  EXPECT_EQ(best_row(poses_with({kNaN, 3, kNaN, 2, 2})), 3);
+  EXPECT_EQ(best_row(poses_with({1, kNaN})), 0);
 }
 
 /// Numbers of the rows that stay of so many, whose value is smallest in row `best`.
