@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "arrays.hpp"
+#include "common/ordered_chunks.hpp"
 #include "dravo/error.hpp"
 #include "dravo/identify.hpp"
 #include "dravo/place.hpp"
@@ -47,21 +49,36 @@ py::tuple placed(const Placer& placer, const std::array<double, 6>& pose) {
                         survey.clearance_atom2);
 }
 
+/// Writes the atoms of all poses, poses x atoms x 3.
+void place_all(const Placer& placer, std::span<const PoseDegrees> poses, std::span<double> atoms,
+               int threads, const Stop& stop) {
+  constexpr std::size_t kTogether = 1000;
+  const auto numbers = 3 * static_cast<std::size_t>(placer.size());
+  std::atomic<std::size_t> next = 0;
+  std::atomic<bool> usable = true;
+  in_threads(threads_of(threads), [&] {
+    for (std::size_t k = next.fetch_add(kTogether); k < poses.size() && usable && !stop;
+         k = next.fetch_add(kTogether)) {
+      const std::size_t some = std::min(kTogether, poses.size() - k);
+      try {
+        placer.positions(poses.subspan(k, some), atoms.subspan(k * numbers, some * numbers));
+      } catch (const Error&) {
+        usable = false;
+      }
+    }
+  });
+  if (stop) throw Stopped();
+  if (!usable) require_usable(poses);  // the message counts from the first of all
+}
+
 /// Poses x atoms x 3. The poses are read where they are.
 py::array_t<double> positions_of(const Placer& placer, const Doubles& poses, int threads) {
-  const auto numbers = 3 * static_cast<std::size_t>(placer.size());
   const std::span rows = poses_span(poses);
+  const std::size_t numbers = rows.size() * 3 * static_cast<std::size_t>(placer.size());
   auto positions =
       interruptible([placer, rows, threads, numbers, kept = Kept(poses)](const Stop& stop) {
-        constexpr std::size_t kNumbersTogether = 1'000'000;  // some milliseconds
-        const std::size_t together = std::max<std::size_t>(kNumbersTogether / numbers, 1);
-        Memory memory = memory_for(rows.size() * numbers);
-        for (std::size_t k = 0; k < rows.size(); k += together) {
-          if (stop) throw Stopped();
-          const std::size_t some = std::min(together, rows.size() - k);
-          require_usable(rows.subspan(k, some), k + 1);  // counts from the first of all
-          placer.positions(rows.subspan(k, some), {&memory[k * numbers], some * numbers}, threads);
-        }
+        Memory memory = memory_for(numbers);
+        place_all(placer, rows, {memory.get(), numbers}, threads, stop);
         return memory;
       });
   return array_of(std::move(positions),

@@ -78,7 +78,14 @@ PoseDegrees with_folded_azimuths(const PoseDegrees& pose) {
   return folded;
 }
 
+bool is_usable(const PoseDegrees& pose) {
+  return pose.r >= 0.0 && pose.r <= kLongestDistance && pose.theta >= 0.0 &&
+         pose.theta <= kHalfTurn && pose.beta >= 0.0 && pose.beta <= kHalfTurn &&
+         std::isfinite(pose.phi) && std::isfinite(pose.alpha) && std::isfinite(pose.gamma);
+}
+
 std::optional<OutOfRange> complaint_about(const PoseDegrees& pose) {
+  if (is_usable(pose)) return std::nullopt;
   for (const PoseParameter& parameter : kPoseParameters)
     if (auto found = complaint(parameter, pose.*parameter.value, &pose)) return found;
   return std::nullopt;
@@ -88,17 +95,16 @@ std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double
   return complaint(parameter, value, nullptr);
 }
 
-void require_usable(std::span<const PoseDegrees> poses, std::size_t first) {
+void require_usable(std::span<const PoseDegrees> poses) {
   for (std::size_t k = 0; k < poses.size(); ++k) {
-    const auto complaint = complaint_about(poses[k]);
-    if (!complaint) continue;
-    if (!std::isfinite(complaint->value()))
-      throw InvalidInput(fmt::format("pose {}: {}: expected a finite number, found {}", first + k,
-                                     complaint->name(), complaint->value()));
-    throw OutOfRange(fmt::format("pose {}: {} {}: {}", first + k, complaint->name(),
-                                 shortest_text(complaint->value()), complaint->what()),
-                     complaint->name(), complaint->value(), complaint->lowest(),
-                     complaint->highest());
+    if (is_usable(poses[k])) continue;
+    const OutOfRange complaint = complaint_about(poses[k]).value();
+    if (!std::isfinite(complaint.value()))
+      throw InvalidInput(fmt::format("pose {}: {}: expected a finite number, found {}", k + 1,
+                                     complaint.name(), complaint.value()));
+    throw OutOfRange(fmt::format("pose {}: {} {}: {}", k + 1, complaint.name(),
+                                 shortest_text(complaint.value()), complaint.what()),
+                     complaint.name(), complaint.value(), complaint.lowest(), complaint.highest());
   }
 }
 

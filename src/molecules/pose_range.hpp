@@ -17,6 +17,10 @@ bool is_azimuth(const PoseParameter& parameter);
 /// what is not finite stays as it is.
 PoseDegrees with_folded_azimuths(const PoseDegrees& pose);
 
+/// Whether a pose may be had: r from 0 to 9999.9 Angstrom, theta and beta from 0 to 180 degrees,
+/// and every number finite.
+bool is_usable(const PoseDegrees& pose);
+
 /// The first value that no pose may have: an r outside of 0 to 9999.9 Angstrom, a theta or a beta
 /// outside of 0 to 180 degrees, anything that is not finite. The sentence has the range and, of an
 /// angle, the values in range that make the same pose. Empty when there is none.
@@ -26,7 +30,7 @@ std::optional<OutOfRange> complaint_about(const PoseDegrees& pose);
 std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double value);
 
 /// Throws OutOfRange for the first of the poses that nobody may have, and InvalidInput where a
-/// number is not finite. The message tells which pose; the first of these is number `first`.
-void require_usable(std::span<const PoseDegrees> poses, std::size_t first = 1);
+/// number is not finite. The message tells which pose, from 1.
+void require_usable(std::span<const PoseDegrees> poses);
 
 }  // namespace dravo

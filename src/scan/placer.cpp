@@ -77,16 +77,22 @@ std::vector<Vec3> Placer::positions(const PoseDegrees& pose) const {
 void Placer::positions(std::span<const PoseDegrees> poses, std::span<double> positions,
                        int threads) const {
   require_room(positions, size(), poses.size());
-  require_usable(poses);
   const std::size_t numbers = numbers_of(size());
   std::atomic<std::size_t> next = 0;
+  std::atomic<bool> usable = true;
   in_threads(threads_of(threads), [&] {
     constexpr std::size_t kTogether = 256;
-    for (std::size_t k = next.fetch_add(kTogether); k < poses.size(); k = next.fetch_add(kTogether))
-      for (std::size_t i = k; i < std::min(k + kTogether, poses.size()); ++i)
-        placer_->place_atoms(placer_->used_parameters(poses[i]),
-                             positions.subspan(i * numbers, numbers));
+    for (std::size_t k = next.fetch_add(kTogether); k < poses.size() && usable;
+         k = next.fetch_add(kTogether))
+      for (std::size_t i = k; i < std::min(k + kTogether, poses.size()); ++i) {
+        if (is_usable(poses[i]))
+          placer_->place_atoms(placer_->used_parameters(poses[i]),
+                               positions.subspan(i * numbers, numbers));
+        else
+          usable = false;
+      }
   });
+  if (!usable) require_usable(poses);
 }
 
 double Placer::touching_distance(const PoseDegrees& pose) const {
