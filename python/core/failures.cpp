@@ -17,7 +17,8 @@ void raise(const char* name, const Arguments&... arguments) {
   PyErr_SetObject(type.ptr(), exception.ptr());
 }
 
-void translate(std::exception_ptr failure) {
+// Of the type that pybind11 calls.
+void translate(std::exception_ptr failure) {  // NOLINT(performance-unnecessary-value-param)
   try {
     if (failure) std::rethrow_exception(failure);
   } catch (const InvalidInput& fault) {

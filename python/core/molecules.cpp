@@ -26,7 +26,7 @@ Split split_of(const SplitWord& word) {
   if (!word) return std::nullopt;
   if (const auto* const n1 = std::get_if<std::int32_t>(&*word)) return *n1;
   if (std::get<std::string>(*word) == "auto") return SplitByBonds{};
-  throw InvalidInput(fmt::format("split: expected a number of atoms or \"auto\", found \"{}\"",
+  throw InvalidInput(fmt::format(R"(split: expected a number of atoms or "auto", found "{}")",
                                  std::get<std::string>(*word)));
 }
 

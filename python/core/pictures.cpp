@@ -102,7 +102,7 @@ std::string unit_of(const std::string& name) {
 using NumberColumns = std::vector<std::pair<std::string, std::vector<double>>>;
 
 /// The columns must have those of the six parameters.
-ViewPoses poses_of(NumberColumns columns, const std::string& colour) {
+ViewPoses poses_of(NumberColumns&& columns, const std::string& colour) {
   ViewPoses poses{.kind = "scan",
                   .name = "scan",
                   .columns = {},

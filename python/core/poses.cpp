@@ -106,9 +106,8 @@ py::array_t<double> rows_of(const CountedPoses& self, std::int64_t first, std::i
 std::pair<double, bool> number_of(const std::string& name, const std::string& text) {
   const auto number = parse_pose_number(text);
   if (!number)
-    throw InvalidInput(
-        fmt::format("{}: expected a finite number, \"here\", or \"here + a number\", found \"{}\"",
-                    name, text));
+    throw InvalidInput(fmt::format(
+        R"({}: expected a finite number, "here", or "here + a number", found "{}")", name, text));
   return {number->number, number->from_here};
 }
 

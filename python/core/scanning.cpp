@@ -132,9 +132,15 @@ class Scan {
  public:
   Scan(std::shared_ptr<RunningScan> running, std::int32_t atoms)
       : running_(std::move(running)), atoms_(atoms), thread_([scan = running_] { scan->run(); }) {}
-  Scan(Scan&&) = default;
+  Scan(const Scan&) = delete;
+  Scan& operator=(const Scan&) = delete;
 
-  ~Scan() { close(); }
+  ~Scan() {
+    try {
+      close();
+    } catch (const std::exception&) {  // it was told to stop, and ends by itself
+    }
+  }
 
   /// Ends it, and leaves an engine alone that does not end at once.
   void close() {
@@ -231,9 +237,11 @@ ContactRule contact_rule(const std::string& name) {
   throw InvalidInput(fmt::format("contacts: expected keep, drop or only, found \"{}\"", name));
 }
 
-Scan started(const Placer& placer, const CountedPoses& poses, const std::string& contacts,
-             bool positions, bool clearance, bool unique, std::optional<EnergyModel> model,
-             const std::optional<double>& keep_below, int threads, std::int64_t batch) {
+std::unique_ptr<Scan> started(const Placer& placer, const CountedPoses& poses,
+                              const std::string& contacts, bool positions, bool clearance,
+                              bool unique, std::optional<EnergyModel> model,
+                              const std::optional<double>& keep_below, int threads,
+                              std::int64_t batch) {
   if (threads < 0)
     throw InvalidInput(
         fmt::format("threads: expected a number of threads, or 0 for all, found {}", threads));
@@ -244,8 +252,9 @@ Scan started(const Placer& placer, const CountedPoses& poses, const std::string&
                       .clearance = clearance,
                       .unique = unique,
                       .keep_below = keep_below};
-  return {std::make_shared<RunningScan>(placer, poses.poses, options, std::move(model), batch),
-          placer.size()};
+  return std::make_unique<Scan>(
+      std::make_shared<RunningScan>(placer, poses.poses, options, std::move(model), batch),
+      placer.size());
 }
 
 }  // namespace

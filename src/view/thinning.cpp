@@ -44,7 +44,7 @@ std::int64_t best_row(const ViewPoses& poses) {
 
 void thin(ViewPoses& poses, std::int64_t most) {
   const auto rows = static_cast<std::int64_t>(poses.rows());
-  if (rows <= most) return;
+  if (rows == 0 || rows <= most) return;
   const std::vector<std::int64_t> chosen = even_choice(rows, most, best_row(poses));
   keep(poses.positions, poses.positions.size() / static_cast<std::size_t>(rows), chosen);
   for (ViewColumn& column : poses.columns) {
