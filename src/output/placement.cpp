@@ -47,9 +47,15 @@ Placement place_by_user(const ConstAtomTable& parallel, const MoleculeSplit& spl
             molecule1.cm);
   translate_rows(placed, split.molecule1(), translation);
 
+  return measured_placement(molecule1, translation, centre_of_mass(placed, split.molecule1()),
+                            centre_of_mass(placed, split.molecule2()));
+}
+
+Placement measured_placement(const MoleculeFrame& molecule1, const Vec3& translation,
+                             const Vec3& cm1, const Vec3& cm2) {
   MoleculeFrame moved = moved_tips(molecule1, translation);
-  moved.cm = centre_of_mass(placed, split.molecule1());
-  return measured(moved, centre_of_mass(placed, split.molecule2()));
+  moved.cm = cm1;
+  return measured(moved, cm2);
 }
 
 Placement place_as_found(const ConstAtomTable& aligned, const MoleculeSplit& split,

@@ -42,6 +42,11 @@ Placement place_by_user(const ConstAtomTable& parallel, const MoleculeSplit& spl
                         const MoleculeFrame& molecule1, const EulerAngles& rotation,
                         const SphericalPosition& position, AtomTable placed);
 
+/// What the same leaves, where the pair is placed by other means: `translation` moved molecule 1's
+/// frame, and the placed molecules have their centres of mass at `cm1` and `cm2`.
+Placement measured_placement(const MoleculeFrame& molecule1, const Vec3& translation,
+                             const Vec3& cm1, const Vec3& cm2);
+
 /// Identification: the aligned pair goes to `placed` with molecule 1 at the position measured where
 /// it stands. It moves only when molecule 2's centre of mass is not the origin.
 Placement place_as_found(const ConstAtomTable& aligned, const MoleculeSplit& split,

@@ -22,9 +22,12 @@ PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writi
 
 namespace {
 
-PoseRules rules_of(const ScanPlan& plan, const ScanOutput& output, const UniquePoses* unique) {
+PoseRules rules_of(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
+                   const UniquePoses* unique) {
   const bool written = output.writing != Writing::nothing;
-  return {plan.contacts(), plan.above_contact(), written, unique, output.energy, output.keep_below};
+  const bool measured = output.writing == Writing::files || (written && !placer.exact());
+  return {plan.contacts(), plan.above_contact(), written, unique,
+          output.energy,   output.keep_below,    measured};
 }
 
 }  // namespace
@@ -33,7 +36,7 @@ TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanO
                      const UniquePoses* unique)
     : placer_(&placer),
       output_(&output),
-      poses_(placer, plan.poses(), rules_of(plan, output, unique)),
+      poses_(placer, plan.poses(), rules_of(placer, plan, output, unique)),
       writer_(writer_of(placer, columns_of(placer, plan, output), output.writing)),
       folders_(output.pose_folder, plan.poses().size()) {}
 

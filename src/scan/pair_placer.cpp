@@ -7,6 +7,7 @@
 #include "dravo/frame.hpp"
 #include "dravo/identify.hpp"
 #include "identify/closed_form.hpp"
+#include "inertia/centre_of_mass.hpp"
 #include "molecules/van_der_waals_radii.hpp"
 #include "orientation/molecule_alignment.hpp"
 #include "orientation/pair_analysis.hpp"
@@ -87,30 +88,51 @@ PairPlacer::PairPlacer(const Pair& pair, const PlacerOptions& options)
       ready_(made_ready(pair, molecules_, options.placing)),
       offsets_(positions(ready_.parallel.table(), split_.molecule1(), ready_.molecule1.cm)),
       molecule2_(positions(ready_.parallel.table(), split_.molecule2(), {})),
+      cm2_(centre_of_mass(ready_.parallel.table(), split_.molecule2())),
       surveyor_(molecule2_, radii_for(pair, options.criterion), options.criterion) {}
 
+template <class Take>
+void PairPlacer::turn_and_move(const PoseRadians& radians, const Take& take) const {
+  const Vec3 cm = ready_.molecule1.cm;
+  const Vec3 translation = cartesian({radians.r, radians.theta, radians.phi}) - cm;
+  const Matrix3 turn = euler_matrix(radians.alpha, radians.beta, radians.gamma);
+  for (const Vec3& offset : offsets_) take(turn * offset + cm + translation);
+}
+
 Placement PairPlacer::place(const PoseRadians& radians, AtomTable& placed) const {
-  const EulerAngles rotation{radians.alpha, radians.beta, radians.gamma};
-  Placement placement = place_by_user(ready_.parallel.table(), split_, ready_.molecule1, rotation,
-                                      {radians.r, radians.theta, radians.phi}, placed);
+  put_molecule2(placed);
+  put_molecule1(radians, placed);
+  return measured(radians, placed);
+}
+
+void PairPlacer::put_molecule2(AtomTable& placed) const {
+  placed.copy_rows(ready_.parallel.table(), split_.N);
+}
+
+void PairPlacer::put_molecule1(const PoseRadians& radians, AtomTable& placed) const {
+  std::int32_t row = 0;
+  turn_and_move(radians, [&](const Vec3& atom) { placed.set_position(row++, atom); });
+}
+
+Placement PairPlacer::measured(const PoseRadians& radians, const ConstAtomTable& placed) const {
+  const Vec3 translation = cartesian({radians.r, radians.theta, radians.phi}) - ready_.molecule1.cm;
+  Placement placement = measured_placement(ready_.molecule1, translation,
+                                           centre_of_mass(placed, split_.molecule1()), cm2_);
   // The drawing of qn-dravo shows axes that were moved and not turned.
   if (exact())
     turn_tips(placement.molecule1, ready_.molecule1,
-              euler_matrix(rotation.alpha, rotation.beta, rotation.gamma));
+              euler_matrix(radians.alpha, radians.beta, radians.gamma));
   return placement;
 }
 
 void PairPlacer::place_atoms(const PoseRadians& radians, std::span<double> positions) const {
-  const Vec3 cm = ready_.molecule1.cm;
-  const Vec3 translation = cartesian({radians.r, radians.theta, radians.phi}) - cm;
-  const Matrix3 turn = euler_matrix(radians.alpha, radians.beta, radians.gamma);
   double* next = positions.data();
   const auto write = [&next](const Vec3& p) {
     *next++ = p.x;
     *next++ = p.y;
     *next++ = p.z;
   };
-  for (const Vec3& offset : offsets_) write(turn * offset + cm + translation);
+  turn_and_move(radians, write);
   for (const Vec3& atom : molecule2_) write(atom);
 }
 

@@ -49,7 +49,13 @@ class PairPlacer {
   /// The pair by used parameters.
   Placement place(const PoseRadians& radians, AtomTable& placed) const;
 
-  /// The same atoms to the bit, and nothing else: x, y, z one behind the other, 3 N.
+  /// The same, to the bit, for who places many poses in one table: molecule 2 never moves, so it is
+  /// put there once, and what is measured is asked for where it is needed.
+  void put_molecule2(AtomTable& placed) const;
+  void put_molecule1(const PoseRadians& radians, AtomTable& placed) const;
+  [[nodiscard]] Placement measured(const PoseRadians& radians, const ConstAtomTable& placed) const;
+
+  /// The same atoms alone: x, y, z one behind the other, 3 N.
   void place_atoms(const PoseRadians& radians, std::span<double> positions) const;
 
   /// With the clearance when it is asked for.
@@ -69,12 +75,17 @@ class PairPlacer {
   [[nodiscard]] double longest_touching_distance() const;
 
  private:
+  /// Where molecule 1's atoms go, one after the other.
+  template <class Take>
+  void turn_and_move(const PoseRadians& radians, const Take& take) const;
+
   MoleculeSplit split_;
   std::vector<Label> labels_;
   std::array<PrincipalFrame, 2> molecules_;
   ReadyPair ready_;
   std::vector<Vec3> offsets_;  ///< molecule 1's analysed atoms, from its centre of mass
   std::vector<Vec3> molecule2_;
+  Vec3 cm2_;  ///< as it is measured
   ContactSurveyor surveyor_;
 };
 

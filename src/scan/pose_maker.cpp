@@ -70,11 +70,14 @@ MadePose PoseMaker::made_again(const ScannedPose& known) {
 
 /// By its radians.
 void PoseMaker::place(MadePose& pose) {
-  pose.placement = placer_->place(pose.radians, placed_.table());
+  placer_->put_molecule1(pose.radians, placed_.table());
+  if (rules_.measured) pose.placement = placer_->measured(pose.radians, placed_.table());
   const ContactSurvey survey =
       placer_->survey(placed_.table(), rules_.clearance || rules_.energy != nullptr);
-  pose.numbers.applied = placer_->exact() ? with_folded_azimuths(pose.numbers.asked)
-                                          : applied_parameters(pose.placement, pose.radians);
+  if (placer_->exact())
+    pose.numbers.applied = with_folded_azimuths(pose.numbers.asked);
+  else if (rules_.measured)
+    pose.numbers.applied = applied_parameters(pose.placement, pose.radians);
   pose.numbers.shortest = survey.shortest;
   pose.numbers.contacts = survey.contacts;
   pose.numbers.clearance = survey.clearance;

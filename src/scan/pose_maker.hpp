@@ -26,6 +26,8 @@ struct PoseRules {
   const EnergyModel* energy =
       nullptr;  ///< poses with the right contacts get an energy, if not null
   std::optional<double> keep_below = std::nullopt;  ///< wanted are those with a lower one, kcal/mol
+  /// Poses have their placement, and the applied parameters where the placer is not exact.
+  bool measured = true;
 };
 
 /// How many poses of so many atoms take about a tenth of a second, at most.
@@ -49,7 +51,9 @@ PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& ra
 class PoseMaker {
  public:
   PoseMaker(const PairPlacer& placer, Poses poses, const PoseRules& rules)
-      : placer_(&placer), poses_(std::move(poses)), rules_(rules), placed_(placer.split().N) {}
+      : placer_(&placer), poses_(std::move(poses)), rules_(rules), placed_(placer.split().N) {
+    placer.put_molecule2(placed_.table());
+  }
 
   /// Makes poses `first` to before `end`, from 0, and hands each to `take` as soon as it is made.
   template <class Take>
