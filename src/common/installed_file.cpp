@@ -23,8 +23,11 @@ fs::path own_file() {
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
   Dl_info own{}, main{};
-  const bool known = ::dladdr(reinterpret_cast<const void*>(&own_file), &own) != 0 &&
-                     ::dladdr(reinterpret_cast<const void*>(::getauxval(AT_ENTRY)), &main) != 0;
+  // The system tells where the program begins as a number.
+  const auto* const entry =
+      reinterpret_cast<const void*>(::getauxval(AT_ENTRY));  // NOLINT(performance-no-int-to-ptr)
+  const bool known =
+      ::dladdr(reinterpret_cast<const void*>(&own_file), &own) != 0 && ::dladdr(entry, &main) != 0;
   return known && own.dli_fbase != main.dli_fbase ? fs::absolute(own.dli_fname) : program;
 }
 

@@ -23,7 +23,6 @@
 namespace dravo {
 namespace {
 
-
 constexpr auto kScoreKey = "score";
 constexpr auto kSeedKey = "seed";
 constexpr auto kStartsKey = "starts";
