@@ -6,7 +6,7 @@ import re
 from typing import Callable
 
 
-#: what the commands advise, and how it is said here; other options are keyword arguments of their name
+#: what the commands advise, and how it is said here; other options are arguments of their name
 _ADVICE: tuple[tuple[str, str | Callable[[re.Match[str]], str]], ...] = (
     (r"\n?Run with --help for more\.", ""),
     (r"--no-check accepts", "check=False accepts"),

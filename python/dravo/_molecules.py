@@ -78,6 +78,12 @@ class Survey(NamedTuple):
     #: the atoms of that, by their places in `Pair.symbols`, from 0; -1 without any
     clearance_atoms: tuple[int, int]
 
+    @classmethod
+    def _of(
+        cls, shortest: float, contacts: int, clearance: float, atom1: int, atom2: int
+    ) -> Survey:
+        return cls(shortest, contacts, clearance, (atom1, atom2))
+
 
 def _symbols(symbols: Any) -> list[str]:
     if isinstance(symbols, str):
@@ -173,7 +179,7 @@ class Pair:
     <dravo.Pair H2O (3 atoms) and H2O (3 atoms)>
     """
 
-    __slots__ = ("_apart", "_core", "_here", "parameters", "remarks", "title")
+    __slots__ = ("_apart", "_core", "_here", "_stated", "parameters", "remarks", "title")
 
     #: what a QN-input-GEOMETRY.xyz states; None for other files
     parameters: Pose | None
@@ -212,6 +218,7 @@ class Pair:
         self._core = core
         self._apart = apart
         self._here: Pose | None = None
+        self._stated: list[float | None] | None = None
         self.parameters = None if parameters is None else Pose(*parameters)
         self.remarks = remarks
         self.title = title
@@ -298,11 +305,13 @@ class Pair:
     def contacts(self, contact_distance: float | str = SHORT_CONTACT) -> list[Contact]:
         """Atoms of different molecules up to `contact_distance` apart: Angstrom, ``"vdw*0.8"`` or
         ``"vdw"``, multiples of the sum of the van der Waals radii."""
-        return [Contact(*found) for found in self._in_one_space().contacts(criterion(contact_distance))]
+        found = self._in_one_space().contacts(criterion(contact_distance))
+        return [Contact(*contact) for contact in found]
 
     def closest(self, count: int = 5) -> list[ClosePair]:
         """The closest intermolecular pairs of atoms."""
-        return [ClosePair(*found) for found in self._in_one_space().closest(integer(count, "count"))]
+        found = self._in_one_space().closest(integer(count, "count"))
+        return [ClosePair(*pair) for pair in found]
 
     def hydrogen_bonds(self) -> list[HydrogenBond]:
         """Between the molecules: H...A up to 2.5 Angstrom, D-H...A from 120 degrees on; D and A are
@@ -311,8 +320,7 @@ class Pair:
 
     def survey(self, contact_distance: float | str = SHORT_CONTACT) -> Survey:
         """Shortest distance, number of short contacts, clearance."""
-        shortest, contacts, clearance, *atoms = self._in_one_space().survey(criterion(contact_distance))
-        return Survey(shortest, contacts, clearance, (atoms[0], atoms[1]))
+        return Survey._of(*self._in_one_space().survey(criterion(contact_distance)))
 
     def energy(self, method: str = "gfnff", **options: Any) -> PairEnergy:
         """The interaction energy of the pair as it stands: see `dravo.energy`."""
@@ -353,10 +361,12 @@ class Pair:
 
     def _defaults(self) -> list[float | None] | None:
         """What stands in for parameters that nobody gives, where it is not the pair's own pose."""
-        if self._apart:
+        if self._stated is None and self._apart:
             linear = self.molecules[1].frame(role=2).shape == "linear"
-            return [None, 90.0 if linear else 0.0, 0.0, 0.0, 0.0, 0.0]
-        return None if self.parameters is None else list(self.parameters)
+            self._stated = [None, 90.0 if linear else 0.0, 0.0, 0.0, 0.0, 0.0]
+        elif self._stated is None and self.parameters is not None:
+            self._stated = list(self.parameters)
+        return self._stated
 
     def __repr__(self) -> str:
         one, two = (f"{molecule.formula} ({_atoms(len(molecule))})" for molecule in self.molecules)

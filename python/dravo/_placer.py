@@ -39,7 +39,7 @@ class Placer:
     1
     """
 
-    __slots__ = ("_core", "_like", "contact_distance", "pair", "placing")
+    __slots__ = ("_core", "_here", "_like", "contact_distance", "pair", "placing")
 
     #: of the molecules, as they were given
     pair: Pair
@@ -56,13 +56,14 @@ class Placer:
         contact_distance: float | str = SHORT_CONTACT,
     ) -> None:
         if isinstance(pair, Molecule) and isinstance(molecule2, Molecule):
-            pair = Pair(pair, molecule2)
-        if not isinstance(pair, Pair) or molecule2 is not None and not pair._apart:
+            pair, molecule2 = Pair(pair, molecule2), None
+        if not isinstance(pair, Pair) or molecule2 is not None:
             raise InputError("a placer is of a Pair, or of two Molecules")
         self.pair = pair
         self.placing = placing
         self.contact_distance = contact_distance
         self._like = like
+        self._here: Pose | None = None
         self._core = _core.Placer(
             pair._core, placing, reference(like), criterion(contact_distance)
         )
@@ -136,17 +137,18 @@ class Placer:
         if value is None:
             if pose is not None:
                 return pose[k]
-            default = self._default(k)
-            return self._here(k, "") if default is None else default
+            stated = self._defaults()
+            default = None if stated is None else stated[k]
+            return self._own_value(k, "") if default is None else default
         if isinstance(value, str):
             number, from_here = _core.number_of(PARAMETERS[k], value)
-            return self._here(k, value) + number if from_here else number
+            return self._own_value(k, value) + number if from_here else number
         try:
             return float(value)
         except (TypeError, ValueError):
             raise InputError(f"{PARAMETERS[k]}: expected a number, found {value!r}") from None
 
-    def _here(self, k: int, value: str) -> float:
+    def _own_value(self, k: int, value: str) -> float:
         """Of the pair as it stands; `value` is the text that asks for it."""
         here = self._own_pose()
         if here is not None:
@@ -159,17 +161,15 @@ class Placer:
             "stand"
         )
 
-    def _default(self, k: int) -> float | None:
-        defaults = self._defaults()
-        return None if defaults is None else defaults[k]
-
     def _defaults(self) -> list[float | None] | None:
         return self.pair._defaults()
 
     def _own_pose(self) -> Pose | None:
         if self._like is None or self.pair._apart:
             return self.pair._own_pose()
-        return self.pair.identify(like=self._like).pose
+        if self._here is None:
+            self._here = self.pair.identify(like=self._like).pose
+        return self._here
 
     def place(
         self, pose: Pose | None = None, *, keep_frame: bool = False, **parameters: Value
@@ -181,7 +181,7 @@ class Placer:
         `OutOfRange`.
         """
         chosen = self.pose(pose, **parameters)
-        placed = self.placed_pair(chosen, keep_frame=keep_frame)
+        placed = self._placed(chosen, keep_frame)
         try:
             atoms = placed.to_ase()
         except ImportError:
@@ -196,19 +196,20 @@ class Placer:
         self, pose: Pose | None = None, *, keep_frame: bool = False, **parameters: Value
     ) -> Pair:
         """The same as a `Pair`."""
-        chosen = self.pose(pose, **parameters)
+        return self._placed(self.pose(pose, **parameters), keep_frame)
+
+    def _placed(self, pose: Pose, keep_frame: bool) -> Pair:
         if keep_frame and not self.exact:
             raise InputError("keep_frame does not go with placing as qn-dravo")
-        positions = self._core.place(chosen)[0]
         if keep_frame:
-            positions = self._core.in_kept_frame(self.pair._core, chosen)
+            positions = self._core.in_kept_frame(self.pair._core, pose)
+        else:
+            positions = self._core.place(pose)[0]
         return Pair(self.symbols, positions, self.n1, check=False)
 
     def survey(self, pose: Pose | None = None, **parameters: Value) -> Survey:
         """How close the molecules come in a pose. Raises `OutOfRange`."""
-        found = self._core.place(self.pose(pose, **parameters))
-        shortest, contacts, clearance, atom1, atom2 = found[2:]
-        return Survey(shortest, contacts, clearance, (atom1, atom2))
+        return Survey._of(*self._core.place(self.pose(pose, **parameters))[2:])
 
     def applied(self, pose: Pose | None = None, **parameters: Value) -> Pose:
         """The parameters as they are applied: phi, alpha and gamma from 0 to 360; as ``qn-dravo``,
@@ -236,7 +237,7 @@ class Placer:
         return self._core.positions(self.rows(poses), integer(threads, "threads", 0, 1024))
 
     def rows(self, poses: Any) -> Floats:
-        """Poses as n x 6 numbers, Angstrom and degrees, with r as the whole distance where it counts
+        """Poses as n x 6 numbers, Angstrom and degrees; r is the whole distance, also where it counts
         from the first contact.
 
         >>> pair = read("formamide-dimer.xyz", split=6)

@@ -129,7 +129,7 @@ class Scan(Iterator[ScanBatch]):
 
     def rest(self) -> ScanBatch:
         """What is left, as one batch."""
-        batches = [columns for columns in iter(self._core.next, None)]
+        batches = list(iter(self._core.next, None))
         if not batches:
             return ScanBatch(_no_columns(), self._extras)
         whole = {"first_index": batches[0].pop("first_index")}

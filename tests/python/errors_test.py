@@ -145,6 +145,8 @@ REFUSED: list[Callable[[], Any]] = [
     lambda: dravo.Pair(formamides.symbols, formamides.positions, 5),
     lambda: dravo.Pair(formamides.molecules[0]),
     lambda: dravo.Placer(formamides.molecules[0]),
+    lambda: dravo.Placer(formamides, formamides.molecules[1]),
+    lambda: dravo.Placer(dravo.Pair(*formamides.molecules), formamides.molecules[1]),
     lambda: dravo.Placer(formamides, placing="roughly"),
     lambda: dravo.Placer(formamides, contact_distance="near"),
     lambda: dravo.Placer(formamides, contact_distance=-1),
