@@ -81,6 +81,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/scan/zipped_list.cpp
   src/scene/bild.cpp
   src/scene/colours.cpp
+  src/scene/description.cpp
   src/scene/element_colours.cpp
   src/scene/molecule_scene.cpp
   src/scene/pair_scene.cpp

@@ -34,6 +34,9 @@ std::string_view name_of(FrameKind kind);
 /// How many directions a molecule has: none, one, or three.
 enum class Shape { atom, linear, general };
 
+/// "atom", "linear", "general".
+std::string_view name_of(Shape shape);
+
 enum class RotorType { linear, spherical, prolate, oblate, asymmetric };
 
 /// Moments that differ by less than this part of the larger one count as equal, and so small a part

@@ -85,12 +85,10 @@ class Placer {
   /// The atoms alone. Throws OutOfRange.
   [[nodiscard]] std::vector<Vec3> positions(const PoseDegrees& pose) const;
 
-  /// The atoms alone of many poses, pose after pose, each as `place` has them, made by so many
-  /// threads (0 for as many as the machine has cores). Throws OutOfRange, which names the pose;
-  /// InvalidInput for a number that is not finite, and for a span of another length than
-  /// poses x atoms x 3.
-  void positions(std::span<const PoseDegrees> poses, std::span<double> positions,
-                 int threads = 1) const;
+  /// The atoms alone of many poses, pose after pose, each as `place` has them. Throws OutOfRange,
+  /// which names the pose; InvalidInput for a number that is not finite, and for a span of another
+  /// length than poses x atoms x 3.
+  void positions(std::span<const PoseDegrees> poses, std::span<double> positions) const;
 
   /// Distance of the centres of mass at which the pair, in this direction and orientation, first
   /// has a short contact, by the criterion of the placer, on its way from afar; zero when it has

@@ -106,14 +106,20 @@ inline py::array_t<double> poses_array(std::span<const PoseDegrees> poses) {
   return array_of(std::move(values), {static_cast<py::ssize_t>(poses.size()), 6});
 }
 
-inline std::vector<Vec3> points_of(const Doubles& rows) {
-  std::vector<Vec3> points(static_cast<std::size_t>(rows.shape(0)));
-  const double* next = rows.data();
+/// x, y, z one behind the other.
+inline std::vector<Vec3> points_of(std::span<const double> numbers) {
+  std::vector<Vec3> points(numbers.size() / 3);
+  const double* next = numbers.data();
   for (Vec3& p : points) {
     p = {next[0], next[1], next[2]};
     next += 3;
   }
   return points;
+}
+
+/// n x 3.
+inline std::vector<Vec3> points_of(const Doubles& rows) {
+  return points_of(std::span(rows.data(), static_cast<std::size_t>(rows.size())));
 }
 
 }  // namespace dravo::python

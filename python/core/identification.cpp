@@ -114,13 +114,6 @@ class Table {
   std::vector<std::string> remarks_;
 };
 
-std::string joined(const std::vector<std::string>& sentences) {
-  std::string text;
-  for (const std::string& sentence : sentences)
-    text.append(text.empty() ? "" : "; ").append(sentence);
-  return text;
-}
-
 /// Frames of the same atoms.
 struct Trajectory {
   std::vector<Label> labels;
@@ -130,63 +123,50 @@ struct Trajectory {
   [[nodiscard]] std::size_t frames() const { return positions.size() / (3 * labels.size()); }
 
   [[nodiscard]] Pair pair(std::size_t frame) const {
-    const std::size_t atoms = labels.size();
-    const double* next = &positions[frame * 3 * atoms];
-    std::vector<Vec3> points(atoms);
-    for (Vec3& p : points) {
-      p = {next[0], next[1], next[2]};
-      next += 3;
-    }
-    return {n1, Molecule(labels, std::move(points))};
+    const std::size_t numbers = 3 * labels.size();
+    return {n1, Molecule(labels, points_of(positions.subspan(frame * numbers, numbers)))};
   }
 };
 
 struct ManyPairs {
   Trajectory frames;
-  FrameRule rule;
+  ManyFrames wanted;  ///< its reference is the one below
   std::optional<Pair> like;
-  ContactCriterion criterion;
-  int threads;
   bool skip_bad;
 };
 
-IdentifiedFrame identified_frame(const ManyPairs& wanted, std::int64_t k) {
+IdentifiedFrame identified_frame(const ManyPairs& pairs, std::int64_t k) {
   IdentifiedFrame frame{.number = k + 1};
   try {
-    const Pair pair = wanted.frames.pair(static_cast<std::size_t>(k));
-    const Identification found =
-        identify(pair, {wanted.rule, wanted.like ? &*wanted.like : nullptr});
-    frame.parameters = found.parameters;
-    frame.survey = survey_contacts(pair, wanted.criterion);
-    frame.remark = joined(remarks_on(found));
+    identify_pair(pairs.frames.pair(static_cast<std::size_t>(k)), pairs.wanted, frame);
   } catch (const NoUniqueFrame& refusal) {
-    frame.bad = {fmt::format("frame {}: {}", k + 1, joined(refusal.reasons())), true};
+    frame.bad = bad_frame(frame.number, refusal);
   } catch (const Error& failure) {
-    frame.bad = {fmt::format("frame {}: {}", k + 1, failure.what())};
+    frame.bad = bad_frame(frame.number, failure);
   }
   return frame;
 }
 
 /// One per thread.
 struct FrameMaker {
-  const ManyPairs* wanted;
+  const ManyPairs* pairs;
   const Stop* stop;
 
   void make(std::int64_t first, std::int64_t end, std::vector<IdentifiedFrame>& found) const {
     if (*stop) throw Stopped();
     found.clear();
-    for (std::int64_t k = first; k < end; ++k) found.push_back(identified_frame(*wanted, k));
+    for (std::int64_t k = first; k < end; ++k) found.push_back(identified_frame(*pairs, k));
   }
 };
 
-Table identified_frames(const ManyPairs& wanted, const Stop& stop) {
+Table identified_frames(const ManyPairs& pairs, const Stop& stop) {
   constexpr std::int64_t kTogether = 64;
-  const auto frames = static_cast<std::int64_t>(wanted.frames.frames());
-  Table table(wanted.skip_bad);
+  const auto frames = static_cast<std::int64_t>(pairs.frames.frames());
+  Table table(pairs.skip_bad);
   make_chunks<std::vector<IdentifiedFrame>>(
-      {0, frames, kTogether, wanted.threads},
+      {0, frames, kTogether, pairs.wanted.threads},
       [&] {
-        return FrameMaker{&wanted, &stop};
+        return FrameMaker{&pairs, &stop};
       },
       [&](const std::vector<IdentifiedFrame>& found) {
         for (const IdentifiedFrame& frame : found) table.add(frame);
@@ -194,30 +174,39 @@ Table identified_frames(const ManyPairs& wanted, const Stop& stop) {
   return table;
 }
 
+/// Without the reference, which must live as long.
+ManyFrames wanted_frames(PairRequest request, const std::string& selection, const std::string& rule,
+                         const std::string& criterion, int threads) {
+  return {.pair = std::move(request),
+          .selection = IndexSelection::parse("frame", selection),
+          .options = {frame_rule(rule), nullptr},
+          .criterion = ContactCriterion::of_text(criterion),
+          .threads = threads};
+}
+
 py::dict identify_arrays(const Pair& atoms, const Doubles& positions, const std::string& rule,
                          const std::optional<Pair>& like, const std::string& criterion, int threads,
                          bool skip_bad) {
   const std::span numbers(positions.data(), static_cast<std::size_t>(positions.size()));
-  ManyPairs wanted{{atoms.labels(), atoms.n1(), numbers}, frame_rule(rule), like,
-                   ContactCriterion::of_text(criterion),  threads,          skip_bad};
-  return interruptible([wanted = std::move(wanted), kept = Kept(positions)](const Stop& stop) {
-           return identified_frames(wanted, stop);
-         })
+  ManyPairs pairs{{atoms.labels(), atoms.n1(), numbers},
+                  wanted_frames({}, "all", rule, criterion, threads),
+                  like,
+                  skip_bad};
+  return interruptible(
+             [pairs = std::move(pairs), kept = Kept(positions)](const Stop& stop) mutable {
+               if (pairs.like) pairs.wanted.options.like = &*pairs.like;
+               return identified_frames(pairs, stop);
+             })
       .dict();
 }
 
 py::dict identify_file(PairRequest request, const std::string& selection, const std::string& rule,
                        const std::optional<Pair>& like, const std::string& criterion, int threads,
                        bool skip_bad) {
-  const FrameRule frames = frame_rule(rule);
-  const ContactCriterion contacts = ContactCriterion::of_text(criterion);
-  return interruptible([=, request = std::move(request)](const Stop& stop) {
-           FrameStream stream(request.file);
-           const ManyFrames wanted{request,
-                                   IndexSelection::parse("frame", selection),
-                                   {frames, like ? &*like : nullptr},
-                                   contacts,
-                                   threads};
+  ManyFrames wanted = wanted_frames(std::move(request), selection, rule, criterion, threads);
+  return interruptible([wanted = std::move(wanted), like, skip_bad](const Stop& stop) mutable {
+           if (like) wanted.options.like = &*like;
+           FrameStream stream(wanted.pair.file);
            Table table(skip_bad);
            identify_frames(stream, wanted,
                            [&](std::span<const IdentifiedFrame> found, std::int64_t /*bytes*/) {
@@ -240,10 +229,9 @@ FrameRule frame_rule(const std::string& name) {
 py::dict frame_dict(const PrincipalFrame& frame) {
   py::list axes;
   for (std::size_t k = 0; k < frame.axes.size(); ++k) axes.append(axis_dict(frame, k));
-  constexpr std::array<const char*, 3> kShapes{"atom", "linear", "general"};
   py::dict found;
   found["kind"] = name_of(frame.kind);
-  found["shape"] = kShapes.at(static_cast<std::size_t>(frame.shape));
+  found["shape"] = name_of(frame.shape);
   found["rotor"] = name_of(frame.rotor);
   found["centre_of_mass"] = vector_array(frame.cm);
   found["axes"] = axes;

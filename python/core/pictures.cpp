@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,13 +16,13 @@
 #include "dravo/frame.hpp"
 #include "dravo/scene.hpp"
 #include "interruptible.hpp"
-#include "molecules/fragments.hpp"
 #include "parts.hpp"
 #include "scan/pair_placer.hpp"
+#include "scene/description.hpp"
 #include "view/first_map.hpp"
 #include "view/page.hpp"
+#include "view/pose_table.hpp"
 #include "view/results_data.hpp"
-#include "view/thinning.hpp"
 #include "view/view_data.hpp"
 
 namespace dravo::python {
@@ -92,13 +93,6 @@ py::str view_pair(const Placer& placer, const std::array<double, 6>& pose,
   return page_of(std::move(data));
 }
 
-/// Units as tables have them.
-std::string unit_of(const std::string& name) {
-  if (name == "r" || name == "shortest" || name == kAboveContact) return "Angstrom";
-  if (pose_parameter(name) < kPoseParameters.size()) return "degrees";
-  return name.ends_with("kcal_mol") ? "kcal/mol" : "";
-}
-
 using NumberColumns = std::vector<std::pair<std::string, std::vector<double>>>;
 
 /// The columns must have those of the six parameters.
@@ -112,9 +106,8 @@ ViewPoses poses_of(NumberColumns&& columns, const std::string& colour) {
                   .colour = colour};
   std::vector<std::string_view> names;
   for (auto& [name, numbers] : columns) {
-    const bool exact = pose_parameter(name) < kPoseParameters.size();
-    poses.columns.push_back(
-        {.name = name, .unit = unit_of(name), .exact = exact, .numbers = std::move(numbers)});
+    poses.columns.push_back(column_named(name));
+    poses.columns.back().numbers = std::move(numbers);
   }
   for (const ViewColumn& column : poses.columns) names.emplace_back(column.name);
   for (std::size_t k = 0; k < kPoseParameters.size(); ++k)
@@ -137,11 +130,13 @@ py::str view_poses(const Placer& placer, NumberColumns columns, const std::strin
 /// Of the pose that is shown first.
 std::string description_of(const ViewData& data) {
   const auto& [one, two] = data.molecules;
-  const auto [r, theta, phi, alpha, beta, gamma] = numbers_of(data.pose);
-  return fmt::format(
-      "Molecule 1, {}, and molecule 2, {}: r {:.2f} Angstrom, theta {:.1f}, phi {:.1f}, alpha {:.1f}, "
-      "beta {:.1f}, gamma {:.1f} degrees.",
-      formula_of(one.labels), formula_of(two.labels), r, theta, phi, alpha, beta, gamma);
+  return dravo::description_of(one.labels, two.labels, data.pose);
+}
+
+std::string description_of_pair(const Pair& pair, const std::array<double, 6>& pose) {
+  const std::span labels(pair.labels());
+  const auto n1 = static_cast<std::size_t>(pair.n1());
+  return dravo::description_of(labels.first(n1), labels.subspan(n1), pose_of(pose));
 }
 
 py::str view_results(const std::string& name, const py::dict& options) {
@@ -159,6 +154,7 @@ void add_pictures(py::module_& core) {
   using namespace py::literals;
   core.def("draw_pair", draw_pair, "placer"_a, "pose"_a, "format"_a, "options"_a);
   core.def("draw_molecule", draw_molecule, "molecule"_a, "format"_a, "options"_a);
+  core.def("description", description_of_pair, "pair"_a, "pose"_a);
   core.def("view_pair", view_pair, "placer"_a, "pose"_a, "options"_a);
   core.def("view_poses", view_poses, "placer"_a, "columns"_a, "colour"_a, "options"_a);
   core.def("view_results", view_results, "name"_a, "options"_a);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -14,7 +13,6 @@
 #include <vector>
 
 #include "arrays.hpp"
-#include "common/number_format.hpp"
 #include "common/number_text.hpp"
 #include "dravo/error.hpp"
 #include "dravo/scan.hpp"
@@ -37,16 +35,6 @@ PlanKeys keys_of(const Words& words) {
       keys[key].push_back(
           {text, std::make_shared<const PlanSource>(PlanSource{key, text, false}), 0});
   return keys;
-}
-
-/// What stood there, and what is expected.
-[[noreturn]] void refuse(const OutOfRange& complaint) {
-  if (!std::isfinite(complaint.value()))
-    throw InvalidInput(
-        fmt::format("{}: expected a finite number, found {}", complaint.name(), complaint.value()));
-  throw OutOfRange(fmt::format("{} {}: {}", complaint.name(), shortest_text(complaint.value()),
-                               complaint.what()),
-                   complaint.name(), complaint.value(), complaint.lowest(), complaint.highest());
 }
 
 void require_usable_pose(const SixNumbers& pose) {

@@ -64,18 +64,9 @@ def _look(
     }
 
 
-def _description(pair: Pair, pose: Pose) -> str:
-    one, two = (molecule.formula for molecule in pair.molecules)
-    return (
-        f"Molecule 1, {one}, and molecule 2, {two}: r {pose.r:.2f} Angstrom, "
-        f"theta {pose.theta:.1f}, phi {pose.phi:.1f}, alpha {pose.alpha:.1f}, "
-        f"beta {pose.beta:.1f}, gamma {pose.gamma:.1f} degrees."
-    )
-
-
 def _look_of(placer: Placer, pose: Pose, look: dict[str, Any]) -> dict[str, Any]:
     look.setdefault("title", placer.pair.title or "pair")
-    look.setdefault("description", _description(placer.pair, pose))
+    look.setdefault("description", _core.description(placer.pair._core, pose))
     look.setdefault("contact_distance", placer.contact_distance)
     return _look(**look)
 

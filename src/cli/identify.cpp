@@ -160,8 +160,6 @@ Json json_of(const PrincipalFrame& m, std::size_t k) {
           {"direction", json_of(axis.direction)}};
 }
 
-constexpr std::array<std::string_view, 3> kShapes{"atom", "linear", "general"};
-
 Json rotations_of(const PrincipalFrame& m) {
   Json rotations = Json::array();
   for (const MoleculeRotation& rotation : m.rotations) {
@@ -178,7 +176,7 @@ Json json_of(const PrincipalFrame& m) {
     for (std::size_t k = 0; k < m.axes.size(); ++k) axes.push_back(json_of(m, k));
   Json json{{"atoms", m.atoms},
             {"frame", name_of(m.kind)},
-            {"shape", kShapes[static_cast<std::size_t>(m.shape)]},
+            {"shape", name_of(m.shape)},
             {"rotor", name_of(m.rotor)},
             {"centre_of_mass", json_of(m.cm)},
             {"reference",

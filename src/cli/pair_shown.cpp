@@ -1,16 +1,13 @@
 #include "cli/pair_shown.hpp"
 
-#include <fmt/format.h>
-
 #include <filesystem>
 #include <optional>
 #include <span>
 
-#include "common/number_format.hpp"
 #include "dravo/identify.hpp"
 #include "dravo/molecule.hpp"
-#include "molecules/fragments.hpp"
 #include "molecules/input_file.hpp"
+#include "scene/description.hpp"
 
 namespace dravo {
 namespace {
@@ -45,16 +42,6 @@ std::string title_of(const PairRequest& request) {
   std::string title = file_title(request.file);
   if (!request.second_file.empty()) title += " and " + file_title(request.second_file);
   return title;
-}
-
-std::string description_of(std::span<const Label> molecule1, std::span<const Label> molecule2,
-                           const PoseDegrees& pose) {
-  return fmt::format(
-      "Molecule 1, {}, and molecule 2, {}: r {} Angstrom, theta {}, phi {}, alpha {}, beta {}, "
-      "gamma {} degrees.",
-      formula_of(molecule1), formula_of(molecule2), fixed_text(pose.r, 2),
-      fixed_text(pose.theta, 1), fixed_text(pose.phi, 1), fixed_text(pose.alpha, 1),
-      fixed_text(pose.beta, 1), fixed_text(pose.gamma, 1));
 }
 
 std::string description_of(const PlacedPair& placed) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <span>
 #include <string>
 
 #include "cli/pair_options.hpp"
@@ -32,9 +31,7 @@ ShownPlacer placer_shown(const PairShown& shown);
 /// "dimer.xyz", "water.xyz and benzene.xyz", without folders.
 std::string title_of(const PairRequest& request);
 
-/// "CH3NO and C2H6O: r 4.00 Angstrom, theta 90.0, ... degrees."
+/// What a picture says of itself.
 std::string description_of(const PlacedPair& placed);
-std::string description_of(std::span<const Label> molecule1, std::span<const Label> molecule2,
-                           const PoseDegrees& pose);
 
 }  // namespace dravo

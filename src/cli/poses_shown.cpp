@@ -21,6 +21,7 @@
 #include "molecules/wanted_frames.hpp"
 #include "results/result_files.hpp"
 #include "results/status_line.hpp"
+#include "scene/description.hpp"
 #include "view/results_data.hpp"
 #include "view/shell_word.hpp"
 #include "view/trajectory_data.hpp"

@@ -49,14 +49,6 @@ Pair placed_pair(const Pair& pair, const Identification& found) {
   return {pair.n1(), Molecule(pair.labels(), std::move(positions))};
 }
 
-void identify_pair(const Pair& pair, const ManyFrames& wanted, IdentifiedFrame& frame) {
-  const Identification found = identify(pair, wanted.options);
-  if (wanted.placed) frame.placed = placed_pair(pair, found);
-  frame.parameters = found.parameters;
-  frame.survey = survey_contacts(pair, wanted.criterion);
-  frame.remark = joined(remarks_on(found));
-}
-
 /// What was found in the file of this name, without the name, and without what to try.
 void add_findings(const std::vector<std::string>& findings, std::string_view name,
                   IdentifiedFrame& frame) {
@@ -89,9 +81,9 @@ class FrameIdentifier {
     } catch (const MistakenPairs&) {
       throw;
     } catch (const NoUniqueFrame& refusal) {
-      frame.bad = {fmt::format("frame {}: {}", lines.number, joined(refusal.reasons())), true};
+      frame.bad = bad_frame(lines.number, refusal);
     } catch (const Error& failure) {
-      frame.bad = {fmt::format("frame {}: {}", lines.number, failure.what())};
+      frame.bad = bad_frame(lines.number, failure);
     }
     return frame;
   }
@@ -119,6 +111,22 @@ void take_only_pair(FrameStream& stream, const ManyFrames& wanted, const TakeFra
 }
 
 }  // namespace
+
+void identify_pair(const Pair& pair, const ManyFrames& wanted, IdentifiedFrame& frame) {
+  const Identification found = identify(pair, wanted.options);
+  if (wanted.placed) frame.placed = placed_pair(pair, found);
+  frame.parameters = found.parameters;
+  frame.survey = survey_contacts(pair, wanted.criterion);
+  frame.remark = joined(remarks_on(found));
+}
+
+BadFrame bad_frame(std::int64_t number, const NoUniqueFrame& refusal) {
+  return {fmt::format("frame {}: {}", number, joined(refusal.reasons())), true};
+}
+
+BadFrame bad_frame(std::int64_t number, const Error& failure) {
+  return {fmt::format("frame {}: {}", number, failure.what())};
+}
 
 std::int64_t identify_frames(FrameStream& stream, const ManyFrames& wanted,
                              const TakeFrames& take) {

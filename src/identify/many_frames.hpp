@@ -9,6 +9,7 @@
 
 #include "common/index_selection.hpp"
 #include "dravo/contacts.hpp"
+#include "dravo/error.hpp"
 #include "dravo/identify.hpp"
 #include "dravo/molecule.hpp"
 #include "molecules/frame_stream.hpp"
@@ -42,6 +43,13 @@ struct ManyFrames {
   int threads = 0;      ///< 0 for as many as the machine has cores
   bool placed = false;  ///< frames have their atoms
 };
+
+/// Fills in what is told of a pair. Throws what `identify` and `survey_contacts` throw.
+void identify_pair(const Pair& pair, const ManyFrames& wanted, IdentifiedFrame& frame);
+
+/// Why the frame of this number has no parameters.
+BadFrame bad_frame(std::int64_t number, const NoUniqueFrame& refusal);
+BadFrame bad_frame(std::int64_t number, const Error& failure);
 
 /// Gets some of the frames, and how many bytes of the file lie behind them.
 using TakeFrames = std::function<void(std::span<const IdentifiedFrame>, std::int64_t bytes)>;

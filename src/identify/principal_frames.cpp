@@ -117,6 +117,11 @@ std::string_view name_of(RotorType type) {
   return kNames[static_cast<std::size_t>(type)];
 }
 
+std::string_view name_of(Shape shape) {
+  constexpr std::array<std::string_view, 3> kNames{"atom", "linear", "general"};
+  return kNames[static_cast<std::size_t>(shape)];
+}
+
 std::string_view name_of(FrameKind kind) {
   constexpr std::array<std::string_view, 3> kNames{"strict", "extended", "carried"};
   return kNames[static_cast<std::size_t>(kind)];

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -46,16 +47,24 @@ std::string same_pose(Value parameter, double value, const PoseDegrees* pose) {
       beyond ? fmt::format(" with {} and {}", opposite(alpha, pose), opposite(gamma, pose)) : "");
 }
 
+double highest_of(const PoseParameter& parameter) {
+  if (parameter.value == &PoseDegrees::r) return kLongestDistance;
+  return is_azimuth(parameter) ? kFullTurn : kHalfTurn;
+}
+
+bool is_usable(const PoseParameter& parameter, double value) {
+  return std::isfinite(value) &&
+         (is_azimuth(parameter) || (value >= 0.0 && value <= highest_of(parameter)));
+}
+
 std::optional<OutOfRange> complaint(const PoseParameter& parameter, double value,
                                     const PoseDegrees* pose) {
-  const bool is_r = parameter.value == &PoseDegrees::r;
-  const double highest = is_r ? kLongestDistance : (is_azimuth(parameter) ? kFullTurn : kHalfTurn);
+  if (is_usable(parameter, value)) return std::nullopt;
   const auto refused = [&](const std::string& sentence) {
-    return OutOfRange(sentence, parameter.name, value, 0.0, highest);
+    return OutOfRange(sentence, parameter.name, value, 0.0, highest_of(parameter));
   };
   if (!std::isfinite(value)) return refused("expected a finite number");
-  if (is_azimuth(parameter) || (value >= 0.0 && value <= highest)) return std::nullopt;
-  if (is_r)
+  if (parameter.value == &PoseDegrees::r)
     return refused(value < 0.0
                        ? "0 <= r <= 9999.9; a distance is not negative"
                        : "0 <= r <= 9999.9; the names of files have no room for longer distances");
@@ -79,13 +88,12 @@ PoseDegrees with_folded_azimuths(const PoseDegrees& pose) {
 }
 
 bool is_usable(const PoseDegrees& pose) {
-  return pose.r >= 0.0 && pose.r <= kLongestDistance && pose.theta >= 0.0 &&
-         pose.theta <= kHalfTurn && pose.beta >= 0.0 && pose.beta <= kHalfTurn &&
-         std::isfinite(pose.phi) && std::isfinite(pose.alpha) && std::isfinite(pose.gamma);
+  return std::all_of(kPoseParameters.begin(), kPoseParameters.end(), [&](const auto& parameter) {
+    return is_usable(parameter, pose.*parameter.value);
+  });
 }
 
 std::optional<OutOfRange> complaint_about(const PoseDegrees& pose) {
-  if (is_usable(pose)) return std::nullopt;
   for (const PoseParameter& parameter : kPoseParameters)
     if (auto found = complaint(parameter, pose.*parameter.value, &pose)) return found;
   return std::nullopt;
@@ -95,17 +103,19 @@ std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double
   return complaint(parameter, value, nullptr);
 }
 
+void refuse(const OutOfRange& complaint, const std::string& before) {
+  if (!std::isfinite(complaint.value()))
+    throw InvalidInput(fmt::format("{}{}: expected a finite number, found {}", before,
+                                   complaint.name(), complaint.value()));
+  throw OutOfRange(fmt::format("{}{} {}: {}", before, complaint.name(),
+                               shortest_text(complaint.value()), complaint.what()),
+                   complaint.name(), complaint.value(), complaint.lowest(), complaint.highest());
+}
+
 void require_usable(std::span<const PoseDegrees> poses) {
-  for (std::size_t k = 0; k < poses.size(); ++k) {
-    if (is_usable(poses[k])) continue;
-    const OutOfRange complaint = complaint_about(poses[k]).value();
-    if (!std::isfinite(complaint.value()))
-      throw InvalidInput(fmt::format("pose {}: {}: expected a finite number, found {}", k + 1,
-                                     complaint.name(), complaint.value()));
-    throw OutOfRange(fmt::format("pose {}: {} {}: {}", k + 1, complaint.name(),
-                                 shortest_text(complaint.value()), complaint.what()),
-                     complaint.name(), complaint.value(), complaint.lowest(), complaint.highest());
-  }
+  for (std::size_t k = 0; k < poses.size(); ++k)
+    if (!is_usable(poses[k]))
+      refuse(complaint_about(poses[k]).value(), fmt::format("pose {}: ", k + 1));
 }
 
 }  // namespace dravo

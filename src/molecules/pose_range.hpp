@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string>
 
 #include "dravo/error.hpp"
 #include "dravo/pose.hpp"
@@ -28,6 +29,10 @@ std::optional<OutOfRange> complaint_about(const PoseDegrees& pose);
 
 /// The same of one value, beside which the others may be any.
 std::optional<OutOfRange> complaint_about(const PoseParameter& parameter, double value);
+
+/// Throws the complaint with what stood there: "theta 190: 0 <= theta <= 180; ..."; InvalidInput
+/// for a number that is not finite. `before` begins the message.
+[[noreturn]] void refuse(const OutOfRange& complaint, const std::string& before = "");
 
 /// Throws OutOfRange for the first of the poses that nobody may have, and InvalidInput where a
 /// number is not finite. The message tells which pose, from 1.

@@ -1,10 +1,7 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <atomic>
 #include <cstddef>
 
-#include "common/ordered_chunks.hpp"
 #include "dravo/error.hpp"
 #include "dravo/place.hpp"
 #include "dravo/scan.hpp"
@@ -74,25 +71,13 @@ std::vector<Vec3> Placer::positions(const PoseDegrees& pose) const {
   return atoms;
 }
 
-void Placer::positions(std::span<const PoseDegrees> poses, std::span<double> positions,
-                       int threads) const {
+void Placer::positions(std::span<const PoseDegrees> poses, std::span<double> positions) const {
   require_room(positions, size(), poses.size());
+  require_usable(poses);
   const std::size_t numbers = numbers_of(size());
-  std::atomic<std::size_t> next = 0;
-  std::atomic<bool> usable = true;
-  in_threads(threads_of(threads), [&] {
-    constexpr std::size_t kTogether = 256;
-    for (std::size_t k = next.fetch_add(kTogether); k < poses.size() && usable;
-         k = next.fetch_add(kTogether))
-      for (std::size_t i = k; i < std::min(k + kTogether, poses.size()); ++i) {
-        if (is_usable(poses[i]))
-          placer_->place_atoms(placer_->used_parameters(poses[i]),
-                               positions.subspan(i * numbers, numbers));
-        else
-          usable = false;
-      }
-  });
-  if (!usable) require_usable(poses);
+  for (std::size_t k = 0; k < poses.size(); ++k)
+    placer_->place_atoms(placer_->used_parameters(poses[k]),
+                         positions.subspan(k * numbers, numbers));
 }
 
 double Placer::touching_distance(const PoseDegrees& pose) const {

@@ -34,11 +34,6 @@ std::string shown(std::string_view text) {
 
 // --- data -------------------------------------------------------------------------------------
 
-std::string_view name_of(Shape shape) {
-  constexpr std::array<std::string_view, 3> kNames{"atom", "linear", "general"};
-  return kNames[static_cast<std::size_t>(shape)];
-}
-
 Json json_of(const ViewMolecule& molecule) {
   Json symbols = Json::array(), positions = Json::array();
   for (const Label& label : molecule.labels) symbols.push_back(symbol_of(label));

@@ -42,10 +42,7 @@ std::string unit_of(std::string_view name) {
 
 std::vector<ViewColumn> columns_of(const std::vector<std::string_view>& names) {
   std::vector<ViewColumn> columns;
-  for (const std::string_view name : names) {
-    const bool exact = is_parameter(without_applied(name)) || name == kAboveContact;
-    columns.push_back({.name = std::string(name), .unit = unit_of(name), .exact = exact});
-  }
+  for (const std::string_view name : names) columns.push_back(column_named(name));
   return columns;
 }
 
@@ -135,6 +132,11 @@ bool tells_the_same(const ViewColumn& asked, const ViewColumn& applied) {
 }
 
 }  // namespace
+
+ViewColumn column_named(std::string_view name) {
+  const bool exact = is_parameter(without_applied(name)) || name == kAboveContact;
+  return {.name = std::string(name), .unit = unit_of(name), .exact = exact};
+}
 
 PoseTable read_pose_table(const std::string& file, std::int64_t most) {
   PoseTable table;

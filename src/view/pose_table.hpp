@@ -3,11 +3,15 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "view/view_data.hpp"
 
 namespace dravo {
+
+/// The column of this name, with its unit and without cells.
+ViewColumn column_named(std::string_view name);
 
 struct PoseTable {
   std::string heading;
