@@ -1,74 +1,124 @@
 #include "common/number_format.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <utility>
 
 namespace dravo {
 namespace {
 
-/// Powers of ten up to the nine decimals that `write_small_fixed` knows.
-constexpr std::array<std::uint64_t, 10> kPowersOfTen{
-    1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+/// All that 64 bits hold.
+constexpr std::array<std::uint64_t, 20> kPowersOfTen = [] {
+  std::array<std::uint64_t, 20> powers{1};
+  for (std::size_t k = 1; k < powers.size(); ++k) powers[k] = 10 * powers[k - 1];
+  return powers;
+}();
 
-/// Decimal digits of `value`, the last one before `end`, at least `least` of them. Returns the
-/// first.
-char* write_digits_before(char* end, std::uint64_t value, int least) {
-  char* begin = end;
-  do {
-    *--begin = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0 || end - begin < least);
-  return begin;
+/// From the smallest with a value to which seventeen digits are at most 10^19 times it.
+constexpr int kLeastExponent = -3;
+constexpr std::array<double, 20> kTens{1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
+                                       1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+
+/// "00", "01", ... "99".
+constexpr std::array<char, 200> kPairsOfDigits = [] {
+  std::array<char, 200> pairs{};
+  for (std::size_t k = 0; k < 100; ++k) {
+    pairs[2 * k] = static_cast<char>('0' + k / 10);
+    pairs[2 * k + 1] = static_cast<char>('0' + k % 10);
+  }
+  return pairs;
+}();
+
+void write_pair(char* begin, std::uint64_t below_hundred) {
+  std::memcpy(begin, &kPairsOfDigits[2 * below_hundred], 2);
 }
 
-/// The fixed notation of a value below 2^31 with up to nine decimals, as `std::to_chars` writes it:
-/// the binary value is scaled exactly, and a tie goes to the even digit. Returns the first
-/// character of the text that ends at `end`.
-char* write_small_fixed(char* end, double value, int decimals) {
-  __extension__ using Scaled = unsigned __int128;  // 53 + 30 bits
+/// So many decimal digits of `value`, with zeros in front, the last one before `end`. Returns the
+/// first.
+template <int digits>
+char* write_digits_before(char* end, std::uint64_t value) {
+  for (int k = 0; k < digits / 2; ++k) {
+    end -= 2;
+    write_pair(end, value % 100);
+    value /= 100;
+  }
+  if constexpr (digits % 2 == 1) *--end = static_cast<char>('0' + value);
+  return end;
+}
+
+/// As many decimal digits of `value` as it has, the last one before `end`. Returns the first.
+char* write_whole_before(char* end, std::uint64_t value) {
+  while (value >= 100) {
+    end -= 2;
+    write_pair(end, value % 100);
+    value /= 100;
+  }
+  if (value < 10) {
+    *--end = static_cast<char>('0' + value);
+    return end;
+  }
+  end -= 2;
+  write_pair(end, value);
+  return end;
+}
+
+/// A value below 2^52 by a power of ten up to 10^19, rounded to a whole number below 2^63, a tie to
+/// the even one. Nothing else is rounded: a value has 53 bits and a power 64.
+std::uint64_t scaled_exactly(double value, int decimals) {
+  __extension__ using Scaled = unsigned __int128;
   constexpr int kFractionBits = 52;
   constexpr int kExponentBias = 1023;
+  constexpr int kProductBits = 117;
   const auto bits = std::bit_cast<std::uint64_t>(value);
   const std::uint64_t fraction = bits & ((std::uint64_t{1} << kFractionBits) - 1);
   const auto biased = static_cast<int>((bits >> kFractionBits) & 0x7FFU);
   // A subnormal number is far too small to show a digit, and so is read like its neighbours.
   const Scaled mantissa = fraction | std::uint64_t{1} << kFractionBits;
   const int shift = kFractionBits + kExponentBias - biased;  // value = mantissa / 2^shift
+  if (shift > kProductBits + 1 || value == 0.0) return 0;
 
-  std::uint64_t scaled = 0;
-  constexpr int kAllBits = 84;  // of the product; half a unit needs one more
-  if (shift <= kAllBits && value != 0.0) {
-    const Scaled product = mantissa * kPowersOfTen[static_cast<std::size_t>(decimals)];
-    const Scaled unit = Scaled{1} << static_cast<unsigned>(shift);
-    const Scaled rest = product & (unit - 1);
-    scaled = static_cast<std::uint64_t>(product >> static_cast<unsigned>(shift));
-    const Scaled half = unit >> 1U;
-    if (rest > half || (rest == half && scaled % 2 == 1)) ++scaled;
-  }
-
-  const std::uint64_t power = kPowersOfTen[static_cast<std::size_t>(decimals)];
-  char* begin = end;
-  if (decimals > 0) {
-    begin = write_digits_before(begin, scaled % power, decimals);
-    *--begin = '.';
-  }
-  begin = write_digits_before(begin, scaled / power, 1);
-  if (std::signbit(value)) *--begin = '-';
-  return begin;
+  const Scaled product = mantissa * kPowersOfTen[static_cast<std::size_t>(decimals)];
+  const Scaled unit = Scaled{1} << static_cast<unsigned>(shift);
+  const Scaled rest = product & (unit - 1);
+  const auto scaled = static_cast<std::uint64_t>(product >> static_cast<unsigned>(shift));
+  const Scaled half = unit >> 1U;
+  return scaled + (rest > half || (rest == half && scaled % 2 == 1) ? 1 : 0);
 }
 
-/// Below this, `write_small_fixed` needs no more than 31 bits before the point.
+/// The fixed notation of a value below 2^31, as `std::to_chars` writes it. Returns the first
+/// character of the text that ends at `end`.
+template <int decimals>
+char* write_small_fixed(char* end, double value) {
+  constexpr std::uint64_t kPower = kPowersOfTen[decimals];
+  const std::uint64_t scaled = scaled_exactly(value, decimals);
+  if constexpr (decimals > 0) {
+    end = write_digits_before<decimals>(end, scaled % kPower);
+    *--end = '.';
+  }
+  end = write_whole_before(end, scaled / kPower);
+  if (std::signbit(value)) *--end = '-';
+  return end;
+}
+
+/// By the number of decimals: divisions by a power that the compiler knows are products.
+constexpr auto kWriteSmallFixed = []<int... decimals>(std::integer_sequence<int, decimals...>) {
+  return std::array{&write_small_fixed<decimals>...};
+}
+(std::make_integer_sequence<int, 10>{});
+
 constexpr double kSmallFixed = 2147483648.0;
 
 }  // namespace
 
 std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals) {
-  if (std::abs(value) < kSmallFixed && decimals < static_cast<int>(kPowersOfTen.size())) {
+  if (std::abs(value) < kSmallFixed && decimals < static_cast<int>(kWriteSmallFixed.size())) {
     constexpr std::size_t kRoom = 32;  // a sign, 10 digits, the point, 9 decimals
     char* const end = buffer.data() + kRoom;
-    const char* const begin = write_small_fixed(end, value, decimals);
+    const char* const begin = kWriteSmallFixed[static_cast<std::size_t>(decimals)](end, value);
     return {begin, static_cast<std::size_t>(end - begin)};
   }
   const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
@@ -97,6 +147,32 @@ void append_shortest(std::string& text, std::int64_t value) {
   std::array<char, 32> digits;
   const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
   text.append(digits.data(), end);
+}
+
+int write_significant_digits(std::span<char, kSignificantDigits> digits, double value) {
+  constexpr double kEnd = 0x1p52;
+  if (value >= kTens.front() && value < kEnd) {
+    int exponent = kLeastExponent;
+    while (value >= kTens[static_cast<std::size_t>(exponent + 1 - kLeastExponent)]) ++exponent;
+    std::uint64_t scaled = scaled_exactly(value, kSignificantDigits - 1 - exponent);
+    if (scaled == kPowersOfTen[kSignificantDigits]) {  // 9.99... is rounded to 10
+      scaled /= 10;
+      ++exponent;
+    }
+    write_digits_before<kSignificantDigits>(digits.data() + digits.size(), scaled);
+    return exponent;
+  }
+  // d.dddddddddddddddde+xx
+  std::array<char, 32> text;
+  const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
+                                          std::chars_format::scientific, kSignificantDigits - 1);
+  digits[0] = text[0];
+  std::copy_n(text.begin() + 2, kSignificantDigits - 1, digits.begin() + 1);
+  const char* exponent_text = text.data() + kSignificantDigits + 2;
+  if (*exponent_text == '+') ++exponent_text;
+  int exponent = 0;
+  std::from_chars(exponent_text, end, exponent);
+  return exponent;
 }
 
 std::string scientific_text(double value, int decimals) {

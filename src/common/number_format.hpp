@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,13 @@ std::string shortest_text(double value);
 /// One digit before the point, so many decimals and an exponent without padding: "6.0221e-38".
 /// `nan` and `inf` for values that are not finite.
 std::string scientific_text(double value, int decimals);
+
+/// So many tell each double from all others.
+inline constexpr int kSignificantDigits = 17;
+
+/// The first digits of a finite value that is not below zero, correctly rounded. Returns the power
+/// of ten that the first of them counts.
+int write_significant_digits(std::span<char, kSignificantDigits> digits, double value);
 
 /// Room for the longest fixed notation of a double: sign, 309 digits, point and the decimals of a
 /// field.

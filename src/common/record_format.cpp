@@ -14,7 +14,6 @@ namespace {
 
 constexpr int kFreeIntegerWidth = 11;
 constexpr int kFreeRealWidth = static_cast<int>(FreeRealCache::kWidth);
-constexpr int kSignificantDigits = 17;
 
 void append_right_aligned(std::string& record, std::string_view text, int width) {
   const auto columns = static_cast<std::size_t>(width);
@@ -78,17 +77,9 @@ void append_free_real(std::string& record, double value) {
     append_right_aligned(record, name_of_non_finite(value), kFreeRealWidth);
     return;
   }
-  // d.dddddddddddddddde+xx; the first digit is moved behind the point, beside the others.
-  std::array<char, 32> buffer;
-  const auto [end, error] =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
-                    std::chars_format::scientific, kSignificantDigits - 1);
-  buffer[1] = buffer[0];
-  const std::string_view digits(buffer.data() + 1, kSignificantDigits);
-  const char* exponent_text = buffer.data() + 1 + kSignificantDigits + 1;
-  if (*exponent_text == '+') ++exponent_text;
-  int exponent = 0;
-  std::from_chars(exponent_text, end, exponent);
+  std::array<char, kSignificantDigits> first_digits;
+  const int exponent = write_significant_digits(first_digits, std::abs(value));
+  const std::string_view digits(first_digits.data(), first_digits.size());
 
   FieldText text;
   if (std::signbit(value)) text.add('-');

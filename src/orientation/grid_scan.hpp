@@ -73,9 +73,9 @@ class AxesMatchRule {
     const auto& [outer, inner] = point;
     if (is_excluded(outer.radians, inner.radians)) return std::nullopt;
     const Matrix3 rotation = Convention::rotation(outer, axes_.middle, inner);
+    if (sum_limit < kNoSumLimit && sum_is_above(sum_limit, rotation)) return std::nullopt;
     const AxisTriple turned{rotation * axes_.moving[0], rotation * axes_.moving[1],
                             rotation * axes_.moving[2]};
-    if (sum_limit < kNoSumLimit && sum_is_above(sum_limit, turned)) return std::nullopt;
     for (std::size_t k = 0; k < 3; ++k)
       if (!within(turned[k] - axes_.target[k], tolerance)) return std::nullopt;
 
@@ -92,14 +92,15 @@ class AxesMatchRule {
   }
 
   /// Whether the sum of deviations is certain to be above a limit in degrees. Powers and arcs,
-  /// which the sum itself takes, cost more than all the rest of a point.
-  [[nodiscard]] bool sum_is_above(double limit, const AxisTriple& turned) const {
+  /// which the sum itself takes, cost more than all the rest of a point; and one axis often tells.
+  [[nodiscard]] bool sum_is_above(double limit, const Matrix3& rotation) const {
     constexpr double margin = 1e-14;  // relative; ten times the rounding errors
     const double least_radians = limit * kRadiansPerDegree * (1.0 + margin);
     double radians = 0.0;
     for (const std::size_t k : {1U, 2U, 0U}) {  // z last: it often does not deviate at all
-      const Vec3 normal = cross(axes_.target[k], turned[k]);
-      const double t = std::sqrt(dot(normal, normal)) / dot(axes_.target[k], turned[k]);
+      const Vec3 turned = rotation * axes_.moving[k];
+      const Vec3 normal = cross(axes_.target[k], turned);
+      const double t = std::sqrt(dot(normal, normal)) / dot(axes_.target[k], turned);
       if (!(t >= 0.0)) return false;
       // The series of the arc tangent, cut behind a minus: never above the angle.
       const double t2 = t * t;

@@ -20,8 +20,8 @@ constexpr std::size_t kMiddle = kGridBlock / 2;
 
 bool is_unit(const Vec3& v) { return std::abs(dot(v, v) - 1.0) < 1e-6; }
 
-/// The values that an angle takes in a pass, each the one before plus the step.
-void fill_values(std::vector<double>& values, double start, const ScanPass& pass) {
+/// Each value is the one before plus the step.
+void fill_values(AngleValues& values, double start, const ScanPass& pass) {
   values.resize(static_cast<std::size_t>(pass.points));
   double value = start;
   for (double& v : values) {

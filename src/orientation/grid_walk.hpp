@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -64,6 +66,22 @@ struct GridPoint {
 
 /// Inner values whose sines, cosines and azimuths are found from those of one of them.
 inline constexpr std::size_t kGridBlock = 16;
+
+/// Leaves new elements of a vector as they are: they are set next.
+template <class T>
+struct LeftUnset : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = LeftUnset<U>;
+  };
+  template <class U>
+  void construct(U* element) {
+    ::new (static_cast<void*>(element)) U;
+  }
+};
+
+/// The values that an angle takes in a pass, radians.
+using AngleValues = std::vector<double, LeftUnset<double>>;
 
 /// Visits the points of a pass in scan order: outer angle ascending, inner angle ascending within
 /// it.
@@ -143,11 +161,11 @@ class GridWalker {
 
   ScanPass pass_{};
   double steps_per_radian_ = 0.0;
-  double widest_ = 0.0;        ///< half window that holds every accepted point
-  Block block_sines_{};        ///< of the steps from the middle of a block
-  Block block_cosines_{};      ///< to its members
-  std::vector<double> outer_;  ///< values of the outer angle
-  std::vector<double> inner_;  ///< values of the inner angle
+  double widest_ = 0.0;    ///< half window that holds every accepted point
+  Block block_sines_{};    ///< of the steps from the middle of a block
+  Block block_cosines_{};  ///< to its members
+  AngleValues outer_;
+  AngleValues inner_;
   std::vector<InnerMatch> matches_;
   std::vector<Candidate> unsorted_;
   std::vector<Candidate> candidates_;

@@ -5,9 +5,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "support/not_finite.hpp"
 
@@ -62,6 +64,47 @@ TEST(FixedNotation, EndsOfItsRange) {
     for (const int decimals : {0, 1, 8, 9, 10})
       EXPECT_EQ(plain_fixed(value, decimals), library_fixed(value, decimals));
   EXPECT_EQ(plain_fixed(kNaN, 3), "nan");
+}
+
+/// The digits and the exponent of the C++ library, "1.2345e+02" with 17 digits.
+std::string library_scientific(double value) {
+  std::array<char, 40> buffer{};
+  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::scientific, kSignificantDigits - 1);
+  return {buffer.data(), end};
+}
+
+std::string written_scientific(double value) {
+  std::array<char, kSignificantDigits> digits{};
+  const int exponent = write_significant_digits(digits, value);
+  std::array<char, 8> power{};
+  std::snprintf(power.data(), power.size(), "e%+03d", exponent);
+  return std::string(1, digits[0]) + "." + std::string(digits.begin() + 1, digits.end()) +
+         power.data();
+}
+
+TEST(SignificantDigits, AreThoseOfTheLibraryForValuesOfEverySize) {
+  std::mt19937_64 random(20240229);
+  for (int k = 0; k < 200000; ++k) {
+    const int exponent = static_cast<int>(random() % 80) - 10;  // 2^-10 to 2^69
+    const double value = std::ldexp(1.0 + static_cast<double>(random() >> 12U) * 0x1p-52, exponent);
+    ASSERT_EQ(written_scientific(value), library_scientific(value)) << std::hexfloat << value;
+  }
+}
+
+TEST(SignificantDigits, BesidePowersOfTenAndTheEndsOfTheRange) {
+  std::vector<double> values{0.0, 0x1p52, 0x1p53, std::numeric_limits<double>::denorm_min(),
+                             std::numeric_limits<double>::max()};
+  double power = 0.001;
+  for (int k = -3; k <= 20; ++k, power *= 10.0) values.push_back(power);
+  values.push_back(0.1);
+  const std::vector<double> middles = values;
+  for (const double value : middles) {
+    values.push_back(std::nextafter(value, 0.0));
+    values.push_back(std::nextafter(value, 1e300));
+  }
+  for (const double value : values)
+    EXPECT_EQ(written_scientific(value), library_scientific(value)) << std::hexfloat << value;
 }
 
 TEST(ScientificText, HasOneDigitBeforeThePoint) {
