@@ -119,6 +119,7 @@ if(DRAVO_XTB)
   endif()
   add_executable(dravo-xtb-worker src/energy/xtb_worker.cpp)
   target_link_libraries(dravo-xtb-worker PRIVATE dravo_headers PkgConfig::XTB Threads::Threads)
+  set_target_properties(dravo-xtb-worker PROPERTIES INSTALL_RPATH "${DRAVO_REFERENCE_RPATH}")
   install(TARGETS dravo-xtb-worker RUNTIME DESTINATION ${DRAVO_LIBEXEC_FOLDER})
 endif()
 
