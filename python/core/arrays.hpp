@@ -3,7 +3,6 @@
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
@@ -15,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/large_pages.hpp"
 #include "dravo/atoms.hpp"
 #include "dravo/pose.hpp"
 
@@ -49,8 +49,7 @@ struct Freed {
 /// Memory that nobody has written yet.
 using Memory = std::unique_ptr<double[], Freed>;
 
-/// For so many numbers. Large memory comes in large pages, where the system has them: else a fault
-/// for each four kilobytes takes as long as placing the atoms in them.
+/// For so many numbers. Large memory comes in large pages.
 inline Memory memory_for(std::size_t numbers) {
   constexpr std::size_t kLargePage = std::size_t{1} << 21U;
   const std::size_t bytes = std::max<std::size_t>(numbers * sizeof(double), 1);
@@ -58,7 +57,7 @@ inline Memory memory_for(std::size_t numbers) {
   const std::size_t whole = (bytes + kLargePage - 1) / kLargePage * kLargePage;
   void* const memory = large ? std::aligned_alloc(kLargePage, whole) : std::malloc(bytes);
   if (memory == nullptr) throw std::bad_alloc();
-  if (large) ::madvise(memory, whole, MADV_HUGEPAGE);
+  prefer_large_pages(memory, whole);
   return Memory(static_cast<double*>(memory));
 }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "common/large_pages.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 
@@ -192,7 +193,10 @@ namespace {
 int read_rest(int descriptor, std::string& contents) {
   struct stat status {};
   const bool has_size = ::fstat(descriptor, &status) == 0 && status.st_size > 0;
-  contents.assign(has_size ? static_cast<std::size_t>(status.st_size) + 1 : 4096, '\0');
+  const std::size_t size = has_size ? static_cast<std::size_t>(status.st_size) + 1 : 4096;
+  contents.reserve(size);
+  prefer_large_pages(contents.data(), size);
+  contents.resize(size);
   std::size_t filled = 0;
   while (true) {
     const ssize_t count = ::read(descriptor, contents.data() + filled, contents.size() - filled);

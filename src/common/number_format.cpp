@@ -114,13 +114,17 @@ constexpr double kSmallFixed = 2147483648.0;
 
 }  // namespace
 
+char* write_fixed_before(char* end, double value, int decimals) {
+  if (!(std::abs(value) < kSmallFixed) || decimals >= static_cast<int>(kWriteSmallFixed.size()))
+    return nullptr;
+  return kWriteSmallFixed[static_cast<std::size_t>(decimals)](end, value);
+}
+
 std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals) {
-  if (std::abs(value) < kSmallFixed && decimals < static_cast<int>(kWriteSmallFixed.size())) {
-    constexpr std::size_t kRoom = 32;  // a sign, 10 digits, the point, 9 decimals
-    char* const end = buffer.data() + kRoom;
-    const char* const begin = kWriteSmallFixed[static_cast<std::size_t>(decimals)](end, value);
-    return {begin, static_cast<std::size_t>(end - begin)};
-  }
+  constexpr std::size_t kRoom = 32;  // a sign, 10 digits, the point, 9 decimals
+  char* const small_end = buffer.data() + kRoom;
+  if (const char* const begin = write_fixed_before(small_end, value, decimals))
+    return {begin, static_cast<std::size_t>(small_end - begin)};
   const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                           std::chars_format::fixed, decimals);
   return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};

@@ -35,6 +35,10 @@ int write_significant_digits(std::span<char, kSignificantDigits> digits, double 
 /// field.
 using FixedBuffer = std::array<char, 1100>;
 
+/// The text that `append_fixed` adds, its last character before `end`, which has room for 32 before
+/// it. Returns the first character; null for a value of 2^31 or more and for more than 9 decimals.
+char* write_fixed_before(char* end, double value, int decimals);
+
 /// The text that `append_fixed` adds, within the buffer.
 std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals);
 

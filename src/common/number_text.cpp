@@ -1,6 +1,7 @@
 #include "common/number_text.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -66,6 +67,19 @@ bool is_below_one(std::string_view before_point, std::string_view after_point,
   return digits_before_point + shift < 0;
 }
 
+/// A number whose digits and whose power of ten are both doubles: their quotient is rounded once,
+/// and so is the double next to the number. Empty for longer ones.
+std::optional<double> short_decimal(std::string_view before_point, std::string_view after_point) {
+  constexpr std::size_t kMostDigits = 15;
+  constexpr std::array<double, kMostDigits + 1> kTens{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  if (before_point.size() + after_point.size() > kMostDigits) return std::nullopt;
+  std::int64_t digits = 0;
+  for (const char c : before_point) digits = 10 * digits + (c - '0');
+  for (const char c : after_point) digits = 10 * digits + (c - '0');
+  return static_cast<double>(digits) / kTens[after_point.size()];
+}
+
 /// Unsigned decimal number as a Fortran program reads it.
 std::optional<double> parse_decimal(std::string_view text) {
   std::string_view rest = text;
@@ -76,6 +90,9 @@ std::optional<double> parse_decimal(std::string_view text) {
     after_point = take_digits(rest);
   }
   if (before_point.empty() && after_point.empty()) return std::nullopt;
+
+  if (rest.empty())
+    if (const auto value = short_decimal(before_point, after_point)) return value;
 
   std::string exponent;
   if (!take_exponent(rest, exponent)) return std::nullopt;

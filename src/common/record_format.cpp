@@ -112,7 +112,26 @@ void append_integer_field(std::string& record, std::int32_t value, int width) {
   append_right_aligned(record, {buffer.data(), end}, width);
 }
 
+namespace {
+
+/// The usual field: a value that is not large, with decimals, and room for all of its digits.
+bool append_usual_field(std::string& record, double value, int width, int decimals) {
+  constexpr std::size_t kRoom = 32;
+  const auto columns = static_cast<std::size_t>(width);
+  if (decimals == 0 || columns > kRoom) return false;
+  std::array<char, 2 * kRoom> field;  // what is written may be longer than the columns
+  std::fill_n(field.begin(), field.size(), ' ');
+  char* const end = field.data() + field.size();
+  const char* const begin = write_fixed_before(end, value, decimals);
+  if (begin == nullptr || end - begin > width) return false;
+  record.append(end - columns, columns);
+  return true;
+}
+
+}  // namespace
+
 void append_fixed_field(std::string& record, double value, int width, int decimals) {
+  if (append_usual_field(record, value, width, decimals)) return;
   if (!std::isfinite(value)) {
     append_right_aligned(record, name_of_non_finite(value), width);
     return;

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "common/large_pages.hpp"
+
 namespace dravo {
 namespace {
 constexpr std::size_t kFlushSize = 1U << 14U;
@@ -11,6 +13,11 @@ constexpr std::size_t kLongestRecord = 1024;  // usually; a longer one only move
 void RecordStream::attach(ByteSink* sink) {
   sink_ = sink;
   buffer_.reserve(kFlushSize + kLongestRecord);
+}
+
+void RecordStream::reserve(std::size_t bytes) {
+  buffer_.reserve(bytes);
+  prefer_large_pages(buffer_.data(), buffer_.capacity());
 }
 
 void RecordStream::blank(int count) { repeat("  ", count); }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -61,6 +62,9 @@ class RecordStream {
     (field(fields), ...);
     end_record();
   }
+
+  /// Room for records that stay in memory.
+  void reserve(std::size_t bytes);
 
   /// Hands everything to the sink.
   void flush();

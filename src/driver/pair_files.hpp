@@ -10,14 +10,20 @@
 
 namespace dravo {
 
-struct PairFiles {
-  std::string geometry_name;
-  RecordStream geometry;
-  std::string drawing_name;
-  RecordStream drawing;
+struct PairFileNames {
+  std::string geometry;
+  std::string drawing;
 };
 
 /// Short contacts choose the names.
+PairFileNames pair_file_names(const OutputNames& names, bool short_contacts);
+
+struct PairFiles {
+  PairFileNames names;
+  RecordStream geometry;
+  RecordStream drawing;
+};
+
 PairFiles pair_files(const OutputNames& names, bool short_contacts, const MoleculeSplit& split,
                      const ConstAtomTable& final_coo_and_m, const Placement& placement);
 

@@ -1,8 +1,11 @@
 #include "driver/param.hpp"
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "common/large_pages.hpp"
 #include "driver/element_table.hpp"
 #include "driver/output_names.hpp"
 #include "driver/pair_files.hpp"
@@ -10,6 +13,7 @@
 #include "orientation/molecule_alignment_log.hpp"
 #include "orientation/pair_analysis.hpp"
 #include "orientation/pair_analysis_log.hpp"
+#include "output/bild_writer.hpp"
 #include "output/placement.hpp"
 #include "output/placement_log.hpp"
 #include "output/short_contacts.hpp"
@@ -36,6 +40,7 @@ WorkTables work_tables(std::int32_t rows) {
   constexpr std::size_t kTables = 7;
   static std::array<double, kTables * kColumns * kMaxAtoms> storage;
   const std::size_t size = kColumns * static_cast<std::size_t>(rows);
+  prefer_large_pages(storage.data(), kTables * size * sizeof(double));
   const auto table = [&](std::size_t k) {
     return AtomTable(std::span(storage).subspan(k * size, size), rows);
   };
@@ -63,22 +68,35 @@ AnalysedPair analyse_or_stop(const MoleculeSplit& split, AnalysisTables& tables,
   throw RunStop{};
 }
 
-/// The placed pair, in a file that tells where molecule 1 ends.
-void write_input_geometry(const MoleculeSplit& split, const WorkTables& tables, RunUnits& units) {
-  RecordStream file;
-  write_geometry(file, split.N, tables.coo_and_m_transl, tables.originalcoo_and_m);
-  write_geometry_trailer(file, split.n1);
-  units.write_file("input-GEOMETRY.xyz", file.text());
-}
+/// The placed pair as the text of its file, and behind it what tells another run where molecule 1
+/// ends.
+class GeometryText {
+ public:
+  GeometryText(const MoleculeSplit& split, const ConstAtomTable& placed,
+               const ConstAtomTable& atomic_numbers) {
+    write_geometry(text_, split.N, placed, atomic_numbers);
+    size_ = text_.text().size();
+    write_geometry_trailer(text_, split.n1);
+  }
+
+  [[nodiscard]] std::string_view of_pair() const { return of_input().substr(0, size_); }
+  [[nodiscard]] std::string_view of_input() const { return text_.text(); }
+
+ private:
+  RecordStream text_;
+  std::size_t size_ = 0;
+};
 
 void check_and_write(const OutputNames& names, const MoleculeSplit& split,
                      std::span<const Label> isymbol, const ConstAtomTable& final_coo_and_m,
-                     const Placement& placement, RunUnits& units) {
+                     const GeometryText& geometry, const Placement& placement, RunUnits& units) {
   const auto contacts = find_short_contacts(final_coo_and_m, split);
   write_short_contacts(units.screen(), units.log(), contacts, isymbol);
-  const PairFiles files = pair_files(names, !contacts.empty(), split, final_coo_and_m, placement);
-  units.write_file(files.geometry_name, files.geometry.text());
-  units.write_file(files.drawing_name, files.drawing.text());
+  const PairFileNames files = pair_file_names(names, !contacts.empty());
+  RecordStream drawing;
+  write_bild(drawing, placement.drawn_centre, placement.molecule1);
+  units.write_file(files.geometry, geometry.of_pair());
+  units.write_file(files.drawing, drawing.text());
 }
 
 void write_log_trailer(RecordStream& log) {
@@ -121,7 +139,8 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
       build ? place_by_user(tables.auxiliar_paralelas, split, frames[0], {alpha, beta, gamma},
                             {r, theta, phi}, tables.coo_and_m_transl)
             : place_as_found(tables.aux, split, frames, tables.coo_and_m_transl);
-  if (build) write_input_geometry(split, tables, units);
+  const GeometryText geometry(split, tables.coo_and_m_transl, tables.originalcoo_and_m);
+  if (build) units.write_file("input-GEOMETRY.xyz", geometry.of_input());
   final_r = placement.applied.r;
   final_theta = placement.applied.theta;
   final_phi = placement.applied.phi;
@@ -130,7 +149,7 @@ void param([[maybe_unused]] WorkText& work_text, const std::int32_t& N, const st
   final_gamma = build ? gamma : 0.0;
 
   tables.final_coo_and_m.copy_rows(tables.coo_and_m_transl, N);
-  check_and_write(names, split, isymbol, tables.final_coo_and_m, placement, units);
+  check_and_write(names, split, isymbol, tables.final_coo_and_m, geometry, placement, units);
   write_log_trailer(log);
 }
 

@@ -1,7 +1,9 @@
 #include "driver/run.hpp"
 
 #include <array>
+#include <cstddef>
 
+#include "common/large_pages.hpp"
 #include "driver/banners.hpp"
 #include "driver/input_stops.hpp"
 #include "driver/param.hpp"
@@ -10,6 +12,8 @@ namespace dravo {
 void run(std::string_view input, RunUnits& units) {
   static std::array<AtomStorage<kMaxAtoms>, 2> storage;
   static std::array<Label, kMaxAtoms> isymbol;
+  constexpr std::size_t kLongInput = std::size_t{1} << 20U;
+  if (input.size() > kLongInput) prefer_large_pages(storage.data(), sizeof storage);
   AtomTable icoo_and_m(storage[0]);
   AtomTable newcoo_and_m(storage[1]);
 

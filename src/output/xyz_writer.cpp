@@ -1,11 +1,16 @@
 #include "output/xyz_writer.hpp"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "common/rounding.hpp"
 
 namespace dravo {
 
 void write_geometry(RecordStream& xyz, std::int32_t N, const ConstAtomTable& positions,
                     const ConstAtomTable& atomic_numbers) {
+  constexpr std::size_t kRow = 48, kOthers = 128;
+  xyz.reserve(kRow * static_cast<std::size_t>(std::max(N, 0)) + kOthers);
   xyz.record(N);
   xyz.blank();
   for (std::int32_t i = 0; i < N; ++i) {

@@ -73,8 +73,8 @@ void TextMaker::write_files(const MadePose& pose) {
                                      placer_->split(), pose.atoms, pose.placement);
   const std::string folder = folders_.emptied(pose.numbers.index);
   WorkingDirectory files_of_pose;
-  files_of_pose.replace(folder + "/" + files.geometry_name, files.geometry.text());
-  files_of_pose.replace(folder + "/" + files.drawing_name, files.drawing.text());
+  files_of_pose.replace(folder + "/" + files.names.geometry, files.geometry.text());
+  files_of_pose.replace(folder + "/" + files.names.drawing, files.drawing.text());
 }
 
 }  // namespace dravo

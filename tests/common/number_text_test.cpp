@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <charconv>
+#include <cstddef>
 #include <optional>
+#include <random>
+#include <string>
 #include <string_view>
 
 namespace dravo::test {
@@ -33,6 +37,25 @@ TEST(PlainReal, IsANumberOfAFortranProgram) {
                                               {"007", 7.0}}};
   for (const auto& [text, value] : kNumbers)
     EXPECT_EQ(parse_plain_real(text), std::optional(value)) << text;
+}
+
+/// As the C++ library reads it.
+double read_by_library(std::string_view text) {
+  double value = 0.0;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+TEST(Reals, OfUpToTwentyDigitsAreThoseOfTheLibrary) {
+  std::mt19937_64 random(20240229);
+  for (int k = 0; k < 100000; ++k) {
+    const std::size_t digits = 1 + random() % 20;
+    std::string text;
+    for (std::size_t d = 0; d < digits; ++d) text += static_cast<char>('0' + random() % 10);
+    text.insert(random() % (digits + 1), ".");
+    ASSERT_EQ(parse_real(text), std::optional(read_by_library(text))) << text;
+    ASSERT_EQ(parse_real("-" + text), std::optional(-read_by_library(text))) << text;
+  }
 }
 
 // 0-360 reads as 0 times ten to the power of -360 in a Fortran program.

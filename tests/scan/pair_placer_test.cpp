@@ -64,7 +64,8 @@ Files files_of_placer(const PairPlacer& placer, const PoseDegrees& degrees) {
   RecordStream screen;
   const PairFiles files = pair_files(build_output_names(radians, screen), short_contacts,
                                      placer.split(), placed.table(), placement);
-  return {{files.geometry_name, files.geometry.text()}, {files.drawing_name, files.drawing.text()}};
+  return {{files.names.geometry, files.geometry.text()},
+          {files.names.drawing, files.drawing.text()}};
 }
 
 class PairPlacerOf : public ::testing::TestWithParam<const char*> {};
