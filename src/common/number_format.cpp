@@ -38,16 +38,21 @@ void write_pair(char* begin, std::uint64_t below_hundred) {
 }
 
 /// So many decimal digits of `value`, with zeros in front, the last one before `end`. Returns the
-/// first.
+/// first. Halves do not wait for each other.
 template <int digits>
 char* write_digits_before(char* end, std::uint64_t value) {
-  for (int k = 0; k < digits / 2; ++k) {
-    end -= 2;
-    write_pair(end, value % 100);
-    value /= 100;
+  if constexpr (digits == 1) {
+    *--end = static_cast<char>('0' + value);
+    return end;
+  } else if constexpr (digits == 2) {
+    write_pair(end - 2, value);
+    return end - 2;
+  } else {
+    constexpr int kLast = digits >= 8 ? 4 : 2;
+    constexpr std::uint64_t kPower = kPowersOfTen[kLast];
+    write_digits_before<kLast>(end, value % kPower);
+    return write_digits_before<digits - kLast>(end - kLast, value / kPower);
   }
-  if constexpr (digits % 2 == 1) *--end = static_cast<char>('0' + value);
-  return end;
 }
 
 /// As many decimal digits of `value` as it has, the last one before `end`. Returns the first.
@@ -89,12 +94,26 @@ std::uint64_t scaled_exactly(double value, int decimals) {
   return scaled + (rest > half || (rest == half && scaled % 2 == 1) ? 1 : 0);
 }
 
+/// The same for a value below 2^31. One product tells what is not close to half a unit.
+template <int decimals>
+std::uint64_t scaled_to_whole(double value) {
+  constexpr double kSurelyExact = 0x1p43;  // products up to here are off by 2^-10 at most
+  constexpr double kMargin = 0x1p-8;
+  const double product = value * static_cast<double>(kPowersOfTen[decimals]);
+  if (product < kSurelyExact) {
+    const auto scaled = static_cast<std::int64_t>(product + 0.5);
+    const double rest = product - static_cast<double>(scaled);
+    if (std::abs(rest) < 0.5 - kMargin) return static_cast<std::uint64_t>(scaled);
+  }
+  return scaled_exactly(value, decimals);
+}
+
 /// The fixed notation of a value below 2^31, as `std::to_chars` writes it. Returns the first
 /// character of the text that ends at `end`.
 template <int decimals>
 char* write_small_fixed(char* end, double value) {
   constexpr std::uint64_t kPower = kPowersOfTen[decimals];
-  const std::uint64_t scaled = scaled_exactly(value, decimals);
+  const std::uint64_t scaled = scaled_to_whole<decimals>(std::abs(value));
   if constexpr (decimals > 0) {
     end = write_digits_before<decimals>(end, scaled % kPower);
     *--end = '.';

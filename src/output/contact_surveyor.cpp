@@ -13,9 +13,6 @@
 namespace dravo {
 namespace {
 
-/// To so few atoms all distances are taken sooner than any is ruled out.
-constexpr std::size_t kFewAtoms = 32;
-
 /// Edge of the cells whose atoms are a group, Angstrom. Some 50 atoms of organic matter fill one.
 constexpr double kGroupEdge = 8.0;
 
@@ -119,6 +116,22 @@ struct ContactSurveyor::Clearance {
     }
   }
 
+  /// The same with the squares of the distances, which are lost. Ratios are computed where they may
+  /// be the smallest of the atom, or contacts.
+  void add_few(std::int32_t row, const Vec3& p, FewAtoms::Numbers& squares) {
+    const auto i = static_cast<std::size_t>(row - molecule1.begin);
+    const double least = surveyor.few_->divide_by_sums(i, squares);
+    if (!(least <= square(reach) * (1.0 + kMargin))) return;
+    const double most = std::max(least, square(factor)) * (1.0 + kMargin);
+    for (std::size_t k = 0; k < surveyor.atoms_.size(); ++k) {
+      if (!(squares[k] <= most)) continue;
+      const double ratio =
+          modulus(p - surveyor.atoms_[k]) / (surveyor.radii1_[i] + surveyor.radii_[k]);
+      if (ratio <= factor) ++contacts;
+      take(ratio, row, molecule1.end + surveyor.rows_[k]);
+    }
+  }
+
   void take(double ratio, std::int32_t row1, std::int32_t row2) {
     if (std::tie(smallest, atom1, atom2) < std::tie(ratio, row1, row2)) return;
     std::tie(smallest, atom1, atom2) = std::tie(ratio, row1, row2);
@@ -217,10 +230,12 @@ ContactSurveyor::ContactSurveyor(std::span<const Vec3> molecule2, std::span<cons
     radii_.assign(radii.begin() + of_molecule1, radii.end());
     largest1_ = largest_of(radii1_);
   }
-  if (atoms_.size() > kFewAtoms)
+  if (atoms_.size() > FewAtoms::kMost) {
     sort_into_groups();
-  else if (!atoms_.empty())
+  } else if (!atoms_.empty()) {
     add_group(0, atoms_.size());
+    few_.emplace(atoms_, radii_, radii1_);
+  }
 }
 
 /// The cells of a grid.
@@ -269,6 +284,26 @@ void ContactSurveyor::visit_first_and_others(const Rank& rank, const Visit& visi
     if (&group != first) visit(group);
 }
 
+/// The same of few atoms.
+ContactSurvey ContactSurveyor::survey_few(const ConstAtomTable& placed, RowRange molecule1,
+                                          Clearance* clearance) const {
+  const bool by_radii = criterion_.by_radii();
+  const RootLimit contact(by_radii ? 0.0 : criterion_.value());
+  double shortest_square = std::numeric_limits<double>::infinity();
+  std::int64_t contacts = 0;
+  FewAtoms::Numbers squares;
+  for (std::int32_t i = molecule1.begin; i < molecule1.end; ++i) {
+    const Vec3 p = placed.position(i);
+    const double least = few_->take_squares(p, squares);
+    shortest_square = std::min(shortest_square, least);
+    if (!by_radii && contact.may_hold(least))
+      for (std::size_t k = 0; k < atoms_.size(); ++k)
+        if (contact.holds(squares[k])) ++contacts;
+    if (clearance != nullptr) clearance->add_few(i, p, squares);
+  }
+  return {half_power(shortest_square), contacts};
+}
+
 /// Adds to what is known all pairs of atoms that could change it.
 template <class Known>
 void ContactSurveyor::add_pairs(const ConstAtomTable& placed, RowRange molecule1,
@@ -305,6 +340,7 @@ ContactSurvey ContactSurveyor::survey(const ConstAtomTable& placed, RowRange mol
     const ContactSurvey both = survey_with_clearance(placed, molecule1);
     return {both.shortest, both.contacts};
   }
+  if (few_) return survey_few(placed, molecule1, nullptr);
   Nearness nearness{*this, RootLimit(criterion_.value())};
   add_pairs(placed, molecule1, nearness);
   return {half_power(nearness.shortest_square), nearness.contacts};
@@ -313,12 +349,21 @@ ContactSurvey ContactSurveyor::survey(const ConstAtomTable& placed, RowRange mol
 ContactSurvey ContactSurveyor::survey_with_clearance(const ConstAtomTable& placed,
                                                      RowRange molecule1) const {
   const bool by_radii = criterion_.by_radii();
-  Nearness nearness{*this, RootLimit(by_radii ? 0.0 : criterion_.value())};
-  add_pairs(placed, molecule1, nearness);
   Clearance clearance{*this, molecule1, by_radii ? criterion_.value() : 0.0};
-  add_pairs(placed, molecule1, clearance);
-  return {half_power(nearness.shortest_square), by_radii ? clearance.contacts : nearness.contacts,
-          clearance.smallest, clearance.atom1, clearance.atom2};
+  ContactSurvey survey{};
+  if (few_) {
+    survey = survey_few(placed, molecule1, &clearance);
+  } else {
+    Nearness nearness{*this, RootLimit(by_radii ? 0.0 : criterion_.value())};
+    add_pairs(placed, molecule1, nearness);
+    add_pairs(placed, molecule1, clearance);
+    survey = {half_power(nearness.shortest_square), nearness.contacts};
+  }
+  if (by_radii) survey.contacts = clearance.contacts;
+  survey.clearance = clearance.smallest;
+  survey.clearance_atom1 = clearance.atom1;
+  survey.clearance_atom2 = clearance.atom2;
+  return survey;
 }
 
 std::vector<ClosePair> ContactSurveyor::closest(const ConstAtomTable& placed, RowRange molecule1,

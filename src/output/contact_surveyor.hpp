@@ -4,11 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "common/atom_table.hpp"
 #include "dravo/contacts.hpp"
+#include "output/few_atoms.hpp"
 
 namespace dravo {
 
@@ -76,6 +78,9 @@ class ContactSurveyor {
   void visit_first_and_others(const Rank& rank, const Visit& visit) const;
   template <class Known>
   void add_pairs(const ConstAtomTable& placed, RowRange molecule1, Known& known) const;
+  /// The clearance is filled in, if not null.
+  ContactSurvey survey_few(const ConstAtomTable& placed, RowRange molecule1,
+                           Clearance* clearance) const;
   template <class Reach>
   [[nodiscard]] double touching_distance(std::span<const Vec3> offsets, const Vec3& direction,
                                          const Reach& reach) const;
@@ -87,6 +92,7 @@ class ContactSurveyor {
   std::vector<double> radii1_;      ///< of molecule 1
   double largest1_ = 0.0;
   std::vector<Group> groups_;
+  std::optional<FewAtoms> few_;  ///< where all atoms are one group
 };
 
 }  // namespace dravo

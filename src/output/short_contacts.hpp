@@ -26,6 +26,9 @@ class RootLimit {
 
   [[nodiscard]] double limit() const { return limit_; }
 
+  /// False where no square as large or larger holds.
+  [[nodiscard]] bool may_hold(double square) const { return square <= hardly_; }
+
   /// Whether the root of the square is at most the limit.
   [[nodiscard]] bool holds(double square) const {
     if (square < surely_) return true;

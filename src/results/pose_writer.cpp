@@ -1,12 +1,18 @@
 #include "results/pose_writer.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "common/number_format.hpp"
 #include "common/record_format.hpp"
@@ -125,49 +131,89 @@ bool is_there(const PoseColumn& column, const PoseColumns& columns) {
   return column.only_with == nullptr || columns.*column.only_with;
 }
 
-/// " name=value", or nothing for a value that is none.
-void append_key(std::string& comment, const PoseColumn& column, const ScannedPose& pose) {
-  const std::size_t start = comment.size();
-  comment.append(" ").append(column.name).append("=");
-  const std::size_t value = comment.size();
-  column.append(comment, pose);
-  if (comment.size() == value) comment.resize(start);
-}
-
 /// The digits of qn-dravo stay as they are.
 double as_written(double coordinate, bool exact) {
   return exact ? without_negative_zero(coordinate) : coordinate;
 }
 
-void append_atom(std::string& frame, const Label& label, const Vec3& p, bool exact) {
-  constexpr int kWidth = 15;
-  frame += text_of(label);
-  for (const double coordinate : {p.x, p.y, p.z}) {
-    frame += ' ';
-    append_fixed_field(frame, as_written(coordinate, exact), kWidth, decimals::kLength);
+constexpr std::size_t kFieldWidth = 15;
+
+/// F15.8 before `end`, where blanks stand.
+void write_coordinate(char* end, double coordinate) {
+  constexpr double kUsual = 99998.0;  // with its sign it has the columns of the field or fewer
+  if (std::abs(coordinate) < kUsual) {
+    write_fixed_before(end, coordinate, decimals::kLength);
+    return;
   }
+  std::string field;
+  append_fixed_field(field, coordinate, static_cast<int>(kFieldWidth), decimals::kLength);
+  std::copy(field.begin(), field.end(), end - kFieldWidth);
 }
+
+constexpr std::string_view kBlankLine = "                                                    \n";
+
+/// Returns the end of the line.
+char* write_atom(char* line, const Label& label, const Vec3& p, char molecule, bool exact) {
+  std::memcpy(line, kBlankLine.data(), kBlankLine.size());
+  std::memcpy(line, label.data(), label.size());
+  char* end = line + label.size();
+  for (const double coordinate : {p.x, p.y, p.z}) {
+    end += 1 + kFieldWidth;
+    write_coordinate(end, as_written(coordinate, exact));
+  }
+  end[1] = molecule;
+  return line + kBlankLine.size();
+}
+
+/// Of so many of the labels, from row `first` on.
+char* write_atoms(char* next, std::span<const Label> labels, std::int32_t first, char molecule,
+                  const ConstAtomTable& placed, bool exact) {
+  for (const Label& label : labels)
+    next = write_atom(next, label, placed.position(first++), molecule, exact);
+  return next;
+}
+
+std::string atom_lines(std::span<const Label> labels, std::int32_t first, char molecule,
+                       const ConstAtomTable& placed, bool exact) {
+  std::string lines(labels.size() * kBlankLine.size(), ' ');
+  write_atoms(lines.data(), labels, first, molecule, placed, exact);
+  return lines;
+}
+
+constexpr std::string_view kExactWords = " placing=exact";
 
 }  // namespace
 
 void append_atoms(std::string& frame, std::span<const Label> labels, std::int32_t n1,
                   const ConstAtomTable& placed, bool exact) {
-  std::int32_t i = 0;
-  for (const Label& label : labels) {
-    append_atom(frame, label, placed.position(i), exact);
-    frame += i++ < n1 ? " 1\n" : " 2\n";
-  }
+  const auto [molecule1, of_molecule2, molecule2] = frame_atoms(labels, n1, placed, exact);
+  frame.append(atom_lines(molecule1, 0, '1', placed, exact)).append(molecule2);
 }
 
-std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
-                            const ConstAtomTable& placed, bool exact) {
-  const auto atoms = static_cast<std::int32_t>(labels.size());
-  std::string frame = std::to_string(atoms - n1) + "\n" + kProperties + "\n";
-  for (std::int32_t i = n1; i < atoms; ++i) {
-    append_atom(frame, labels[static_cast<std::size_t>(i)], placed.position(i), exact);
-    frame += " 2\n";
-  }
-  return frame;
+FrameAtoms frame_atoms(std::span<const Label> labels, std::int32_t n1, const ConstAtomTable& placed,
+                       bool exact) {
+  const auto molecule1 = static_cast<std::size_t>(n1);
+  const auto molecule2 = labels.subspan(molecule1);
+  return {labels.first(molecule1), static_cast<std::int32_t>(molecule2.size()),
+          atom_lines(molecule2, n1, '2', placed, exact)};
+}
+
+std::string molecule2_frame(const FrameAtoms& atoms) {
+  return fmt::format("{}\n{}\n{}", atoms.of_molecule2, kProperties, atoms.molecule2);
+}
+
+PoseWriter::PoseWriter(FrameAtoms atoms, const PoseColumns& columns)
+    : atoms_(std::move(atoms)),
+      columns_(columns),
+      head_(
+          fmt::format("{}\n{}", std::ssize(atoms_.molecule1) + atoms_.of_molecule2, kProperties)) {
+  for (const PoseColumn& column : kPoseColumns)
+    if (is_there(column, columns_)) {
+      Key& key = keys_.emplace_back();
+      key.size = fmt::format_to_n(key.text.begin(), key.text.size(), " {}=", column.name).size;
+    }
+  longest_comment_ = head_.size() + kExactWords.size() + 1;
+  longest_comment_ += keys_.size() * sizeof(Key::text);
 }
 
 std::string PoseWriter::table_heading() const {
@@ -199,15 +245,45 @@ std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
   return pose;
 }
 
-void PoseWriter::append_frame(std::string& frames, const ScannedPose& pose,
+void PoseWriter::append_frame(std::string& frames, std::string_view row,
                               const ConstAtomTable& placed) const {
-  append_shortest(frames, static_cast<std::int64_t>(labels_.size()));
-  frames.append("\n").append(kProperties);
-  for (const PoseColumn& column : kPoseColumns)
-    if (is_there(column, columns_)) append_key(frames, column, pose);
-  if (columns_.exact) frames += " placing=exact";
-  frames += '\n';
-  append_atoms(frames, labels_, n1_, placed, columns_.exact);
+  const std::size_t begin = frames.size();
+  frames.resize(begin + longest_comment_ + row.size() +
+                atoms_.molecule1.size() * kBlankLine.size() + atoms_.molecule2.size());
+  char* next = write_comment(frames.data() + begin, row);
+  next = write_atoms(next, atoms_.molecule1, 0, '1', placed, columns_.exact);
+  next = std::copy(atoms_.molecule2.begin(), atoms_.molecule2.end(), next);
+  frames.resize(static_cast<std::size_t>(next - frames.data()));
+}
+
+namespace {
+
+/// So many bytes are copied sooner than as many as there are.
+char* copy_value(const char* from, const char* stop, const char* end, char* to) {
+  constexpr std::ptrdiff_t kUsual = 24;
+  if (stop - from > kUsual || end - from < kUsual) return std::copy(from, stop, to);
+  std::memcpy(to, from, kUsual);
+  return to + (stop - from);
+}
+
+}  // namespace
+
+/// " name=value" for each value of the row, nothing for one that is none. Returns the end.
+char* PoseWriter::write_comment(char* next, std::string_view row) const {
+  next = std::copy(head_.begin(), head_.end(), next);
+  const char* from = row.data();
+  const char* const end = from + row.size();
+  for (const Key& key : keys_) {
+    const char* const stop = std::find(from, end, ',');
+    if (stop != from) {
+      std::memcpy(next, key.text.data(), key.text.size());
+      next = copy_value(from, stop, end, next + key.size);
+    }
+    from = stop == end ? end : stop + 1;
+  }
+  if (columns_.exact) next = std::copy(kExactWords.begin(), kExactWords.end(), next);
+  *next++ = '\n';
+  return next;
 }
 
 }  // namespace dravo

@@ -1,11 +1,14 @@
 /// Poses as text: frames of an extended xyz file and rows of a CSV table.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/atom_table.hpp"
 #include "dravo/scan.hpp"
@@ -24,11 +27,6 @@ struct PoseColumns {
   bool energy = false;
 };
 
-/// Molecule 2, the atoms behind the first `n1`, which stands still in all poses: a frame of its own
-/// with the lines that it has in those of both molecules.
-std::string molecule2_frame(std::span<const Label> labels, std::int32_t n1,
-                            const ConstAtomTable& placed, bool exact);
-
 /// What the first words of a comment line say of the columns of a frame.
 inline constexpr auto kProperties = "Properties=species:S:1:pos:R:3:molecule:I:1";
 
@@ -39,6 +37,20 @@ inline constexpr auto kProperties = "Properties=species:S:1:pos:R:3:molecule:I:1
 void append_atoms(std::string& frame, std::span<const Label> labels, std::int32_t n1,
                   const ConstAtomTable& placed, bool exact);
 
+/// The atoms of a frame. Those of molecule 2 stand still in all poses.
+struct FrameAtoms {
+  std::span<const Label> molecule1;
+  std::int32_t of_molecule2 = 0;  ///< how many
+  std::string molecule2 = {};     ///< their lines
+};
+
+/// Those of both molecules, the first `n1` of molecule 1, with molecule 2 as it is placed.
+FrameAtoms frame_atoms(std::span<const Label> labels, std::int32_t n1, const ConstAtomTable& placed,
+                       bool exact);
+
+/// Molecule 2 as a frame of its own.
+std::string molecule2_frame(const FrameAtoms& atoms);
+
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
 /// intermolecular distance, number of short contacts, clearance and its two atoms, from 1;
 /// `above_contact` behind the index in plans that count r from the contact, and `equivalents` at
@@ -48,10 +60,7 @@ void append_atoms(std::string& frame, std::span<const Label> labels, std::int32_
 /// is empty or missing unless the status is ok, and `status` come last.
 class PoseWriter {
  public:
-  /// The first `n1` atoms are molecule 1. Frames have so many atoms as there are labels: those of
-  /// molecule 1, or of both molecules.
-  PoseWriter(std::span<const Label> labels, std::int32_t n1, const PoseColumns& columns)
-      : labels_(labels), n1_(n1), columns_(columns) {}
+  PoseWriter(FrameAtoms atoms, const PoseColumns& columns);
 
   [[nodiscard]] std::string table_heading() const;
 
@@ -62,14 +71,24 @@ class PoseWriter {
   /// row.
   [[nodiscard]] std::optional<ScannedPose> read_row(std::string_view row) const;
 
-  /// The pose whose atoms stand in `placed`.
-  void append_frame(std::string& frames, const ScannedPose& pose,
-                    const ConstAtomTable& placed) const;
+  /// The pose that has this row, behind which others' columns may follow, and whose atoms stand in
+  /// `placed`.
+  void append_frame(std::string& frames, std::string_view row, const ConstAtomTable& placed) const;
 
  private:
-  std::span<const Label> labels_;
-  std::int32_t n1_;
+  /// " r=", with room behind it.
+  struct Key {
+    std::array<char, 24> text{};
+    std::size_t size = 0;
+  };
+
+  char* write_comment(char* next, std::string_view row) const;
+
+  FrameAtoms atoms_;
   PoseColumns columns_;
+  std::string head_;  ///< what frames have before the values
+  std::vector<Key> keys_;
+  std::size_t longest_comment_ = 0;  ///< but for its values
 };
 
 }  // namespace dravo

@@ -101,8 +101,8 @@ MadePose PosesAgain::made(std::string_view row) {
   return pose;
 }
 
-void PosesAgain::append_frame(std::string& frames, const MadePose& pose) const {
-  writer_.append_frame(frames, pose.numbers, pose.atoms);
+void PosesAgain::append_frame(std::string& frames, const MadePose& last) const {
+  writer_.append_frame(frames, without_line_end(row_), last.atoms);
 }
 
 }  // namespace dravo

@@ -38,15 +38,15 @@ class PosesAgain {
   /// the table or the program has changed.
   MadePose made(std::string_view row);
 
-  /// The frame that the scan wrote for this pose.
-  void append_frame(std::string& frames, const MadePose& pose) const;
+  /// The frame that the scan wrote for the pose that was made last.
+  void append_frame(std::string& frames, const MadePose& last) const;
   void append_frame(std::string& frames, std::string_view row) { append_frame(frames, made(row)); }
 
  private:
   PoseWriter writer_;
   PoseMaker maker_;
   std::string table_;
-  std::string row_;
+  std::string row_;  ///< of the pose that was made last
 };
 
 }  // namespace dravo

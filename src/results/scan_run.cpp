@@ -124,11 +124,9 @@ ScanRecord record_of(const PairPlacer& placer, const ScannedPair& molecules, con
 }
 
 ResultTexts texts_of(const PairPlacer& placer, const ScanPlan& plan, const ScanRequest& request) {
-  OwnedTable placed(placer.split().N);
-  placer.place({}, placed.table());
   const PoseColumns columns = columns_of(placer, plan, output_of(request, Writing::table));
   return {writer_of(placer, columns, Writing::table).table_heading(),
-          molecule2_frame(placer.labels(), placer.split().n1, placed.table(), placer.exact())};
+          molecule2_frame(frame_atoms_of(placer))};
 }
 
 /// The poses that are left to make, as far as the files tell it before anybody holds them.

@@ -64,7 +64,10 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const Sca
   constexpr double kUsualEnergy = -1.0;  // kcal/mol; most have one digit before the point
   const Writing writing = output.writing;
   const PoseWriter writer = writer_of(placer, columns_of(placer, plan, output), writing);
-  PoseMaker maker(placer, plan.poses(), {ContactRule::keep, plan.above_contact(), true});
+  PoseMaker maker(placer, plan.poses(),
+                  {.above_contact = plan.above_contact(),
+                   .clearance = true,
+                   .drawn = writing == Writing::files});
   const std::int64_t poses = end - first;
   const std::int64_t looked_at = std::min(poses, kMostLookedAt);
   ScanSize size;
@@ -73,10 +76,12 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const Sca
     ScannedPose numbers = pose.numbers;
     numbers.energy_status = EnergyStatus::ok;
     numbers.interaction = kUsualEnergy;
-    writer.append_row(rows, numbers);
+    std::string row;
+    writer.append_row(row, numbers);
+    rows += row;
     if (writing == Writing::files) size.frames += files_of_pose(placer, pose);
     if (writing == Writing::frames || writing == Writing::moving)
-      writer.append_frame(frames, numbers, pose.atoms);
+      writer.append_frame(frames, std::string_view(row).substr(0, row.size() - 1), pose.atoms);
   };
   for (std::int64_t k = 0; k < looked_at; ++k) {
     const std::int64_t pose = first + Shard{k + 1, looked_at}.first(poses);

@@ -1,7 +1,8 @@
 #include "results/text_chunk.hpp"
 
 #include <cstddef>
-#include <span>
+#include <string_view>
+#include <utility>
 
 #include "common/output_folder.hpp"
 #include "driver/output_names.hpp"
@@ -13,21 +14,35 @@ PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan, const Sca
   return {plan.above_contact(), plan.unique(), placer.exact(), output.energy != nullptr};
 }
 
+FrameAtoms frame_atoms_of(const PairPlacer& placer) {
+  OwnedTable placed(placer.split().N);
+  placer.put_molecule2(placed.table());
+  return frame_atoms(placer.labels(), placer.split().n1, placed.table(), placer.exact());
+}
+
 PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing) {
-  const std::span<const Label> labels(placer.labels());
-  const std::int32_t n1 = placer.split().n1;
-  return {writing == Writing::moving ? labels.first(static_cast<std::size_t>(n1)) : labels, n1,
-          columns};
+  FrameAtoms atoms = frame_atoms_of(placer);
+  if (writing == Writing::moving) atoms = {atoms.molecule1};
+  return {std::move(atoms), columns};
 }
 
 namespace {
 
-PoseRules rules_of(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output,
-                   const UniquePoses* unique) {
+/// From there to the end, without its end of line.
+std::string_view row_at(std::string_view table, std::size_t begin) {
+  return table.substr(begin, table.size() - begin - 1);
+}
+
+PoseRules rules_of(const ScanPlan& plan, const ScanOutput& output, const UniquePoses* unique) {
   const bool written = output.writing != Writing::nothing;
-  const bool measured = output.writing == Writing::files || (written && !placer.exact());
-  return {plan.contacts(), plan.above_contact(), written, unique,
-          output.energy,   output.keep_below,    measured};
+  return {.contacts = plan.contacts(),
+          .above_contact = plan.above_contact(),
+          .clearance = written,
+          .unique = unique,
+          .energy = output.energy,
+          .keep_below = output.keep_below,
+          .measured = written,
+          .drawn = output.writing == Writing::files};
 }
 
 }  // namespace
@@ -36,7 +51,7 @@ TextMaker::TextMaker(const PairPlacer& placer, const ScanPlan& plan, const ScanO
                      const UniquePoses* unique)
     : placer_(&placer),
       output_(&output),
-      poses_(placer, plan.poses(), rules_of(placer, plan, output, unique)),
+      poses_(placer, plan.poses(), rules_of(plan, output, unique)),
       writer_(writer_of(placer, columns_of(placer, plan, output), output.writing)),
       folders_(output.pose_folder, plan.poses().size()) {}
 
@@ -60,11 +75,12 @@ void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
 }
 
 void TextMaker::write(const MadePose& pose, TextChunk& chunk) {
+  const std::size_t row = chunk.table.size();
   writer_.append_row(chunk.table, pose.numbers);
   if (output_->writing == Writing::files)
     write_files(pose);
   else if (output_->writing != Writing::table)
-    writer_.append_frame(chunk.frames, pose.numbers, pose.atoms);
+    writer_.append_frame(chunk.frames, row_at(chunk.table, row), pose.atoms);
 }
 
 /// Names hold whole degrees, so poses may share theirs: each gets a folder of its own, by index.

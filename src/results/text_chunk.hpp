@@ -33,6 +33,8 @@ struct ScanOutput {
 /// Which columns the poses of a plan have.
 PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan, const ScanOutput& output);
 
+FrameAtoms frame_atoms_of(const PairPlacer& placer);
+
 /// Its frames are those of Writing::moving or of both molecules.
 PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing);
 

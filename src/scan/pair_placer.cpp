@@ -125,6 +125,10 @@ Placement PairPlacer::measured(const PoseRadians& radians, const ConstAtomTable&
   return placement;
 }
 
+SphericalPosition PairPlacer::measured_position(const ConstAtomTable& placed) const {
+  return dravo::measured_position(centre_of_mass(placed, split_.molecule1()), cm2_);
+}
+
 void PairPlacer::place_atoms(const PoseRadians& radians, std::span<double> positions) const {
   double* next = positions.data();
   const auto write = [&next](const Vec3& p) {

@@ -54,6 +54,7 @@ class PairPlacer {
   void put_molecule2(AtomTable& placed) const;
   void put_molecule1(const PoseRadians& radians, AtomTable& placed) const;
   [[nodiscard]] Placement measured(const PoseRadians& radians, const ConstAtomTable& placed) const;
+  [[nodiscard]] SphericalPosition measured_position(const ConstAtomTable& placed) const;
 
   /// The same atoms alone: x, y, z one behind the other, 3 N.
   void place_atoms(const PoseRadians& radians, std::span<double> positions) const;

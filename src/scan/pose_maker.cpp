@@ -71,7 +71,10 @@ MadePose PoseMaker::made_again(const ScannedPose& known) {
 /// By its radians.
 void PoseMaker::place(MadePose& pose) {
   placer_->put_molecule1(pose.radians, placed_.table());
-  if (rules_.measured) pose.placement = placer_->measured(pose.radians, placed_.table());
+  if (rules_.drawn)
+    pose.placement = placer_->measured(pose.radians, placed_.table());
+  else if (rules_.measured && !placer_->exact())
+    pose.placement.applied = placer_->measured_position(placed_.table());
   const ContactSurvey survey =
       placer_->survey(placed_.table(), rules_.clearance || rules_.energy != nullptr);
   if (placer_->exact())

@@ -26,8 +26,8 @@ struct PoseRules {
   const EnergyModel* energy =
       nullptr;  ///< poses with the right contacts get an energy, if not null
   std::optional<double> keep_below = std::nullopt;  ///< wanted are those with a lower one, kcal/mol
-  /// Poses have their placement, and the applied parameters where the placer is not exact.
-  bool measured = true;
+  bool measured = true;  ///< poses have the applied parameters, also where the placer is not exact
+  bool drawn = false;    ///< poses have all of their placement
 };
 
 /// How many poses of so many atoms take about a tenth of a second, at most.
@@ -39,7 +39,7 @@ struct MadePose {
   bool left_out;  ///< equal to an earlier one, and not placed
   bool wanted;    ///< by the rules about contacts and energies
   PoseRadians radians;
-  Placement placement;
+  Placement placement;   ///< the position alone where it is not drawn
   ConstAtomTable atoms;  ///< the placed pair, until the next pose is made
 };
 

@@ -31,7 +31,7 @@ class BatchMaker {
              const UniquePoses* unique)
       : poses_(placer, poses,
                {options.contacts, options.above_contact, options.clearance, unique, options.energy,
-                options.keep_below, !placer.exact()}),
+                options.keep_below}),
         with_positions_(options.positions) {}
 
   void make(std::int64_t first, std::int64_t end, OwnedBatch& batch) {

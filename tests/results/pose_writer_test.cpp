@@ -38,18 +38,21 @@ constexpr PoseColumns kAboveContact{.above_contact = true};
 constexpr PoseColumns kUnique{.equivalents = true};
 constexpr PoseColumns kExact{.exact = true};
 
+/// Rows do not show atoms.
+PoseWriter table_writer(const PoseColumns& columns) { return {{}, columns}; }
+
 std::string row_of(const ScannedPose& pose, const PoseColumns& columns = {}) {
   std::string table;
-  PoseWriter(kLabels, 1, columns).append_row(table, pose);
+  table_writer(columns).append_row(table, pose);
   return table;
 }
 
 TEST(PoseTable, HasAHeading) {
-  EXPECT_EQ(PoseWriter(kLabels, 1, {}).table_heading(),
+  EXPECT_EQ(table_writer({}).table_heading(),
             "index,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,phi_applied,"
             "alpha_applied,beta_applied,gamma_applied,shortest,contacts,clearance,"
             "clearance_atom1,clearance_atom2\n");
-  EXPECT_EQ(PoseWriter(kLabels, 1, kAboveContact).table_heading(),
+  EXPECT_EQ(table_writer(kAboveContact).table_heading(),
             "index,above_contact,r,theta,phi,alpha,beta,gamma,r_applied,theta_applied,"
             "phi_applied,alpha_applied,beta_applied,gamma_applied,shortest,contacts,clearance,"
             "clearance_atom1,clearance_atom2\n");
@@ -66,7 +69,7 @@ TEST(PoseTable, HasARowForAPose) {
 
 TEST(PoseTable, GrowsAtItsEnd) {
   std::string table = "before\n";
-  const PoseWriter writer(kLabels, 1, {});
+  const PoseWriter writer = table_writer({});
   writer.append_row(table, hand_made());
   writer.append_row(table, hand_made());
   EXPECT_EQ(table, "before\n" + row_of(hand_made()) + row_of(hand_made()));
@@ -97,16 +100,15 @@ TEST(PoseTable, LeavesTheCellsOfNoClearanceEmpty) {
 }
 
 TEST(PoseTable, TellsAtItsEndHowManyPosesARowStandsFor) {
-  const std::string heading = PoseWriter(kLabels, 1, {}).table_heading();
-  EXPECT_EQ(PoseWriter(kLabels, 1, kUnique).table_heading(),
+  const std::string heading = table_writer({}).table_heading();
+  EXPECT_EQ(table_writer(kUnique).table_heading(),
             heading.substr(0, heading.size() - 1) + ",equivalents\n");
   const std::string row = row_of(hand_made());
   EXPECT_EQ(row_of(hand_made(), kUnique), row.substr(0, row.size() - 1) + ",12\n");
 }
 
 TEST(PoseTable, IsTheSameForExactPoses) {
-  EXPECT_EQ(PoseWriter(kLabels, 1, kExact).table_heading(),
-            PoseWriter(kLabels, 1, {}).table_heading());
+  EXPECT_EQ(table_writer(kExact).table_heading(), table_writer({}).table_heading());
   EXPECT_EQ(row_of(hand_made(), kExact), row_of(hand_made()));
 }
 
@@ -125,8 +127,8 @@ const std::string kPlainRow = row_of(hand_made()).substr(0, row_of(hand_made()).
 constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
 TEST(PoseTable, EndsWithEnergyAndStatus) {
-  const std::string heading = PoseWriter(kLabels, 1, {}).table_heading();
-  EXPECT_EQ(PoseWriter(kLabels, 1, {.equivalents = true, .energy = true}).table_heading(),
+  const std::string heading = table_writer({}).table_heading();
+  EXPECT_EQ(table_writer({.equivalents = true, .energy = true}).table_heading(),
             heading.substr(0, heading.size() - 1) + ",equivalents,e_int_kcal_mol,status\n");
   EXPECT_EQ(row_of(with_energy(EnergyStatus::ok, -16.64172), kEnergies),
             kPlainRow + ",-16.641720,ok\n");
@@ -146,7 +148,8 @@ TEST(PoseTable, HasTheStatusOfAPoseWithoutEnergy) {
 }
 
 TEST(PoseTable, ReadsBackWhatPlacingAPoseDoesNotFind) {
-  const PoseWriter writer(kLabels, 1, {.above_contact = true, .equivalents = true, .energy = true});
+  const PoseWriter writer =
+      table_writer({.above_contact = true, .equivalents = true, .energy = true});
   for (const ScannedPose& pose :
        {with_energy(EnergyStatus::ok, -0.000001), with_energy(EnergyStatus::clash, kNoNumber)}) {
     std::string row;
@@ -167,7 +170,7 @@ TEST(PoseTable, ReadsBackWhatPlacingAPoseDoesNotFind) {
 }
 
 TEST(PoseTable, ReadsNoRowWithAnotherStatus) {
-  const PoseWriter writer(kLabels, 1, kEnergies);
+  const PoseWriter writer = table_writer(kEnergies);
   EXPECT_TRUE(writer.read_row(kPlainRow + ",-1.000000,ok"));
   EXPECT_TRUE(writer.read_row(kPlainRow + ",-1.000000,ok,more")) << "of the user";
   for (const char* cells :
@@ -202,11 +205,19 @@ TEST(PoseTable, CountsFarPoses) {
   EXPECT_EQ(parts(row_of(pose))[0], "999999999999999");
 }
 
+/// Behind what `frames` holds.
+void append_frame(std::string& frames, const ScannedPose& pose, const std::vector<Label>& labels,
+                  std::int32_t n1, SmallTable& placed, const PoseColumns& columns = {}) {
+  const std::string row = row_of(pose, columns);
+  PoseWriter(frame_atoms(labels, n1, placed.table(), columns.exact), columns)
+      .append_frame(frames, row.substr(0, row.size() - 1), placed.table());
+}
+
 std::string frame_of(const ScannedPose& pose, const std::vector<Atom>& atoms,
                      const PoseColumns& columns = {}) {
   SmallTable placed(atoms);
   std::string frames;
-  PoseWriter(kLabels, 1, columns).append_frame(frames, pose, placed.table());
+  append_frame(frames, pose, kLabels, 1, placed, columns);
   return frames;
 }
 
@@ -283,7 +294,7 @@ TEST(PoseFrame, TellsTheMoleculeOfEachAtom) {
   SmallTable placed(std::vector<Atom>{{"H", {1.0, 2.0, 3.0}}, {"O", {}}, {"Cl", {}}});
   for (const std::int32_t n1 : {1, 2}) {
     std::string frame;
-    PoseWriter(labels, n1, {}).append_frame(frame, hand_made(), placed.table());
+    append_frame(frame, hand_made(), labels, n1, placed);
     std::istringstream lines(frame);
     std::string molecules;
     for (std::string line; std::getline(lines, line);)
@@ -293,13 +304,34 @@ TEST(PoseFrame, TellsTheMoleculeOfEachAtom) {
   }
 }
 
+/// A table may have columns of others behind those of the scan.
+TEST(PoseFrame, HasTheColumnsOfTheScanAlone) {
+  SmallTable placed(std::vector<Atom>{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}});
+  const PoseWriter writer(frame_atoms(kLabels, 1, placed.table(), false), {});
+  std::string frame, frame_with_more;
+  writer.append_frame(frame, kPlainRow, placed.table());
+  writer.append_frame(frame_with_more, kPlainRow + ",-1.5,ok", placed.table());
+  EXPECT_EQ(frame_with_more, frame);
+}
+
+TEST(PoseFrame, OfMolecule1AloneCountsItsAtoms) {
+  SmallTable placed(std::vector<Atom>{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}});
+  const FrameAtoms both = frame_atoms(kLabels, 1, placed.table(), false);
+  std::string frame;
+  PoseWriter({both.molecule1}, {}).append_frame(frame, kPlainRow, placed.table());
+  EXPECT_EQ(frame, "1\nProperties=species:S:1:pos:R:3:molecule:I:1 index=42 " + kComment +
+                       "O       1.00000000     -2.50000000      0.00000000 1\n");
+  EXPECT_EQ(molecule2_frame(both),
+            "1\nProperties=species:S:1:pos:R:3:molecule:I:1\n"
+            "Cl      4.00000000      5.00000000      6.00000000 2\n");
+}
+
 TEST(PoseFrame, FollowsTheFrameBefore) {
   const std::vector<Atom> atoms{{"O", {1.0, 2.0, 3.0}}, {"Cl", {4.0, 5.0, 6.0}}};
   SmallTable placed(atoms);
   std::string frames;
-  const PoseWriter writer(kLabels, 1, {});
-  writer.append_frame(frames, hand_made(), placed.table());
-  writer.append_frame(frames, hand_made(), placed.table());
+  append_frame(frames, hand_made(), kLabels, 1, placed);
+  append_frame(frames, hand_made(), kLabels, 1, placed);
   EXPECT_EQ(frames, frame_of(hand_made(), atoms) + frame_of(hand_made(), atoms));
 }
 
