@@ -8,9 +8,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
@@ -115,6 +117,12 @@ void ProgressFile::clear() {
     throw_system_failure(name_, "write");
   size_ = 0;
   next_slot_ = 0;
+}
+
+void ProgressFile::let_go() {
+  std::error_code ignored;
+  std::filesystem::resize_file(name_, 0, ignored);  // what cannot be removed tells nothing
+  size_ = 0;
 }
 
 }  // namespace dravo
