@@ -15,6 +15,7 @@ struct FaultCase {
   std::vector<Words> before;  ///< what makes the files that the command reads or replaces
   Words command;
   Words again;  ///< what is added to make the same files over complete ones, or to go on
+  bool makes_room = false;  ///< earlier results go before the new ones are made
 };
 
 inline void PrintTo(const FaultCase& tried, std::ostream* out) { *out << tried.title; }
@@ -66,15 +67,17 @@ inline std::vector<FaultCase> cases_of_scans() {
           {"scan_moving", {}, scan_of({"--moving"}), kResume},
           {"scan_best", {}, scan_of({"--best", "5"}), kResume},
           {"scan_files", {}, scan_of({"--files"}, "2"), kResume},
-          {"scan_over_earlier", {scan_of({}, "30")}, scan_of(kReplace, "20"), {}},
+          {"scan_over_earlier", {scan_of({}, "30")}, scan_of(kReplace, "20"), {}, true},
           {"scan_files_over_earlier",
            {scan_of({"--files"}, "2")},
            scan_of({"--files", "--overwrite", "--seed", "1"}, "2"),
-           {}},
+           {},
+           true},
           {"scan_best_over_earlier",
            {scan_of({"--moving"}, "30")},
            scan_of({"--best", "5", "--overwrite"}, "300"),
-           {}}};
+           {},
+           true}};
 }
 
 inline std::vector<FaultCase> cases_of_merges() {
@@ -84,7 +87,8 @@ inline std::vector<FaultCase> cases_of_merges() {
           {"merge_over_earlier",
            {scan_of({}, "30"), part_of("1/2"), part_of("2/2")},
            merge + kReplace,
-           {}},
+           {},
+           true},
           {"merge_of_best", {part_of("1/2", best), part_of("2/2", best)}, merge, kReplace}};
 }
 
@@ -107,7 +111,11 @@ inline std::vector<FaultCase> cases_of_energies() {
       {"energy_of_frames", {}, frames_of("waters.xyz"), kReplace},
       {"energy_of_other_molecules", {}, frames_of("bent.xyz"), kReplace},
       {"dock", {}, dock + kQuiet, kResume},
-      {"dock_over_earlier", {dock + kQuiet + Words{"--seed", "3"}}, dock + kQuiet + kReplace, {}},
+      {"dock_over_earlier",
+       {dock + kQuiet + Words{"--seed", "3"}},
+       dock + kQuiet + kReplace,
+       {},
+       true},
       {"merge_of_docking", {part("1/2"), part("2/2")}, Words{"merge", "dock"} + kQuiet, kReplace}};
 }
 

@@ -212,8 +212,10 @@ class Trial {
       EXPECT_TRUE(has(before_, name, text) || has(after_, name, text)) << name << " is another";
     }
     for (const auto& [name, text] : before_) {
-      if (!has(after_, name, text)) continue;
-      EXPECT_TRUE(has(files, name, text)) << name << " was read";
+      const bool replaced = !has(after_, name, text);
+      if (replaced && case_.makes_room) continue;
+      EXPECT_EQ(files.count(name), 1U) << name << " is gone";
+      EXPECT_TRUE(replaced || has(files, name, text)) << name << " was read";
     }
   }
 
