@@ -41,14 +41,15 @@ inline const Words kEcho{"--energy", "command",        "--run", "cat {xyz}; echo
 inline std::vector<FaultCase> cases_of_texts() {
   const Words place{"place", "dimer.xyz", "--r", "4", "-o", "placed.xyz"};
   const Words earlier_place{"place", "dimer.xyz", "--r", "5", "-o", "placed.xyz"};
-  return {{"place", {}, place, {}},
-          {"place_over_earlier", {earlier_place}, place + kReplace, {}},
-          {"convert", {}, {"convert", "dimer.xyz", "-o", "pair.xyz"}, {}},
-          {"prepare", {}, {"prepare", "dimer.xyz", "--r", "4", "-o", "in.xyz"}, {}},
-          {"draw", {}, {"draw", "dimer.xyz", "-o", "dimer.svg"}, {}},
-          {"draw_for_chemiscope", {scan_of({}, "10")}, {"draw", "scan", "-o", "shown.json"}, {}},
-          {"view", {}, {"view", "dimer.xyz", "-o", "dimer.html"}, {}},
-          {"view_of_scan", {scan_of({}, "10")}, {"view", "scan", "-o", "scan.html"}, {}}};
+  return {
+      {"place", {}, place, kReplace},
+      {"place_over_earlier", {earlier_place}, place + kReplace, {}},
+      {"convert", {}, {"convert", "dimer.xyz", "-o", "pair.xyz"}, kReplace},
+      {"prepare", {}, {"prepare", "dimer.xyz", "--r", "4", "-o", "in.xyz"}, kReplace},
+      {"draw", {}, {"draw", "dimer.xyz", "-o", "dimer.svg"}, kReplace},
+      {"draw_for_chemiscope", {scan_of({}, "10")}, {"draw", "scan", "-o", "shown.json"}, kReplace},
+      {"view", {}, {"view", "dimer.xyz", "-o", "dimer.html"}, kReplace},
+      {"view_of_scan", {scan_of({}, "10")}, {"view", "scan", "-o", "scan.html"}, kReplace}};
 }
 
 /// Files that grow.
