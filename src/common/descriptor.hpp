@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "common/uninterrupted.hpp"
+
 namespace dravo {
 
 /// A descriptor of the system, closed with its owner.
@@ -19,8 +21,8 @@ class Descriptor {
   /// Below zero when it could not be opened.
   [[nodiscard]] int get() const { return number_; }
 
-  /// As the system's function, for callers who want to know how it ends.
-  [[nodiscard]] int close() { return ::close(std::exchange(number_, -1)); }
+  /// For callers who want to know how it ends.
+  [[nodiscard]] bool close() { return closes(std::exchange(number_, -1)); }
 
  private:
   int number_;

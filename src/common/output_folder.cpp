@@ -3,12 +3,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <utility>
 
 #include "common/errors.hpp"
+#include "common/uninterrupted.hpp"
 
 namespace dravo {
 namespace {
@@ -20,11 +20,9 @@ class DescriptorSink : public ByteSink {
 
   void write(std::string_view bytes) override {
     while (!bytes.empty()) {
-      const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-      if (written < 0) {
-        if (errno == EINTR) continue;
-        throw_system_failure(name_, "write");
-      }
+      const ssize_t written =
+          uninterrupted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
+      if (written < 0) throw_system_failure(name_, "write");
       bytes.remove_prefix(static_cast<std::size_t>(written));
     }
   }
@@ -38,7 +36,11 @@ class FileSink final : public DescriptorSink {
  public:
   /// `name` is the file that a reader of a later message knows.
   FileSink(const std::string& path, const std::string& name)
-      : DescriptorSink(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666), name) {
+      : DescriptorSink(uninterrupted([&] {
+                         return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC,
+                                       0666);
+                       }),
+                       name) {
     if (descriptor_ < 0) throw_system_failure(path, "open for writing");
   }
   FileSink(const FileSink&) = delete;
@@ -48,7 +50,7 @@ class FileSink final : public DescriptorSink {
   }
 
   void close() override {
-    if (descriptor_ >= 0 && ::close(std::exchange(descriptor_, -1)) != 0)
+    if (descriptor_ >= 0 && !closes(std::exchange(descriptor_, -1)))
       throw_system_failure(name_, "write");
   }
 };

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "dravo/energy.hpp"
+#include "energy/system_engine.hpp"
 
 namespace dravo {
 namespace {
@@ -96,7 +96,7 @@ class Attributes {
 std::array<int, 2> new_stream() {
   std::array<int, 2> ends{-1, -1};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
-    throw EngineFailure("cannot talk to an engine: " + std::system_category().message(errno));
+    throw NoEngine("cannot talk to an engine: " + std::system_category().message(errno));
   return ends;
 }
 
@@ -123,8 +123,8 @@ ChildProcess::ChildProcess(const ChildRequest& request, std::array<int, 2> ends)
   const int failure = ::posix_spawn(&id_, command.front().c_str(), actions.get(), attributes.get(),
                                     pointers_to(command).data(), pointers_to(environment).data());
   if (failure == 0) return;
-  throw EngineFailure(fmt::format("{}: cannot be started in {}: {}", request.command.front(),
-                                  request.folder, std::system_category().message(failure)));
+  throw NoEngine(fmt::format("{}: cannot be started in {}: {}", request.command.front(),
+                             request.folder, std::system_category().message(failure)));
 }
 
 ChildProcess::~ChildProcess() {

@@ -28,7 +28,7 @@ struct ChildRequest {
 /// knows OMP_NUM_THREADS or OPENBLAS_NUM_THREADS.
 class ChildProcess {
  public:
-  /// Throws EngineFailure.
+  /// Throws NoEngine.
   explicit ChildProcess(const ChildRequest& request);
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
@@ -65,7 +65,7 @@ std::string end_text(int status);
 /// A group of processes that end with their owner, and when this process is killed.
 class GuardedGroup {
  public:
-  /// Throws EngineFailure.
+  /// Throws NoEngine.
   GuardedGroup();
 
   [[nodiscard]] pid_t id() const { return guard_.id(); }

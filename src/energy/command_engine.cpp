@@ -1,10 +1,13 @@
 #include "energy/command_engine.hpp"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -19,8 +22,10 @@
 #include <vector>
 
 #include "common/atom_table.hpp"
+#include "common/descriptor.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
+#include "common/uninterrupted.hpp"
 #include "energy/child_process.hpp"
 #include "energy/private_folder.hpp"
 
@@ -105,7 +110,7 @@ class FolderOfOne {
   explicit FolderOfOne(std::string path) : path_(std::move(path)) {
     std::error_code failure;
     if (!fs::create_directory(path_, failure))
-      throw EngineFailure(path_ + ": cannot be made: " + failure.message());
+      throw NoEngine(path_ + ": cannot be made: " + failure.message());
   }
   FolderOfOne(const FolderOfOne&) = delete;
   FolderOfOne& operator=(const FolderOfOne&) = delete;
@@ -119,6 +124,26 @@ class FolderOfOne {
  private:
   std::string path_;
 };
+
+/// False when the system does not take them all.
+bool takes(const Descriptor& file, std::string_view bytes) {
+  while (file.get() >= 0 && !bytes.empty()) {
+    const ssize_t written =
+        uninterrupted([&] { return ::write(file.get(), bytes.data(), bytes.size()); });
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return file.get() >= 0;
+}
+
+/// Nobody reads it after a power failure, so it is not forced to the disk.
+void write_file(const std::string& name, std::string_view bytes) {
+  Descriptor file(uninterrupted(
+      [&] { return ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666); }));
+  if (takes(file, bytes) && file.close()) return;
+  throw NoEngine(
+      fmt::format("{}: cannot be written: {}", name, std::system_category().message(errno)));
+}
 
 class CommandEngine final : public SystemEngine {
  public:
@@ -140,13 +165,11 @@ class CommandEngine final : public SystemEngine {
 
  private:
   void write_system(const std::string& file, std::span<const Vec3> positions) const {
-    std::ofstream out(file, std::ios::binary);
-    out << fmt::format("{}\n\n", labels_.size());
+    std::string text = fmt::format("{}\n\n", labels_.size());
     for (std::size_t i = 0; i < labels_.size(); ++i)
-      out << fmt::format("{} {:.10f} {:.10f} {:.10f}\n", text_of(labels_[i]), positions[i].x,
-                         positions[i].y, positions[i].z);
-    out.close();
-    if (!out) throw EngineFailure(file + ": cannot be written");
+      text += fmt::format("{} {:.10f} {:.10f} {:.10f}\n", text_of(labels_[i]), positions[i].x,
+                          positions[i].y, positions[i].z);
+    write_file(file, text);
   }
 
   [[nodiscard]] SystemEnergy judged(int status, const Printed& printed) const {
@@ -156,7 +179,7 @@ class CommandEngine final : public SystemEngine {
                                 : fmt::format(", and its last line is \"{}\"", printed.last_line));
     if (is_killed(status)) return {EnergyStatus::engine_died, 0.0, "the program failed: " + end};
     if (WEXITSTATUS(status) == kNotFound)
-      throw EngineFailure(
+      throw NoEngine(
           fmt::format("{}: {}; commands run in a folder of their own, {{here}} is that of dravo",
                       dravo::quoted(line_), printed.last_line));
     if (WEXITSTATUS(status) != 0)

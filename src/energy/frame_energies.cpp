@@ -13,6 +13,7 @@
 #include "common/vector.hpp"
 #include "dravo/error.hpp"
 #include "energy/pose_energy.hpp"
+#include "energy/system_engine.hpp"
 #include "molecules/fragments.hpp"
 #include "scan/pose_maker.hpp"
 
@@ -56,6 +57,8 @@ PoseEnergy energy_of_other_molecules(const Pair& pair, const EnergyOptions& opti
   try {
     EnergyEngine engine = EnergyModel(pair, options).start();
     return energy_unless_clash(engine, pair.positions(), clearance);
+  } catch (const NoEngine&) {
+    throw;  // the next frame would fare no better
   } catch (const EngineFailure&) {
     return {EnergyStatus::scf_fail};
   }

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "dravo/energy.hpp"
+#include "energy/system_engine.hpp"
 
 namespace dravo {
 namespace {
@@ -59,7 +59,7 @@ std::string new_folder(const fs::path& parent) {
   std::string path = (parent / kPrefix).string() + "XXXXXX";
   if (::mkdtemp(path.data()) != nullptr) return path;
   const std::string reason = std::system_category().message(errno);
-  throw EngineFailure(fmt::format(
+  throw NoEngine(fmt::format(
       "{}: cannot make a folder for an engine there: {}; the variable TMPDIR can name another place",
       parent.string(), reason));
 }

@@ -12,7 +12,7 @@ namespace dravo {
 /// run left that was killed is removed when the next folder is made.
 class PrivateFolder {
  public:
-  /// Throws EngineFailure.
+  /// Throws NoEngine.
   PrivateFolder();
   PrivateFolder(const PrivateFolder&) = delete;
   PrivateFolder& operator=(const PrivateFolder&) = delete;

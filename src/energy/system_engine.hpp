@@ -27,6 +27,12 @@ struct SystemEnergy {
   std::string message = {};                ///< why there is none, unless ok
 };
 
+/// The system lets no engine run, whatever the molecules.
+class NoEngine : public EngineFailure {
+ public:
+  using EngineFailure::EngineFailure;
+};
+
 /// For one thread.
 class SystemEngine {
  public:
@@ -36,7 +42,7 @@ class SystemEngine {
   virtual ~SystemEngine() = default;
 
   /// `positions`: of each atom, Angstrom. `gradient`: as many, Hartree/Bohr, or none. Throws
-  /// EngineFailure when no process can be had, InvalidInput for a gradient that it cannot compute.
+  /// NoEngine when no process can be had, InvalidInput for a gradient that it cannot compute.
   virtual SystemEnergy compute(std::span<const Vec3> positions, std::span<Vec3> gradient) = 0;
 };
 

@@ -28,13 +28,13 @@ constexpr auto kPathVariable = "DRAVO_XTB_WORKER";
 
 std::string worker_program() {
   if (!kBuiltWithXtb)
-    throw EngineFailure(
+    throw NoEngine(
         "this build has no libxtb: install the Debian package libxtb-dev and build again, or use "
         "another program (--energy command)");
   try {
     return installed_file("program", kWorkerName, kPathVariable);
   } catch (const IoFailure& failure) {
-    throw EngineFailure(failure.what());
+    throw NoEngine(failure.what());
   }
 }
 
@@ -134,8 +134,8 @@ class XtbEngine final : public SystemEngine {
       if (greeting == kXtbGreeting) return true;
     }
     process_.reset();
-    throw EngineFailure(fmt::format("{} does not answer as {} of this version does",
-                                    worker_program(), kWorkerName));
+    throw NoEngine(fmt::format("{} does not answer as {} of this version does", worker_program(),
+                               kWorkerName));
   }
 
   void require_success(const XtbReply& reply) {

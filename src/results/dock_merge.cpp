@@ -34,8 +34,7 @@ ScanRecord merge_docking(const MergeRequest& request, const std::vector<std::str
   find_minima(docking, plan, request.threads, request.progress, found);
   found.summary->ended = kEndedByStarts;
   joined.docking = found.summary;
-  remove_earlier_results(request.name);
-  write_minima(request.name, *found.texts, joined);
+  replace_results(request.name, [&] { write_minima(request.name, *found.texts, joined); });
   return joined;
 }
 

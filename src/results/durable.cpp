@@ -6,20 +6,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <system_error>
 
 #include "common/descriptor.hpp"
 #include "common/errors.hpp"
+#include "common/uninterrupted.hpp"
 
 namespace dravo {
 namespace {
-
-/// Calls a function of the system again while signals interrupt it.
-template <class Call>
-auto uninterrupted(const Call& call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
 
 /// Special files and some network file systems have nothing to sync.
 bool cannot_sync() { return errno == EINVAL || errno == ENOTSUP; }
@@ -50,10 +44,13 @@ void sync_file(int descriptor, const std::string& name) {
 void sync_folder_of(const std::string& name) {
   const std::filesystem::path parent = std::filesystem::path(name).parent_path();
   const std::string folder = parent.empty() ? "." : parent.string();
+  std::error_code ignored;  // who works in a folder that is gone gets no name of it
+  const std::string shown =
+      parent.empty() ? std::filesystem::current_path(ignored).string() : folder;
   const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened.get() < 0 && errno == EACCES) return;  // files may be made where nobody may look
-  if (opened.get() < 0) throw_system_failure(folder, "open");
-  sync_file(opened.get(), folder);
+  if (opened.get() < 0) throw_system_failure(shown, "open");
+  sync_file(opened.get(), shown);
 }
 
 void put_in_place(const std::string& from, const std::string& to) {

@@ -3,21 +3,24 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <utility>
 
 #include "common/errors.hpp"
+#include "common/uninterrupted.hpp"
 #include "results/durable.hpp"
 
 namespace dravo {
 
 GrowingFile::GrowingFile(const std::string& name)
-    : name_(name), descriptor_(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+    : name_(name),
+      descriptor_(
+          uninterrupted([&] { return ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666); })) {
   if (descriptor_.get() < 0) throw_system_failure(name, "open for writing");
 }
 
 void GrowingFile::cut(std::int64_t size, Checksum checksum) {
-  if (::ftruncate(descriptor_.get(), size) != 0) throw_system_failure(name_, "write");
+  if (uninterrupted([&] { return ::ftruncate(descriptor_.get(), size); }) != 0)
+    throw_system_failure(name_, "write");
   size_ = size;
   checksum_ = std::move(checksum);
 }
@@ -33,7 +36,7 @@ void GrowingFile::sync() { sync_bytes(descriptor_.get(), name_); }
 /// Some file systems report only now that they could not keep the bytes.
 void GrowingFile::finish(const std::string& final_name) {
   sync_file(descriptor_.get(), name_);
-  if (descriptor_.close() != 0 && errno != EINTR) throw_system_failure(name_, "write");
+  if (!descriptor_.close()) throw_system_failure(name_, "write");
   put_in_place(name_, final_name);
 }
 

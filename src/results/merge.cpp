@@ -202,21 +202,21 @@ ScanRecord merge_shards(const MergeRequest& request) {
                                 held.name(), records.front().kind()));
   if (!request.overwrite) refuse_earlier_results(name);
   if (records.front().is_docking()) return merge_docking(request, parts, records);
-  remove_earlier_results(name);
 
   ScanRecord joined = records.front();
   joined.shard = {};
   joined.totals = {};
   for (const ScanRecord& record : records) joined.totals.add(record.totals);
-  ResultFiles results(name, joined.results());
-  if (best) {
-    best->write(results);
-    joined.totals.kept = best->size();
-  } else {
-    append_parts(results, joined.results(), parts);
-  }
-  results.describe(joined);
-  results.finish(joined);
+  if (best) joined.totals.kept = best->size();
+  replace_results(name, [&] {
+    ResultFiles results(name, joined.results());
+    if (best)
+      best->write(results);
+    else
+      append_parts(results, joined.results(), parts);
+    results.describe(joined);
+    results.finish(joined);
+  });
   return joined;
 }
 

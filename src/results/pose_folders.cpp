@@ -104,8 +104,10 @@ std::string PoseFolders::emptied(std::int64_t index) const {
   constexpr mode_t kAsTheUserWants = 0777;
   int made = ::mkdir(folder.c_str(), kAsTheUserWants);
   if (made != 0 && errno == ENOENT) {
-    std::error_code met_again;
-    fs::create_directories(name_, met_again);
+    std::error_code failure;
+    fs::create_directories(name_, failure);
+    if (failure)
+      throw IoFailure(fmt::format("{}: cannot make the folder: {}", name_, failure.message()));
     made = ::mkdir(folder.c_str(), kAsTheUserWants);
   }
   if (made == 0) return folder;

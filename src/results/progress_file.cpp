@@ -8,12 +8,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "common/errors.hpp"
 #include "common/free_format_reader.hpp"
+#include "common/uninterrupted.hpp"
 #include "results/durable.hpp"
 #include "scan/fingerprint.hpp"
 
@@ -69,8 +72,9 @@ std::int64_t poses_in_progress(const std::string& scan) {
 }
 
 ProgressFile::ProgressFile(const std::string& scan)
-    : name_(scan + kEnding),
-      descriptor_(::open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+    : name_(scan + kEnding), descriptor_(uninterrupted([&] {
+        return ::open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+      })) {
   if (descriptor_.get() < 0) throw_system_failure(name_, "open for writing");
   // Some file systems of clusters have no locks; there the user sees to it.
   const bool held = ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
@@ -109,9 +113,16 @@ void ProgressFile::write(const ScanRecord& record) {
 }
 
 void ProgressFile::clear() {
-  if (::ftruncate(descriptor_.get(), 0) != 0) throw_system_failure(name_, "write");
+  if (uninterrupted([&] { return ::ftruncate(descriptor_.get(), 0); }) != 0)
+    throw_system_failure(name_, "write");
   size_ = 0;
   next_slot_ = 0;
+}
+
+void ProgressFile::let_go() {
+  std::error_code ignored;
+  std::filesystem::resize_file(name_, 0, ignored);  // what cannot be removed tells nothing
+  size_ = 0;
 }
 
 }  // namespace dravo

@@ -38,8 +38,12 @@ class ProgressFile {
   /// there before.
   void write(const ScanRecord& record);
 
-  /// The scan is finished, or starts over.
+  /// The scan starts over.
   void clear();
+
+  /// Nobody needs it any more, so it goes with its owner. Results that are complete stay so when
+  /// that fails.
+  void let_go();
 
  private:
   std::string name_;

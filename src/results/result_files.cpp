@@ -160,6 +160,16 @@ void remove_earlier_results(const std::string& name) {
   for (const std::string& result : names_with_parts(name)) ::unlink(result.c_str());
 }
 
+void replace_results(const std::string& name, const std::function<void()>& write) {
+  remove_earlier_results(name);
+  try {
+    write();
+  } catch (...) {
+    remove_earlier_results(name);
+    throw;
+  }
+}
+
 void remove_unfinished(const std::string& name) {
   for (const std::string& result : result_names(name))
     ::unlink((result + std::string(kPart)).c_str());

@@ -1,6 +1,7 @@
 /// The results of a scan: frames NAME.xyz, table NAME.csv, record NAME.json.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -66,6 +67,10 @@ double bytes_of_earlier_results(const std::string& name);
 
 /// Finished ones, and what is left of unfinished ones.
 void remove_earlier_results(const std::string& name);
+
+/// Calls `write`, which makes results of this name, in place of earlier ones. Nobody can go on with
+/// a part of them: when it throws, nothing is left.
+void replace_results(const std::string& name, const std::function<void()>& write);
 
 /// What is left of unfinished ones alone.
 void remove_unfinished(const std::string& name);

@@ -26,7 +26,7 @@ ScanFiles::ScanFiles(std::string name, const ScanRecord& plan, const OpenResults
     require_same_origin(name_ + kRecordEnding, record_, plan);
     require_unchanged(name_, record_);
     remove_unfinished(name_);  // a kill in the last steps left these
-    progress_->clear();
+    progress_->let_go();
     progress_.reset();
     return;
   }
@@ -107,7 +107,7 @@ void ScanFiles::abandon() {
   claimable_ = false;
   results_.reset();
   remove_unfinished(name_);
-  progress_->clear();
+  progress_->let_go();
   progress_.reset();
 }
 
@@ -116,7 +116,7 @@ void ScanFiles::finish() {
   claimable_ = false;
   results_->finish(record_);
   results_.reset();
-  progress_->clear();
+  progress_->let_go();
   progress_.reset();
 }
 

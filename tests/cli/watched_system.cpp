@@ -4,12 +4,9 @@
 ///     WATCHED_LOG    file that gets a line for each call: name of the call, file, details
 ///     WATCHED_FAIL   "CALL FILE ERRNO N": the N-th such call fails
 ///     WATCHED_KILL   N: the process is killed at its N-th call
-///     WATCHED_SIGNAL "NUMBER N COUNT": the process gets the signal at its N-th call, and at so
-///     many
+///     WATCHED_SIGNAL "NUMBER N COUNT": the process gets the signal at its N-th call, and at COUNT
 ///                    calls in all
-///     WATCHED_CLOCK  milliseconds that pass from one look at the steady clock to the next, no
-///     others
-#include <dlfcn.h>
+///     WATCHED_CLOCK  milliseconds that pass from one look at the steady clock to the next
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -22,22 +19,14 @@
 #include <ctime>
 #include <string>
 
+#include "cli/in_front.hpp"
+
 namespace {
 
-/// The function that would have been called.
-template <class Function>
-Function* real(const char* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
-
-std::string last_part(const std::string& path) { return path.substr(path.rfind('/') + 1); }
-
-std::string name_of(int descriptor) {
-  char path[4096];
-  const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-  const ssize_t size = ::readlink(link.c_str(), path, sizeof path);
-  return size < 0 ? "?" : last_part(std::string(path, static_cast<std::size_t>(size)));
-}
+using dravo::test::last_part;
+using dravo::test::look_at_clock;
+using dravo::test::name_of;
+using dravo::test::real;
 
 void write_down(const std::string& line) {
   const char* log = std::getenv("WATCHED_LOG");
@@ -125,14 +114,6 @@ int unlink(const char* path) noexcept {
 }
 
 int clock_gettime(clockid_t clock, struct timespec* now) noexcept {
-  static std::atomic<long> looks = 0;
-  const char* step = std::getenv("WATCHED_CLOCK");
-  if (clock != CLOCK_MONOTONIC || step == nullptr)
-    return real<int(clockid_t, struct timespec*)>("clock_gettime")(clock, now);
-  constexpr long kThousand = 1000;
-  const long milliseconds = std::atol(step) * ++looks;
-  now->tv_sec = milliseconds / kThousand;
-  now->tv_nsec = milliseconds % kThousand * kThousand * kThousand;
-  return 0;
+  return look_at_clock(std::getenv("WATCHED_CLOCK"), clock, now);
 }
 }
