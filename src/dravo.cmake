@@ -33,6 +33,7 @@ set(DRAVO_LIBRARY_SOURCES
   src/energy/electrons.cpp
   src/energy/energy.cpp
   src/energy/energy_names.cpp
+  src/energy/engine_texts.cpp
   src/energy/frame_energies.cpp
   src/energy/pose_energy.cpp
   src/energy/private_folder.cpp

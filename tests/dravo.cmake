@@ -119,6 +119,7 @@ set(energy_tests
   command_engine_test.cpp
   electrons_test.cpp
   energy_names_test.cpp
+  engine_texts_test.cpp
   private_folder_test.cpp)
 if(DRAVO_XTB)
   list(APPEND energy_tests forces_test.cpp s22_test.cpp xtb_engine_test.cpp xtb_worker_test.cpp)

@@ -11,12 +11,11 @@ namespace dravo {
 /// them: a fault for each four kilobytes takes as long as what is computed to fill them.
 inline void prefer_large_pages(void* memory, std::size_t bytes) {
   constexpr std::size_t kLargePage = std::size_t{1} << 21U;
-  constexpr std::uintptr_t kPage = 4096;
+  constexpr std::size_t kPage = 4096;
   if (bytes < kLargePage) return;
-  const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + kPage - 1) / kPage * kPage;
-  const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / kPage * kPage;
+  const std::size_t before = (kPage - reinterpret_cast<std::uintptr_t>(memory) % kPage) % kPage;
   // Refused or not, the memory is as good.
-  static_cast<void>(::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE));
+  static_cast<void>(::madvise(static_cast<char*>(memory) + before, bytes - before, MADV_HUGEPAGE));
 }
 
 }  // namespace dravo

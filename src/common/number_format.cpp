@@ -101,7 +101,7 @@ std::uint64_t scaled_to_whole(double value) {
   constexpr double kMargin = 0x1p-8;
   const double product = value * static_cast<double>(kPowersOfTen[decimals]);
   if (product < kSurelyExact) {
-    const auto scaled = static_cast<std::int64_t>(product + 0.5);
+    const auto scaled = static_cast<std::int64_t>(product + 0.5);  // NOLINT: `rest` tells
     const double rest = product - static_cast<double>(scaled);
     if (std::abs(rest) < 0.5 - kMargin) return static_cast<std::uint64_t>(scaled);
   }

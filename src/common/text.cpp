@@ -21,4 +21,13 @@ std::vector<std::string_view> parts_between(std::string_view text, char separato
   }
 }
 
+std::string_view part_at(std::string_view text, char separator, std::size_t place) {
+  for (; place > 0; --place) {
+    const std::size_t end = text.find(separator);
+    if (end == std::string_view::npos) return {};
+    text.remove_prefix(end + 1);
+  }
+  return text.substr(0, text.find(separator));
+}
+
 }  // namespace dravo

@@ -5,10 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -23,10 +21,10 @@
 
 #include "common/atom_table.hpp"
 #include "common/descriptor.hpp"
-#include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "common/uninterrupted.hpp"
 #include "energy/child_process.hpp"
+#include "energy/engine_texts.hpp"
 #include "energy/private_folder.hpp"
 
 namespace dravo {
@@ -37,9 +35,6 @@ namespace fs = std::filesystem;
 constexpr auto kSystemFile = "system.xyz";
 constexpr auto kShell = "/bin/sh";
 constexpr int kNotFound = 127;  // as the shell says it
-
-/// Matching takes stack in proportion to the line; energies stand in shorter ones.
-constexpr std::size_t kLongestLine = 4096;
 
 double hartree(EnergyUnit unit) {
   constexpr double kElectronVolts = 27.211386245988;  // CODATA 2018
@@ -72,29 +67,6 @@ std::string with_values(std::string line, const EnergySystem& system) {
          at = line.find(name, at + value.size()))
       line.replace(at, name.size(), value);
   return line;
-}
-
-/// What a program printed.
-struct Printed {
-  std::optional<double> energy;  ///< of the last match, if that is a number
-  std::string last_line;         ///< with something in it, for messages
-};
-
-Printed read_printed(const std::string& file, const std::regex& expression) {
-  std::ifstream in(file, std::ios::binary);
-  Printed printed;
-  std::string line, last_line;
-  std::smatch match;
-  while (std::getline(in, line)) {
-    line.resize(std::min(line.size(), kLongestLine));
-    if (line.find_first_not_of(" \t\r") != std::string::npos) last_line = line;
-    if (!std::regex_search(line, match, expression)) continue;
-    printed.energy = parse_real(match[1].str());
-    if (printed.energy && !std::isfinite(*printed.energy)) printed.energy.reset();
-  }
-  constexpr std::size_t kMostColumns = 120;
-  printed.last_line = printable(last_line, kMostColumns).text;
-  return printed;
 }
 
 /// Killed, or in a shell that says so of its program.
@@ -160,7 +132,8 @@ class CommandEngine final : public SystemEngine {
     const std::string output = run.path() + "/printed";
     ChildProcess process({{kShell, "-c", line_}, run.path(), output, false, group_.id()});
     const int status = process.wait();
-    return judged(status, read_printed(output, expression_));
+    std::ifstream said(output, std::ios::binary);
+    return judged(status, read_printed(said, expression_));
   }
 
  private:

@@ -2,21 +2,19 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
 #include <fstream>
 #include <optional>
-#include <string_view>
 
 #include "common/atom_table.hpp"
 #include "common/build_options.hpp"
 #include "common/installed_file.hpp"
-#include "common/shown_text.hpp"
 #include "common/text.hpp"
 #include "driver/element_table.hpp"
 #include "energy/child_process.hpp"
+#include "energy/engine_texts.hpp"
 #include "energy/private_folder.hpp"
 #include "energy/xtb_protocol.hpp"
 
@@ -65,29 +63,6 @@ std::vector<double> in_bohr(std::span<const Vec3> positions) {
   for (const Vec3& p : positions)
     for (const double angstrom : {p.x, p.y, p.z}) bohr.push_back(angstrom / kAngstromPerBohr);
   return bohr;
-}
-
-/// "-3- a: this failed", a line for each routine that gave up: the last one has the cause.
-std::string cause_of(const XtbReply& reply) {
-  const auto* const end = std::find(reply.message.begin(), reply.message.end(), '\0');
-  std::string_view text(reply.message.data(),
-                        static_cast<std::size_t>(end - reply.message.begin()));
-  text = text.substr(0, text.find_last_not_of(" \n") + 1);
-  text.remove_prefix(text.rfind('\n') + 1);
-  const std::size_t mark = text.find("- ");
-  if (text.starts_with('-') && mark != std::string_view::npos) text.remove_prefix(mark + 2);
-  return text.empty() ? "libxtb does not say why" : "libxtb: " + std::string(text);
-}
-
-/// The line in which a process that died says why; empty without one.
-std::string complaint_in(const std::string& printed) {
-  constexpr std::size_t kMostColumns = 120;
-  std::ifstream in(printed);
-  std::string line;
-  while (std::getline(in, line))
-    if (line.find("rror") != std::string::npos || line.find("ERROR") != std::string::npos)
-      return ": " + printable(line, kMostColumns).text;
-  return "";
 }
 
 template <class Number>
@@ -177,7 +152,8 @@ class XtbEngine final : public SystemEngine {
   std::string ended() {
     const int status = process_->end();
     process_.reset();
-    return end_text(status) + complaint_in(printed());
+    std::ifstream said(printed());
+    return end_text(status) + complaint_in(said);
   }
 
   [[nodiscard]] std::string printed() const { return folder_->path() + "/printed"; }

@@ -21,8 +21,9 @@ std::size_t column_of(const BestRule& rule, std::string_view heading) {
   if (found != names.end()) return static_cast<std::size_t>(found - names.begin());
   std::string known;
   for (const std::string_view name : names) known.append(known.empty() ? "" : ", ").append(name);
+  constexpr std::size_t kMostColumns = 400;
   throw InvalidInput(fmt::format("--by: the table has no column {}; it has {}",
-                                 dravo::quoted(rule.column), known));
+                                 dravo::quoted(rule.column), printable(known, kMostColumns).text));
 }
 
 std::int64_t index_in(std::string_view row) {
@@ -74,9 +75,8 @@ bool BestPoses::add_row(std::string_view row) {
 }
 
 std::string_view BestPoses::cell_of(std::string_view row) const {
-  for (std::size_t skipped = 0; skipped < column_; ++skipped)
-    row.remove_prefix(std::min(row.find(',') + 1, row.size()));
-  return row.substr(0, row.find_first_of(",\n"));
+  const std::string_view cell = part_at(row, ',', column_);
+  return cell.substr(0, cell.find('\n'));
 }
 
 double BestPoses::value_in(std::string_view cell) const {

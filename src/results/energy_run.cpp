@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -14,6 +15,7 @@
 
 #include "common/number_format.hpp"
 #include "common/ordered_chunks.hpp"
+#include "common/shown_text.hpp"
 #include "common/text.hpp"
 #include "common/version.hpp"
 #include "energy/pose_energy.hpp"
@@ -151,7 +153,8 @@ ScanRecord record_of(const ScanRecord& scan, const EnergyRequest& request, const
   };
   const auto bytes = static_cast<std::int64_t>(fs::file_size(rows.table()));
   add("poses", words_of_selection(request));
-  add("table", fs::path(rows.table()).filename().string());
+  constexpr std::size_t kLongestName = 255;  // a name may be any bytes, a record is UTF-8
+  add("table", printable(fs::path(rows.table()).filename().string(), kLongestName).text);
   add("table-xxh3", fmt::format("{:016x}", checksum_of_first(bytes, rows.table()).value_or(0)));
   add("version", DRAVO_VERSION);
   record.poses = number_of(rows);

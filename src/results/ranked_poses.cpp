@@ -21,8 +21,10 @@ std::optional<std::size_t> column_in(std::string_view heading, std::string_view 
   return static_cast<std::size_t>(found - names.begin());
 }
 
+/// A row that ends before the column has none there.
 std::optional<double> number_in(std::string_view row, std::size_t column) {
-  return parse_real(parts_between(row, ',').at(column));
+  const auto cells = parts_between(row, ',');
+  return column < cells.size() ? parse_real(cells[column]) : std::nullopt;
 }
 
 /// Ascending by value; of equal ones the smaller index comes first.

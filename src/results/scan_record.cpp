@@ -10,6 +10,7 @@
 #include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "common/number_format.hpp"
+#include "common/shown_text.hpp"
 #include "common/version.hpp"
 #include "results/pose_writer.hpp"
 #include "results/record_keys.hpp"
@@ -40,12 +41,19 @@ BestRule best_rule(std::int64_t count, std::string by, bool energies) {
   return {count, by.substr(largest ? 1 : 0), largest};
 }
 
-std::int64_t Shard::first(std::int64_t poses) const {
+namespace {
+
+/// Of all poses, where each of `of` parts has as many: those before the end of part `number`.
+std::int64_t poses_up_to(std::int64_t number, std::int64_t of, std::int64_t poses) {
   __extension__ using Wide = __int128;
-  return static_cast<std::int64_t>(Wide{poses} * (number - 1) / of);
+  return static_cast<std::int64_t>(Wide{poses} * number / of);
 }
 
-std::int64_t Shard::end(std::int64_t poses) const { return Shard{number + 1, of}.first(poses); }
+}  // namespace
+
+std::int64_t Shard::first(std::int64_t poses) const { return poses_up_to(number - 1, of, poses); }
+
+std::int64_t Shard::end(std::int64_t poses) const { return poses_up_to(number, of, poses); }
 
 std::string Shard::name(const std::string& scan) const {
   return fmt::format("{}-{}-of-{}", scan, number, of);
@@ -175,6 +183,17 @@ bool is_exact(const ScanRecord& record) {
   return placing != record.origin.end() && placing->second == words_of_placing(true);
 }
 
+namespace {
+
+/// Whatever stands in a record, on one line.
+std::string shown(std::string_view text) {
+  constexpr std::size_t kMostColumns = 200;
+  const ColumnText line = printable(text, kMostColumns);
+  return line.whole ? line.text : line.text + "...";
+}
+
+}  // namespace
+
 std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
   const auto value = [](const std::map<std::string, std::string>& origin, const std::string& key) {
     const auto found = origin.find(key);
@@ -183,7 +202,8 @@ std::string difference(const ScanRecord& earlier, const ScanRecord& now) {
   std::string text;
   const auto compare = [&](const std::string& key, const std::string& was, const std::string& is) {
     if (was != is)
-      text += fmt::format("{}{} was {}, is {}", text.empty() ? "" : "; ", key, was, is);
+      text += fmt::format("{}{} was {}, is {}", text.empty() ? "" : "; ", shown(key), shown(was),
+                          shown(is));
   };
   auto keys = earlier.origin;
   keys.insert(now.origin.begin(), now.origin.end());

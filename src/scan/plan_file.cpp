@@ -16,7 +16,9 @@
 namespace dravo {
 namespace {
 
-/// Finds places that are given by line and column, both from 1, columns in characters.
+/// Finds places that are given by line and column, both from 1, columns in characters. They are
+/// mostly asked for in their order: it counts from the last one on, since a list may be one long
+/// line.
 class Places {
  public:
   explicit Places(std::string_view text) : text_(text) {
@@ -24,13 +26,17 @@ class Places {
       if (text[k] == '\n') line_starts_.push_back(k + 1);
   }
 
-  [[nodiscard]] std::size_t offset_of(const toml::source_position& place) const {
+  [[nodiscard]] std::size_t offset_of(const toml::source_position& place) {
     const std::size_t line = std::min<std::size_t>(place.line, line_starts_.size());
-    std::size_t offset = line == 0 ? 0 : line_starts_[line - 1];
-    for (toml::source_index column = 1; column < place.column && offset < text_.size(); ++column) do
-        ++offset;
-      while (continues_character(offset));
-    return std::min(offset, text_.size());
+    if (line != line_ || place.column < column_) {
+      line_ = line;
+      column_ = 1;
+      offset_ = line == 0 ? 0 : line_starts_[line - 1];
+    }
+    for (; column_ < place.column && offset_ < text_.size(); ++column_) do
+        ++offset_;
+      while (continues_character(offset_));
+    return std::min(offset_, text_.size());
   }
 
  private:
@@ -40,6 +46,10 @@ class Places {
 
   std::string_view text_;
   std::vector<std::size_t> line_starts_{0};
+  // Where the last place was.
+  std::size_t line_ = 0;
+  toml::source_index column_ = 1;
+  std::size_t offset_ = 0;
 };
 
 /// Turns the values of a TOML file into words.
@@ -48,7 +58,7 @@ class WordReader {
   explicit WordReader(std::shared_ptr<const PlanSource> source)
       : source_(std::move(source)), places_(source_->text) {}
 
-  [[nodiscard]] std::vector<PlanWord> words_of(const toml::node& node) const {
+  [[nodiscard]] std::vector<PlanWord> words_of(const toml::node& node) {
     const auto* list = node.as_array();
     if (list == nullptr) return {word_of(node)};
     if (list->empty()) typed(node).refuse("expected a value, found an empty list");
@@ -57,19 +67,19 @@ class WordReader {
     return words;
   }
 
-  [[nodiscard]] std::size_t offset_of(const toml::source_position& place) const {
+  [[nodiscard]] std::size_t offset_of(const toml::source_position& place) {
     return places_.offset_of(place);
   }
 
  private:
-  [[nodiscard]] PlanWord typed(const toml::node& node) const {
+  [[nodiscard]] PlanWord typed(const toml::node& node) {
     const std::size_t begin = offset_of(node.source().begin);
     const std::size_t end = std::max(offset_of(node.source().end), begin);
     return {source_->text.substr(begin, end - begin), source_, begin};
   }
 
   /// Texts without their quotes; decimal numbers as they were typed, whose digits count.
-  [[nodiscard]] PlanWord word_of(const toml::node& node) const {
+  [[nodiscard]] PlanWord word_of(const toml::node& node) {
     PlanWord word = typed(node);
     if (const auto* text = node.as_string())
       return {text->get(), source_, std::min(word.begin + 1, source_->text.size())};
@@ -89,15 +99,16 @@ PlanKeys read_plan_keys(const std::string& file) {
   const auto source = std::make_shared<const PlanSource>(PlanSource{file, read_file(file), true});
   if (source->text.starts_with(kByteOrderMark))
     throw invalid_input_at({file, source->text}, 0, kByteOrderMark.size(), kByteOrderMarkFault);
-  const WordReader reader(source);
+  WordReader reader(source);
   PlanKeys keys;
   try {
     const toml::table plan = toml::parse(source->text, file);
     for (const auto& [key, node] : plan) keys[std::string(key.str())] = reader.words_of(node);
   } catch (const toml::parse_error& error) {
     const std::size_t place = reader.offset_of(error.source().begin);
+    constexpr std::size_t kMostColumns = 200;  // it repeats what stands there
     throw invalid_input_at({file, source->text}, place, place,
-                           "not TOML: " + std::string(error.description()));
+                           "not TOML: " + printable(error.description(), kMostColumns).text);
   }
   return keys;
 }

@@ -1,13 +1,16 @@
 #include "view/first_map.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
 namespace dravo {
 namespace {
 
+/// Of those that are numbers.
 std::size_t different_values(std::vector<double> values) {
+  std::erase_if(values, [](double value) { return std::isnan(value); });
   std::sort(values.begin(), values.end());
   return static_cast<std::size_t>(std::unique(values.begin(), values.end()) - values.begin());
 }

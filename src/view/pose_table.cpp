@@ -74,12 +74,6 @@ void append_cell(ViewColumn& column, std::string_view cell) {
 
 // --- rows -------------------------------------------------------------------------------------
 
-/// The cell of a column without looking at those behind it.
-std::string_view cell_of(std::string_view row, std::size_t column) {
-  for (; column > 0; --column) row.remove_prefix(std::min(row.find(',') + 1, row.size()));
-  return row.substr(0, row.find(','));
-}
-
 /// How many rows there are, and which of them is the best, from 0.
 struct RowCount {
   std::int64_t rows = 0;
@@ -90,7 +84,7 @@ RowCount count_rows(TableRows& rows, std::size_t colour) {
   RowCount count;
   double lowest = kNone;
   for (std::string row; rows.next(row); ++count.rows) {
-    const double value = number_in(cell_of(row, colour)).value_or(kNone);
+    const double value = number_in(part_at(row, ',', colour)).value_or(kNone);
     if (std::isnan(value) || value >= lowest) continue;
     lowest = value;
     count.best = count.rows;

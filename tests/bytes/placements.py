@@ -49,8 +49,9 @@ def placement(kind, name, text, command="qn-dravo", **more):
 def bundled():
     for name, text in EXAMPLES.items():
         yield placement("example", name, text)
-    for path in sorted(ROOT.glob("tests/fuzz/corpus/*/*")):
-        yield placement("corpus", f"{path.parent.name}/{path.name}", path.read_bytes())
+    for folder in ("read_input", "whole_run"):
+        for path in sorted(ROOT.glob(f"tests/fuzz/corpus/{folder}/*")):
+            yield placement("corpus", f"{folder}/{path.name}", path.read_bytes())
 
 
 # --- a dimer with other lines -------------------------------------------------------------------

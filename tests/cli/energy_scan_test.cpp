@@ -108,6 +108,17 @@ TEST_F(EnergiesOfAScan, StandBehindTheRowsOfItsTable) {
   EXPECT_EQ(program_.runs(), 2 + 36 - clashes) << "the molecules, and what does not clash";
 }
 
+TEST_F(EnergiesOfAScan, MayBeOfATableWhoseNameIsNoUtf8) {
+  make_scan({"--table"});
+  for (const char* ending : {".csv", ".json"})
+    fs::rename(folder_.path() / ("scan" + std::string(ending)),
+               folder_.path() / ("sc\xE9n" + std::string(ending)));
+  const Outcome outcome = compute({}, "sc\xE9n");
+  ASSERT_EQ(outcome.status, 0) << outcome.messages;
+  const Json record = Json::parse(outcome.files.at("sc\xE9n-command.json"));
+  EXPECT_EQ(record["origin"]["command-table"], "sc?n.csv");
+}
+
 TEST_F(EnergiesOfAScan, AreThoseOfTheProgramXtb) {
   if (!has_libxtb()) GTEST_SKIP() << "built without libxtb";
   folder_.write("d.xyz", file_text(kFormamide));

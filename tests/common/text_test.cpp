@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -48,6 +49,14 @@ TEST(PartsBetween, SeparatorsAreTrimmedAndMayBeEmpty) {
                                        {"a:b,c d", {"a:b", "c d"}}};
   for (const auto& [text, parts] : texts) EXPECT_EQ(parts_between(text, ','), parts) << text;
   EXPECT_EQ(parts_between("0: 1:2", ':'), (std::vector<std::string_view>{"0", "1", "2"}));
+}
+
+TEST(PartAt, IsFoundByItsPlaceAndEmptyBehindTheLast) {
+  const std::vector<std::string_view> parts{"a", " b", "", "c", "", ""};
+  for (std::size_t k = 0; k < parts.size(); ++k)
+    EXPECT_EQ(part_at("a, b,,c", ',', k), parts[k]) << k;
+  EXPECT_EQ(part_at("", ',', 0), "");
+  EXPECT_EQ(part_at("a", ',', 1), "") << "not the last one once more";
 }
 
 }  // namespace

@@ -62,6 +62,17 @@ TEST(BestPoses, AreNotThoseWithoutAValue) {
   EXPECT_EQ(in_order(last_column), "3,4\n");
 }
 
+TEST(BestPoses, AreNotThoseOfARowThatWasCut) {
+  EXPECT_EQ(best_of({9, "x", false}, "1\n2,\n\n4,7\n-5"), "4,7\n");
+}
+
+TEST(BestPoses, AreRefusedInATextThatATerminalCanShow) {
+  EXPECT_EQ(message_of([] {
+              BestPoses({1, "x", false}, "index,\x1b[31mred,a\x02");
+            }),
+            "--by: the table has no column \"x\"; it has index, ?[31mred, a?");
+}
+
 TEST(BestPoses, TellWhetherARowIsAmongThem) {
   BestPoses best({2, "x", false}, "index,x");
   EXPECT_TRUE(best.add("1,5\n2,6\n"));

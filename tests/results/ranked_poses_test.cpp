@@ -46,5 +46,16 @@ TEST_F(RankedPoses, NeedNoOtherColumn) {
   EXPECT_THROW((void)ranked_poses(table(kTable), "c", "b", 1), InvalidInput);
 }
 
+/// As a table that was cut or edited has them.
+TEST_F(RankedPoses, WithoutACellHaveNoPlace) {
+  const std::vector<RankedPose> poses =
+      ranked_poses(table("index,a,b\n1,5,2\n2,4\n\n3\n4,3,1"), "a", "b", 9);
+  ASSERT_EQ(poses.size(), 3U);
+  EXPECT_EQ(poses[0].other, 1);
+  EXPECT_EQ(poses[1].index, 2);
+  EXPECT_EQ(poses[1].other, std::nullopt);
+  EXPECT_EQ(poses[2].other, 2);
+}
+
 }  // namespace
 }  // namespace dravo::test

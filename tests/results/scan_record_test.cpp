@@ -47,6 +47,13 @@ TEST(Shard, OfTheMostPartsOfTheMostPosesHasThem) {
   EXPECT_EQ((Shard{1, of}.first(poses)), 0);
 }
 
+/// No scan has so many, but a damaged record may say so.
+TEST(Shard, MayBeTheLastOfAsManyAsANumberCanTell) {
+  const std::int64_t most = std::numeric_limits<std::int64_t>::max();
+  EXPECT_EQ((Shard{most, most}.first(most)), most - 1);
+  EXPECT_EQ((Shard{most, most}.end(most)), most);
+}
+
 TEST(Shard, NamesItsFiles) {
   EXPECT_EQ((Shard{1, 1}.name("out/scan")), "out/scan-1-of-1");
   EXPECT_EQ((Shard{1, 2}.name("out/scan")), "out/scan-1-of-2");
@@ -326,6 +333,14 @@ TEST_P(DifferenceOf, TwoScansIsNamedByItsKeys) {
   const std::string difference = GetParam().difference;
   EXPECT_EQ(message_of([&] { require_same_origin("a.json", earlier, now); }),
             difference.empty() ? "" : "a.json: is of another scan: " + difference);
+}
+
+TEST(Difference, ShowsValuesAsTextAndNotWhole) {
+  ScanRecord earlier = record(), now = record();
+  earlier.origin["seed"] = "1";
+  now.origin["seed"] = "\x1b[2J\n" + std::string(300, '2');
+  EXPECT_EQ(message_of([&] { require_same_origin("a.json", earlier, now); }),
+            "a.json: is of another scan: seed was 1, is ?[2J?" + std::string(195, '2') + "...");
 }
 
 INSTANTIATE_TEST_SUITE_P(

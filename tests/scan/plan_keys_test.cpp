@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "scan/plan_file.hpp"
 #include "scan/plans.hpp"
+#include "support/run_time.hpp"
 #include "support/temporary_folder.hpp"
 
 namespace dravo::test {
@@ -103,6 +105,28 @@ TEST(PlanWord, OfAFileShowsItsLine) {
             plan.path() + ":2: too near\nr = [ 3, \"4:5\" ]\n      ^");
   EXPECT_EQ(message_of([&] { keys.at("r")[1].refuse("no step"); }),
             plan.path() + ":2: no step\nr = [ 3, \"4:5\" ]\n          ^^^");
+}
+
+TEST(PlanKeys, AreRefusedInATextThatATerminalCanShow) {
+  const PlanFile plan("files = fal\x02\x1b[31m\n");
+  const std::string message = message_of([&] { (void)plan.keys(); });
+  EXPECT_TRUE(message.starts_with(plan.path() + ":1: not TOML: ")) << message;
+  EXPECT_EQ(message.find_first_of("\x02\x1b"), std::string::npos);
+}
+
+/// Columns are characters, and no word is looked for from the beginning of the line.
+TEST(PlanWord, HasItsPlaceInALineOfManyAtOnce) {
+  constexpr std::size_t kWords = 100'000;
+  std::string text = "zip = '\xC3\x85'\nr = [";
+  for (std::size_t k = 0; k < kWords; ++k) text += "'\xC3\x85',";
+  const PlanFile plan(text + "7]\n");
+  const RunTime time;
+  const PlanKeys keys = plan.keys();
+  EXPECT_LT(time.seconds(), 4.0) << "15 when it is looked for from there";
+  ASSERT_EQ(keys.at("r").size(), kWords + 1);
+  const PlanWord& last = keys.at("r").back();
+  EXPECT_EQ(last.begin, text.size());
+  EXPECT_EQ(last.source->text.substr(keys.at("zip")[0].begin, 2), "\xC3\x85");
 }
 
 TEST(PlanWord, CanShowAPartOfItself) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,6 +51,16 @@ TEST(FirstMap, CountsRFromTheContactWhereThePlanDoes) {
       axes_for(
           {{"above_contact", {0, 0, 0, 0}}, {"r", {3.1, 4.1, 3.7, 4.7}}, {"theta", {0, 1, 2, 3}}}),
       "theta ");
+}
+
+/// A sort of what cannot be compared may do anything, also beyond its ends.
+TEST(FirstMap, CountsNoCellsThatAreEmpty) {
+  constexpr std::size_t kRows = 4000;
+  std::vector<double> holes(kRows, 1.0), phi(kRows, 1.0);
+  for (std::size_t k = 0; k < kRows; ++k)
+    if (k % 3 != 0) holes[k] = std::nan("");
+  phi[1] = 2.0;
+  EXPECT_EQ(axes_for({{"above_contact", holes}, {"phi", phi}}), "phi ");
 }
 
 TEST(Colour, IsTheLastEnergyOrTheShortestDistance) {
