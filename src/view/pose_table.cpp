@@ -42,6 +42,7 @@ std::string unit_of(std::string_view name) {
 
 std::vector<ViewColumn> columns_of(const std::vector<std::string_view>& names) {
   std::vector<ViewColumn> columns;
+  columns.reserve(names.size());
   for (const std::string_view name : names) columns.push_back(column_named(name));
   return columns;
 }

@@ -30,7 +30,7 @@ constexpr std::int64_t kMost = 5;
 /// Rows of a scan, whatever the heading says. What is read is written, and that is read as the
 /// same.
 void read_rows(const std::string& file, const PoseColumns& columns) {
-  const PoseWriter writer({}, 0, columns);
+  const PoseWriter writer({}, columns);
   TableRows rows(file);
   for (std::string row, first, second; rows.next(row); first.clear(), second.clear()) {
     const auto pose = writer.read_row(row);
