@@ -23,74 +23,82 @@ constexpr int kLeastExponent = -3;
 constexpr std::array<double, 20> kTens{1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
                                        1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
 
-/// "00", "01", ... "99".
-constexpr std::array<char, 200> kPairsOfDigits = [] {
-  std::array<char, 200> pairs{};
-  for (std::size_t k = 0; k < 100; ++k) {
-    pairs[2 * k] = static_cast<char>('0' + k / 10);
-    pairs[2 * k + 1] = static_cast<char>('0' + k % 10);
-  }
-  return pairs;
-}();
-
-void write_pair(char* begin, std::uint64_t below_hundred) {
-  std::memcpy(begin, &kPairsOfDigits[2 * below_hundred], 2);
+/// The characters of eight digits, the first in the lowest byte: four numbers of two digits and
+/// then eight of one digit are taken apart at once. The factors are 1/100 and 1/10 of a power of
+/// two.
+constexpr std::uint64_t eight_digits(std::uint64_t value) {
+  const std::uint64_t fours = value / 10000 | (value % 10000) << 32U;
+  const std::uint64_t hundreds = (fours * 10486 >> 20U) & 0x0000007F0000007FU;
+  const std::uint64_t twos = hundreds | (fours - 100 * hundreds) << 16U;
+  const std::uint64_t tens = (twos * 103 >> 10U) & 0x000F000F000F000FU;
+  return (tens | (twos - 10 * tens) << 8U) + 0x3030303030303030U;
 }
 
-/// So many decimal digits of `value`, with zeros in front, the last one before `end`. Returns the
-/// first. Halves do not wait for each other.
+static_assert(std::endian::native == std::endian::little, "digits are stored from the lowest byte");
+
+/// So many decimal digits of `value`, which has no more, with zeros in front, the last one before
+/// `end`. Returns the first.
 template <int digits>
 char* write_digits_before(char* end, std::uint64_t value) {
-  if constexpr (digits == 1) {
-    *--end = static_cast<char>('0' + value);
-    return end;
-  } else if constexpr (digits == 2) {
-    write_pair(end - 2, value);
-    return end - 2;
+  constexpr int kTogether = 8;
+  if constexpr (digits > kTogether) {
+    constexpr std::uint64_t kPower = kPowersOfTen[kTogether];
+    end = write_digits_before<kTogether>(end, value % kPower);
+    return write_digits_before<digits - kTogether>(end, value / kPower);
   } else {
-    constexpr int kLast = digits >= 8 ? 4 : 2;
-    constexpr std::uint64_t kPower = kPowersOfTen[kLast];
-    write_digits_before<kLast>(end, value % kPower);
-    return write_digits_before<digits - kLast>(end - kLast, value / kPower);
+    const std::uint64_t characters = eight_digits(value) >> 8U * (kTogether - digits);
+    std::memcpy(end - digits, &characters, digits);
+    return end - digits;
   }
 }
 
 /// As many decimal digits of `value` as it has, the last one before `end`. Returns the first.
 char* write_whole_before(char* end, std::uint64_t value) {
-  while (value >= 100) {
-    end -= 2;
-    write_pair(end, value % 100);
-    value /= 100;
-  }
-  if (value < 10) {
-    *--end = static_cast<char>('0' + value);
-    return end;
-  }
-  end -= 2;
-  write_pair(end, value);
+  do {
+    *--end = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
   return end;
+}
+
+/// Of the first digit of a value from 0.001 to below 10^16.
+int decimal_exponent(double value) {
+  int exponent = kLeastExponent;
+  while (value >= kTens[static_cast<std::size_t>(exponent + 1 - kLeastExponent)]) ++exponent;
+  return exponent;
+}
+
+__extension__ using Wide = unsigned __int128;
+
+constexpr int kFractionBits = 52;
+constexpr int kExponentBias = 1023;
+
+/// value = mantissa / 2^shift, for one that is not negative. A subnormal number is read like its
+/// neighbours: it is far too small to show a digit here.
+struct BinaryFraction {
+  std::uint64_t mantissa;
+  int shift;
+};
+
+BinaryFraction binary_fraction(double value) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const std::uint64_t fraction = bits & ((std::uint64_t{1} << kFractionBits) - 1);
+  const auto biased = static_cast<int>((bits >> kFractionBits) & 0x7FFU);
+  return {fraction | std::uint64_t{1} << kFractionBits, kFractionBits + kExponentBias - biased};
 }
 
 /// A value below 2^52 by a power of ten up to 10^19, rounded to a whole number below 2^63, a tie to
 /// the even one. Nothing else is rounded: a value has 53 bits and a power 64.
 std::uint64_t scaled_exactly(double value, int decimals) {
-  __extension__ using Scaled = unsigned __int128;
-  constexpr int kFractionBits = 52;
-  constexpr int kExponentBias = 1023;
   constexpr int kProductBits = 117;
-  const auto bits = std::bit_cast<std::uint64_t>(value);
-  const std::uint64_t fraction = bits & ((std::uint64_t{1} << kFractionBits) - 1);
-  const auto biased = static_cast<int>((bits >> kFractionBits) & 0x7FFU);
-  // A subnormal number is far too small to show a digit, and so is read like its neighbours.
-  const Scaled mantissa = fraction | std::uint64_t{1} << kFractionBits;
-  const int shift = kFractionBits + kExponentBias - biased;  // value = mantissa / 2^shift
+  const auto [mantissa, shift] = binary_fraction(value);
   if (shift > kProductBits + 1 || value == 0.0) return 0;
 
-  const Scaled product = mantissa * kPowersOfTen[static_cast<std::size_t>(decimals)];
-  const Scaled unit = Scaled{1} << static_cast<unsigned>(shift);
-  const Scaled rest = product & (unit - 1);
+  const Wide product = Wide{mantissa} * kPowersOfTen[static_cast<std::size_t>(decimals)];
+  const Wide unit = Wide{1} << static_cast<unsigned>(shift);
+  const Wide rest = product & (unit - 1);
   const auto scaled = static_cast<std::uint64_t>(product >> static_cast<unsigned>(shift));
-  const Scaled half = unit >> 1U;
+  const Wide half = unit >> 1U;
   return scaled + (rest > half || (rest == half && scaled % 2 == 1) ? 1 : 0);
 }
 
@@ -109,7 +117,8 @@ std::uint64_t scaled_to_whole(double value) {
 }
 
 /// The fixed notation of a value below 2^31, as `std::to_chars` writes it. Returns the first
-/// character of the text that ends at `end`.
+/// character of the text that ends at `end`. Nobody can guess a sign, so one or a blank is written
+/// before every text.
 template <int decimals>
 char* write_small_fixed(char* end, double value) {
   constexpr std::uint64_t kPower = kPowersOfTen[decimals];
@@ -119,8 +128,9 @@ char* write_small_fixed(char* end, double value) {
     *--end = '.';
   }
   end = write_whole_before(end, scaled / kPower);
-  if (std::signbit(value)) *--end = '-';
-  return end;
+  const auto negative = static_cast<int>(std::signbit(value));
+  end[-1] = static_cast<char>(' ' + negative * ('-' - ' '));
+  return end - negative;
 }
 
 /// By the number of decimals: divisions by a power that the compiler knows are products.
@@ -149,6 +159,79 @@ std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals)
   return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
 }
 
+char* write_fixed(char* to, double value, int decimals) {
+  constexpr std::size_t kRoom = 32;
+  std::array<char, 2 * kRoom> text{};
+  if (const char* const begin = write_fixed_before(text.data() + kRoom, value, decimals)) {
+    std::memcpy(to, begin, kRoom);  // sooner done than as many as there are
+    return to + (text.data() + kRoom - begin);
+  }
+  return std::to_chars(to, to + kLongestNumber, value, std::chars_format::fixed, decimals).ptr;
+}
+
+namespace {
+
+/// digits / 10^decimals; no decimals for a number that has none, or was not found.
+struct ShortDecimal {
+  std::uint64_t digits = 0;
+  int decimals = 0;
+  int whole_digits = 0;  ///< before the point
+};
+
+/// The decimal of fewest digits that is closer to the value than to any other double; of several
+/// the closest. From what lies half way to the neighbours, in units of the seventeenth digit,
+/// digits are taken off as long as a whole number is left between.
+ShortDecimal short_decimal(double value) {
+  if (!(value >= kTens.front() && value < 0x1p52)) return {};
+  const auto [mantissa, shift] = binary_fraction(value);
+  const bool neighbours_differ = mantissa == std::uint64_t{1} << kFractionBits;
+  if (neighbours_differ || value == std::floor(value)) return {};
+  const int exponent = decimal_exponent(value);
+  int decimals = kSignificantDigits - 1 - exponent;
+
+  const std::uint64_t half_ulp = kPowersOfTen[static_cast<std::size_t>(decimals)];
+  const auto unit_bits = static_cast<unsigned>(shift) + 1;
+  const Wide below_unit = (Wide{1} << unit_bits) - 1;
+  const Wide exact = Wide{mantissa} * half_ulp * 2;
+  // A number half way is read as the neighbour whose mantissa is even.
+  const std::uint64_t odd = mantissa % 2;
+  auto lowest = static_cast<std::uint64_t>((exact - half_ulp + odd + below_unit) >> unit_bits);
+  auto highest = static_cast<std::uint64_t>((exact + half_ulp - odd) >> unit_bits);
+  std::uint64_t power = 1;
+  while ((lowest + 9) / 10 <= highest / 10) {
+    lowest = (lowest + 9) / 10;
+    highest /= 10;
+    power *= 10;
+    --decimals;
+  }
+  const auto digits = static_cast<std::uint64_t>(exact >> unit_bits);
+  const Wide rest = (Wide{digits % power} << unit_bits) + (exact & below_unit);
+  const Wide half = Wide{power} << (unit_bits - 1);
+  if (rest == half) return {};  // two are as close
+  return {digits / power + (rest > half ? 1 : 0), decimals, std::max(exponent, 0) + 1};
+}
+
+}  // namespace
+
+char* write_shortest(char* to, double value) {
+  const ShortDecimal decimal = short_decimal(std::abs(value));
+  if (decimal.decimals <= 0) return std::to_chars(to, to + kLongestNumber, value).ptr;
+  constexpr int kDigits = 24;
+  std::array<char, 2 * kDigits> text{};  // what is copied sooner than as many as there are
+  char* const point = text.data() + kDigits - decimal.decimals;
+  write_digits_before<kDigits>(text.data() + kDigits, decimal.digits);
+  if (std::signbit(value)) *to++ = '-';
+  std::memcpy(to, point - decimal.whole_digits, kDigits);
+  to += decimal.whole_digits;
+  *to++ = '.';
+  std::memcpy(to, point, kDigits);
+  return to + decimal.decimals;
+}
+
+char* write_shortest(char* to, std::int64_t value) {
+  return std::to_chars(to, to + kLongestNumber, value).ptr;
+}
+
 void append_fixed(std::string& text, double value, int decimals) {
   FixedBuffer buffer;
   text += fixed_notation(buffer, value, decimals);
@@ -161,9 +244,8 @@ std::string fixed_text(double value, int decimals) {
 }
 
 void append_shortest(std::string& text, double value) {
-  std::array<char, 32> digits;
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-  text.append(digits.data(), end);
+  std::array<char, kLongestNumber> digits;
+  text.append(digits.data(), write_shortest(digits.data(), value));
 }
 
 void append_shortest(std::string& text, std::int64_t value) {
@@ -175,8 +257,7 @@ void append_shortest(std::string& text, std::int64_t value) {
 int write_significant_digits(std::span<char, kSignificantDigits> digits, double value) {
   constexpr double kEnd = 0x1p52;
   if (value >= kTens.front() && value < kEnd) {
-    int exponent = kLeastExponent;
-    while (value >= kTens[static_cast<std::size_t>(exponent + 1 - kLeastExponent)]) ++exponent;
+    int exponent = decimal_exponent(value);
     std::uint64_t scaled = scaled_exactly(value, kSignificantDigits - 1 - exponent);
     if (scaled == kPowersOfTen[kSignificantDigits]) {  // 9.99... is rounded to 10
       scaled /= 10;

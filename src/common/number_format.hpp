@@ -24,6 +24,13 @@ std::string shortest_text(double value);
 /// `nan` and `inf` for values that are not finite.
 std::string scientific_text(double value, int decimals);
 
+/// The same texts at a place with room for the longest of numbers with up to nine decimals. Returns
+/// the end.
+inline constexpr std::size_t kLongestNumber = 330;
+char* write_fixed(char* to, double value, int decimals);
+char* write_shortest(char* to, double value);
+char* write_shortest(char* to, std::int64_t value);
+
 /// So many tell each double from all others.
 inline constexpr int kSignificantDigits = 17;
 
@@ -36,7 +43,8 @@ int write_significant_digits(std::span<char, kSignificantDigits> digits, double 
 using FixedBuffer = std::array<char, 1100>;
 
 /// The text that `append_fixed` adds, its last character before `end`, which has room for 32 before
-/// it. Returns the first character; null for a value of 2^31 or more and for more than 9 decimals.
+/// it; a blank stands before a text without a sign. Returns the first character; null for a value
+/// of 2^31 or more and for more than 9 decimals.
 char* write_fixed_before(char* end, double value, int decimals);
 
 /// The text that `append_fixed` adds, within the buffer.

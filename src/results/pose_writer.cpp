@@ -24,62 +24,67 @@ namespace {
 
 struct PoseColumn {
   std::string_view name;
-  void (*append)(std::string& text, const ScannedPose& pose);
+  /// The value behind `to`, where there is room for a number. Returns its end.
+  char* (*write)(char* to, const ScannedPose& pose);
   bool PoseColumns::*only_with = nullptr;
 };
 
 /// From 1; nothing for no atom.
-void append_atom(std::string& text, std::int32_t atom) {
-  if (atom >= 0) append_shortest(text, std::int64_t{atom} + 1);
+char* write_number_of_atom(char* to, std::int32_t atom) {
+  return atom >= 0 ? write_shortest(to, std::int64_t{atom} + 1) : to;
 }
 
 /// Nothing where no pair of atoms has radii.
-void append_clearance(std::string& text, const ScannedPose& pose) {
-  if (pose.clearance_atom1 >= 0) append_fixed(text, pose.clearance, decimals::kRatio);
+char* write_clearance(char* to, const ScannedPose& pose) {
+  return pose.clearance_atom1 >= 0 ? write_fixed(to, pose.clearance, decimals::kRatio) : to;
 }
 
 /// Nothing for a pose without an energy.
-void append_energy(std::string& text, const ScannedPose& pose) {
-  if (pose.energy_status == EnergyStatus::ok)
-    append_fixed(text, pose.interaction, decimals::kEnergy);
+char* write_energy(char* to, const ScannedPose& pose) {
+  const bool known = pose.energy_status == EnergyStatus::ok;
+  return known ? write_fixed(to, pose.interaction, decimals::kEnergy) : to;
 }
 
-void append_status(std::string& text, const ScannedPose& pose) {
-  if (pose.energy_status) text += name_of(*pose.energy_status);
+char* write_status(char* to, const ScannedPose& pose) {
+  if (!pose.energy_status) return to;
+  const std::string_view name = name_of(*pose.energy_status);
+  return std::copy(name.begin(), name.end(), to);
 }
 
 constexpr std::array<PoseColumn, 22> kPoseColumns{{
-    {"index", [](auto& text, const auto& p) { append_shortest(text, p.index); }},
-    {"above_contact", [](auto& text, const auto& p) { append_shortest(text, p.above_contact); },
+    {"index", [](char* to, const auto& p) { return write_shortest(to, p.index); }},
+    {"above_contact", [](char* to, const auto& p) { return write_shortest(to, p.above_contact); },
      &PoseColumns::above_contact},
-    {"r", [](auto& text, const auto& p) { append_shortest(text, p.asked.r); }},
-    {"theta", [](auto& text, const auto& p) { append_shortest(text, p.asked.theta); }},
-    {"phi", [](auto& text, const auto& p) { append_shortest(text, p.asked.phi); }},
-    {"alpha", [](auto& text, const auto& p) { append_shortest(text, p.asked.alpha); }},
-    {"beta", [](auto& text, const auto& p) { append_shortest(text, p.asked.beta); }},
-    {"gamma", [](auto& text, const auto& p) { append_shortest(text, p.asked.gamma); }},
+    {"r", [](char* to, const auto& p) { return write_shortest(to, p.asked.r); }},
+    {"theta", [](char* to, const auto& p) { return write_shortest(to, p.asked.theta); }},
+    {"phi", [](char* to, const auto& p) { return write_shortest(to, p.asked.phi); }},
+    {"alpha", [](char* to, const auto& p) { return write_shortest(to, p.asked.alpha); }},
+    {"beta", [](char* to, const auto& p) { return write_shortest(to, p.asked.beta); }},
+    {"gamma", [](char* to, const auto& p) { return write_shortest(to, p.asked.gamma); }},
     {"r_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.r, decimals::kLength); }},
+     [](char* to, const auto& p) { return write_fixed(to, p.applied.r, decimals::kLength); }},
     {"theta_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.theta, decimals::kAngle); }},
+     [](char* to, const auto& p) { return write_fixed(to, p.applied.theta, decimals::kAngle); }},
     {"phi_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.phi, decimals::kAngle); }},
+     [](char* to, const auto& p) { return write_fixed(to, p.applied.phi, decimals::kAngle); }},
     {"alpha_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.alpha, decimals::kAngle); }},
+     [](char* to, const auto& p) { return write_fixed(to, p.applied.alpha, decimals::kAngle); }},
     {"beta_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.beta, decimals::kAngle); }},
+     [](char* to, const auto& p) { return write_fixed(to, p.applied.beta, decimals::kAngle); }},
     {"gamma_applied",
-     [](auto& text, const auto& p) { append_fixed(text, p.applied.gamma, decimals::kAngle); }},
+     [](char* to, const auto& p) { return write_fixed(to, p.applied.gamma, decimals::kAngle); }},
     {kShortestColumn,
-     [](auto& text, const auto& p) { append_fixed(text, p.shortest, decimals::kLength); }},
-    {"contacts", [](auto& text, const auto& p) { append_shortest(text, p.contacts); }},
-    {"clearance", append_clearance},
-    {"clearance_atom1", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom1); }},
-    {"clearance_atom2", [](auto& text, const auto& p) { append_atom(text, p.clearance_atom2); }},
-    {"equivalents", [](auto& text, const auto& p) { append_shortest(text, p.equivalents); },
+     [](char* to, const auto& p) { return write_fixed(to, p.shortest, decimals::kLength); }},
+    {"contacts", [](char* to, const auto& p) { return write_shortest(to, p.contacts); }},
+    {"clearance", write_clearance},
+    {"clearance_atom1",
+     [](char* to, const auto& p) { return write_number_of_atom(to, p.clearance_atom1); }},
+    {"clearance_atom2",
+     [](char* to, const auto& p) { return write_number_of_atom(to, p.clearance_atom2); }},
+    {"equivalents", [](char* to, const auto& p) { return write_shortest(to, p.equivalents); },
      &PoseColumns::equivalents},
-    {kEnergyColumn, append_energy, &PoseColumns::energy},
-    {"status", append_status, &PoseColumns::energy},
+    {kEnergyColumn, write_energy, &PoseColumns::energy},
+    {"status", write_status, &PoseColumns::energy},
 }};
 
 /// A number that is all of a text.
@@ -224,13 +229,15 @@ std::string PoseWriter::table_heading() const {
 }
 
 void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
-  const std::size_t start = table.size();
+  std::array<char, kPoseColumns.size() * (kLongestNumber + 1)> row;
+  char* end = row.data();
   for (const PoseColumn& column : kPoseColumns) {
     if (!is_there(column, columns_)) continue;
-    if (table.size() > start) table += ',';
-    column.append(table, pose);
+    end = column.write(end, pose);
+    *end++ = ',';
   }
-  table += '\n';
+  end[-1] = '\n';
+  table.append(row.data(), end);
 }
 
 std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {

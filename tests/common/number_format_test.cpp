@@ -107,6 +107,42 @@ TEST(SignificantDigits, BesidePowersOfTenAndTheEndsOfTheRange) {
     EXPECT_EQ(written_scientific(value), library_scientific(value)) << std::hexfloat << value;
 }
 
+std::string library_shortest(double value) {
+  std::array<char, 40> buffer{};
+  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  return {buffer.data(), end};
+}
+
+TEST(ShortestText, IsThatOfTheLibraryForValuesOfEverySize) {
+  std::mt19937_64 random(20240229);
+  for (int k = 0; k < 300000; ++k) {
+    const int exponent = static_cast<int>(random() % 80) - 15;  // 2^-15 to 2^64
+    const double fraction = 1.0 + static_cast<double>(random() >> 12U) * 0x1p-52;
+    const double value = std::ldexp(random() % 2 == 0 ? fraction : -fraction, exponent);
+    ASSERT_EQ(shortest_text(value), library_shortest(value)) << std::hexfloat << value;
+  }
+}
+
+TEST(ShortestText, IsThatOfTheLibraryForShortNumbersAndTheirNeighbours) {
+  std::mt19937_64 random(20240229);
+  for (int k = 0; k < 200000; ++k) {
+    const auto digits = static_cast<double>(random() % 10'000'000'000);
+    const double value = digits / std::pow(10.0, static_cast<double>(random() % 13));
+    for (const double each :
+         {value, std::nextafter(value, 0.0), std::nextafter(value, 1e300), std::sqrt(value)})
+      ASSERT_EQ(shortest_text(each), library_shortest(each)) << std::hexfloat << each;
+  }
+}
+
+/// Neighbours of powers of two are not equally far away.
+TEST(ShortestText, IsThatOfTheLibraryAroundPowersOfTwoAndHalves) {
+  for (int exponent = -40; exponent <= 70; ++exponent)
+    for (const double value : {std::ldexp(1.0, exponent), std::ldexp(1.5, exponent)})
+      for (const double each : {value, std::nextafter(value, 0.0), std::nextafter(value, 1e300),
+                                value + 0.5, value + 0.25, value + 0.125})
+        EXPECT_EQ(shortest_text(each), library_shortest(each)) << std::hexfloat << each;
+}
+
 TEST(ScientificText, HasOneDigitBeforeThePoint) {
   EXPECT_EQ(scientific_text(6.02214e-38, 4), "6.0221e-38");
   EXPECT_EQ(scientific_text(1.0, 4), "1.0000e0");
