@@ -224,6 +224,16 @@ TEST(EquivalentParameters, PreferThoseThatNoBuildMoves) {
     EXPECT_EQ(set.phi, 0.0);
 }
 
+/// A build moves theta in all three sets, so phi decides; a little below 360 it counts as 0.
+TEST(EquivalentParameters, TakeAlmostAFullTurnForNone) {
+  for (const double phi : {0.00002, 359.99998}) {
+    const auto sets =
+        equivalent_parameters(with_threefold_axis(), relative_pose({5, 0.03125, phi, 80, 90, 100}));
+    ASSERT_EQ(sets.size(), 3U);
+    expect_pose(sets[0], {5, 0.03125, phi, 80, 90, 100}, "phi as good as 0");
+  }
+}
+
 TEST(EquivalentParameters, AreTakenOnce) {
   // On the axis, and upright: the turns about it go into alpha.
   const auto sets =

@@ -144,6 +144,17 @@ TEST(IdentifyFrames, HandsOnFramesThatCannotBeIdentifiedAndGoesOn) {
       << found[3].bad->message;
 }
 
+TEST(IdentifyFrames, RemarksOnMoleculesInPieces) {
+  const Trajectory file(
+      "3\nProperties=species:S:1:pos:R:3:molecule:I:1\n"
+      "Ne 0 0 0 1\nNe 0 0 4 1\nNe 5 0 0 2\n");
+  const auto found = identified(file, {{.file = file.path}});
+  ASSERT_EQ(found.size(), 1U);
+  ASSERT_FALSE(found[0].bad) << found[0].bad->message;
+  EXPECT_NE(found[0].remark.find("; molecule 1 is not one connected whole: "), std::string::npos)
+      << found[0].remark;
+}
+
 /// Water has no strict frame: its heaviest element tells the direction of one axis alone.
 TEST(IdentifyFrames, MarksPairsThatAStrictRuleRefuses) {
   const Trajectory file(frame_text(s22("Water_dimer")));

@@ -54,6 +54,7 @@ TEST(AxisLookup, FindsAllPlacesOfAValueInAscendingOrder) {
   EXPECT_EQ(axis.places_of(20.0, 1e-6), (Places{0, 2, 4}));
   EXPECT_EQ(axis.places_of(30.0, 1e-6), Places{3});
   EXPECT_EQ(straight("5,5,5").places_of(5.0, 0.0), (Places{0, 1, 2}));
+  EXPECT_EQ(straight("20.0000000001,10,20").places_of(20.0, 1e-6), (Places{0, 2}));
 }
 
 TEST(AxisLookup, OfASingleValueFindsItOnce) {

@@ -180,6 +180,10 @@ TEST(Axis, RangesOfLongNumbersReachTheirStop) {
   EXPECT_EQ(axis_of("0:360:0.3333333333333333").size(), 1081);
   EXPECT_EQ(axis_of("0:360:0.3333333333333334").size(), 1081);
   EXPECT_EQ(axis_of("0:300:0.000013333333333333333").size(), 22'500'001);
+  // Of eleven digits the third step is 0.00000000002 beyond the stop; of nine it is exact, and
+  // 0.000000002 too far.
+  EXPECT_EQ(axis_of("0:1:0.33333333334").size(), 4);
+  EXPECT_EQ(axis_of("0:1:0.333333334").size(), 3);
 }
 
 struct Wrong {

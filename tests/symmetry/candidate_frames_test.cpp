@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/constants.hpp"
 #include "support/molecule_sets.hpp"
 #include "support/turned.hpp"
 #include "symmetry/centred.hpp"
@@ -149,6 +150,34 @@ TEST(CandidateFrames, ThatTheRotationsJoinShowTheSameAtoms) {
       EXPECT_LT(nearest, 1e-9) << one.name;
     }
     EXPECT_EQ(found.choices.frames.size() % kept.size(), 0U) << one.name;
+  }
+}
+
+/// Two rings of three carbons in one plane, the outer one turned by 20 degrees: nothing but their
+/// distances from the axis tells which ring has the key atoms.
+TEST(KeyAtoms, OfTwoRingsAreThoseNearestToTheAxis) {
+  constexpr double kInner = 1.5, kOuter = 3.0;
+  const auto ring = [](double radius, double first) {
+    std::vector<Vec3> atoms;
+    for (const double third : {0.0, 120.0, 240.0})
+      atoms.push_back(radius * Vec3{std::cos((first + third) * kRadiansPerDegree),
+                                    std::sin((first + third) * kRadiansPerDegree), 0.0});
+    return atoms;
+  };
+  for (const bool inner_first : {true, false}) {
+    std::vector<Vec3> atoms = ring(inner_first ? kInner : kOuter, inner_first ? 0.0 : 20.0);
+    for (const Vec3& p : ring(inner_first ? kOuter : kInner, inner_first ? 20.0 : 0.0))
+      atoms.push_back(p);
+    const FrameChoices choices =
+        candidates_of(Molecule(std::vector<std::string>(atoms.size(), "C"), atoms)).choices;
+    EXPECT_EQ(choices.frames.size(), 6U);
+    EXPECT_NEAR(choices.reasons[0].size, kInner, 1e-9);
+    // I_A over an inner atom: at 0, 120 or 240 degrees.
+    for (const AxisRows& rows : choices.frames) {
+      const Vec3& a = rows.row[0];
+      EXPECT_NEAR(a.x * (4.0 * a.x * a.x - 3.0), 1.0, 1e-9)
+          << "the cosine of three times its angle";
+    }
   }
 }
 

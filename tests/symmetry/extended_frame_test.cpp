@@ -343,5 +343,32 @@ TEST(ExtendedFrame, KeepsDirectionsThatTheHeaviestElementGives) {
   EXPECT_GT(kept, 50);
 }
 
+// --- noise ------------------------------------------------------------------------------------
+
+/// Carbons at both sides of the origin on x, y and z, at distances with these squares. Of two axes
+/// with squares p and q the moments differ by 2 m (p - q), and noise of e varies what mixes them by
+/// m e sqrt(2 (p + q)): they turn by e sqrt((p + q) / 2) / (p - q) radians.
+TEST(LooseAxes, AreThoseThatNoiseTurnsFarthest) {
+  struct Case {
+    std::array<double, 3> squares;
+    std::size_t one, other;
+  };
+  for (const auto& [squares, one, other] :
+       {Case{{4.00, 3.98, 3.93}, A, B}, Case{{4.05, 4.00, 3.98}, B, C}}) {
+    std::vector<Vec3> atoms;
+    for (const double side : {1.0, -1.0})
+      for (std::size_t k = 0; k < squares.size(); ++k)
+        atoms.push_back(side * std::sqrt(squares[k]) * kIdentity.row[k]);
+    const Molecule molecule(std::vector<std::string>(atoms.size(), "C"), atoms);
+    const auto loose = loose_axes(centred(molecule), kIdentity, AxesOf::tensor);
+    ASSERT_TRUE(loose);
+    EXPECT_EQ(loose->one, one);
+    EXPECT_EQ(loose->other, other);
+    const double p = squares[one], q = squares[other];
+    EXPECT_NEAR(loose->degrees,
+                0.001 * std::sqrt((p + q) / 2.0) / (p - q) * 180.0 / std::numbers::pi, 1e-9);
+  }
+}
+
 }  // namespace
 }  // namespace dravo::test
