@@ -217,7 +217,8 @@ char* write_shortest(char* to, double value) {
   const ShortDecimal decimal = short_decimal(std::abs(value));
   if (decimal.decimals <= 0) return std::to_chars(to, to + kLongestNumber, value).ptr;
   constexpr int kDigits = 24;
-  std::array<char, 2 * kDigits> text{};  // what is copied sooner than as many as there are
+  std::array<char, std::size_t{2} * kDigits>
+      text{};  // what is copied sooner than as many as there are
   char* const point = text.data() + kDigits - decimal.decimals;
   write_digits_before<kDigits>(text.data() + kDigits, decimal.digits);
   if (std::signbit(value)) *to++ = '-';
