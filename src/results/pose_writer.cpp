@@ -217,8 +217,7 @@ PoseWriter::PoseWriter(FrameAtoms atoms, const PoseColumns& columns)
       Key& key = keys_.emplace_back();
       key.size = fmt::format_to_n(key.text.begin(), key.text.size(), " {}=", column.name).size;
     }
-  longest_comment_ = head_.size() + kExactWords.size() + 1;
-  longest_comment_ += keys_.size() * sizeof(Key::text);
+  longest_comment_ = head_.size() + keys_.size() * sizeof(Key::text) + kExactWords.size() + 1;
 }
 
 std::string PoseWriter::table_heading() const {
@@ -228,7 +227,7 @@ std::string PoseWriter::table_heading() const {
   return heading + "\n";
 }
 
-void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
+std::string_view PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
   std::array<char, kPoseColumns.size() * (kLongestNumber + 1)> row;
   char* end = row.data();
   for (const PoseColumn& column : kPoseColumns) {
@@ -237,7 +236,9 @@ void PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
     *end++ = ',';
   }
   end[-1] = '\n';
+  const std::size_t begin = table.size();
   table.append(row.data(), end);
+  return {table.data() + begin, table.size() - begin - 1};
 }
 
 std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {

@@ -64,7 +64,8 @@ class PoseWriter {
 
   [[nodiscard]] std::string table_heading() const;
 
-  void append_row(std::string& table, const ScannedPose& pose) const;
+  /// Returns the row without its end of line, as long as the table stays as it is.
+  std::string_view append_row(std::string& table, const ScannedPose& pose) const;
 
   /// What a row tells that cannot be found again by placing the pose: index, r above the contact,
   /// what was asked, how many poses it stands for, energy and status. Empty for a text that is no

@@ -76,12 +76,10 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const Sca
     ScannedPose numbers = pose.numbers;
     numbers.energy_status = EnergyStatus::ok;
     numbers.interaction = kUsualEnergy;
-    std::string row;
-    writer.append_row(row, numbers);
-    rows += row;
+    const std::string_view row = writer.append_row(rows, numbers);
     if (writing == Writing::files) size.frames += files_of_pose(placer, pose);
     if (writing == Writing::frames || writing == Writing::moving)
-      writer.append_frame(frames, std::string_view(row).substr(0, row.size() - 1), pose.atoms);
+      writer.append_frame(frames, row, pose.atoms);
   };
   for (std::int64_t k = 0; k < looked_at; ++k) {
     const std::int64_t pose = first + Shard{k + 1, looked_at}.first(poses);

@@ -1,8 +1,8 @@
 #include "results/text_chunk.hpp"
 
 #include <cstddef>
+#include <span>
 #include <string_view>
-#include <utility>
 
 #include "common/output_folder.hpp"
 #include "driver/output_names.hpp"
@@ -21,17 +21,12 @@ FrameAtoms frame_atoms_of(const PairPlacer& placer) {
 }
 
 PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing) {
-  FrameAtoms atoms = frame_atoms_of(placer);
-  if (writing == Writing::moving) atoms = {atoms.molecule1};
-  return {std::move(atoms), columns};
+  if (writing == Writing::frames) return {frame_atoms_of(placer), columns};
+  const auto n1 = static_cast<std::size_t>(placer.split().n1);
+  return {{std::span(placer.labels()).first(n1)}, columns};
 }
 
 namespace {
-
-/// From there to the end, without its end of line.
-std::string_view row_at(std::string_view table, std::size_t begin) {
-  return table.substr(begin, table.size() - begin - 1);
-}
 
 PoseRules rules_of(const ScanPlan& plan, const ScanOutput& output, const UniquePoses* unique) {
   const bool written = output.writing != Writing::nothing;
@@ -75,12 +70,11 @@ void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
 }
 
 void TextMaker::write(const MadePose& pose, TextChunk& chunk) {
-  const std::size_t row = chunk.table.size();
-  writer_.append_row(chunk.table, pose.numbers);
+  const std::string_view row = writer_.append_row(chunk.table, pose.numbers);
   if (output_->writing == Writing::files)
     write_files(pose);
   else if (output_->writing != Writing::table)
-    writer_.append_frame(chunk.frames, row_at(chunk.table, row), pose.atoms);
+    writer_.append_frame(chunk.frames, row, pose.atoms);
 }
 
 /// Names hold whole degrees, so poses may share theirs: each gets a folder of its own, by index.

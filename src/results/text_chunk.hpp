@@ -35,7 +35,7 @@ PoseColumns columns_of(const PairPlacer& placer, const ScanPlan& plan, const Sca
 
 FrameAtoms frame_atoms_of(const PairPlacer& placer);
 
-/// Its frames are those of Writing::moving or of both molecules.
+/// Its frames are those of both molecules for Writing::frames, else of molecule 1.
 PoseWriter writer_of(const PairPlacer& placer, const PoseColumns& columns, Writing writing);
 
 /// One per thread.
