@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -266,12 +267,22 @@ void PoseWriter::append_frame(std::string& frames, std::string_view row,
 
 namespace {
 
-/// So many bytes are copied sooner than as many as there are.
-char* copy_value(const char* from, const char* stop, const char* end, char* to) {
-  constexpr std::ptrdiff_t kUsual = 24;
-  if (stop - from > kUsual || end - from < kUsual) return std::copy(from, stop, to);
-  std::memcpy(to, from, kUsual);
-  return to + (stop - from);
+/// Copies up to the first comma, or all. Returns how many characters.
+std::size_t copy_cell(char* to, std::string_view row) {
+  constexpr std::uint64_t kCommas = 0x2C2C2C2C2C2C2C2CU;
+  constexpr std::uint64_t kOnes = 0x0101010101010101U;
+  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+  std::size_t k = 0;
+  for (; k + sizeof(std::uint64_t) <= row.size(); k += sizeof(std::uint64_t)) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, row.data() + k, sizeof eight);
+    std::memcpy(to + k, &eight, sizeof eight);
+    const std::uint64_t no_bits = eight ^ kCommas;  // zero in the bytes that are commas
+    if (const std::uint64_t first = (no_bits - kOnes) & ~no_bits & kHighBits; first != 0)
+      return k + static_cast<std::size_t>(std::countr_zero(first)) / 8;
+  }
+  for (; k < row.size() && row[k] != ','; ++k) to[k] = row[k];
+  return k;
 }
 
 }  // namespace
@@ -279,15 +290,11 @@ char* copy_value(const char* from, const char* stop, const char* end, char* to) 
 /// " name=value" for each value of the row, nothing for one that is none. Returns the end.
 char* PoseWriter::write_comment(char* next, std::string_view row) const {
   next = std::copy(head_.begin(), head_.end(), next);
-  const char* from = row.data();
-  const char* const end = from + row.size();
   for (const Key& key : keys_) {
-    const char* const stop = std::find(from, end, ',');
-    if (stop != from) {
-      std::memcpy(next, key.text.data(), key.text.size());
-      next = copy_value(from, stop, end, next + key.size);
-    }
-    from = stop == end ? end : stop + 1;
+    std::memcpy(next, key.text.data(), key.text.size());
+    const std::size_t size = copy_cell(next + key.size, row);
+    if (size > 0) next += key.size + size;
+    row.remove_prefix(std::min(size + 1, row.size()));
   }
   if (columns_.exact) next = std::copy(kExactWords.begin(), kExactWords.end(), next);
   *next++ = '\n';
