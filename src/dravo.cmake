@@ -146,6 +146,30 @@ configure_file(src/common/build_options.hpp.in ${PROJECT_BINARY_DIR}/generated/c
 
 # The bytes of scans.
 set(DRAVO_RESULTS_SOURCES
+  src/quantum/collect.cpp
+  src/quantum/cp2k_input.cpp
+  src/quantum/cp2k_output.cpp
+  src/quantum/export.cpp
+  src/quantum/exported_poses.cpp
+  src/quantum/gamess_input.cpp
+  src/quantum/gaussian_input.cpp
+  src/quantum/job_scripts.cpp
+  src/quantum/manifest.cpp
+  src/quantum/new_folder.cpp
+  src/quantum/nwchem_input.cpp
+  src/quantum/nwchem_output.cpp
+  src/quantum/orca_input.cpp
+  src/quantum/output_text.cpp
+  src/quantum/psi4_input.cpp
+  src/quantum/psi4_output.cpp
+  src/quantum/qchem_input.cpp
+  src/quantum/qcschema_input.cpp
+  src/quantum/qcschema_output.cpp
+  src/quantum/quantum_job.cpp
+  src/quantum/quantum_text.cpp
+  src/quantum/user_template.cpp
+  src/quantum/xtb_input.cpp
+  src/quantum/xtb_output.cpp
   src/results/best_poses.cpp
   src/results/best_results.cpp
   src/results/checksum.cpp
@@ -162,6 +186,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/growing_file.cpp
   src/results/interruption.cpp
   src/results/merge.cpp
+  src/results/pose_choice.cpp
   src/results/pose_folders.cpp
   src/results/pose_writer.cpp
   src/results/poses_again.cpp
@@ -170,6 +195,7 @@ set(DRAVO_RESULTS_SOURCES
   src/results/ranked_poses.cpp
   src/results/record_text.cpp
   src/results/result_files.cpp
+  src/results/row_filter.cpp
   src/results/scan_files.cpp
   src/results/scan_record.cpp
   src/results/scan_results.cpp
@@ -258,6 +284,7 @@ function(dravo_program library)
   dravo_results_library(${library})
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
+    src/cli/collect.cpp
     src/cli/contact_report.cpp
     src/cli/convert.cpp
     src/cli/dock.cpp
@@ -268,6 +295,7 @@ function(dravo_program library)
     src/cli/energy_frames.cpp
     src/cli/energy_options.cpp
     src/cli/energy_scan.cpp
+    src/cli/export.cpp
     src/cli/extract.cpp
     src/cli/identify.cpp
     src/cli/identify_frames.cpp

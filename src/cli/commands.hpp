@@ -39,6 +39,8 @@ void add_dock(CLI::App& program);
 void add_convert(CLI::App& program);
 void add_extract(CLI::App& program);
 void add_energy(CLI::App& program);
+void add_export(CLI::App& program);
+void add_collect(CLI::App& program);
 void add_draw(CLI::App& program);
 void add_view(CLI::App& program);
 

@@ -70,6 +70,8 @@ void describe(CLI::App& program) {
   dravo::add_merge(program);
   dravo::add_extract(program);
   dravo::add_energy(program);
+  dravo::add_export(program);
+  dravo::add_collect(program);
   dravo::add_draw(program);
   dravo::add_view(program);
   dravo::add_convert(program);

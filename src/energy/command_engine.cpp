@@ -36,21 +36,6 @@ constexpr auto kSystemFile = "system.xyz";
 constexpr auto kShell = "/bin/sh";
 constexpr int kNotFound = 127;  // as the shell says it
 
-double hartree(EnergyUnit unit) {
-  constexpr double kElectronVolts = 27.211386245988;  // CODATA 2018
-  constexpr double kJoulesPerCalorie = 4.184;
-  switch (unit) {
-    case EnergyUnit::ev:
-      return 1.0 / kElectronVolts;
-    case EnergyUnit::kcal_mol:
-      return 1.0 / kKcalPerMolPerHartree;
-    case EnergyUnit::kj_mol:
-      return 1.0 / (kKcalPerMolPerHartree * kJoulesPerCalorie);
-    default:
-      return 1.0;
-  }
-}
-
 struct NamedValue {
   std::string_view name;  // as the command line has it
   std::string value;
@@ -171,6 +156,21 @@ class CommandEngine final : public SystemEngine {
 };
 
 }  // namespace
+
+double hartree(EnergyUnit unit) {
+  constexpr double kElectronVolts = 27.211386245988;  // CODATA 2018
+  constexpr double kJoulesPerCalorie = 4.184;
+  switch (unit) {
+    case EnergyUnit::ev:
+      return 1.0 / kElectronVolts;
+    case EnergyUnit::kcal_mol:
+      return 1.0 / kKcalPerMolPerHartree;
+    case EnergyUnit::kj_mol:
+      return 1.0 / (kKcalPerMolPerHartree * kJoulesPerCalorie);
+    default:
+      return 1.0;
+  }
+}
 
 void require_names(const std::string& line, bool charged, bool unpaired) {
   struct Wanted {

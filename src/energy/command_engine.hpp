@@ -13,6 +13,9 @@ namespace dravo {
 /// are any: it would compute another system without a word.
 void require_names(const std::string& line, bool charged, bool unpaired);
 
+/// One of this unit, in Hartree.
+double hartree(EnergyUnit unit);
+
 /// Throws InvalidInput for an expression that is none or has not one group.
 std::regex energy_expression(const std::string& text);
 

@@ -35,22 +35,6 @@ bool has_same_molecules(const Pair& a, const Pair& b) {
          is_same_molecule(atoms_a.subspan(n1), atoms_b.subspan(n1));
 }
 
-void require_same_atoms(const Pair& pair, const Pair& first) {
-  const auto refuse = [](const std::string& difference) {
-    throw InvalidInput(difference +
-                       "; the frames must be of one pair, with its atoms in one order");
-  };
-  const std::int32_t n2 = pair.size() - pair.n1(), first_n2 = first.size() - first.n1();
-  if (pair.n1() != first.n1() || n2 != first_n2)
-    refuse(fmt::format("molecule 1 has {} and molecule 2 {}, in the first frame {} and {}",
-                       atoms_text(pair.n1()), n2, first.n1(), first_n2));
-  const auto [here, there] =
-      std::mismatch(pair.labels().begin(), pair.labels().end(), first.labels().begin());
-  if (here != pair.labels().end())
-    refuse(fmt::format("atom {} is {}, in the first frame {}", here - pair.labels().begin() + 1,
-                       trimmed(text_of(*here)), trimmed(text_of(*there))));
-}
-
 /// By a model of its own, whose process ends with it.
 PoseEnergy energy_of_other_molecules(const Pair& pair, const EnergyOptions& options,
                                      double clearance) {

@@ -10,6 +10,7 @@
 #include "common/text.hpp"
 #include "dravo/error.hpp"
 #include "molecules/foreign_format.hpp"
+#include "molecules/fragments.hpp"
 #include "molecules/length_unit.hpp"
 
 namespace dravo {
@@ -79,6 +80,22 @@ void refuse_foreign_format(FrameStream& stream, const std::string& file) {
   if (stream.begins_with_count()) return;
   if (const auto message = foreign_format_message(file, beginning))
     throw InvalidInput(*message, {stream.name()});
+}
+
+void require_same_atoms(const Pair& pair, const Pair& first) {
+  const auto refuse = [](const std::string& difference) {
+    throw InvalidInput(difference +
+                       "; the frames must be of one pair, with its atoms in one order");
+  };
+  const std::int32_t n2 = pair.size() - pair.n1(), first_n2 = first.size() - first.n1();
+  if (pair.n1() != first.n1() || n2 != first_n2)
+    refuse(fmt::format("molecule 1 has {} and molecule 2 {}, in the first frame {} and {}",
+                       atoms_text(pair.n1()), n2, first.n1(), first_n2));
+  const auto [here, there] =
+      std::mismatch(pair.labels().begin(), pair.labels().end(), first.labels().begin());
+  if (here != pair.labels().end())
+    refuse(fmt::format("atom {} is {}, in the first frame {}", here - pair.labels().begin() + 1,
+                       trimmed(text_of(*here)), trimmed(text_of(*there))));
 }
 
 }  // namespace dravo

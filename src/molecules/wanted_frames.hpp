@@ -63,6 +63,10 @@ bool holds_qn_input(FrameStream& stream);
 PairFile only_pair(FrameStream& stream, const IndexSelection& selection,
                    const PairRequest& request);
 
+/// Throws InvalidInput unless the pair of a frame has the atoms of that of the first one, in their
+/// order.
+void require_same_atoms(const Pair& pair, const Pair& first);
+
 /// Throws InvalidInput for a file of another format than xyz, which is named `file`. Until a frame
 /// is taken.
 void refuse_foreign_format(FrameStream& stream, const std::string& file);

@@ -8,8 +8,11 @@
 #include <xxhash.h>
 #endif
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstddef>
 #include <new>
 
@@ -30,6 +33,17 @@ void Checksum::add(std::string_view bytes) {
 std::uint64_t Checksum::value() const { return XXH3_64bits_digest(state_.get()); }
 
 void Checksum::Release::operator()(XXH3_state_s* state) const { XXH3_freeState(state); }
+
+std::uint64_t checksum_of(std::string_view text) { return XXH3_64bits(text.data(), text.size()); }
+
+std::string text_of_checksum(std::uint64_t checksum) { return fmt::format("{:016x}", checksum); }
+
+std::optional<std::uint64_t> checksum_of_text(std::string_view text) {
+  constexpr int kHexadecimal = 16;
+  std::uint64_t checksum = 0;
+  std::from_chars(text.data(), text.data() + text.size(), checksum, kHexadecimal);
+  return text_of_checksum(checksum) == text ? std::optional(checksum) : std::nullopt;
+}
 
 std::optional<Checksum> checksum_of_first(std::int64_t bytes, int descriptor,
                                           const std::string& name) {

@@ -28,6 +28,15 @@ class Checksum {
   std::unique_ptr<XXH3_state_s, Release> state_;
 };
 
+/// Of a whole text.
+std::uint64_t checksum_of(std::string_view text);
+
+/// Sixteen hexadecimal digits, as files have it.
+std::string text_of_checksum(std::uint64_t checksum);
+
+/// Empty for any other text.
+std::optional<std::uint64_t> checksum_of_text(std::string_view text);
+
 /// Of the first bytes of an open file, which messages call `name`; empty when it has fewer. Throws
 /// IoFailure.
 std::optional<Checksum> checksum_of_first(std::int64_t bytes, int descriptor,

@@ -19,13 +19,14 @@
 #include "common/text.hpp"
 #include "common/version.hpp"
 #include "energy/pose_energy.hpp"
-#include "results/best_poses.hpp"
 #include "results/checksum.hpp"
 #include "results/energy_text.hpp"
 #include "results/interruption.hpp"
+#include "results/pose_choice.hpp"
 #include "results/poses_again.hpp"
 #include "results/result_files.hpp"
 #include "results/selected_rows.hpp"
+#include "results/table_rows.hpp"
 #include "results/text_chunk.hpp"
 #include "scan/pose_maker.hpp"
 
@@ -101,29 +102,13 @@ bool has_column(std::string_view heading, std::string_view name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// Those with the best values of a column.
-IndexSelection best_of(SelectedRows rows, const BestRule& rule) {
-  BestPoses best(rule, rows.heading());
-  std::string row;
-  while (rows.next(row)) (void)best.add(row);
-  std::vector<std::int64_t> indices;
-  best.for_each(
-      [&](const std::string& kept) { indices.push_back(index_of_row(kept, rows.table())); });
-  if (indices.empty())
-    throw InvalidInput(
-        fmt::format("--by: no pose of {} has a value in {}", rows.table(), rule.column));
-  return IndexSelection::of(std::move(indices));
-}
-
 SelectedRows selected_rows(const ScanRecord& scan, EnergyMethod method,
                            const EnergyRequest& request) {
-  SelectedRows rows(request.scan, scan, IndexSelection::parse("--poses", request.poses));
+  const std::string table = request.scan + ending_of(ResultFile::table);
   const std::string column = energy_column(method);
-  if (has_column(rows.heading(), column))
-    throw InvalidInput(fmt::format("{} has the column {} already", rows.table(), column));
-  if (request.best) return {request.scan, scan, best_of(std::move(rows), *request.best)};
-  rows.require_named(scan);
-  return rows;
+  if (has_column(TableRows(table).heading(), column))
+    throw InvalidInput(fmt::format("{} has the column {} already", table, column));
+  return chosen_rows(request.scan, scan, {request.poses, request.best, {}});
 }
 
 std::int64_t number_of(SelectedRows& rows) {
@@ -133,13 +118,6 @@ std::int64_t number_of(SelectedRows& rows) {
   while (rows.next(row)) ++number;
   rows.rewind();
   return number;
-}
-
-/// "all", "17,40:60", or "the best 100 by -clearance".
-std::string words_of_selection(const EnergyRequest& request) {
-  return request.best ? fmt::format("the best {} by {}{}", request.best->count,
-                                    request.best->largest ? "-" : "", request.best->column)
-                      : request.poses;
 }
 
 /// With the keys of the scan beside its own.
@@ -152,10 +130,10 @@ ScanRecord record_of(const ScanRecord& scan, const EnergyRequest& request, const
     record.origin[fmt::format("{}-{}", name_of(model.options().method), key)] = text;
   };
   const auto bytes = static_cast<std::int64_t>(fs::file_size(rows.table()));
-  add("poses", words_of_selection(request));
+  add("poses", words_of({request.poses, request.best, {}}));
   constexpr std::size_t kLongestName = 255;  // a name may be any bytes, a record is UTF-8
   add("table", printable(fs::path(rows.table()).filename().string(), kLongestName).text);
-  add("table-xxh3", fmt::format("{:016x}", checksum_of_first(bytes, rows.table()).value_or(0)));
+  add("table-xxh3", text_of_checksum(checksum_of_first(bytes, rows.table()).value_or(0)));
   add("version", DRAVO_VERSION);
   record.poses = number_of(rows);
   record.totals.energies.emplace();

@@ -1,7 +1,6 @@
 /// The record of a scan as JSON.
 #include <fmt/format.h>
 
-#include <charconv>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -10,6 +9,7 @@
 
 #include "common/errors.hpp"
 #include "common/number_text.hpp"
+#include "results/checksum.hpp"
 #include "results/record_keys.hpp"
 #include "results/scan_record.hpp"
 
@@ -33,18 +33,13 @@ double lowest_in(const Json& json) {
   return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
 }
 
-/// As checksums are written everywhere: sixteen digits.
-std::string hexadecimal(std::uint64_t number) { return fmt::format("{:016x}", number); }
-
 /// Empty without the key.
 std::optional<std::uint64_t> checksum_in(const Json& json, const std::string& key) {
   const auto found = json.find(key);
   if (found == json.end()) return std::nullopt;
-  const auto text = found->get<std::string>();
-  std::uint64_t number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number, 16);
-  if (hexadecimal(number) != text) throw std::out_of_range(key);
-  return number;
+  const auto checksum = checksum_of_text(found->get<std::string>());
+  if (!checksum) throw std::out_of_range(key);
+  return checksum;
 }
 
 // --- origin -----------------------------------------------------------------------------------
@@ -225,7 +220,7 @@ std::string text_of(const ScanRecord& record) {
   if (record.docking) json[kDocking] = json_of(*record.docking);
   for (const auto& [file, state] : record.files) json[bytes_key(file)] = state.bytes;
   for (const auto& [file, state] : record.files)
-    if (state.checksum) json[checksum_key(file)] = hexadecimal(*state.checksum);
+    if (state.checksum) json[checksum_key(file)] = text_of_checksum(*state.checksum);
   if (record.molecules) {
     json[kGeometry] = json_of(record.molecules->pair);
     if (record.molecules->like) json[kReference] = json_of(*record.molecules->like);

@@ -1,0 +1,149 @@
+#include "quantum/output_text.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <sstream>
+#include <string>
+
+#include "common/number_text.hpp"
+#include "energy/command_engine.hpp"
+#include "energy/engine_texts.hpp"
+
+namespace dravo {
+namespace {
+
+/// "Gh(CL)", "bqO", "@O": the element alone.
+std::string element_in(std::string_view word) {
+  if (word.starts_with("Gh(") || word.starts_with("GH(")) word = word.substr(3, word.size() - 4);
+  if (word.starts_with("bq")) word.remove_prefix(2);
+  return std::string(word);
+}
+
+std::string_view next_line(std::string_view text) {
+  return text.substr(std::min(text.find('\n'), text.size() - 1) + 1);
+}
+
+/// Empty where the line is not one of the list.
+std::optional<OutputAtom> atom_in(std::string_view line, const AtomList& list) {
+  const auto words = words_in(line);
+  if (words.size() < list.x + 3) return std::nullopt;
+  const auto x = parse_real(words[list.x]), y = parse_real(words[list.x + 1]),
+             z = parse_real(words[list.x + 2]);
+  if (!x || !y || !z) return std::nullopt;
+  return OutputAtom{element_in(words[list.symbol]), {*x, *y, *z}};
+}
+
+bool is_same(const OutputAtom& a, const OutputAtom& b) {
+  constexpr double kSame = 2e-6;  // six decimals, and a Bohr of another year
+  const auto is_close = [](double one, double other) { return std::abs(one - other) <= kSame; };
+  return is_close(a.position.x, b.position.x) && is_close(a.position.y, b.position.y) &&
+         is_close(a.position.z, b.position.z) && a.symbol.size() == b.symbol.size() &&
+         std::equal(
+             a.symbol.begin(), a.symbol.end(), b.symbol.begin(),
+             [](unsigned char c, unsigned char d) { return std::tolower(c) == std::tolower(d); });
+}
+
+}  // namespace
+
+std::string_view line_at(std::string_view text, std::size_t position) {
+  const std::size_t before = text.rfind('\n', position);
+  const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+  return text.substr(begin, std::min(text.find('\n', position), text.size()) - begin);
+}
+
+std::string_view behind(std::string_view text, std::string_view mark) {
+  const std::size_t at = text.find(mark);
+  return at == std::string_view::npos ? std::string_view() : text.substr(at + mark.size());
+}
+
+std::vector<std::string_view> words_in(std::string_view line) {
+  constexpr std::string_view kBlanks = " \t\r";
+  std::vector<std::string_view> words;
+  for (std::size_t begin = line.find_first_not_of(kBlanks); begin != std::string_view::npos;
+       begin = line.find_first_not_of(kBlanks, begin)) {
+    const std::size_t end = std::min(line.find_first_of(kBlanks, begin), line.size());
+    words.push_back(line.substr(begin, end - begin));
+    begin = end;
+  }
+  return words;
+}
+
+std::optional<double> number_in_front(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(" =:>");
+  if (begin == std::string_view::npos) return std::nullopt;
+  const std::size_t end = std::min(text.find_first_of(" \r\n", begin), text.size());
+  return parse_plain_real(text.substr(begin, end - begin));
+}
+
+std::vector<double> numbers_behind(std::string_view text, std::string_view mark) {
+  std::vector<double> numbers;
+  for (std::string_view rest = behind(text, mark); !rest.empty(); rest = behind(rest, mark))
+    if (const auto number = number_in_front(rest)) numbers.push_back(*number);
+  return numbers;
+}
+
+void add_atoms(std::vector<OutputAtom>& atoms, std::string_view text, const AtomList& list) {
+  for (std::string_view rest = behind(text, list.mark); !rest.empty();
+       rest = behind(rest, list.mark)) {
+    for (int line = 0; line < list.lines && !rest.empty(); ++line) rest = next_line(rest);
+    while (!rest.empty()) {
+      auto atom = atom_in(line_at(rest, 0), list);
+      if (!atom) break;
+      atoms.push_back(std::move(*atom));
+      rest = next_line(rest);
+    }
+  }
+}
+
+/// Lists have the order of the pair, or that of one molecule, so the next atom is tried first.
+bool are_those_of(const std::vector<OutputAtom>& atoms, const std::vector<OutputAtom>& pair) {
+  std::vector<bool> seen(pair.size(), false);
+  std::size_t next = 0;
+  for (const OutputAtom& atom : atoms) {
+    std::size_t tried = 0;
+    while (tried < pair.size() && !is_same(atom, pair[(next + tried) % pair.size()])) ++tried;
+    if (tried == pair.size()) return false;
+    next = (next + tried) % pair.size();
+    seen[next] = true;
+    ++next;
+  }
+  return std::find(seen.begin(), seen.end(), false) == seen.end();
+}
+
+QuantumOutput read_by(const UserReading& reading, std::string_view text) {
+  std::istringstream in{std::string(text)};
+  const Printed printed = read_printed(in, reading.expression);
+  if (!printed.energy) return {};
+  return {OutputState::finished, *printed.energy * hartree(reading.unit)};
+}
+
+bool is_readable(QuantumProgram program) {
+  switch (program) {
+    case QuantumProgram::psi4:
+    case QuantumProgram::nwchem:
+    case QuantumProgram::cp2k:
+    case QuantumProgram::xtb:
+    case QuantumProgram::qcschema:
+      return true;
+    default:
+      return false;
+  }
+}
+
+QuantumOutput read_output(const QuantumJob& job, std::string_view text) {
+  switch (job.program) {
+    case QuantumProgram::psi4:
+      return read_psi4(job, text);
+    case QuantumProgram::nwchem:
+      return read_nwchem(job, text);
+    case QuantumProgram::cp2k:
+      return read_cp2k(job, text);
+    case QuantumProgram::xtb:
+      return read_xtb(job, text);
+    default:
+      return read_qcschema(job, text);
+  }
+}
+
+}  // namespace dravo
