@@ -32,7 +32,7 @@ constexpr auto kExportFooter =
     "Examples: the hundred best poses of a scan; minima of a docking; a pair\n"
     "  dravo export psi4 scan --method mp2 --basis jun-cc-pvdz --best 100 -o qc\n"
     "  dravo export psi4 minima --sapt --basis jun-cc-pvdz --where \"rank <= 10\" -o sapt\n"
-    "  dravo export orca dimer.xyz --split 6 --method HF-3c --basis \"\" -o orca";
+    "  dravo export orca dimer.xyz --split 6 --method r2SCAN-3c --no-counterpoise -o orca";
 
 constexpr std::array<const char*, 4> kForFiles{"--split", "--no-check", "--unit", "--frame"};
 constexpr std::array<const char*, 4> kForResults{"--poses", "--best", "--by", "--where"};

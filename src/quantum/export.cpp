@@ -37,7 +37,9 @@ class Exporter {
     manifest_.job = request.job;
     manifest_.ending = template_ ? template_->ending() : input_ending(request.job.program);
     table_ = poses.heading() + "\n";
+    const std::string script = pose_script(scripts());  // refuses methods that xtb does not have
     folder_.emplace(request.folder);
+    folder_->write("run-pose.sh", script, true);
   }
 
   void add_pose() {
@@ -56,11 +58,8 @@ class Exporter {
   }
 
   std::int64_t finish() {
-    const ScriptRequest scripts{request_->job, manifest_.ending, request_->line,
-                                std::ssize(manifest_.poses), request_->block};
-    folder_->write("run-pose.sh", pose_script(scripts), true);
-    folder_->write("run.sh", machine_script(scripts), true);
-    folder_->write("run.sbatch", slurm_script(scripts), true);
+    folder_->write("run.sh", machine_script(scripts()), true);
+    folder_->write("run.sbatch", slurm_script(scripts()), true);
     folder_->write("folders.txt", folders_);
     folder_->write(kPosesTable, table_);
     const PoseOrigin origin = poses_->origin();
@@ -74,6 +73,11 @@ class Exporter {
   }
 
  private:
+  [[nodiscard]] ScriptRequest scripts() const {
+    return {request_->job, manifest_.ending, request_->line, std::ssize(manifest_.poses),
+            request_->block};
+  }
+
   void begin(const Pair& pair) {
     require_possible(request_->job, pair);
     manifest_.n1 = pair.n1();

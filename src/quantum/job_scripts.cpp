@@ -20,7 +20,7 @@ struct Call {
 };
 
 /// By `QuantumProgram`.
-constexpr std::array<Call, 10> kCalls {{
+constexpr std::array<Call, 10> kCalls{{
     {".dat", "psi4 -n {cores} {input} {output}"},
     {".inp", R"sh("$(command -v orca)" {input} > {output})sh"},  // it starts its parts by this path
     {".gjf", "g16 < {input} > {output}"},
@@ -33,51 +33,48 @@ constexpr std::array<Call, 10> kCalls {{
     {".inp", "echo 'say in run-pose.sh how {input} is run' >&2; false"},
 }};
 
-  const Call& call_of(QuantumProgram program) {
-    return kCalls.at(static_cast<std::size_t>(program));
-  }
+const Call& call_of(QuantumProgram program) { return kCalls.at(static_cast<std::size_t>(program)); }
 
-  void replace_all(std::string & text, std::string_view name, std::string_view value) {
-    for (std::size_t at = text.find(name); at != std::string::npos;
-         at = text.find(name, at + value.size()))
-      text.replace(at, name.size(), value);
-  }
+void replace_all(std::string& text, std::string_view name, std::string_view value) {
+  for (std::size_t at = text.find(name); at != std::string::npos;
+       at = text.find(name, at + value.size()))
+    text.replace(at, name.size(), value);
+}
 
-  /// Of xtb: "--gfn 2", "--gfnff".
-  std::string option_of_xtb(const std::string& method) {
-    if (method == "gfnff") return "--gfnff";
-    if (method == "gfn0" || method == "gfn1" || method == "gfn2")
-      return "--gfn " + method.substr(3);
-    throw InvalidInput("--method: expected gfn0, gfn1, gfn2 or gfnff for xtb, found " +
-                       dravo::quoted(method));
-  }
+/// Of xtb: "--gfn 2", "--gfnff".
+std::string option_of_xtb(const std::string& method) {
+  if (method == "gfnff") return "--gfnff";
+  if (method == "gfn0" || method == "gfn1" || method == "gfn2") return "--gfn " + method.substr(3);
+  throw InvalidInput("--method: expected gfn0, gfn1, gfn2 or gfnff for xtb, found " +
+                     dravo::quoted(method));
+}
 
-  std::string line_of(const ScriptRequest& request) {
-    std::string line = request.line;
-    if (line.empty()) line = call_of(request.job.program).line;
-    if (request.job.program == QuantumProgram::nwchem && request.job.cores == 1 &&
-        request.line.empty())
-      replace_all(line, "mpirun -np {cores} ", "");
-    if (request.job.program == QuantumProgram::xtb && request.line.empty())
-      replace_all(line, "{method}", option_of_xtb(request.job.method));
-    replace_all(line, "{input}", R"("$1")");
-    replace_all(line, "{output}", R"("$2")");
-    replace_all(line, "{charge}", R"("$3")");
-    replace_all(line, "{unpaired}", R"("$4")");
-    replace_all(line, "{cores}", std::to_string(request.job.cores));
-    return line;
-  }
+std::string line_of(const ScriptRequest& request) {
+  std::string line = request.line;
+  if (line.empty()) line = call_of(request.job.program).line;
+  if (request.job.program == QuantumProgram::nwchem && request.job.cores == 1 &&
+      request.line.empty())
+    replace_all(line, "mpirun -np {cores} ", "");
+  if (request.job.program == QuantumProgram::xtb && request.line.empty())
+    replace_all(line, "{method}", option_of_xtb(request.job.method));
+  replace_all(line, "{input}", R"("$1")");
+  replace_all(line, "{output}", R"("$2")");
+  replace_all(line, "{charge}", R"("$3")");
+  replace_all(line, "{unpaired}", R"("$4")");
+  replace_all(line, "{cores}", std::to_string(request.job.cores));
+  return line;
+}
 
-  /// "'pair.xyz 0 0' 'molecule-1.xyz 0 0'": a file, its charge and its unpaired electrons.
-  std::string inputs_of(const ScriptRequest& request) {
-    std::string text;
-    for (const QuantumSystem& system : systems_of(request.job))
-      text += fmt::format("{}'{}{} {} {}'", text.empty() ? "" : " ", system.name, request.ending,
-                          charge_of(request.job, system), multiplicity_of(request.job, system) - 1);
-    return text;
-  }
+/// "'pair.xyz 0 0' 'molecule-1.xyz 0 0'": a file, its charge and its unpaired electrons.
+std::string inputs_of(const ScriptRequest& request) {
+  std::string text;
+  for (const QuantumSystem& system : systems_of(request.job))
+    text += fmt::format("{}'{}{} {} {}'", text.empty() ? "" : " ", system.name, request.ending,
+                        charge_of(request.job, system), multiplicity_of(request.job, system) - 1);
+  return text;
+}
 
-  constexpr std::string_view kPoseScript = R"script(#!/usr/bin/env bash
+constexpr std::string_view kPoseScript = R"script(#!/usr/bin/env bash
 # run-pose.sh FOLDER...: computes the poses in these folders, such as 000/000017.
 #
 # Every computation runs in a folder NAME.running, which goes when it is done; NAME.out is what the
@@ -114,7 +111,7 @@ done
 exit $status
 )script";
 
-  constexpr std::string_view kMachineScript = R"script(#!/usr/bin/env bash
+constexpr std::string_view kMachineScript = R"script(#!/usr/bin/env bash
 # run.sh [JOBS]: computes all poses that have not finished, JOBS at once (as many as the cores of
 # this machine allow). It may be stopped and started again.
 set -u
@@ -130,7 +127,7 @@ else
 fi
 )script";
 
-  constexpr std::string_view kSlurmScript = R"script(#!/usr/bin/env bash
+constexpr std::string_view kSlurmScript = R"script(#!/usr/bin/env bash
 #SBATCH --job-name=@program@
 #SBATCH --array=1-@tasks@
 #SBATCH --cpus-per-task=@cores@

@@ -41,7 +41,7 @@ std::string psi4_input(const QuantumJob& job, const QuantumSystem& system,
   text += "molecule pair {\n";
   text += job.ghost == 0 ? both_molecules(job, pose.pair) : beside_ghosts(job, system, pose.pair);
   text += "units angstrom\nno_com\nno_reorient\nsymmetry c1\n}\n";
-  text += fmt::format("set basis {}\n", job.basis);
+  if (!job.basis.empty()) text += fmt::format("set basis {}\n", job.basis);
   if (job.multiplicities != std::array{1, 1}) text += "set reference uhf\n";
   for (const std::string& line : job.keywords) text += fmt::format("set {}\n", line);
   text += call_of_energy(job);

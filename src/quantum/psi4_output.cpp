@@ -33,7 +33,7 @@ void read_sapt(const QuantumJob& job, std::string_view text, QuantumOutput& outp
   for (const unsigned char c : job.method) total += static_cast<char>(std::toupper(c));
   output.energy = sapt_value(results, total + " ");
   constexpr std::array kTermNames{"\n    Electrostatics ", "\n    Exchange ", "\n    Induction ",
-                              "\n    Dispersion "};
+                                  "\n    Dispersion "};
   SaptTerms terms{};
   for (std::size_t k = 0; k < terms.size(); ++k) {
     const auto value = sapt_value(results, kTermNames[k]);

@@ -24,7 +24,7 @@ std::vector<OutputAtom> atoms_in(const Json& molecule) {
 /// As Psi4 calls them among what it found.
 std::optional<SaptTerms> terms_in(const Json& result) {
   constexpr std::array kTermNames{"SAPT ELST ENERGY", "SAPT EXCH ENERGY", "SAPT IND ENERGY",
-                              "SAPT DISP ENERGY"};
+                                  "SAPT DISP ENERGY"};
   const auto extras = result.find("extras");
   if (extras == result.end() || !extras->contains("qcvars")) return std::nullopt;
   const Json& found = extras->at("qcvars");
