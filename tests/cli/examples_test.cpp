@@ -170,8 +170,8 @@ TEST(Documents, ShowOfFramesWhatTheirCommandsPrint) {
 
 /// Only commands with something below them; those of the README build on each other.
 TEST(Documents, ShowElsewhereWhatCommandsPrint) {
-  std::vector<const char*> names{"/README.md", "/docs/commands.md", "/docs/scan.md",
-                                 "/docs/trajectories.md"};
+  std::vector<const char*> names{"/README.md", "/docs/commands.md", "/docs/quantum-chemistry.md",
+                                 "/docs/scan.md", "/docs/trajectories.md"};
   if (has_libxtb()) names.push_back("/docs/energies.md");
   for (const char* name : names) {
     auto shown = shown_in(lines_of(file_text(std::string(DRAVO_SOURCES) + name)));

@@ -1,6 +1,7 @@
 /// The messages of `dravo` that docs/messages.md explains are those that it prints.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,8 @@ void put_files(const TemporaryFolder& folder) {
   folder.write("near.xyz",
                "6\nProperties=species:S:1:pos:R:3:molecule:I:1\nO 0 0 0 1\nH 0.76 0.59 0 1\n"
                "H -0.76 0.59 0 1\nO 0 0 1 2\nH 0.76 0.59 1 2\nH -0.76 0.59 1 2\n");
+  std::filesystem::create_directories(folder.path() / "taken" / "earlier");
+  std::filesystem::create_directory(folder.path() / "stopped.part");
   folder.write("radon.xyz", "2\n\nRn 0 0 0\nAr 0 0 5\n");
 }
 
@@ -55,6 +58,15 @@ struct Provoked {
 };
 
 const std::vector<Provoked> kProvoked{
+    {"export psi4 dimer.xyz --split 6 --method hf --basis sto-3g --charges 1,0 -o qc",
+     "--multiplicities: molecule 1 with charge +1 has 23 electrons: expected an even multiplicity "},
+    {"export orca dimer.xyz --split 6 --sapt --basis sto-3g -o qc",
+     "--sapt: orca has no symmetry-adapted perturbation theory here; psi4 has"},
+    {"export xtb dimer.xyz --split 6 -o taken",
+     ": exists already; choose another --output, or remove it"},
+    {"export xtb dimer.xyz --split 6 -o stopped",
+     ": is there already, left of an export that was stopped, or of one that goes on; "},
+    {"collect taken", ": there is no manifest.json; expected a folder that dravo export made"},
     {"scan dimer.xyz --split 6 --r 4 --energy gfn2 --charges 1,0",
      "molecule 1 with charge +1 has 23 electrons: expected an odd number of unpaired ones "},
     {"energy dimer.xyz --split 6 --energy gfnff --charges 1,1 --unpaired 1,1",
@@ -109,7 +121,7 @@ const std::vector<Provoked> kProvoked{
     {"scan dimer.xyz --split 6 --r 3:4:0.1 --phi 0:340:170 --resume --output wide",
      "is of another scan: "},
     {"extract wide --best 5",
-     "--best is an option of dravo scan and dravo energy, not of dravo extract"},
+     "--best is an option of dravo scan, dravo energy and dravo export, not of dravo extract"},
     {"merge none", "found no finished part "},
 };
 
