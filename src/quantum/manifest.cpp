@@ -20,6 +20,14 @@ std::uint64_t checksum_in(const Json& json) {
   return *checksum;
 }
 
+void require_possible(const Manifest& manifest) {
+  const bool two_molecules = manifest.n1 >= 1 && manifest.n1 < std::ssize(manifest.symbols);
+  if (!two_molecules) throw std::out_of_range("n1");
+  if (manifest.job.ghost < 0 || manifest.job.ghost > 2) throw std::out_of_range("ghost");
+  for (const ManifestPose& pose : manifest.poses)
+    if (pose.index < 1) throw std::out_of_range("index");
+}
+
 Json head_of(const Manifest& manifest) {
   const QuantumJob& job = manifest.job;
   return {{"dravo", DRAVO_VERSION},
@@ -84,7 +92,7 @@ Manifest parse_manifest(const std::string& name, const std::string& text) {
     for (const Json& pose : json.at("poses"))
       manifest.poses.push_back(
           {pose.at("index").get<std::int64_t>(), checksum_in(pose.at("geometry_xxh3"))});
-    if (job.ghost < 0 || job.ghost > 2) throw std::out_of_range("ghost");
+    require_possible(manifest);
     return manifest;
   } catch (const std::exception&) {
     throw IoFailure(name + ": expected a manifest that dravo export wrote, found something else");
