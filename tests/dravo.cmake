@@ -94,6 +94,7 @@ dravo_test_programs(results results
   progress_file_test.cpp
   progress_test.cpp
   ranked_poses_test.cpp
+  row_filter_test.cpp
   scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
