@@ -90,6 +90,7 @@ dravo_test_programs(results results
   dock_tables_test.cpp
   energy_report_test.cpp
   frame_table_test.cpp
+  pose_choice_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
