@@ -101,6 +101,9 @@ dravo_test_programs(results results
   scan_size_test.cpp
   text_chunk_test.cpp)
 
+dravo_test_programs(quantum results
+  manifest_test.cpp)
+
 dravo_test_programs(view results
   base64_test.cpp
   chemiscope_test.cpp

@@ -85,6 +85,8 @@ Manifest parse_manifest(const std::string& name, const std::string& text) {
       manifest.poses.push_back(
           {pose.at("index").get<std::int64_t>(), checksum_in(pose.at("geometry_xxh3"))});
     if (job.ghost < 0 || job.ghost > 2) throw std::out_of_range("ghost");
+    if (manifest.n1 < 1 || manifest.n1 >= std::ssize(manifest.symbols))
+      throw std::out_of_range("n1");
     return manifest;
   } catch (const std::exception&) {
     throw IoFailure(name + ": expected a manifest that dravo export wrote, found something else");
