@@ -102,7 +102,8 @@ dravo_test_programs(results results
   text_chunk_test.cpp)
 
 dravo_test_programs(quantum results
-  manifest_test.cpp)
+  manifest_test.cpp
+  user_template_test.cpp)
 
 dravo_test_programs(view results
   base64_test.cpp
