@@ -102,7 +102,11 @@ dravo_test_programs(results results
   text_chunk_test.cpp)
 
 dravo_test_programs(quantum results
+  cp2k_input_test.cpp
+  input_files_test.cpp
   manifest_test.cpp
+  qcschema_input_test.cpp
+  quantum_job_test.cpp
   user_template_test.cpp)
 
 dravo_test_programs(view results

@@ -7,8 +7,8 @@ namespace dravo {
 
 std::string orca_input(const QuantumJob& job, const QuantumSystem& system,
                        const NumberedPair& pose) {
-  std::string text =
-      fmt::format("# pose {}, {}\n! {} {}", pose.index, system.name, job.method, job.basis);
+  std::string text = fmt::format("# pose {}, {}\n! {}", pose.index, system.name, job.method);
+  if (!job.basis.empty()) text.append(" ").append(job.basis);
   for (const std::string& words : job.keywords) text.append(" ").append(words);
   text += "\n%sym UseSymmetry false end\n";  // with symmetry it would move the atoms
   if (job.cores > 1) text += fmt::format("%pal nprocs {} end\n", job.cores);

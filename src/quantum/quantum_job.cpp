@@ -63,6 +63,12 @@ void require_one_line(const char* option, std::string_view text) {
                   kLongest, dravo::quoted(text)));
 }
 
+/// "HF-3c" and others of ORCA's name their basis with the method.
+bool has_own_basis(const QuantumJob& job) {
+  return job.program == QuantumProgram::orca &&
+         (job.method.ends_with("-3c") || job.method.ends_with("-3C"));
+}
+
 void require_able(const QuantumJob& job, const Abilities& program) {
   const auto refuse = [&](const char* option, const std::string& why) {
     throw InvalidInput(fmt::format("{}: {} {}", option, program.name, why));
@@ -76,7 +82,8 @@ void require_able(const QuantumJob& job, const Abilities& program) {
     refuse("--counterpoise", "has no basis functions to correct for");
   if (job.program == QuantumProgram::user) return;  // a template asks for what it needs
   if (job.method.empty()) refuse("--method", "needs one, such as --method hf");
-  if (program.basis && job.basis.empty()) refuse("--basis", "needs one, such as --basis cc-pvdz");
+  if (program.basis && job.basis.empty() && !has_own_basis(job))
+    refuse("--basis", "needs one, such as --basis cc-pvdz");
   if (!program.basis && !job.basis.empty()) refuse("--basis", "has no choice of basis functions");
 }
 
