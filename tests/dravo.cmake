@@ -105,6 +105,7 @@ dravo_test_programs(quantum results
   cp2k_input_test.cpp
   input_files_test.cpp
   manifest_test.cpp
+  outputs_test.cpp
   qcschema_input_test.cpp
   quantum_job_test.cpp
   user_template_test.cpp)
