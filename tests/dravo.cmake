@@ -104,7 +104,9 @@ dravo_test_programs(results results
 dravo_test_programs(quantum results
   cp2k_input_test.cpp
   input_files_test.cpp
+  job_scripts_test.cpp
   manifest_test.cpp
+  new_folder_test.cpp
   outputs_test.cpp
   qcschema_input_test.cpp
   quantum_job_test.cpp
