@@ -222,13 +222,15 @@ add_test(NAME sanitized/cli COMMAND cli_tests --gtest_brief=1 "--gtest_filter=-K
 set_tests_properties(sanitized/cli PROPERTIES COST 100 ENVIRONMENT
   "DRAVO_TOOL=$<TARGET_FILE:dravo-cli-sanitized>;ASAN_OPTIONS=detect_leaks=0")
 
-# The Python of the distribution, which has its ASE; another one may come first on the path.
+# The Python of the distribution, which has its ASE and QCElemental; another one may come first on the path.
 find_program(PYTHON_WITH_ASE NAMES python3 HINTS /usr/bin NO_CMAKE_ENVIRONMENT_PATH)
 if(PYTHON_WITH_ASE)
   add_test(NAME cli/ase_read_back COMMAND ${PYTHON_WITH_ASE}
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/ase_read_back.py $<TARGET_FILE:dravo-cli>
     ${PROJECT_SOURCE_DIR}/examples/formamide-dimer/QN-input-GEOMETRY.xyz $<TARGET_FILE:qn-dravo>)
-  set_tests_properties(cli/ase_read_back PROPERTIES SKIP_RETURN_CODE 77)
+  add_test(NAME cli/qcelemental_read_back COMMAND ${PYTHON_WITH_ASE}
+    ${CMAKE_CURRENT_SOURCE_DIR}/cli/qcelemental_read_back.py $<TARGET_FILE:dravo-cli>)
+  set_tests_properties(cli/ase_read_back cli/qcelemental_read_back PROPERTIES SKIP_RETURN_CODE 77)
 endif()
 
 # The script of the page of `dravo view`: its modules, and the page against the program.
