@@ -90,14 +90,27 @@ dravo_test_programs(results results
   dock_tables_test.cpp
   energy_report_test.cpp
   frame_table_test.cpp
+  pose_choice_test.cpp
   pose_writer_test.cpp
   progress_file_test.cpp
   progress_test.cpp
   ranked_poses_test.cpp
+  row_filter_test.cpp
   scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
   text_chunk_test.cpp)
+
+dravo_test_programs(quantum results
+  cp2k_input_test.cpp
+  input_files_test.cpp
+  job_scripts_test.cpp
+  manifest_test.cpp
+  new_folder_test.cpp
+  outputs_test.cpp
+  qcschema_input_test.cpp
+  quantum_job_test.cpp
+  user_template_test.cpp)
 
 dravo_test_programs(view results
   base64_test.cpp
@@ -209,13 +222,15 @@ add_test(NAME sanitized/cli COMMAND cli_tests --gtest_brief=1 "--gtest_filter=-K
 set_tests_properties(sanitized/cli PROPERTIES COST 100 ENVIRONMENT
   "DRAVO_TOOL=$<TARGET_FILE:dravo-cli-sanitized>;ASAN_OPTIONS=detect_leaks=0")
 
-# The Python of the distribution, which has its ASE; another one may come first on the path.
+# The Python of the distribution, which has its ASE and QCElemental; another one may come first on the path.
 find_program(PYTHON_WITH_ASE NAMES python3 HINTS /usr/bin NO_CMAKE_ENVIRONMENT_PATH)
 if(PYTHON_WITH_ASE)
   add_test(NAME cli/ase_read_back COMMAND ${PYTHON_WITH_ASE}
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/ase_read_back.py $<TARGET_FILE:dravo-cli>
     ${PROJECT_SOURCE_DIR}/examples/formamide-dimer/QN-input-GEOMETRY.xyz $<TARGET_FILE:qn-dravo>)
-  set_tests_properties(cli/ase_read_back PROPERTIES SKIP_RETURN_CODE 77)
+  add_test(NAME cli/qcelemental_read_back COMMAND ${PYTHON_WITH_ASE}
+    ${CMAKE_CURRENT_SOURCE_DIR}/cli/qcelemental_read_back.py $<TARGET_FILE:dravo-cli>)
+  set_tests_properties(cli/ase_read_back cli/qcelemental_read_back PROPERTIES SKIP_RETURN_CODE 77)
 endif()
 
 # The script of the page of `dravo view`: its modules, and the page against the program.

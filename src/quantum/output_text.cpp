@@ -47,8 +47,8 @@ bool is_same(const OutputAtom& a, const OutputAtom& b) {
 }  // namespace
 
 std::string_view line_at(std::string_view text, std::size_t position) {
-  const std::size_t before = text.rfind('\n', position);
-  const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+  const std::size_t begin =
+      position == 0 ? 0 : text.rfind('\n', position - 1) + 1;  // npos + 1 is 0
   return text.substr(begin, std::min(text.find('\n', position), text.size()) - begin);
 }
 

@@ -10,7 +10,7 @@
 
 namespace dravo {
 
-/// The line that holds the character at `position`.
+/// The line that holds the character at `position`, which may be its end.
 std::string_view line_at(std::string_view text, std::size_t position);
 
 /// The text behind the first place of `mark`; empty without it.

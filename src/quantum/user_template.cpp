@@ -71,6 +71,17 @@ bool is_of_name(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
+/// As the template has it, unless it belongs to other files of a pose, or scripts would take it
+/// apart.
+std::string ending_like(const std::string& file) {
+  const std::string ending = std::filesystem::path(file).extension().string();
+  constexpr std::array<std::string_view, 4> kTaken{".out", ".xyz", ".failed", ".running"};
+  const bool usable = ending.size() > 1 &&
+                      std::all_of(ending.begin() + 1, ending.end(), is_of_name) &&
+                      std::find(kTaken.begin(), kTaken.end(), ending) == kTaken.end();
+  return usable ? ending : ".inp";
+}
+
 /// Where "{name}" stands: its name.
 struct Place {
   std::size_t begin;
@@ -112,8 +123,7 @@ std::string names_of_values(std::string_view columns) {
 }  // namespace
 
 UserTemplate::UserTemplate(const std::string& file, std::string_view columns)
-    : ending_(std::filesystem::path(file).extension().string()) {
-  if (ending_.empty() || ending_ == ".out" || ending_ == ".xyz") ending_ = ".inp";
+    : ending_(ending_like(file)) {
   const std::string text = read_file(file);
   std::size_t from = 0;
   for (auto place = next_place(text, 0); place; place = next_place(text, place->end)) {

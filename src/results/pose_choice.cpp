@@ -58,8 +58,10 @@ SelectedRows chosen_rows(const std::string& scan, const ScanRecord& record,
 std::string words_of(const PoseChoice& choice) {
   std::string words = choice.poses;
   if (choice.best)
-    words = fmt::format("the best {} by {}{}", choice.best->count, choice.best->largest ? "-" : "",
-                        choice.best->column);
+    words =
+        fmt::format("the best {} by {}{}{}{}", choice.best->count, choice.best->largest ? "-" : "",
+                    choice.best->column, choice.poses == "all" ? "" : " of ",
+                    choice.poses == "all" ? "" : choice.poses);
   return choice.where.empty() ? words : fmt::format("{} where {}", words, choice.where);
 }
 

@@ -40,6 +40,11 @@ Parts parts_of(std::string_view comparison) {
   refuse(comparison);
 }
 
+/// What has blanks or signs in it is more than a value, and would never be found in a cell.
+bool is_value(std::string_view text) {
+  return !text.empty() && text.find_first_of(" \t=!<>&|,") == std::string_view::npos;
+}
+
 std::size_t column_in(const std::vector<std::string_view>& names, std::string_view name) {
   const auto found = std::find(names.begin(), names.end(), name);
   if (found == names.end())
@@ -56,7 +61,7 @@ RowFilter::RowFilter(std::string_view condition, std::string_view heading) {
   for (std::string_view rest = condition;;) {
     const std::size_t end = std::min(rest.find(kAnd), rest.size());
     const auto [column, operation, value] = parts_of(rest.substr(0, end));
-    if (column.empty() || value.empty()) refuse(rest.substr(0, end));
+    if (column.empty() || !is_value(value)) refuse(rest.substr(0, end));
     const auto number = parse_real(value);
     const bool in_order = operation != kOperations[0] && operation != kOperations[1];
     if (!number && in_order) refuse(rest.substr(0, end));
