@@ -20,9 +20,6 @@ std::int64_t protons_in(std::span<const Label> labels) {
   return protons;
 }
 
-/// "+1", "0", "-2".
-std::string charge_text(int charge) { return charge == 0 ? "0" : fmt::format("{:+}", charge); }
-
 /// One molecule as it was asked for.
 struct Asked {
   int number;  // 1 or 2
@@ -59,6 +56,8 @@ void require_one_part(const Asked& molecule) {
 }
 
 }  // namespace
+
+std::string charge_text(int charge) { return charge == 0 ? "0" : fmt::format("{:+}", charge); }
 
 void require_possible_electrons(const Pair& pair, const EnergyOptions& options) {
   const std::span<const Label> labels(pair.labels());

@@ -20,10 +20,10 @@
 namespace dravo {
 namespace {
 
-/// A name may be any bytes, a manifest is UTF-8.
-std::string shown_file(const std::string& file) {
+/// Names and conditions may be any bytes, a manifest is UTF-8.
+std::string shown_text(const std::string& text) {
   constexpr std::size_t kLongest = 255;
-  return printable(file, kLongest).text;
+  return printable(text, kLongest).text;
 }
 
 std::uint64_t checksum_of_file(const std::string& file) {
@@ -37,8 +37,8 @@ class ResultPoses : public ExportedPoses {
  public:
   ResultPoses(const std::string& name, const ScanRecord& record, const PoseChoice& choice)
       : rows_(chosen_rows(name, record, choice)),
-        origin_{fmt::format("{} {}", record.kind(), shown_file(name)),
-                checksum_of_file(rows_.table()), words_of(choice)} {
+        origin_{fmt::format("{} {}", record.kind(), shown_text(name)),
+                checksum_of_file(rows_.table()), shown_text(words_of(choice))} {
     rows_.rewind();
   }
 
@@ -131,7 +131,7 @@ class FilePoses : public ExportedPoses {
 
   [[nodiscard]] PoseOrigin origin_with(std::string selection) const {
     const bool file = !is_standard_input(request_.file);
-    return {"file " + shown_file(shown_name(request_.file)),
+    return {"file " + shown_text(shown_name(request_.file)),
             file ? checksum_of_file(request_.file) : 0, std::move(selection)};
   }
 

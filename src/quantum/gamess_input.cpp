@@ -76,19 +76,36 @@ std::string gamess_basis(const std::string& name) {
       names, dravo::quoted(name)));
 }
 
+namespace {
+
+/// Correlation-consistent functions are spherical; GAMESS takes Cartesian ones if nobody says so.
+std::string words_of_functions(const std::string& basis) {
+  const bool spherical = basis.starts_with("GBASIS=CC") || basis.starts_with("GBASIS=ACC");
+  return spherical ? " ISPHER=1" : "";
+}
+
+/// It has no coupled clusters on unrestricted orbitals.
+std::string_view orbitals_of(const std::string& words_of_method, int multiplicity) {
+  if (multiplicity == 1) return "RHF";
+  return words_of_method.starts_with(" CCTYP") ? "ROHF" : "UHF";
+}
+
+}  // namespace
+
 std::string gamess_input(const QuantumJob& job, const QuantumSystem& system,
                          const NumberedPair& pose) {
   const int multiplicity = multiplicity_of(job, system);
+  const std::string method = words_of_method(job.method), basis = gamess_basis(job.basis);
   std::string text = fmt::format(
       "! pose {}, {}\n"
       " $CONTRL SCFTYP={} RUNTYP=ENERGY{}\n"
-      "  ICHARG={} MULT={} COORD=UNIQUE UNITS=ANGS NOSYM=1 $END\n",
-      pose.index, system.name, multiplicity == 1 ? "RHF" : "UHF", words_of_method(job.method),
-      charge_of(job, system), multiplicity);
+      "  ICHARG={} MULT={}{} COORD=UNIQUE UNITS=ANGS NOSYM=1 $END\n",
+      pose.index, system.name, orbitals_of(method, multiplicity), method, charge_of(job, system),
+      multiplicity, words_of_functions(basis));
   constexpr int kMegawords = 125;  // a word has eight bytes
   if (job.memory > 0)
     text += fmt::format(" $SYSTEM MWORDS={} $END\n", kMegawords * job.memory / job.cores);
-  text += fmt::format(" $BASIS {} $END\n", gamess_basis(job.basis));
+  text += fmt::format(" $BASIS {} $END\n", basis);
   for (const std::string& line : job.keywords) text += fmt::format(" {}\n", line);
   text += fmt::format(" $DATA\npose {}\nC1\n", pose.index);
   for (const SystemAtom& atom : atoms_of(pose.pair, system)) {

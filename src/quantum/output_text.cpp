@@ -38,13 +38,16 @@ bool is_same(const OutputAtom& a, const OutputAtom& b) {
   constexpr double kSame = 2e-6;  // six decimals, and a Bohr of another year
   const auto is_close = [](double one, double other) { return std::abs(one - other) <= kSame; };
   return is_close(a.position.x, b.position.x) && is_close(a.position.y, b.position.y) &&
-         is_close(a.position.z, b.position.z) && a.symbol.size() == b.symbol.size() &&
-         std::equal(
-             a.symbol.begin(), a.symbol.end(), b.symbol.begin(),
-             [](unsigned char c, unsigned char d) { return std::tolower(c) == std::tolower(d); });
+         is_close(a.position.z, b.position.z) && is_same_word(a.symbol, b.symbol);
 }
 
 }  // namespace
+
+bool is_same_word(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char c, unsigned char d) {
+    return std::tolower(c) == std::tolower(d);
+  });
+}
 
 std::string_view line_at(std::string_view text, std::size_t position) {
   const std::size_t begin =

@@ -19,6 +19,9 @@ std::string_view behind(std::string_view text, std::string_view mark);
 /// The words of a line, separated by blanks.
 std::vector<std::string_view> words_in(std::string_view line);
 
+/// Whether they differ at most in small and large letters.
+bool is_same_word(std::string_view a, std::string_view b);
+
 /// The first number of a text, behind any of " =:>".
 std::optional<double> number_in_front(std::string_view text);
 

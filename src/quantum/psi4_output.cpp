@@ -1,5 +1,4 @@
-#include <cctype>
-#include <string>
+#include <algorithm>
 
 #include "quantum/output_text.hpp"
 
@@ -27,16 +26,26 @@ std::optional<double> sapt_value(std::string_view results, std::string_view name
   return value ? std::optional(*value * kMilli) : std::nullopt;
 }
 
+/// What stands behind `name` and the method, or else behind the first `name` alone where
+/// `or_alone`: "Total SAPT0", "Induction sSAPT0", "Induction". Methods are written in small and
+/// large letters.
+std::optional<double> value_of(std::string_view results, std::string_view name,
+                               std::string_view method, bool or_alone) {
+  for (std::string_view rest = behind(results, name); !rest.empty(); rest = behind(rest, name)) {
+    const std::size_t end = std::min(rest.find(' '), rest.size());
+    if (is_same_word(rest.substr(0, end), method)) return sapt_value(rest, " ");
+  }
+  return or_alone ? sapt_value(results, name) : std::nullopt;
+}
+
 void read_sapt(const QuantumJob& job, std::string_view text, QuantumOutput& output) {
   const std::string_view results = behind(text, "SAPT Results");
-  std::string total = "Total ";
-  for (const unsigned char c : job.method) total += static_cast<char>(std::toupper(c));
-  output.energy = sapt_value(results, total + " ");
+  output.energy = value_of(results, "\n  Total ", job.method, false);
   constexpr std::array kTermNames{"\n    Electrostatics ", "\n    Exchange ", "\n    Induction ",
                                   "\n    Dispersion "};
   SaptTerms terms{};
   for (std::size_t k = 0; k < terms.size(); ++k) {
-    const auto value = sapt_value(results, kTermNames[k]);
+    const auto value = value_of(results, kTermNames[k], job.method, true);
     if (!value) return;
     terms[k] = *value;
   }

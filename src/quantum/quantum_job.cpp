@@ -9,6 +9,7 @@
 #include "common/shown_text.hpp"
 #include "dravo/error.hpp"
 #include "driver/element_table.hpp"
+#include "energy/electrons.hpp"
 
 namespace dravo {
 namespace {
@@ -157,6 +158,9 @@ void complete(QuantumJob& job) {
     job.method = job.treatment == Treatment::sapt ? "sapt0" : std::string(program.method);
   require_able(job, program);
   require_one_line("--method", job.method);
+  if (job.method.find('\'') != std::string::npos)  // Psi4 has it within such quotes
+    throw InvalidInput("--method: expected the name of a method, found " +
+                       dravo::quoted(job.method));
   require_one_line("--basis", job.basis);
   for (const std::string& line : job.keywords) require_one_line("--keywords", line);
 }
@@ -177,11 +181,11 @@ void require_possible(const QuantumJob& job, const Pair& pair) {
                       job.charges[m], protons));
     const int unpaired = job.multiplicities[m] - 1;
     if (unpaired >= 0 && unpaired <= electrons && unpaired % 2 == electrons % 2) continue;
-    throw InvalidInput(fmt::format(
-        "--multiplicities: molecule {} with charge {:+} has {} electrons: expected an {} "
-        "multiplicity up to {}, found {}",
-        m + 1, job.charges[m], electrons, electrons % 2 == 0 ? "odd" : "even", electrons + 1,
-        job.multiplicities[m]));
+    throw InvalidInput(
+        fmt::format("--multiplicities: molecule {} with charge {} has {} electrons: expected an {} "
+                    "multiplicity up to {}, found {}",
+                    m + 1, charge_text(job.charges[m]), electrons,
+                    electrons % 2 == 0 ? "odd" : "even", electrons + 1, job.multiplicities[m]));
   }
 }
 

@@ -390,7 +390,7 @@ TEST(GamessInput, IsThreeFilesWithGhosts) {
   const auto text = [](const std::string& name, const std::string& atoms) {
     return "! pose 17, " + name + R"(
  $CONTRL SCFTYP=RHF RUNTYP=ENERGY MPLEVL=2
-  ICHARG=0 MULT=1 COORD=UNIQUE UNITS=ANGS NOSYM=1 $END
+  ICHARG=0 MULT=1 ISPHER=1 COORD=UNIQUE UNITS=ANGS NOSYM=1 $END
  $SYSTEM MWORDS=250 $END
  $BASIS GBASIS=CCD $END
  $SCF DIRSCF=.TRUE. $END
@@ -444,6 +444,10 @@ TEST(GamessInput, NamesMethodsAndSpins) {
   const auto radical = files(gamess_input, with_radical(job), hydroxyl_and_water());
   EXPECT_NE(radical[1].find("SCFTYP=UHF RUNTYP=ENERGY\n  ICHARG=0 MULT=2"), std::string::npos);
   EXPECT_NE(radical[2].find("SCFTYP=RHF RUNTYP=ENERGY\n  ICHARG=0 MULT=1"), std::string::npos);
+  const QuantumJob clusters = job_of(QuantumProgram::gamess, "ccsd", "aug-cc-pvdz");
+  const auto open_shell = files(gamess_input, with_radical(clusters), hydroxyl_and_water());
+  EXPECT_NE(open_shell[1].find("SCFTYP=ROHF RUNTYP=ENERGY CCTYP=CCSD\n  ICHARG=0 MULT=2 ISPHER=1 "),
+            std::string::npos);
 }
 
 TEST(GamessInput, KnowsBasesByName) {

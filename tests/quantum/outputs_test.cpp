@@ -185,13 +185,15 @@ TEST(Outputs, HaveTheTermsOfPerturbationTheory) {
   const QuantumJob schema = with(QuantumProgram::qcschema, Treatment::sapt, 0, "sapt0");
   expect_terms(read_output(schema, output_file("qcschema-sapt.out")),
                {-14.68668744, 15.92391902, -2.89730576, -0.43882157});
+  const QuantumJob scaled = with(QuantumProgram::psi4, Treatment::sapt, 0, "ssapt0");
+  expect_terms(read_output(scaled, text), {-23.83121630, 26.44091270, -7.42402174, -1.53258104});
   const std::size_t exchange = text.find("\n    Exchange ");
   std::string without = text;
   without.replace(exchange, 13, "\n    Exxhange ");
   EXPECT_FALSE(read_output(psi4, without).terms);
 }
 
-TEST(Outputs, OfAScaledTheoryAreNotThoseOfTheOther) {
+TEST(Outputs, OfAnotherTheoryAreNotThere) {
   const QuantumJob job = with(QuantumProgram::psi4, Treatment::sapt, 0, "sapt2+");
   EXPECT_FALSE(read_output(job, output_file("psi4-sapt.out")).energy);
 }

@@ -134,13 +134,13 @@ TEST(QuantumJobs, HaveElectronsForTheirMultiplicities) {
   EXPECT_EQ(refused_electrons(fluoride_and_water(), {0, 0}, {2, 1}), "");
   EXPECT_EQ(refused_electrons(hydroxyl_and_water(), {0, 0}, {2, 1}), "");
   EXPECT_EQ(refused_electrons(pair, {0, 0}, {2, 1}),
-            "--multiplicities: molecule 1 with charge +0 has 10 electrons: expected an odd "
+            "--multiplicities: molecule 1 with charge 0 has 10 electrons: expected an odd "
             "multiplicity up to 11, found 2");
   EXPECT_EQ(refused_electrons(pair, {0, 1}, {1, 1}),
             "--multiplicities: molecule 2 with charge +1 has 9 electrons: expected an even "
             "multiplicity up to 10, found 1");
   EXPECT_EQ(refused_electrons(pair, {0, 0}, {1, 13}),
-            "--multiplicities: molecule 2 with charge +0 has 10 electrons: expected an odd "
+            "--multiplicities: molecule 2 with charge 0 has 10 electrons: expected an odd "
             "multiplicity up to 11, found 13");
   for (const int multiplicity : {0, -1, -1000})
     EXPECT_NE(refused_electrons(pair, {0, 0}, {multiplicity, 1}), "") << multiplicity;
