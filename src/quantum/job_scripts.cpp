@@ -84,7 +84,7 @@ constexpr std::array<Call, 10> kCalls {{
 # program printed. What has a NAME.out is left alone. A computation that failed leaves NAME.failed,
 # and starts again the next time, as one that was stopped does.
 set -u
-here=$(cd "$(dirname "$0")" && pwd)
+here=$(cd -- "$(dirname -- "$0")" && pwd)
 inputs=(@inputs@)
 export OMP_NUM_THREADS=@cores@ OPENBLAS_NUM_THREADS=1 MKL_NUM_THREADS=@cores@
 
@@ -118,7 +118,7 @@ exit $status
 # run.sh [JOBS]: computes all poses that have not finished, JOBS at once (as many as the cores of
 # this machine allow). It may be stopped and started again.
 set -u
-cd "$(dirname "$0")" || exit 1
+cd -- "$(dirname -- "$0")" || exit 1
 exec 9< run.sh
 flock -n 9 || { echo "run.sh: another one is running here" >&2; exit 1; }
 jobs=${1:-$(( $(nproc) / @cores@ ))}

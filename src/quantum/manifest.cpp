@@ -40,6 +40,13 @@ Json head_of(const Manifest& manifest) {
           {"poses_csv_xxh3", text_of_checksum(manifest.table)}};
 }
 
+void require_usable(const Manifest& manifest) {
+  if (manifest.job.ghost < 0 || manifest.job.ghost > 2) throw std::out_of_range("ghost");
+  if (manifest.n1 < 1 || manifest.n1 >= std::ssize(manifest.symbols)) throw std::out_of_range("n1");
+  for (const ManifestPose& pose : manifest.poses)
+    if (pose.index < 1) throw std::out_of_range("index");
+}
+
 }  // namespace
 
 std::string folder_of_pose(std::int64_t index) {
@@ -84,7 +91,7 @@ Manifest parse_manifest(const std::string& name, const std::string& text) {
     for (const Json& pose : json.at("poses"))
       manifest.poses.push_back(
           {pose.at("index").get<std::int64_t>(), checksum_in(pose.at("geometry_xxh3"))});
-    if (job.ghost < 0 || job.ghost > 2) throw std::out_of_range("ghost");
+    require_usable(manifest);
     return manifest;
   } catch (const std::exception&) {
     throw IoFailure(name + ": expected a manifest that dravo export wrote, found something else");

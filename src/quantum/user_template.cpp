@@ -101,6 +101,14 @@ int column_named(std::string_view columns, std::string_view name) {
   return found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 
+/// Scripts name the input files, and have other files of the same names.
+std::string usable_ending(const std::string& ending) {
+  constexpr std::array<std::string_view, 4> kTaken{".out", ".xyz", ".running", ".failed"};
+  const bool taken = std::find(kTaken.begin(), kTaken.end(), ending) != kTaken.end();
+  const bool plain = ending.size() > 1 && std::all_of(ending.begin() + 1, ending.end(), is_of_name);
+  return plain && !taken ? ending : ".inp";
+}
+
 std::string names_of_values(std::string_view columns) {
   std::string names;
   for (const Value& value : kValues) names.append(value.name).append(", ");
@@ -112,8 +120,7 @@ std::string names_of_values(std::string_view columns) {
 }  // namespace
 
 UserTemplate::UserTemplate(const std::string& file, std::string_view columns)
-    : ending_(std::filesystem::path(file).extension().string()) {
-  if (ending_.empty() || ending_ == ".out" || ending_ == ".xyz") ending_ = ".inp";
+    : ending_(usable_ending(std::filesystem::path(file).extension().string())) {
   const std::string text = read_file(file);
   std::size_t from = 0;
   for (auto place = next_place(text, 0); place; place = next_place(text, place->end)) {

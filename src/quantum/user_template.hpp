@@ -17,7 +17,7 @@ class UserTemplate {
   /// and InvalidInput with the line for a name that stands for nothing.
   UserTemplate(const std::string& file, std::string_view columns);
 
-  /// The file with its ending, ".inp" for one without.
+  /// That of the file; ".inp" for one without, and where it would not do in a script.
   [[nodiscard]] const std::string& ending() const { return ending_; }
 
   /// `row`: of the table.
