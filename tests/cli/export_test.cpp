@@ -301,13 +301,13 @@ TEST(ExportedManifest, TellsWhatWasExported) {
   const ExportFolder folder;
   folder.quietly({"scan", kInput, "--r", "4", "--random", "3", "--output", "s"});
   folder.quietly(export_words("s", {"--keywords", "scf_type df; freeze_core true;", "--charges",
-                                    "1,-1", "--multiplicities", "1,3", "--poses", "2:3"}));
+                                    "2,-2", "--multiplicities", "1,3", "--poses", "2:3"}));
   const Json manifest = Json::parse(folder.read("qc/manifest.json"));
   EXPECT_EQ(manifest["program"], "psi4");
   EXPECT_EQ(manifest["method"], "hf");
   EXPECT_EQ(manifest["basis"], "sto-3g");
   EXPECT_EQ(manifest["keywords"], (Json{"scf_type df", "freeze_core true"}));
-  EXPECT_EQ(manifest["charges"], (Json{1, -1}));
+  EXPECT_EQ(manifest["charges"], (Json{2, -2}));
   EXPECT_EQ(manifest["multiplicities"], (Json{1, 3}));
   EXPECT_EQ(manifest["treatment"], "counterpoise");
   EXPECT_EQ(manifest["source"], "scan s");
@@ -398,7 +398,7 @@ TEST(RefusedExport, OfAJobThatTheProgramDoesNotHave) {
         "6-311g**, cc-pvdz, cc-pvtz, cc-pvqz, aug-cc-pvdz, aug-cc-pvtz, aug-cc-pvqz, or the words "
         "of a $BASIS group such as GBASIS=CCD, found \"def2-svp\""},
        {words("psi4", hf + Words{"--basis", "sto-3g\nset x"}),
-        "--basis: expected one line of at most 200 printable characters, found \"sto-3g\\nset x\""},
+        "--basis: expected one line of at most 200 printable characters, found \"sto-3g?set x\""},
        {words("orca", kSmall + Words{"--sapt"}),
         "--sapt: orca has no symmetry-adapted perturbation theory here; psi4 has"},
        {words("xtb", {"--ghost", "1"}), "--ghost: xtb has no basis functions to lend"},
@@ -437,10 +437,10 @@ TEST(RefusedExport, OfATemplateThatIsNone) {
        {words("template", {"--template", "none.com"}),
         "none.com: cannot read: No such file or directory"},
        {words("template", {"--template", "own.com"}),
-        "own.com:2:10: {radius} stands for nothing; there are index, method, basis, keywords, "
+        "own.com:2: {radius} stands for nothing; there are index, method, basis, keywords, "
         "charge, charge_1, charge_2, multiplicity, multiplicity_1, multiplicity_2, atoms, atoms_1, "
         "atoms_2, symbols_xyz, symbols_xyz_1, symbols_xyz_2, cores\n{charge} {radius}\n         "
-        "^~~~~~~~"},
+        "^^^^^^^^"},
        {words("template", {"--template", "good.com", "--run", "mine > {output}"}),
         "--run: expected {input}, the name of the input file, found none in \"mine > {output}\""},
        {words("template", {"--template", "good.com", "--run", "mine {input}\nrm"}),
@@ -480,7 +480,8 @@ TEST(RefusedExport, OfPosesThatAreNotThere) {
        {words("s", {"--poses", "4"}),
         "--poses: s.csv has no pose 4; the scan has 3 poses and may have left some of them out"},
        {words("two.xyz", {"--split", "1", "--frame", "all"}),
-        "frame 2: atom 2 is Ne, but He in the first frame"},
+        "frame 2: atom 2 is Ne, in the first frame He; the frames must be of one pair, with its atoms "
+        "in one order"},
        {words("two.xyz", {"--split", "1", "--frame", "3"}),
         "two.xyz: there is no frame 3: the file holds 2 frames"},
        {words("dimer.xyz", {"--split", "6", "--frame", "0"}),
