@@ -188,6 +188,7 @@ cli_tests_of(scans best_scan exact_scan less_output other_scans scan_files scan_
 cli_tests_of(stops energy_kills interrupted missed_axes place resume scan_kills spoilt_scans)
 cli_tests_of(usage angles formats merge messages_page program turned_axes usage)
 cli_tests_of(energies durable energy energy_frames energy_scan)
+cli_tests_of(exports collect export)
 cli_tests_of(files convert extract faults pose_folders standard_input)
 cli_tests_of(inputs checks contacts here prepare prepare_nudging prepare_refusals)
 cli_tests_of(frames examples identify identify_frames)

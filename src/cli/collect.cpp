@@ -33,6 +33,7 @@ struct CollectCommand {
   std::string read;
   std::string read_unit = "hartree";
   std::string output;
+  int threads = 0;
   bool overwrite = false;
   bool json = false;
   bool quiet = false;
@@ -134,10 +135,12 @@ void collect(const CollectCommand& command) {
                     {command.folder + "/" + kPosesTable, command.folder + "/" + kManifestFile});
   output.append(collection.heading() + "\n");
   CollectTotals totals;
-  collection.read([&](const CollectedPose& pose, const std::string& row) {
-    totals.add(pose);
-    output.append(row + "\n");
-  });
+  collection.read(
+      [&](const CollectedPose& pose, const std::string& row) {
+        totals.add(pose);
+        output.append(row + "\n");
+      },
+      command.threads);
   output.finish();
   if (command.json) std::cout << json_of(totals, collection).dump() << '\n';
   const bool interaction = collection.manifest().job.ghost == 0;
@@ -164,6 +167,11 @@ void add_collect(CLI::App& program) {
       ->needs(read);
   command.add_option("-o,--output", options->output, "table to write (standard output)")
       ->type_name("FILE");
+  command
+      .add_option("--threads", options->threads,
+                  "threads that read (as many as the machine has cores)")
+      ->check(CLI::Range(1, 1024))
+      ->type_name("T");
   command.add_flag("--overwrite", options->overwrite, "replace a file that exists");
   command.add_flag("--json", options->json, "counts as JSON on standard output");
   command.add_flag("--quiet", options->quiet, "no remarks");

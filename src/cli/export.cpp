@@ -77,7 +77,7 @@ QuantumJob job_of(const CLI::App& app, const ExportCommand& command) {
   job.treatment = chosen_treatment(app, command, job.program);
   if (!command.keywords.empty())
     for (const std::string_view line : parts_between(command.keywords, ';'))
-      job.keywords.emplace_back(line);
+      if (!line.empty()) job.keywords.emplace_back(line);
   complete(job);
   return job;
 }
@@ -116,7 +116,7 @@ std::unique_ptr<ExportedPoses> poses_of(const CLI::App& app, const ExportCommand
       app, kForResults,
       fmt::format("is for the poses of a scan or a docking, but {} is a file", shown_name(file)));
   const auto number = parse_integer(command.frame);
-  if (command.frame.empty() || number) {
+  if (command.frame.empty() || (number && *number > 0)) {
     command.request->frame = number.value_or(1);
     return poses_of_file(*command.request, std::nullopt);
   }

@@ -9,6 +9,7 @@
 
 #include "common/free_format_reader.hpp"
 #include "common/number_format.hpp"
+#include "common/ordered_chunks.hpp"
 #include "dravo/error.hpp"
 #include "quantum/output_text.hpp"
 #include "quantum/quantum_text.hpp"
@@ -35,6 +36,11 @@ std::vector<OutputAtom> atoms_of_xyz(std::string_view text) {
   std::vector<OutputAtom> atoms;
   add_atoms(atoms, text, {"\n", 1, 0, 1});
   return atoms;
+}
+
+/// Of a program that shows none. Without its input nobody knows them.
+std::vector<OutputAtom> atoms_in_input(const std::string& file) {
+  return exists(file) ? atoms_of_xyz(read_file(file)) : std::vector<OutputAtom>{};
 }
 
 /// A failed output says more than one that is not there.
@@ -82,8 +88,9 @@ class PoseReader {
     const std::string text = read_file(file);
     QuantumOutput output =
         reading_ != nullptr ? read_by(*reading_, text) : read_output(manifest_->job, text);
-    if (manifest_->job.program == QuantumProgram::xtb)
-      output.atoms = atoms_of_xyz(read_file(name + manifest_->ending));
+    const bool shows_atoms = reading_ == nullptr;
+    if (shows_atoms && manifest_->job.program == QuantumProgram::xtb)
+      output.atoms = atoms_in_input(name + manifest_->ending);
     if (output.state == OutputState::failed) {
       failed(CollectedStatus::scf_fail, file);
       return std::nullopt;
@@ -92,7 +99,6 @@ class PoseReader {
       failed(CollectedStatus::unfinished, file);
       return std::nullopt;
     }
-    const bool shows_atoms = reading_ == nullptr;
     if (shows_atoms && !are_those_of(output.atoms, atoms_in(system))) {
       failed(CollectedStatus::other_geometry, file);
       return std::nullopt;
@@ -185,21 +191,38 @@ std::string Collection::row_of(std::string_view exported, const CollectedPose& p
   return row.append(",").append(name_of(pose.status));
 }
 
+/// What a thread does.
+struct Collection::ChunkReader {
+  const Collection* collection;
+
+  void make(std::int64_t first, std::int64_t end, std::vector<CollectedPose>& chunk) const {
+    chunk.clear();
+    for (std::int64_t k = first; k < end; ++k)
+      chunk.push_back(
+          collection->collected(collection->manifest_.poses[static_cast<std::size_t>(k)]));
+  }
+};
+
 CollectedPose Collection::collected(const ManifestPose& pose) const {
   return PoseReader(manifest_, reading_ ? &*reading_ : nullptr,
                     fmt::format("{}/{}", folder_, folder_of_pose(pose.index)))
       .read(pose);
 }
 
-void Collection::read(
-    const std::function<void(const CollectedPose&, const std::string& row)>& take) const {
+void Collection::read(const std::function<void(const CollectedPose&, const std::string& row)>& take,
+                      int threads) const {
+  const auto new_maker = [&] { return ChunkReader{this}; };
   std::size_t begin = table_.find('\n') + 1;
-  for (const ManifestPose& pose : manifest_.poses) {
-    const std::size_t end = std::min(table_.find('\n', begin), table_.size());
-    const CollectedPose found = collected(pose);
-    take(found, row_of(std::string_view(table_).substr(begin, end - begin), found));
-    begin = std::min(end + 1, table_.size());
-  }
+  constexpr std::int64_t kPosesOfAChunk = 16;
+  make_chunks<std::vector<CollectedPose>>(
+      {0, std::ssize(manifest_.poses), kPosesOfAChunk, threads}, new_maker,
+      [&](const std::vector<CollectedPose>& chunk) {
+        for (const CollectedPose& pose : chunk) {
+          const std::size_t end = std::min(table_.find('\n', begin), table_.size());
+          take(pose, row_of(std::string_view(table_).substr(begin, end - begin), pose));
+          begin = std::min(end + 1, table_.size());
+        }
+      });
 }
 
 }  // namespace dravo

@@ -53,11 +53,14 @@ class Collection {
   /// "e_int_psi4_kcal_mol", or "e_psi4_hartree" for one molecule.
   [[nodiscard]] std::string energy_column() const;
 
-  /// Hands on every pose with its row, without an end of line, in the order of poses.csv. Throws
-  /// IoFailure.
-  void read(const std::function<void(const CollectedPose&, const std::string& row)>& take) const;
+  /// Hands on every pose with its row, without an end of line, in the order of poses.csv.
+  /// `threads`: 0 for as many as the machine has cores. Throws IoFailure.
+  void read(const std::function<void(const CollectedPose&, const std::string& row)>& take,
+            int threads = 0) const;
 
  private:
+  struct ChunkReader;
+
   [[nodiscard]] CollectedPose collected(const ManifestPose& pose) const;
   [[nodiscard]] std::string row_of(std::string_view exported, const CollectedPose& pose) const;
 

@@ -16,10 +16,9 @@ std::optional<double> difference_of(const std::vector<double>& energies) {
 /// It goes on, and ends as usual, when the electrons have not converged.
 QuantumOutput read_cp2k(const QuantumJob& job, std::string_view text) {
   QuantumOutput output;
-  if (text.find("SCF run NOT converged") != std::string_view::npos ||
-      text.find("[ABORT]") != std::string_view::npos)
+  if (has(text, "SCF run NOT converged") || has(text, "[ABORT]"))
     output.state = OutputState::failed;
-  else if (text.find("PROGRAM ENDED AT") != std::string_view::npos)
+  else if (has(text, "PROGRAM ENDED AT"))
     output.state = OutputState::finished;
   add_atoms(output.atoms, text, {"ATOMIC COORDINATES IN ANGSTROM", 3, 2, 4});
   const std::vector<double> energies = numbers_behind(text, "\n  Total energy: ");

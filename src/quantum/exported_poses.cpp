@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "common/shown_text.hpp"
@@ -26,8 +27,11 @@ std::string shown_text(const std::string& text) {
   return printable(text, kLongest).text;
 }
 
+/// 0 for a stream, which is gone when it has been read.
 std::uint64_t checksum_of_file(const std::string& file) {
-  const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file));
+  std::error_code ignored;  // what cannot be looked at was read all the same
+  if (!std::filesystem::is_regular_file(file, ignored)) return 0;
+  const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file, ignored));
   return checksum_of_first(bytes, file).value_or(0);
 }
 

@@ -81,14 +81,14 @@ constexpr std::string_view kPoseScript = R"script(#!/usr/bin/env bash
 # program printed. What has a NAME.out is left alone. A computation that failed leaves NAME.failed,
 # and starts again the next time, as one that was stopped does.
 set -u
-here=$(cd "$(dirname "$0")" && pwd)
+here=$(cd -- "$(dirname -- "$0")" && pwd)
 inputs=(@inputs@)
 export OMP_NUM_THREADS=@cores@ OPENBLAS_NUM_THREADS=1 MKL_NUM_THREADS=@cores@
 
-# compute INPUT OUTPUT CHARGE UNPAIRED
-compute() {
+# compute INPUT OUTPUT CHARGE UNPAIRED: in a shell of its own, which the line may end
+compute() (
   @line@
-}
+)
 
 status=0
 for folder in "$@"; do
@@ -115,7 +115,7 @@ constexpr std::string_view kMachineScript = R"script(#!/usr/bin/env bash
 # run.sh [JOBS]: computes all poses that have not finished, JOBS at once (as many as the cores of
 # this machine allow). It may be stopped and started again.
 set -u
-cd "$(dirname "$0")" || exit 1
+cd -- "$(dirname -- "$0")" || exit 1
 exec 9< run.sh
 flock -n 9 || { echo "run.sh: another one is running here" >&2; exit 1; }
 jobs=${1:-$(( $(nproc) / @cores@ ))}

@@ -11,6 +11,7 @@
 
 #include "common/descriptor.hpp"
 #include "common/errors.hpp"
+#include "common/uninterrupted.hpp"
 #include "results/durable.hpp"
 
 namespace dravo {
@@ -26,6 +27,7 @@ std::string without_slash(std::string name) {
 }
 
 void require_free(const std::string& name) {
+  if (name.empty()) throw InvalidInput("--output: expected the name of a folder, found none");
   std::error_code failure;
   const auto status = fs::symlink_status(name, failure);
   if (!fs::exists(status)) return;
@@ -57,8 +59,10 @@ void NewFolder::make_folder(const std::string& name) const {
 
 void NewFolder::write(const std::string& file, std::string_view text, bool program) const {
   const std::string name = part_ + "/" + file;
-  Descriptor opened(
-      ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, program ? kProgram : kFile));
+  Descriptor opened(uninterrupted([&] {
+    return ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                  program ? kProgram : kFile);
+  }));
   if (opened.get() < 0) throw_system_failure(name, "open for writing");
   write_at(opened.get(), name, text, 0);
   if (!opened.close()) throw_system_failure(name, "write");

@@ -26,9 +26,9 @@ std::optional<double> difference_in(std::string_view text, const std::vector<dou
 
 QuantumOutput read_nwchem(const QuantumJob& job, std::string_view text) {
   QuantumOutput output;
-  if (text.find("For more information see the NWChem manual") != std::string_view::npos)
+  if (has(text, "For more information see the NWChem manual"))
     output.state = OutputState::failed;
-  else if (text.find(" Total times  cpu:") != std::string_view::npos)
+  else if (has(text, " Total times  cpu:"))
     output.state = OutputState::finished;
   add_atoms(output.atoms, text, {"Output coordinates in angstroms", 4, 1, 3});
   const std::vector<double> energies = numbers_behind(text, nwchem_theory(job.method).energy);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstring>
 #include <sstream>
 #include <string>
 
@@ -18,6 +19,14 @@ std::string element_in(std::string_view word) {
   if (word.starts_with("Gh(") || word.starts_with("GH(")) word = word.substr(3, word.size() - 4);
   if (word.starts_with("bq")) word.remove_prefix(2);
   return std::string(word);
+}
+
+/// The end of the text without it. Most of an output are blanks, and many marks begin with one:
+/// this search compares their ends first.
+std::size_t place_of(std::string_view text, std::string_view mark) {
+  const void* const found = ::memmem(text.data(), text.size(), mark.data(), mark.size());
+  if (found == nullptr) return text.size();
+  return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
 
 std::string_view next_line(std::string_view text) {
@@ -50,24 +59,29 @@ bool is_same_word(std::string_view a, std::string_view b) {
 }
 
 std::string_view line_at(std::string_view text, std::size_t position) {
-  const std::size_t begin =
-      position == 0 ? 0 : text.rfind('\n', position - 1) + 1;  // npos + 1 is 0
+  const std::size_t begin = text.substr(0, position).rfind('\n') + 1;  // 0 without one
   return text.substr(begin, std::min(text.find('\n', position), text.size()) - begin);
 }
 
+bool has(std::string_view text, std::string_view mark) {
+  return place_of(text, mark) < text.size();
+}
+
 std::string_view behind(std::string_view text, std::string_view mark) {
-  const std::size_t at = text.find(mark);
-  return at == std::string_view::npos ? std::string_view() : text.substr(at + mark.size());
+  const std::size_t at = place_of(text, mark);
+  return at == text.size() ? std::string_view() : text.substr(at + mark.size());
 }
 
 std::vector<std::string_view> words_in(std::string_view line) {
-  constexpr std::string_view kBlanks = " \t\r";
+  const auto is_blank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
+  constexpr std::size_t kUsual = 8;
   std::vector<std::string_view> words;
-  for (std::size_t begin = line.find_first_not_of(kBlanks); begin != std::string_view::npos;
-       begin = line.find_first_not_of(kBlanks, begin)) {
-    const std::size_t end = std::min(line.find_first_of(kBlanks, begin), line.size());
-    words.push_back(line.substr(begin, end - begin));
-    begin = end;
+  words.reserve(kUsual);
+  for (std::size_t begin = 0; begin < line.size();) {
+    std::size_t end = begin;
+    while (end < line.size() && !is_blank(line[end])) ++end;
+    if (end > begin) words.push_back(line.substr(begin, end - begin));
+    begin = end + 1;
   }
   return words;
 }

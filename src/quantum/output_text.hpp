@@ -13,6 +13,9 @@ namespace dravo {
 /// The line that holds the character at `position`, which may be its end.
 std::string_view line_at(std::string_view text, std::size_t position);
 
+/// Whether it stands anywhere.
+bool has(std::string_view text, std::string_view mark);
+
 /// The text behind the first place of `mark`; empty without it.
 std::string_view behind(std::string_view text, std::string_view mark);
 

@@ -56,9 +56,9 @@ void read_sapt(const QuantumJob& job, std::string_view text, QuantumOutput& outp
 
 QuantumOutput read_psi4(const QuantumJob& job, std::string_view text) {
   QuantumOutput output;
-  if (text.find("*** Psi4 exiting successfully") != std::string_view::npos)
+  if (has(text, "*** Psi4 exiting successfully"))
     output.state = OutputState::finished;
-  else if (text.find("*** Psi4 encountered an error") != std::string_view::npos)
+  else if (has(text, "*** Psi4 encountered an error"))
     output.state = OutputState::failed;
   add_atoms(output.atoms, text, {"       Center              X ", 2, 0, 1});
   if (job.ghost != 0)

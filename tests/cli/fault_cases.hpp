@@ -16,6 +16,7 @@ struct FaultCase {
   Words command;
   Words again;  ///< what is added to make the same files over complete ones, or to go on
   bool makes_room = false;  ///< earlier results go before the new ones are made
+  bool once = false;        ///< over complete results it is refused
 };
 
 inline void PrintTo(const FaultCase& tried, std::ostream* out) { *out << tried.title; }
@@ -60,6 +61,17 @@ inline std::vector<FaultCase> cases_of_long_texts() {
   return {{"identify", {scan_of({}, "10")}, identify, kReplace},
           {"extract", {scan_of({}, "10")}, extract, kReplace},
           {"extract_over_earlier", {scan_of({}, "10"), earlier_extract}, extract + kReplace, {}}};
+}
+
+/// Folders for a program of quantum chemistry, and what is read of them.
+inline std::vector<FaultCase> cases_of_exports() {
+  const Words pair{"export", "xtb", "waters.xyz", "--split", "3", "--quiet", "-o", "qc"};
+  const Words scan{"export", "psi4",    "scan", "--method", "hf", "--basis",
+                   "sto-3g", "--poses", "3:4",  "--quiet",  "-o", "qc"};
+  const Words collect{"collect", "qc", "--quiet", "-o", "energies.csv"};
+  return {{"export", {}, pair, {}, false, true},
+          {"export_of_scan", {scan_of({}, "10")}, scan, {}, false, true},
+          {"collect", {pair}, collect, kReplace}};
 }
 
 inline std::vector<FaultCase> cases_of_scans() {
@@ -122,8 +134,8 @@ inline std::vector<FaultCase> cases_of_energies() {
 
 inline std::vector<FaultCase> all_fault_cases() {
   std::vector<FaultCase> cases;
-  for (const auto& some : {cases_of_texts(), cases_of_long_texts(), cases_of_scans(),
-                           cases_of_merges(), cases_of_energies()})
+  for (const auto& some : {cases_of_texts(), cases_of_long_texts(), cases_of_exports(),
+                           cases_of_scans(), cases_of_merges(), cases_of_energies()})
     cases.insert(cases.end(), some.begin(), some.end());
   return cases;
 }
@@ -135,6 +147,7 @@ inline std::vector<FaultCase> cases_of_prints() {
   const Words energy{"energy", "waters.xyz", "--split", "3", "--energy", "gfn2"};
   const Words dock{"dock", "water.xyz", "water.xyz", "--starts", "2", "--threads", "1"};
   const Words json{"--json"};
+  const Words pair{"export", "xtb", "waters.xyz", "--split", "3", "--quiet", "-o", "qc"};
   return {{"help", {}, {"--help"}, {}},
           {"version", {}, {"--version"}, {}},
           {"place", {}, {"place", "dimer.xyz", "--r", "4"}, {}},
@@ -148,6 +161,7 @@ inline std::vector<FaultCase> cases_of_prints() {
           {"count_json", {}, scan_of({"--count", "--json"}, "10"), {}},
           {"scan_json", {}, scan_of(json, "10"), {}},
           {"merge_json", parts, {"merge", "scan", "--json"}, {}},
+          {"collect", {pair}, {"collect", "qc"}, {}},
           {"energy", {}, energy, {}},
           {"energy_json", {}, energy + json, {}},
           {"dock", {}, dock, {}},
@@ -163,6 +177,8 @@ inline std::vector<FaultCase> few_fault_cases() {
                                      "view",
                                      "identify",
                                      "extract",
+                                     "export",
+                                     "collect",
                                      "scan_over_earlier",
                                      "scan_files",
                                      "merge",
