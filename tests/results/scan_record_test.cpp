@@ -13,6 +13,7 @@
 
 #include "scan/plans.hpp"
 #include "support/not_finite.hpp"
+#include "support/run_time.hpp"
 
 namespace dravo::test {
 namespace {
@@ -91,6 +92,16 @@ void expect_same(const ScanRecord& a, const ScanRecord& b) {
 
 TEST(ScanRecord, IsReadBackFromItsText) {
   expect_same(parse_record("a.json", text_of(record())), record());
+}
+
+/// Anybody may have made the file.
+TEST(ScanRecord, OfManyKeysIsReadAndWrittenInAMoment) {
+  ScanRecord scan = record();
+  for (int k = 0; k < 100000; ++k) scan.origin["key " + std::to_string(k)] = "value";
+  const RunTime time;
+  const ScanRecord again = parse_record("a.json", text_of(scan));
+  EXPECT_LT(time.seconds(), 4.0) << "20 when each key is compared with all";
+  EXPECT_EQ(again.origin, scan.origin);
 }
 
 TEST(ScanRecord, HasNumbersAndTruthsAsSuch) {
