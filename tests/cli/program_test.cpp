@@ -67,6 +67,22 @@ TEST(WantOfMemory, IsToldAsWhatItIs) {
   EXPECT_EQ(outcome.messages, "dravo: cannot go on: there is not enough memory\n");
 }
 
+/// As many threads do the work as the system gives; here each would need all the memory that is
+/// left.
+TEST(WantOfMemory, ForThreadsLeavesTheWorkToOne) {
+  if (std::getenv("DRAVO_TOOL") != nullptr) GTEST_SKIP() << "sanitizers need the memory";
+  const Words words{"scan", kInput, "--r", "4:6:0.01", "--threads", "4", "--quiet"};
+  const Dimer folder, little;
+  const Outcome expected = run_command(folder, words);
+  EXPECT_EQ(expected.status, 0) << expected.messages;
+  const Outcome outcome = run_command(little, words, Screen::kept, [] {
+    set_limit(RLIMIT_STACK, rlim_t{1} << 30U);
+    set_limit(RLIMIT_AS, rlim_t{1} << 30U);
+  });
+  EXPECT_EQ(outcome.status, 0) << outcome.messages;
+  EXPECT_TRUE(outcome.files == expected.files);
+}
+
 TEST(EverySubcommand, TellsHelpWithAnExampleAndItsVersion) {
   const TemporaryFolder folder;
   for (const char* command : {"prepare", "identify", "scan", "dock", "merge", "convert"}) {
