@@ -314,6 +314,7 @@ function(dravo_program library)
     src/cli/shard_option.cpp
     src/cli/scan.cpp
     src/cli/scan_energy.cpp
+    src/cli/standard_output.cpp
     src/cli/usage.cpp
     src/cli/view.cpp
     src/cli/words.cpp)

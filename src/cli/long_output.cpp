@@ -3,17 +3,20 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <iostream>
 #include <utility>
 
 #include "cli/commands.hpp"
 #include "cli/output_file.hpp"
+#include "common/output_folder.hpp"
 
 namespace dravo {
 
 LongOutput::LongOutput(std::string name, bool overwrite, const std::vector<std::string>& inputs)
     : name_(std::move(name)) {
-  if (name_.empty()) return;
+  if (name_.empty()) {
+    output_ = sink_to_descriptor(STDOUT_FILENO, "standard output");
+    return;
+  }
   refuse_inputs_as_output(name_, inputs);
   require_replaceable(name_, overwrite);
   watch_ = std::make_unique<InterruptionWatch>();
@@ -26,8 +29,8 @@ LongOutput::~LongOutput() {
 }
 
 void LongOutput::append(std::string_view text) {
-  if (!file_) {
-    if (!(std::cout << text << std::flush)) throw IoFailure("standard output: cannot write");
+  if (output_) {
+    output_->write(text);
     return;
   }
   if (InterruptionWatch::noted() != 0)

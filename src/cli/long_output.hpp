@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/byte_sink.hpp"
 #include "results/growing_file.hpp"
 #include "results/interruption.hpp"
 
@@ -28,6 +29,7 @@ class LongOutput {
 
  private:
   std::string name_;
+  std::unique_ptr<ByteSink> output_;  ///< without a name
   std::unique_ptr<InterruptionWatch> watch_;
   std::unique_ptr<GrowingFile> file_;
 };

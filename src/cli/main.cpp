@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/commands.hpp"
+#include "cli/standard_output.hpp"
 #include "cli/usage.hpp"
 #include "common/errors.hpp"
 #include "common/standard_streams.hpp"
@@ -39,10 +40,9 @@ int failed(int status, const std::string& message) {
 }
 
 /// Results are worth nothing when nobody got them.
-int results_delivered() {
-  std::cout.flush();
-  if (std::cout) return kDone;
-  return failed(kBadUsageOrInput, "standard output: cannot write");
+int results_delivered(dravo::StandardOutput& output) {
+  const std::string fault = output.delivered();
+  return fault.empty() ? kDone : failed(kBadUsageOrInput, fault);
 }
 
 int bad_usage(const std::string& fault) {
@@ -50,10 +50,11 @@ int bad_usage(const std::string& fault) {
 }
 
 /// Help and version are what was asked for; any other end of the parsing is bad usage.
-int parsing_ended(const CLI::App& program, const CLI::ParseError& end) {
+int parsing_ended(const CLI::App& program, const CLI::ParseError& end,
+                  dravo::StandardOutput& output) {
   if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
     program.exit(end, std::cout, std::cerr);
-    return results_delivered();
+    return results_delivered(output);
   }
   return bad_usage(dravo::fault_of_parsing(program, end));
 }
@@ -82,14 +83,15 @@ void describe(CLI::App& program) {
 int run(int argc, char** argv) {
   CLI::App program("Prepares, identifies, places, scans and docks pairs of molecules", "dravo");
   describe(program);
+  dravo::StandardOutput output;
   try {
     const auto fault =
         dravo::fault_before_parsing(program, {argv + std::min(argc, 1), argv + argc});
     if (fault) return bad_usage(*fault);
     program.parse(argc, argv);
-    return results_delivered();
+    return results_delivered(output);
   } catch (const CLI::ParseError& end) {
-    return parsing_ended(program, end);
+    return parsing_ended(program, end, output);
   }
 }
 

@@ -17,24 +17,25 @@ namespace dravo {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using ReadJson = nlohmann::json;  // finds a key at once among however many a file has
 
 // --- values -----------------------------------------------------------------------------------
 
 /// A count of a record.
-std::int64_t whole(const Json& json, const std::string& key, std::int64_t lowest = 0) {
-  const Json& value = json.at(key);
+std::int64_t whole(const ReadJson& json, const std::string& key, std::int64_t lowest = 0) {
+  const ReadJson& value = json.at(key);
   const auto count = value.is_number_integer() ? value.get<std::int64_t>() : lowest - 1;
   if (count < lowest) throw std::out_of_range(key);
   return count;
 }
 
 /// JSON has no infinity, which stands for "no pose yet".
-double lowest_in(const Json& json) {
+double lowest_in(const ReadJson& json) {
   return json.is_null() ? std::numeric_limits<double>::infinity() : json.get<double>();
 }
 
 /// Empty without the key.
-std::optional<std::uint64_t> checksum_in(const Json& json, const std::string& key) {
+std::optional<std::uint64_t> checksum_in(const ReadJson& json, const std::string& key) {
   const auto found = json.find(key);
   if (found == json.end()) return std::nullopt;
   const auto checksum = checksum_of_text(found->get<std::string>());
@@ -53,13 +54,13 @@ Json json_of(const std::string& key, const std::string& text) {
 }
 
 Json json_of(const std::map<std::string, std::string>& origin) {
-  Json json = Json::object();
-  for (const auto& [key, text] : origin) json[key] = json_of(key, text);
-  return json;
+  std::map<std::string, Json> values;  // all at once, as each that is added is compared with all
+  for (const auto& [key, text] : origin) values.emplace_hint(values.end(), key, json_of(key, text));
+  return values;
 }
 
 /// In records of earlier versions all values are texts.
-std::map<std::string, std::string> origin_in(const Json& json) {
+std::map<std::string, std::string> origin_in(const ReadJson& json) {
   if (!json.is_object()) throw std::out_of_range("origin");
   std::map<std::string, std::string> origin;
   for (const auto& [key, value] : json.items()) {
@@ -79,9 +80,9 @@ Json json_of(const Pair& pair) {
   return {{"n1", pair.n1()}, {"symbols", std::move(symbols)}, {"positions", std::move(positions)}};
 }
 
-Pair pair_in(const Json& json) {
+Pair pair_in(const ReadJson& json) {
   std::vector<Vec3> positions;
-  for (const Json& p : json.at("positions")) {
+  for (const ReadJson& p : json.at("positions")) {
     if (p.size() != 3) throw std::out_of_range("positions");
     positions.push_back({p[0].get<double>(), p[1].get<double>(), p[2].get<double>()});
   }
@@ -94,7 +95,7 @@ constexpr auto kDocking = "docking";
 constexpr auto kGeometry = "geometry";
 constexpr auto kReference = "reference";
 
-std::shared_ptr<const ScannedPair> molecules_in(const Json& json) {
+std::shared_ptr<const ScannedPair> molecules_in(const ReadJson& json) {
   if (!json.contains(kGeometry)) return nullptr;
   ScannedPair molecules{pair_in(json.at(kGeometry)), std::nullopt};
   if (json.contains(kReference)) molecules.like = pair_in(json.at(kReference));
@@ -120,14 +121,14 @@ Json json_of(const EnergyTotals& totals) {
   return json;
 }
 
-EnergyTotals energies_in(const Json& json) {
+EnergyTotals energies_in(const ReadJson& json) {
   EnergyTotals totals;
   for (std::size_t k = 0; k < kEnergyStatuses.size(); ++k)
     totals.poses[k] = whole(json, std::string(name_of(kEnergyStatuses[k])));
   totals.lowest = lowest_in(json.at("lowest"));
   totals.lowest_index = whole(json, "lowest_index");
   if (totals.lowest_index == 0) return totals;
-  const Json& pose = json.at("lowest_pose");
+  const ReadJson& pose = json.at("lowest_pose");
   for (const PoseParameter& parameter : kPoseParameters)
     totals.lowest_pose.*parameter.value = pose.at(parameter.name).get<double>();
   totals.above_contact = pose.value(kAboveContact, totals.lowest_pose.r);
@@ -145,7 +146,7 @@ Json json_of(const ScanTotals& totals) {
   return json;
 }
 
-ScanTotals totals_in(const Json& json) {
+ScanTotals totals_in(const ReadJson& json) {
   return {whole(json, "done"),
           json.contains("left_out") ? whole(json, "left_out") : 0,
           whole(json, "written"),
@@ -167,7 +168,7 @@ Json json_of(const DockSummary& docking) {
           {kStartsThatEnded, std::move(starts)}};
 }
 
-DockSummary docking_in(const Json& json) {
+DockSummary docking_in(const ReadJson& json) {
   DockSummary docking{json.at("ended").get<std::string>(), whole(json, "minima"), {}};
   for (std::size_t k = 0; k < kDockEnds.size(); ++k)
     docking.starts[k] = whole(json.at(kStartsThatEnded), std::string(name_of(kDockEnds[k])));
@@ -183,7 +184,7 @@ std::string checksum_key(ResultFile file) {
 }
 
 /// Those that a record has to tell of.
-std::vector<ResultFile> files_in(const Json& json, const ScanRecord& record) {
+std::vector<ResultFile> files_in(const ReadJson& json, const ScanRecord& record) {
   if (json.contains(bytes_key(ResultFile::starts))) return {ResultFile::starts};
   if (record.best())
     for (const ResultFile file : {ResultFile::best1, ResultFile::best2})
@@ -230,7 +231,7 @@ std::string text_of(const ScanRecord& record) {
 
 ScanRecord parse_record(const std::string& name, const std::string& text) {
   try {
-    const Json json = Json::parse(text);
+    const ReadJson json = ReadJson::parse(text);
     ScanRecord record;
     record.origin = origin_in(json.at("origin"));
     record.poses = whole(json, "poses");

@@ -23,6 +23,8 @@ void PlanWord::refuse(std::string_view part, const std::string& what_is_wrong) c
 
 std::string PlanWord::path() const {
   if (!source->is_file) return text;
+  if (printable(text, text.size()).text != text)  // messages tell the name as it is
+    refuse("expected the name of a file without control characters");
   return (std::filesystem::path(source->name).parent_path() / text).string();
 }
 

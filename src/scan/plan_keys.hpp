@@ -28,6 +28,7 @@ struct PlanWord {
   [[noreturn]] void refuse(const std::string& what_is_wrong) const { refuse(text, what_is_wrong); }
 
   /// The text as the name of a file, which in a file of a plan is seen from that file's folder.
+  /// Throws InvalidInput where such a file has characters that a terminal obeys.
   [[nodiscard]] std::string path() const;
 };
 

@@ -191,6 +191,28 @@ TEST_F(EnergiesOfFrames, AreOfOnePair) {
   EXPECT_EQ(run(words).messages, "dravo: t.xyz: there is no frame 3: the file holds 1 frame\n");
 }
 
+TEST_F(EnergiesOfFrames, WhoseMoleculesHaveNoEnergyHaveAStatus) {
+  // A program that fails for molecule 1 of the second frame where it is alone: 6 atoms and 2 lines.
+  folder_.write("t.xyz", frame_of(formamide()) + frame_of(formamide(0.5, 0.05)));
+  const Words words{"--energy",
+                    "command",
+                    "--run",
+                    "grep -q ' 0.0500000000 ' {xyz} && test $(wc -l < {xyz}) = 8 && "
+                    "exit 3; echo energy: 0",
+                    "--read",
+                    "energy: (.*)"};
+  const Outcome outcome = run(all_ + words);
+  EXPECT_EQ(outcome.status, 0) << outcome.messages;
+  const std::vector<Row> rows = rows_of(outcome.screen);
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(rows[0].at("status"), "ok");
+  EXPECT_EQ(rows[1].at("status"), "scf_fail");
+  EXPECT_EQ(rows[1].at("e_int_kcal_mol"), "");
+  EXPECT_EQ(outcome.messages,
+            "dravo: energies by command: 1 ok, 1 scf_fail\n"
+            "dravo: lowest energy 0.000000 kcal/mol in frame 1\n");
+}
+
 TEST_F(EnergiesOfFrames, ThatAProgramDoesNotComputeHaveAStatus) {
   // A program that fails for the third frame, which it knows by an atom.
   const std::string oxygen = "3.82291872";

@@ -170,7 +170,8 @@ class Trial {
     folder.put(before_);
     const Outcome outcome = folder.run(case_.command, 0, 0, Screen::full);
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(without_remarks(outcome.messages), "dravo: standard output: cannot write\n");
+    EXPECT_EQ(without_remarks(outcome.messages),
+              "dravo: standard output: cannot write: No space left on device\n");
     EXPECT_TRUE(folder.tree() == after_);
   }
 

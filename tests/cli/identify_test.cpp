@@ -253,7 +253,7 @@ TEST(LostScreen, IsAFailure) {
   folder.write(kInput, sample("formamide-dimer").text());
   const Outcome outcome = run_command(folder, {"identify", kInput}, Screen::full);
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.messages, "dravo: standard output: cannot write\n");
+  EXPECT_EQ(outcome.messages, "dravo: standard output: cannot write: No space left on device\n");
 }
 
 TEST(Help, ShowsAnExample) {

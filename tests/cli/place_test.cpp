@@ -235,7 +235,8 @@ TEST(Place, ToAStreamThatIsFullIsAFailure) {
   const Molecules folder;
   const Outcome outcome = run_command(folder, {"place", kInput}, Screen::full);
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_TRUE(outcome.messages.ends_with("\ndravo: standard output: cannot write\n"));
+  EXPECT_TRUE(outcome.messages.ends_with(
+      "\ndravo: standard output: cannot write: No space left on device\n"));
 }
 
 TEST(Place, NumbersTheMoleculesOfTheAtoms) {

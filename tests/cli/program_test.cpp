@@ -24,8 +24,30 @@ TEST(LostResults, AreAFailure) {
         Words{"scan", "--help"}, Words{"merge", "--version"}}) {
     const Outcome outcome = run_command(folder, words, Screen::full);
     EXPECT_EQ(outcome.status, 2) << words.back();
-    EXPECT_EQ(outcome.messages, "dravo: standard output: cannot write\n") << words.back();
+    EXPECT_EQ(outcome.messages, "dravo: standard output: cannot write: No space left on device\n")
+        << words.back();
   }
+}
+
+/// A text that is kept to the end, and one that is longer than what is kept.
+TEST(LostResults, HaveTheReasonOfTheSystem) {
+  struct Loss {
+    Screen screen;
+    std::string reason;
+  };
+  const TemporaryFolder folder;
+  std::string many = "4000\n\n";
+  for (int k = 0; k < 4000; ++k) many += "He " + std::to_string(4 * k) + " 0 0\n";
+  folder.write("many.xyz", many);
+  for (const Words& words : {Words{"--version"}, Words{"convert", "many.xyz", "--split", "1"}})
+    for (const Loss& loss :
+         {Loss{Screen::full, "No space left on device"},
+          Loss{Screen::closed, "Bad file descriptor"}, Loss{Screen::broken_pipe, "Broken pipe"}}) {
+      const Outcome outcome = run_command(folder, words, loss.screen);
+      EXPECT_EQ(outcome.status, 2) << words.front();
+      EXPECT_EQ(outcome.messages, "dravo: standard output: cannot write: " + loss.reason + "\n")
+          << words.front();
+    }
 }
 
 /// What is no fault of usage, input or files.
@@ -43,6 +65,22 @@ TEST(WantOfMemory, IsToldAsWhatItIs) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.screen, "");
   EXPECT_EQ(outcome.messages, "dravo: cannot go on: there is not enough memory\n");
+}
+
+/// As many threads do the work as the system gives; here each would need all the memory that is
+/// left.
+TEST(WantOfMemory, ForThreadsLeavesTheWorkToOne) {
+  if (std::getenv("DRAVO_TOOL") != nullptr) GTEST_SKIP() << "sanitizers need the memory";
+  const Words words{"scan", kInput, "--r", "4:6:0.01", "--threads", "4", "--quiet"};
+  const Dimer folder, little;
+  const Outcome expected = run_command(folder, words);
+  EXPECT_EQ(expected.status, 0) << expected.messages;
+  const Outcome outcome = run_command(little, words, Screen::kept, [] {
+    set_limit(RLIMIT_STACK, rlim_t{1} << 30U);
+    set_limit(RLIMIT_AS, rlim_t{1} << 30U);
+  });
+  EXPECT_EQ(outcome.status, 0) << outcome.messages;
+  EXPECT_TRUE(outcome.files == expected.files);
 }
 
 TEST(EverySubcommand, TellsHelpWithAnExampleAndItsVersion) {

@@ -204,7 +204,9 @@ TEST_F(WorkingDirectoryTest, DescriptorSinkFailsOnADescriptorForReading) {
 TEST_F(WorkingDirectoryTest, DescriptorSinkLeavesTheDescriptorOpen) {
   std::array<int, 2> pipe{};
   ASSERT_EQ(::pipe(pipe.data()), 0);
-  sink_to_descriptor(pipe[1], "standard output")->write(" one\n");
+  const auto first = sink_to_descriptor(pipe[1], "standard output");
+  first->write(" one\n");
+  first->close();
   sink_to_descriptor(pipe[1], "standard output")->write(" two\n");
   ::close(pipe[1]);
   std::array<char, 64> bytes{};

@@ -3,6 +3,9 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "dock/docked_pairs.hpp"
 
@@ -78,6 +81,27 @@ TEST_F(Searching, TakesTheLowest) {
   search_.add({3, DockEnd::minimum, -1.1, {.r = 4.8}, 20});  // 0.4 Angstrom from that, not from 4.0
   EXPECT_EQ(search_.minima(), 1);
   EXPECT_EQ(search_.lowest(), -1.2);
+}
+
+TEST_F(Searching, GoesOnWhereItWasMovedTo) {
+  find_times(149, 0, -1.0);
+  DockSearch moved(std::move(search_));
+  moved.add({++number_, DockEnd::minimum, -0.5, {.r = 9.0, .theta = 90}, 20});
+  EXPECT_EQ(moved.minima(), 2);
+  EXPECT_FALSE(moved.nothing_new());
+  search_ = std::move(moved);
+  find_times(50, 0, -1.0);
+  EXPECT_EQ(search_.minima(), 2);
+  EXPECT_TRUE(search_.nothing_new());
+}
+
+TEST(Docking, TellsItsOptions) {
+  const std::vector<std::string> argon{"Ar"};
+  const Docking docking({Molecule(argon, {{0, 0, 0}}), Molecule(argon, {{0, 0, 0}})},
+                        {.score = EnergyMethod::gfn1, .seed = 7});
+  EXPECT_EQ(docking.options().score, EnergyMethod::gfn1);
+  EXPECT_EQ(docking.options().seed, 7U);
+  EXPECT_EQ(docking.options().refined, 30);
 }
 
 }  // namespace

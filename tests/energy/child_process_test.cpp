@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -153,6 +154,17 @@ TEST_F(Shell, CannotBeStartedWithoutAProgramOrAFolder) {
               const ChildProcess process({{"/bin/sh"}, "/no/folder", folder() + "/printed"});
             }),
             "/bin/sh: cannot be started in /no/folder: No such file or directory");
+}
+
+TEST_F(Shell, CannotBeTalkedToWithoutDescriptors) {
+  rlimit old{};
+  ::getrlimit(RLIMIT_NOFILE, &old);
+  const rlimit none{0, old.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  const std::string message =
+      message_of<EngineFailure>([&] { const ChildProcess process(request("cat", true)); });
+  ::setrlimit(RLIMIT_NOFILE, &old);
+  EXPECT_EQ(message, "cannot talk to an engine: Too many open files");
 }
 
 class Group : public Shell {

@@ -191,6 +191,16 @@ TEST(CommandEngines, RefuseWhatCannotWork) {
   EXPECT_TRUE(broken.starts_with("expected a regular expression, found \"(a\": ")) << broken;
 }
 
+TEST(CommandEngines, NeedTheirFolder) {
+  const OwnTemporaryFiles temporary;
+  const auto engine = start_command({kHydroxide.labels, kHydroxide.positions},
+                                    {"rm -r $(dirname $PWD) # {xyz}", "(.)"});
+  EXPECT_EQ(engine->compute(kHydroxide.positions, {}).status, kNone);
+  const std::string message =
+      message_of<EngineFailure>([&] { (void)engine->compute(kHydroxide.positions, {}); });
+  EXPECT_TRUE(message.ends_with("/2: cannot be made: No such file or directory")) << message;
+}
+
 TEST(CommandEngines, HaveNoForces) {
   std::vector<Vec3> gradient(2);
   const auto engine = start_command({kHydroxide.labels, kHydroxide.positions}, {"{xyz}", "(.)"});

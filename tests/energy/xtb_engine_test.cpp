@@ -245,6 +245,16 @@ TEST_F(FakeModel, TakesAsManyPositionsAsAtoms) {
     EXPECT_EQ(message_of<InvalidInput>(action), "expected positions of 2 atoms, found 3");
 }
 
+// The energy of the new model's atoms alone is 5 Angstrom/Bohr instead of 3.
+TEST_F(FakeModel, MayTakeTheEngineOfAnother) {
+  engine_ =
+      EnergyModel(pair_of({{"He", {0, 0, 0}}}, {{"He", {0, 0, 5}}}), {.method = EnergyMethod::gfn2})
+          .start();
+  const PoseEnergy found = engine_.energy(std::vector<Vec3>{{0, 0, 0}, {0, 0, 5}});
+  EXPECT_EQ(found.status, EnergyStatus::ok);
+  EXPECT_NEAR(found.interaction, 0.0, 1e-9);
+}
+
 TEST_F(FakeEngine, NamesTheMoleculeThatHasNoEnergy) {
   const Pair pair = pair_of({{"He", {0, 0, 0}}}, {{"He", {3 * kAngstromPerBohr, 0, 3}}});
   EXPECT_EQ(

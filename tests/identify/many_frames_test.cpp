@@ -144,6 +144,16 @@ TEST(IdentifyFrames, HandsOnFramesThatCannotBeIdentifiedAndGoesOn) {
       << found[3].bad->message;
 }
 
+/// What is wrong with the first frame is wrong with all: nobody wants a table of such pairs.
+TEST(IdentifyFrames, EndAtTheFirstWithAMistakenSplit) {
+  const NamedPair dimer = s22("Water_dimer");
+  const Trajectory file(frame_text(dimer) + frame_text(dimer));
+  const std::string message =
+      message_of<InvalidInput>([&] { (void)identified(file, {{.file = file.path, .split = 2}}); });
+  EXPECT_TRUE(message.starts_with(file.path + ": bonds across the split after atom 2: O1-H3 "))
+      << message;
+}
+
 TEST(IdentifyFrames, RemarksOnMoleculesInPieces) {
   const Trajectory file(
       "3\nProperties=species:S:1:pos:R:3:molecule:I:1\n"

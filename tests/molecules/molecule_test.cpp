@@ -54,6 +54,14 @@ TEST(Molecule, CannotExistOtherwise) {
               c.message);
 }
 
+TEST(Molecule, OfLabelsCannotExistOtherwiseEither) {
+  EXPECT_EQ(
+      message_of<InvalidInput>([] {
+        const Molecule molecule(std::vector<Label>{{'H', ' '}, {'Q', 'q'}}, {{0, 0, 0}, {0, 0, 1}});
+      }),
+      "atom 2: \"Qq\" is not an element: write a symbol H to U or an atomic number 1 to 92");
+}
+
 Molecule hydrogens(int count) {
   Positions positions;
   for (int i = 0; i < count; ++i) positions.push_back({static_cast<double>(i), 0, 0});

@@ -10,6 +10,7 @@
 #include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "dravo/molecule.hpp"
+#include "molecules/pair_file.hpp"
 #include "support/message_of.hpp"
 #include "support/sample_input.hpp"
 #include "support/temporary_folder.hpp"
@@ -104,6 +105,18 @@ void expect_atoms(const Pair& pair, const std::vector<SampleInput::Atom>& atoms,
 }
 
 using Remarks = std::vector<std::string>;
+
+/// As from a program that has no file.
+TEST_F(PairFiles, AtomsAreDividedAsThoseOfAFile) {
+  std::vector<Vec3> positions;
+  for (const auto& atom : formamide_.atoms) positions.push_back(atom.position);
+  const Molecule atoms(labels_of(formamide_.atoms), positions);
+  const PairFile found = pair_of_atoms(atoms, {.file = "atoms", .split = SplitByBonds{}});
+  expect_atoms(found.pair, formamide_.atoms, 6);
+  EXPECT_EQ(message_of([&] { (void)pair_of_atoms(atoms, {.file = "atoms"}); }),
+            "atoms: where molecule 2 begins is not known; use --split N1, the number of atoms of "
+            "molecule 1, or --split auto, by bonds");
+}
 
 // --- formats ----------------------------------------------------------------------------------
 
@@ -396,6 +409,15 @@ const std::vector<Failure> kFailures{
      "  molecule 4: 1 atom He (4)\n  molecule 5: 1 atom He (5)\n  molecule 6: 1 atom He (6)\n"
      "  molecule 7: 1 atom He (7)\n  molecule 8: 1 atom He (8)\n  molecule 9: 1 atom He (9)\n"
      "  molecule 10: 1 atom He (10)\n  ..."},
+    // An Angstrom is 1.889726 Bohr; so far apart no two atoms are bonded.
+    {"bonds of another unit", asking("pair.xyz", "", SplitByBonds{}),
+     [](const SampleInput& pair) {
+       auto atoms = pair.atoms;
+       for (auto& atom : atoms) atom.position = 1.889726 * atom.position;
+       return xyz_text(atoms);
+     },
+     "pair.xyz: the bonds make 12 molecules, not two\n"
+     "the coordinates make molecules in bohr: use --unit bohr"},
     {"a whole pair, QN input, as one of two", asking("pair.xyz", "two.xyz"), qn_input,
      "pair.xyz: the file holds both molecules; it cannot be one of two files"},
     {"a whole pair, with trailer, as one of two", asking("two.xyz", "pair.xyz"), with_its_split,

@@ -13,6 +13,7 @@
 
 #include "scan/plans.hpp"
 #include "support/not_finite.hpp"
+#include "support/run_time.hpp"
 
 namespace dravo::test {
 namespace {
@@ -91,6 +92,24 @@ void expect_same(const ScanRecord& a, const ScanRecord& b) {
 
 TEST(ScanRecord, IsReadBackFromItsText) {
   expect_same(parse_record("a.json", text_of(record())), record());
+}
+
+/// Seconds to write and read a record of so many keys.
+double seconds_of_keys(int count) {
+  ScanRecord scan = record();
+  for (int k = 0; k < count; ++k) scan.origin["key " + std::to_string(k)] = "value";
+  const RunTime time;
+  const ScanRecord again = parse_record("a.json", text_of(scan));
+  const double seconds = time.seconds();
+  EXPECT_EQ(again.origin, scan.origin);
+  return seconds;
+}
+
+/// Anybody may have made the file. Four times as many take 16 times as long where each is compared
+/// with all.
+TEST(ScanRecord, OfManyKeysIsReadAndWrittenInAMoment) {
+  const double few = seconds_of_keys(15000);
+  EXPECT_LT(seconds_of_keys(60000), 9.0 * few);
 }
 
 TEST(ScanRecord, HasNumbersAndTruthsAsSuch) {

@@ -199,6 +199,9 @@ INSTANTIATE_TEST_SUITE_P(
                   ":2: expected one value for random\nrandom = [5, 6]\n             ^"},
         WrongFile{"contacts = 5\nrandom = 1\nr = 1\n",
                   ":1: expected keep or drop or only, found \"5\"\ncontacts = 5\n           ^"},
+        WrongFile{"zip = \"a\tb.csv\"\n",
+                  ":1: expected the name of a file without control characters\n"
+                  "zip = \"a b.csv\"\n       ^^^^^^^"},
         WrongFile{"zip = \"a.csv\"\nrandom = 5\n",
                   ":2: zip and random exclude each other\nrandom = 5\n         ^"},
         WrongFile{"random = 5\nr = \"contact\"\n",
