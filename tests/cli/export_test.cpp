@@ -412,10 +412,10 @@ TEST(RefusedExport, OfAJobThatTheProgramDoesNotHave) {
         "--multiplicities: molecule 1 with charge +1 has 23 electrons: expected an even "
         "multiplicity up to 24, found 1"},
        {words("psi4", kSmall + Words{"--multiplicities", "1,0"}),
-        "--multiplicities: molecule 2 with charge +0 has 24 electrons: expected an odd "
+        "--multiplicities: molecule 2 with charge 0 has 24 electrons: expected an odd "
         "multiplicity up to 25, found 0"},
        {words("psi4", kSmall + Words{"--multiplicities", "1,27"}),
-        "--multiplicities: molecule 2 with charge +0 has 24 electrons: expected an odd "
+        "--multiplicities: molecule 2 with charge 0 has 24 electrons: expected an odd "
         "multiplicity up to 25, found 27"},
        {words("psi4", kSmall + Words{"--charges", "1"}),
         "--charges: expected two whole numbers, of molecule 1 and molecule 2, such as 0,-1, found "
