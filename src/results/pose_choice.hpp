@@ -20,7 +20,8 @@ struct PoseChoice {
 SelectedRows chosen_rows(const std::string& scan, const ScanRecord& record,
                          const PoseChoice& choice);
 
-/// "all", "17,40:60", "the best 100 by -clearance", "the best 3 by r of 1:50", "all where contacts == 0".
+/// "all", "17,40:60", "the best 100 by -clearance", "the best 3 by r of 1:50", "all where contacts
+/// == 0".
 std::string words_of(const PoseChoice& choice);
 
 }  // namespace dravo

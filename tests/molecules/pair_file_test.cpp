@@ -1,3 +1,5 @@
+#include "molecules/pair_file.hpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,7 +12,6 @@
 #include "common/atom_table.hpp"
 #include "common/errors.hpp"
 #include "dravo/molecule.hpp"
-#include "molecules/pair_file.hpp"
 #include "support/message_of.hpp"
 #include "support/sample_input.hpp"
 #include "support/temporary_folder.hpp"
