@@ -90,7 +90,7 @@ class Exporter {
   }
 
   std::string made_folder(std::int64_t index) {
-    const std::string folder = folder_of_pose(index);
+    std::string folder = folder_of_pose(index);
     const std::string thousand = folder.substr(0, folder.find('/'));
     if (thousands_.insert(thousand).second) folder_->make_folder(thousand);
     folder_->make_folder(folder);

@@ -83,6 +83,7 @@ class ScanPoses final : public ResultPoses {
   Pair placed(const std::string& row) override {
     const MadePose pose = again_.made(row);
     std::vector<Vec3> positions;
+    positions.reserve(static_cast<std::size_t>(pose.atoms.rows()));
     for (std::int32_t i = 0; i < pose.atoms.rows(); ++i)
       positions.push_back(pose.atoms.position(i));
     return {n1_, Molecule(labels_, std::move(positions))};

@@ -31,8 +31,8 @@ void append_coordinates(std::string& text, const Vec3& position);
 /// A line for each atom: before its symbol and behind it a text, then the coordinates. A ghost has
 /// other texts.
 struct AtomNotation {
-  std::string_view before_ghost = "";
-  std::string_view behind_ghost = "";
+  std::string_view before_ghost = {};
+  std::string_view behind_ghost = {};
 };
 void append_atom_lines(std::string& text, const std::vector<SystemAtom>& atoms,
                        const AtomNotation& notation = {});
