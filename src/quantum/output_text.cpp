@@ -24,6 +24,7 @@ std::string element_in(std::string_view word) {
 /// The end of the text without it. Most of an output are blanks, and many marks begin with one:
 /// this search compares their ends first.
 std::size_t place_of(std::string_view text, std::string_view mark) {
+  if (text.empty()) return 0;
   const void* const found = ::memmem(text.data(), text.size(), mark.data(), mark.size());
   if (found == nullptr) return text.size();
   return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
