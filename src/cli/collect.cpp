@@ -13,6 +13,7 @@
 #include "cli/commands.hpp"
 #include "cli/long_output.hpp"
 #include "cli/pair_options.hpp"
+#include "cli/text_option.hpp"
 #include "common/number_format.hpp"
 #include "energy/command_engine.hpp"
 #include "results/decimals.hpp"
@@ -116,13 +117,6 @@ nlohmann::ordered_json json_of(CollectTotals& totals, const Collection& collecti
 
 std::optional<UserReading> reading_of(const CollectCommand& command) {
   if (command.read.empty()) return std::nullopt;
-  const auto about = [](const char* option, const auto& function) {
-    try {
-      return function();
-    } catch (const InvalidInput& fault) {
-      throw InvalidInput(fmt::format("{}: {}", option, fault.what()));
-    }
-  };
   return UserReading{about("--read", [&] { return energy_expression(command.read); }),
                      about("--read-unit", [&] { return energy_unit(command.read_unit); })};
 }

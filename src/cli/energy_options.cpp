@@ -7,6 +7,7 @@
 #include <limits>
 #include <string_view>
 
+#include "cli/text_option.hpp"
 #include "common/number_text.hpp"
 #include "common/shown_text.hpp"
 #include "common/text.hpp"
@@ -24,16 +25,6 @@ void require_printable(const char* option, std::string text) {
   throw InvalidInput(
       fmt::format("{}: expected at most {} printable characters, found {}; a script may have more",
                   option, kLongest, dravo::quoted(text)));
-}
-
-/// What a function throws is about this option.
-template <class Function>
-auto about(const char* option, Function&& function) {
-  try {
-    return function();
-  } catch (const InvalidInput& fault) {
-    throw InvalidInput(fmt::format("{}: {}", option, fault.what()));
-  }
 }
 
 EnergyCommand command_of(const EnergyWords& words) {

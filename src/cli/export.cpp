@@ -14,6 +14,7 @@
 #include "cli/named_results.hpp"
 #include "cli/output_file.hpp"
 #include "cli/pair_options.hpp"
+#include "cli/text_option.hpp"
 #include "common/number_text.hpp"
 #include "common/text.hpp"
 #include "molecules/input_file.hpp"
@@ -61,17 +62,9 @@ Treatment chosen_treatment(const CLI::App& app, const ExportCommand& command,
   return command.counterpoise ? Treatment::counterpoise : Treatment::plain;
 }
 
-QuantumProgram program_of(const std::string& name) {
-  try {
-    return quantum_program(name);
-  } catch (const InvalidInput& fault) {
-    throw InvalidInput(fmt::format("PROGRAM: {}", fault.what()));
-  }
-}
-
 QuantumJob job_of(const CLI::App& app, const ExportCommand& command) {
   QuantumJob job = command.exported.job;
-  job.program = program_of(command.program);
+  job.program = about("PROGRAM", [&] { return quantum_program(command.program); });
   job.charges = two_numbers("--charges", command.charges);
   job.multiplicities = two_numbers("--multiplicities", command.multiplicities);
   job.treatment = chosen_treatment(app, command, job.program);

@@ -1,11 +1,23 @@
 #pragma once
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <string>
 
 #include "dravo/error.hpp"
 
 namespace dravo {
+
+/// What a function throws is about this option.
+template <class Function>
+auto about(const char* option, Function&& function) {
+  try {
+    return function();
+  } catch (const InvalidInput& fault) {
+    throw InvalidInput(fmt::format("{}: {}", option, fault.what()));
+  }
+}
 
 /// An option for what `Value::of_text` reads. What that refuses is wrong usage.
 template <class Value>

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 #include "common/shown_text.hpp"
 #include "dravo/error.hpp"
@@ -43,12 +42,6 @@ constexpr std::array<Named, 5> kMethods{{
     {"ccsd", " CCTYP=CCSD"},
     {"ccsd(t)", " CCTYP=CCSD(T)"},
 }};
-
-std::string small_letters(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 template <std::size_t size>
 const Named* named(const std::array<Named, size>& table, const std::string& name) {

@@ -1,8 +1,6 @@
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
-#include <cctype>
 
 #include "quantum/input_files.hpp"
 #include "quantum/nwchem_theory.hpp"
@@ -44,9 +42,7 @@ std::string theory_block(const QuantumJob& job, const NwchemTheory& theory, int 
 }  // namespace
 
 NwchemTheory nwchem_theory(const std::string& method) {
-  std::string name = method;
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const std::string name = small_letters(method);
   if (name == "hf" || name == "scf") return {"scf", "Total SCF energy", false};
   if (name == "mp2") return {"mp2", "Total MP2 energy", false};
   if (name == "ccsd") return {"ccsd", "Total CCSD energy", false};

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 
 #include "common/atom_table.hpp"
@@ -25,6 +26,12 @@ std::vector<SystemAtom> atoms_of(const Pair& pair, const QuantumSystem& system) 
                        presence == Presence::ghost, second ? 2 : 1});
   }
   return atoms;
+}
+
+std::string small_letters(std::string name) {
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return name;
 }
 
 std::vector<std::string_view> elements_of(const Pair& pair) {

@@ -21,6 +21,9 @@ struct SystemAtom {
 /// In the order of the pair, without those that are absent.
 std::vector<SystemAtom> atoms_of(const Pair& pair, const QuantumSystem& system);
 
+/// Methods and bases are written in small and large letters.
+std::string small_letters(std::string name);
+
 /// Each element once, in the order of the atoms.
 std::vector<std::string_view> elements_of(const Pair& pair);
 
