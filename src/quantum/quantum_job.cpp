@@ -84,6 +84,10 @@ void require_able(const QuantumJob& job, const Abilities& program) {
     refuse("--counterpoise", "has no basis functions to correct for");
   if (job.program == QuantumProgram::user) return;  // a template asks for what it needs
   if (job.method.empty()) refuse("--method", "needs one, such as --method hf");
+  const bool perturbation = small_letters(job.method).find("sapt") != std::string::npos;
+  if (program.sapt && perturbation != (job.treatment == Treatment::sapt))
+    throw InvalidInput(fmt::format("--method: {} {} --sapt", job.method,
+                                   perturbation ? "needs the option" : "does not go with"));
   if (program.basis && job.basis.empty() && !has_own_basis(job))
     refuse("--basis", "needs one, such as --basis cc-pvdz");
   if (!program.basis && !job.basis.empty()) refuse("--basis", "has no choice of basis functions");

@@ -299,6 +299,20 @@ TEST_F(Collected, OfOneMoleculeBesideGhostsAreTotalEnergies) {
             "dravo: lowest energy -2.855300 Hartree in pose 1\n");
 }
 
+/// The published dimer, computed by Psi4. What it prints has two decimals more.
+TEST_F(Collected, HaveTheTermsOfPerturbationTheory) {
+  folder_.quietly(
+      {"export", "psi4", "dimer.xyz", "--split", "6", "--sapt", "--basis", "sto-3g", "-o", "qc"});
+  fs::copy_file(DRAVO_TEST_DATA "/quantum/psi4-sapt.out",
+                folder_.path() / (pose_folder("1") + "/pair.out"));
+  const Outcome outcome = collect({"--quiet"});
+  EXPECT_EQ(outcome.status, 0) << outcome.messages;
+  EXPECT_EQ(outcome.screen,
+            "index,e_int_psi4_kcal_mol,elst_psi4_kcal_mol,exch_psi4_kcal_mol,ind_psi4_kcal_mol,"
+            "disp_psi4_kcal_mol,status_psi4\n"
+            "1,-6.681862,-23.831216,26.440913,-7.737446,-1.554112,ok\n");
+}
+
 TEST_F(Collected, GoToAFileWithTheSameBytesEachTime) {
   make_export();
   put_all();

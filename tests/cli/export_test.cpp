@@ -58,7 +58,6 @@ struct ProgramFiles {
 TEST(ExportedPair, HasTheFilesOfEveryProgram) {
   const std::vector<ProgramFiles> programs{
       {"psi4", {"pair.dat"}, {}},
-      {"psi4", {"pair.dat"}, {"--sapt"}},
       {"psi4", {"molecule-2.dat"}, {"--ghost", "1"}},
       {"orca", {"molecule-1.inp", "molecule-2.inp", "pair.inp"}, {}},
       {"gaussian", {"pair.gjf"}, {}},
@@ -373,6 +372,13 @@ void expect_refusals(const ExportFolder& folder, const Refusals& refusals) {
   }
 }
 
+TEST(ExportedPair, HasPerturbationTheoryInOneFile) {
+  const ExportFolder folder;
+  folder.quietly(
+      {"export", "psi4", "dimer.xyz", "--split", "6", "--sapt", "--basis", "sto-3g", "-o", "qc"});
+  EXPECT_TRUE(folder.read(pose_folder("1") + "/pair.dat").ends_with("\nenergy('sapt0')\n"));
+}
+
 TEST(RefusedExport, OfAJobThatTheProgramDoesNotHave) {
   const ExportFolder folder;
   const auto words = [](const std::string& program, const Words& more) {
@@ -401,6 +407,9 @@ TEST(RefusedExport, OfAJobThatTheProgramDoesNotHave) {
         "--basis: expected one line of at most 200 printable characters, found \"sto-3g?set x\""},
        {words("orca", kSmall + Words{"--sapt"}),
         "--sapt: orca has no symmetry-adapted perturbation theory here; psi4 has"},
+       {words("psi4", {"--method", "sSAPT0", "--basis", "sto-3g"}),
+        "--method: sSAPT0 needs the option --sapt"},
+       {words("psi4", kSmall + Words{"--sapt"}), "--method: hf does not go with --sapt"},
        {words("xtb", {"--ghost", "1"}), "--ghost: xtb has no basis functions to lend"},
        {words("xtb", {"--counterpoise"}),
         "--counterpoise: xtb has no basis functions to correct for"},

@@ -63,6 +63,7 @@ TEST(QuantumJobs, HaveTheFilesThatTheProgramNeeds) {
       QuantumJob job =
           job_of(wanted.program, "hf", wanted.program == QuantumProgram::xtb ? "" : "b");
       job.treatment = kTreatments.at(k);
+      if (job.treatment == Treatment::sapt) job.method = "sapt0";
       const std::string message = message_of<InvalidInput>([&] { complete(job); });
       EXPECT_EQ(message.empty(), files.at(k)[0] != '\0') << wanted.name << ": " << message;
       EXPECT_EQ(message.empty() ? systems_in_words(job) : "", files.at(k)) << wanted.name;
