@@ -32,7 +32,7 @@ constexpr auto kProgramFooter =
     "`dravo identify` reads its results.";
 
 constexpr auto kVersions =
-    "dravo " DRAVO_VERSION "\nqn-dravo " DRAVO_VERSION ", revision " DRAVO_REVISION;
+    "dravo " DRAVO_VERSION "\nqn-dravo " QN_DRAVO_VERSION ", revision " QN_DRAVO_REVISION;
 
 int failed(int status, const std::string& message) {
   std::cerr << "dravo: " << message << '\n';
