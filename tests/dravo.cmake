@@ -99,6 +99,7 @@ dravo_test_programs(results results
   scan_energies_test.cpp
   scan_record_test.cpp
   scan_size_test.cpp
+  status_line_test.cpp
   text_chunk_test.cpp)
 
 dravo_test_programs(quantum results
