@@ -14,7 +14,6 @@ dravo_test_programs(molecules protocol
   frame_stream_test.cpp
   input_text_test.cpp
   molecule_test.cpp
-  neighbour_grid_test.cpp
   pair_check_test.cpp
   pair_file_test.cpp
   pose_range_test.cpp
