@@ -21,6 +21,7 @@ FILES = [
 ]
 #: With how many examples each has at least.
 PAGES = [
+    ("docs/accuracy.md", 9),
     ("docs/conventions.md", 15),
     ("docs/python.md", 60),
     ("README.md", 4),
