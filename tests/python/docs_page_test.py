@@ -24,6 +24,7 @@ PAGES = [
     ("docs/accuracy.md", 9),
     ("docs/conventions.md", 15),
     ("docs/python.md", 60),
+    ("docs/tutorial/python.md", 30),
     ("README.md", 4),
 ]
 
