@@ -91,20 +91,24 @@ TEST(LinesWithEnergies, MayDifferInTheirLastDigits) {
   EXPECT_FALSE(agree_but_for_last_digits("-9.428", "-9.428 a"));
 }
 
-/// On pages with energies the last digits do not count.
+bool has_energies(const std::string& page) {
+  return page == "tutorial/energies" || page == "tutorial/docking";
+}
+
 bool is_as_shown(const Lines& printed, const Lines& shown, const std::string& page) {
-  if (page == "tutorial/energies" || page == "tutorial/docking")
-    return are_as_shown(printed, shown, agree_but_for_last_digits);
-  return are_as_shown(printed, shown);
+  return has_energies(page) ? are_as_shown(printed, shown, agree_but_for_last_digits)
+                            : are_as_shown(printed, shown);
 }
 
 class ShellPages : public testing::TestWithParam<std::string> {};
 
 TEST_P(ShellPages, ShowWhatTheirCommandsPrintAndDraw) {
-  if (!has_libxtb()) GTEST_SKIP() << "a build without libxtb";
+  if (!has_libxtb() && has_energies(GetParam())) GTEST_SKIP() << "a build without libxtb";
   const std::string text = file_text((kDocs / (GetParam() + ".md")).string());
+  const auto commands = shown_in(lines_of(text), "");
+  ASSERT_TRUE(!commands.empty() || text.find("```python\n") != std::string::npos);
   const Beginning folder;
-  for (const Shown& shown : shown_in(lines_of(text), "")) {
+  for (const Shown& shown : commands) {
     const Outcome outcome = folder.run(shown.command);
     EXPECT_EQ(outcome.status, 0) << shown.command;
     const Lines printed = lines_of(outcome.screen);
