@@ -10,7 +10,8 @@ from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
 PROJECT = Path(__file__).resolve().parent
-VERSION = re.search(r"^project\(.* VERSION ([0-9.]+)", (PROJECT / "CMakeLists.txt").read_text(), re.MULTILINE)[1]
+BUILD = (PROJECT / "CMakeLists.txt").read_text()
+VERSION = re.search(r"^project\(.* VERSION ([0-9.]+)", BUILD, re.MULTILINE)[1]
 #: what stands below the prefix beside the package
 PROGRAMS = {
     "bin": ["dravo", "qn-dravo"],

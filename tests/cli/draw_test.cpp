@@ -130,6 +130,9 @@ TEST(Draw, RefusesWhatItCannotDraw) {
         Refused{{kDimer, "--split", "6", "--view", "top"},
                 "expected a view, x, y, z, iso, or AZIMUTH,ELEVATION"},
         Refused{{kDimer, "--split", "6", "--theme", "blue"}, "--theme"},
+        Refused{{kDimer, "--split", "6", "--frame", "0"},
+                "--frame: a picture shows one pair; expected a number from 1, found \"0\""},
+        Refused{{kDimer, "--split", "6", "--frame", "1:2"}, "found \"1:2\""},
         Refused{{kArgon, kWater}, "--r"}}) {
     const Outcome outcome = drawn(folder, words);
     EXPECT_EQ(outcome.status, 2) << message;

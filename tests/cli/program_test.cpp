@@ -115,7 +115,7 @@ TEST(Versions, AreThoseOfBothPrograms) {
   const Lines lines = lines_of(screen);
   ASSERT_EQ(lines.size(), 2U) << screen;
   const std::string version = lines[1].substr(9, lines[1].find(',') - 9);
-  EXPECT_EQ(lines[0], "dravo " + version);
+  EXPECT_EQ(lines[0], "dravo " DRAVO_VERSION);
   EXPECT_NE(log.find(" QN-DRAVO Version " + version + " "), std::string::npos) << version;
   const std::string revision = lines[1].substr(lines[1].rfind(' ') + 1);
   EXPECT_NE(log.find("-" + revision + "\n"), std::string::npos) << revision;

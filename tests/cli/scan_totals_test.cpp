@@ -98,7 +98,7 @@ TEST(Totals, AgreeWithTheRowsInSentenceJsonAndFile) {
     EXPECT_EQ(json_number(record, "table_bytes"),
               static_cast<double>(json.files.at("scan.csv").size()));
 
-    const auto sentence = [&](const char* what_becomes) {
+    const auto sentence = [&, written = written](const char* what_becomes) {
       std::ostringstream text;
       text.precision(4);
       text << std::fixed << rows.size() << " poses, " << counted.with_contacts

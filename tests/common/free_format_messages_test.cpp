@@ -66,7 +66,7 @@ TEST(Messages, PointAtACommaAtTheStartOfALaterStatement) {
 TEST(Messages, NumberTheLineThatIsMissing) {
   const std::string rows[][2] = {{"", "1"}, {"\n", "2"}, {" \r\n\t", "3"}, {"\n\n", "3"}};
   for (const auto& [text, line] : rows)
-    EXPECT_EQ(message_of([&] { integer_in(text); }),
+    EXPECT_EQ(message_of([&, text = text] { integer_in(text); }),
               "QN.xyz:" + line + ": expected a count, found the end of the file");
   FreeFormatReader reader = reader_of("C 0.0 ,");
   (void)reader.label({"the label", 1});

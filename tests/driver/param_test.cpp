@@ -124,7 +124,9 @@ Reposed reposed(const SampleInput& pair, std::uint64_t seed) {
   std::uniform_real_distribution<double> shift(-20.0, 20.0);
   Reposed result{pair, order};
   for (const bool first : {true, false}) {
-    const Matrix3 rotation = euler_matrix(turn(random), turn(random), turn(random));
+    // One after the other: compilers differ in the order of arguments.
+    const double gamma = turn(random), beta = turn(random), alpha = turn(random);
+    const Matrix3 rotation = euler_matrix(alpha, beta, gamma);
     const Vec3 translation{shift(random), shift(random), shift(random)};
     for (std::size_t i = first ? 0 : pair.n1; i < (first ? pair.n1 : pair.atoms.size()); ++i)
       result.pair.atoms[order[i]] = {pair.atoms[i].label,

@@ -184,7 +184,9 @@ TEST(CommandEngines, RefuseWhatCannotWork) {
       {{"xtb {xyz} {charge} {unpaired}", "(a)(b)"},
        "expected a regular expression with one group, the energy in parentheses, found \"(a)(b)\""}};
   for (const auto& [command, message] : refused)
-    EXPECT_EQ(message_of<InvalidInput>([&] { (void)start_command(kHydroxide, command); }), message);
+    EXPECT_EQ(message_of<InvalidInput>(
+                  [&, command = command] { (void)start_command(kHydroxide, command); }),
+              message);
   const std::string broken = message_of<InvalidInput>([&] {
     (void)start_command(kHydroxide, {"{xyz} {charge} {unpaired}", "(a"});
   });

@@ -90,7 +90,8 @@ inline SampleInput reposed(SampleInput sample, std::uint64_t seed) {
     return Vec3{x, y, component(random)};
   };
   for (const bool first : {true, false}) {
-    const Matrix3 rotation = turn_about(vector(), 180.0 * component(random));
+    const double angle = 180.0 * component(random);  // compilers differ in the order of arguments
+    const Matrix3 rotation = turn_about(vector(), angle);
     const Vec3 shift = 8.0 * vector();
     move(sample, first ? 0 : sample.n1, first ? sample.n1 : sample.atoms.size(), rotation, shift);
   }

@@ -1,0 +1,40 @@
+"""How Sphinx makes the manual of the pages in this folder; tools/guide calls it.
+
+The source of the site has the layout of the project, so links between pages lead to the same files as on a disk.
+"""
+
+from pygments.lexers.special import TextLexer
+from sphinx.application import Sphinx
+
+project = "QN-DRAVO"
+author = "QN-DRAVO Developers"
+copyright = "QN-DRAVO Developers"
+root_doc = "docs/index"
+html_title = "QN-DRAVO manual"
+language = "en"
+
+extensions = ["breathe", "myst_parser", "sphinx.ext.autodoc", "sphinx_copybutton"]
+# What a heading is called in a link, as forges do it.
+myst_heading_anchors = 4
+exclude_patterns = ["docs/Doxyfile"]
+
+breathe_projects = {"dravo": "../doxygen/xml"}
+breathe_default_project = "dravo"
+autodoc_typehints = "signature"
+autodoc_member_order = "bysource"
+
+html_theme = "furo"
+html_theme_options = {"navigation_with_keys": True}
+html_copy_source = False
+html_show_sourcelink = False
+# Output, which nobody copies, has no button; the prompt of Python is not copied.
+copybutton_prompt_text = r">>> |\.\.\. "
+copybutton_prompt_is_regexp = True
+copybutton_only_copy_prompt_lines = True
+# Blocks without a language are commands and what programs print.
+highlight_language = "none"
+
+
+def setup(app: Sphinx) -> None:
+    """The arithmetic of log.md, which a test computes, is no language."""
+    app.add_lexer("hand", TextLexer)
