@@ -10,6 +10,7 @@
 #include "dravo/error.hpp"
 #include "driver/element_table.hpp"
 #include "energy/electrons.hpp"
+#include "quantum/quantum_text.hpp"
 
 namespace dravo {
 namespace {
