@@ -259,7 +259,9 @@ function(dravo_program library)
   dravo_results_library(${library})
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
+    src/cli/bash_completion.cpp
     src/cli/collect.cpp
+    src/cli/completion.cpp
     src/cli/contact_report.cpp
     src/cli/convert.cpp
     src/cli/dock.cpp
@@ -278,6 +280,7 @@ function(dravo_program library)
     src/cli/main.cpp
     src/cli/merge.cpp
     src/cli/named_results.cpp
+    src/cli/offered_values.cpp
     src/cli/opened_page.cpp
     src/cli/output_file.cpp
     src/cli/pair_options.cpp
@@ -292,7 +295,8 @@ function(dravo_program library)
     src/cli/standard_output.cpp
     src/cli/usage.cpp
     src/cli/view.cpp
-    src/cli/words.cpp)
+    src/cli/words.cpp
+    src/cli/zsh_completion.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
     nlohmann_json::nlohmann_json)
   target_compile_options(dravo_cli PRIVATE -O1)
@@ -302,4 +306,13 @@ function(dravo_program library)
   set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)
   target_link_libraries(dravo-cli PRIVATE dravo_cli ${library}_results)
   install(TARGETS dravo-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+  # The program tells shells its options itself.
+  set(completions ${PROJECT_BINARY_DIR}/completions)
+  file(MAKE_DIRECTORY ${completions})
+  add_custom_command(TARGET dravo-cli POST_BUILD
+    COMMAND dravo-cli completion bash > ${completions}/dravo.bash
+    COMMAND dravo-cli completion zsh > ${completions}/_dravo
+    BYPRODUCTS ${completions}/dravo.bash ${completions}/_dravo
+    VERBATIM)
 endfunction()
