@@ -233,8 +233,9 @@ if(PYTHON_WITH_ASE)
   add_test(NAME cli/qcelemental_read_back COMMAND ${PYTHON_WITH_ASE}
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/qcelemental_read_back.py $<TARGET_FILE:dravo-cli>)
   set_tests_properties(cli/ase_read_back cli/qcelemental_read_back PROPERTIES SKIP_RETURN_CODE 77)
-  add_test(NAME docs/check_site COMMAND ${PYTHON_WITH_ASE}
-    ${CMAKE_CURRENT_SOURCE_DIR}/docs/check_site_test.py)
+  foreach(tool check_site folders)
+    add_test(NAME docs/${tool} COMMAND ${PYTHON_WITH_ASE} ${CMAKE_CURRENT_SOURCE_DIR}/docs/${tool}_test.py)
+  endforeach()
 endif()
 
 # The script of the page of `dravo view`: its modules, and the page against the program.
