@@ -23,7 +23,7 @@ extensions = ["breathe", "docstrings", "myst_parser", "sphinx.ext.autodoc", "sph
 myst_heading_anchors = 4
 exclude_patterns = ["docs/Doxyfile"]
 
-breathe_projects = {"dravo": "../doxygen/xml"}
+breathe_projects = {"dravo": "../build-guide/doxygen/xml"}
 breathe_default_project = "dravo"
 autodoc_typehints = "signature"
 autodoc_type_aliases = {
