@@ -1,4 +1,5 @@
-# What `cmake --install` puts beside the programs: the library, its headers, and how others find it.
+# What `cmake --install` puts beside the programs: the library, its headers, and how others find it;
+# manual pages, and what shells complete.
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/dravo)
 
@@ -18,3 +19,16 @@ list(JOIN LAPACK_LIBRARIES " " DRAVO_PC_LIBRARIES)
 string(APPEND DRAVO_PC_LIBRARIES " -lfmt -lnlopt -pthread")
 configure_file(cmake/dravo.pc.in dravo.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/dravo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+  FILES_MATCHING PATTERN "dravo*.1")
+
+# zsh looks into other folders below /usr/local than below /usr, where those of the system are.
+set(completions ${PROJECT_BINARY_DIR}/completions)
+set(zsh_folder site-functions)
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(zsh_folder vendor-completions)
+endif()
+install(FILES ${completions}/dravo.bash RENAME dravo
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES ${completions}/_dravo DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_folder})

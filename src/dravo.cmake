@@ -1,13 +1,4 @@
 # dravo: prepares, identifies and scans pairs, on the stages of qn-dravo.
-find_package(CLI11 REQUIRED)
-find_package(fmt REQUIRED)
-find_package(nlohmann_json REQUIRED)
-find_package(Threads REQUIRED)
-find_package(tomlplusplus REQUIRED)
-find_path(NLOPT_INCLUDE_DIR nlopt.h REQUIRED)
-find_library(NLOPT_LIBRARY nlopt REQUIRED)
-find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
-find_library(XXHASH_LIBRARY xxhash REQUIRED)
 include(CheckLibraryExists)
 check_library_exists(${XXHASH_LIBRARY} XXH3_64bits_update_dispatch "" XXHASH_DISPATCHES)
 
@@ -110,14 +101,6 @@ set(DRAVO_LIBEXEC_FOLDER ${CMAKE_INSTALL_LIBEXECDIR}/dravo)
 set(DRAVO_BUILT_WITH_XTB false)
 if(DRAVO_XTB)
   set(DRAVO_BUILT_WITH_XTB true)
-  find_package(PkgConfig)
-  if(PkgConfig_FOUND)
-    pkg_check_modules(XTB IMPORTED_TARGET xtb)
-  endif()
-  if(NOT XTB_FOUND)
-    message(FATAL_ERROR "libxtb was not found: install libxtb-dev and pkg-config, or build without "
-      "its energies by -DDRAVO_XTB=OFF")
-  endif()
   add_executable(dravo-xtb-worker src/energy/xtb_worker.cpp)
   target_link_libraries(dravo-xtb-worker PRIVATE dravo_headers PkgConfig::XTB Threads::Threads)
   set_target_properties(dravo-xtb-worker PROPERTIES INSTALL_RPATH "${DRAVO_REFERENCE_RPATH}")
@@ -128,14 +111,6 @@ endif()
 set(DRAVO_BUILT_WITH_PNG false)
 if(DRAVO_PNG)
   set(DRAVO_BUILT_WITH_PNG true)
-  find_package(PkgConfig)
-  if(PkgConfig_FOUND)
-    pkg_check_modules(RSVG IMPORTED_TARGET librsvg-2.0)
-  endif()
-  if(NOT RSVG_FOUND)
-    message(FATAL_ERROR "librsvg was not found: install librsvg2-dev and pkg-config, or build without "
-      "PNG pictures by -DDRAVO_PNG=OFF")
-  endif()
   add_library(dravo-png MODULE src/scene/png_module.cpp)
   set_target_properties(dravo-png PROPERTIES PREFIX "")
   target_link_libraries(dravo-png PRIVATE dravo_headers PkgConfig::RSVG)
@@ -284,7 +259,9 @@ function(dravo_program library)
   dravo_results_library(${library})
   # Reading options need not be fast, only compiled fast.
   add_library(dravo_cli OBJECT
+    src/cli/bash_completion.cpp
     src/cli/collect.cpp
+    src/cli/completion.cpp
     src/cli/contact_report.cpp
     src/cli/convert.cpp
     src/cli/dock.cpp
@@ -303,6 +280,7 @@ function(dravo_program library)
     src/cli/main.cpp
     src/cli/merge.cpp
     src/cli/named_results.cpp
+    src/cli/offered_values.cpp
     src/cli/opened_page.cpp
     src/cli/output_file.cpp
     src/cli/pair_options.cpp
@@ -317,7 +295,8 @@ function(dravo_program library)
     src/cli/standard_output.cpp
     src/cli/usage.cpp
     src/cli/view.cpp
-    src/cli/words.cpp)
+    src/cli/words.cpp
+    src/cli/zsh_completion.cpp)
   target_link_libraries(dravo_cli PUBLIC dravo_headers CLI11::CLI11 fmt::fmt
     nlohmann_json::nlohmann_json)
   target_compile_options(dravo_cli PRIVATE -O1)
@@ -327,4 +306,13 @@ function(dravo_program library)
   set_target_properties(dravo-cli PROPERTIES OUTPUT_NAME dravo)
   target_link_libraries(dravo-cli PRIVATE dravo_cli ${library}_results)
   install(TARGETS dravo-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+  # The program tells shells its options itself.
+  set(completions ${PROJECT_BINARY_DIR}/completions)
+  file(MAKE_DIRECTORY ${completions})
+  add_custom_command(TARGET dravo-cli POST_BUILD
+    COMMAND dravo-cli completion bash > ${completions}/dravo.bash
+    COMMAND dravo-cli completion zsh > ${completions}/_dravo
+    BYPRODUCTS ${completions}/dravo.bash ${completions}/_dravo
+    VERBATIM)
 endfunction()

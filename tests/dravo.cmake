@@ -14,7 +14,6 @@ dravo_test_programs(molecules protocol
   frame_stream_test.cpp
   input_text_test.cpp
   molecule_test.cpp
-  neighbour_grid_test.cpp
   pair_check_test.cpp
   pair_file_test.cpp
   pose_range_test.cpp
@@ -192,8 +191,9 @@ cli_tests_of(energies durable energy energy_frames energy_scan)
 cli_tests_of(exports collect export)
 cli_tests_of(files convert extract faults pose_folders standard_input)
 cli_tests_of(inputs checks contacts here prepare prepare_nudging prepare_refusals)
-cli_tests_of(frames examples identify identify_frames)
-cli_tests_of(pages formats_page view view_results)
+cli_tests_of(frames examples identify identify_frames tutorial)
+cli_tests_of(manual completion manual)
+cli_tests_of(pages chemiscope formats_page view view_results)
 target_link_libraries(cli_tests PRIVATE dravo_test_support dravo_results test_molecules)
 target_compile_options(cli_tests PRIVATE ${optimisation})
 target_precompile_headers(cli_tests REUSE_FROM precompiled_test_headers)
@@ -233,6 +233,8 @@ if(PYTHON_WITH_ASE)
   add_test(NAME cli/qcelemental_read_back COMMAND ${PYTHON_WITH_ASE}
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/qcelemental_read_back.py $<TARGET_FILE:dravo-cli>)
   set_tests_properties(cli/ase_read_back cli/qcelemental_read_back PROPERTIES SKIP_RETURN_CODE 77)
+  add_test(NAME docs/check_site COMMAND ${PYTHON_WITH_ASE}
+    ${CMAKE_CURRENT_SOURCE_DIR}/docs/check_site_test.py)
 endif()
 
 # The script of the page of `dravo view`: its modules, and the page against the program.

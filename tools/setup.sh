@@ -42,4 +42,4 @@ build_packages=(cmake g++ libcli11-dev libfmt-dev liblapack-dev libnlopt-dev lib
   python3-dev python3-numpy)
 # shellcheck disable=SC2034
 test_packages=(clang gfortran libgtest-dev librapidcheck-dev locales mypy nodejs python3-ase
-  python3-matplotlib python3-pytest python3-qcelemental python3-venv python3-wheel)
+  python3-matplotlib python3-pytest python3-qcelemental python3-scipy python3-venv python3-wheel)

@@ -48,6 +48,9 @@ std::string_view name_of(EnergyMethod method);
 /// By its name. Throws InvalidInput with the names that there are.
 EnergyMethod energy_method(std::string_view name);
 
+/// The names of all methods.
+std::vector<std::string> energy_method_names();
+
 /// Energy per molecule of what a program prints.
 enum class EnergyUnit {
   hartree,   ///< atomic unit
@@ -61,6 +64,9 @@ std::string_view name_of(EnergyUnit unit);
 
 /// By its name. Throws InvalidInput with the names that there are.
 EnergyUnit energy_unit(std::string_view name);
+
+/// The names of all units.
+std::vector<std::string> energy_unit_names();
 
 /// A program that computes the energy of one system at a time.
 struct EnergyCommand {

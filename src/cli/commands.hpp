@@ -44,4 +44,7 @@ void add_collect(CLI::App& program);
 void add_draw(CLI::App& program);
 void add_view(CLI::App& program);
 
+/// For the build: it prints the completions of a shell, and no help tells of it.
+void add_completion(CLI::App& program);
+
 }  // namespace dravo

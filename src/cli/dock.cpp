@@ -113,7 +113,8 @@ void run(DockCommand& command) {
 }
 
 void add_method_options(CLI::App& command, const std::shared_ptr<DockCommand>& options) {
-  const std::vector<std::string> methods{"gfnff", "gfn2", "gfn1"};
+  std::vector<std::string> methods = energy_method_names();
+  std::erase(methods, name_of(EnergyMethod::command));  // it has no forces
   command.add_option("--search", options->search, "method that minimises the starts (gfnff)")
       ->check(CLI::IsMember(methods))
       ->type_name("METHOD");

@@ -76,6 +76,7 @@ void describe(CLI::App& program) {
   dravo::add_draw(program);
   dravo::add_view(program);
   dravo::add_convert(program);
+  dravo::add_completion(program);
   for (CLI::App* command : program.get_subcommands({}))
     command->set_version_flag("--version", kVersions);
 }

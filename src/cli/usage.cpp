@@ -8,6 +8,7 @@
 #include <regex>
 #include <string_view>
 
+#include "cli/offered_values.hpp"
 #include "cli/words.hpp"
 #include "common/shown_text.hpp"
 
@@ -18,19 +19,15 @@ using Texts = std::vector<std::string>;
 
 // --- names ------------------------------------------------------------------------------------
 
-std::vector<const CLI::App*> commands_of(const CLI::App& program) {
-  return program.get_subcommands([](const CLI::App*) { return true; });
-}
-
 Texts command_names(const CLI::App& program) {
   Texts names;
-  for (const CLI::App* command : commands_of(program)) names.push_back(command->get_name());
+  for (const CLI::App* command : shown_commands(program)) names.push_back(command->get_name());
   return names;
 }
 
 /// Null without a command of this name.
 const CLI::App* command_of(const CLI::App& program, const std::string& name) {
-  const auto commands = commands_of(program);
+  const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
   const auto found = std::find_if(commands.begin(), commands.end(), [&](const CLI::App* command) {
     return command->get_name() == name;
   });
@@ -90,7 +87,7 @@ std::string about_unknown_option(const CLI::App& program, const CLI::App& comman
                                  const std::string& word) {
   const std::string name = word.substr(0, word.find('='));
   Texts owners;
-  for (const CLI::App* other : commands_of(program))
+  for (const CLI::App* other : shown_commands(program))
     if (option_of(*other, name) != nullptr) owners.push_back(full_name(*other));
   if (!owners.empty() && &command == &program)
     return fmt::format("{} is an option of {}, and stands behind the command", name,
@@ -183,8 +180,6 @@ std::string about_requirement(const CLI::Option& option) {
 std::string about_missing_value(const CLI::Option& option, const std::string& found) {
   return fmt::format("{}: expected {}, found {}", name_of(option), option.get_type_name(), found);
 }
-
-bool takes_value(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
 
 }  // namespace
 

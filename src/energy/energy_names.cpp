@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 #include "common/shown_text.hpp"
 #include "dravo/energy.hpp"
@@ -48,12 +49,19 @@ std::string_view name_in(const Table& table, Value value) {
 }
 
 template <class Table>
+std::vector<std::string> names_in(const Table& table) {
+  std::vector<std::string> names;
+  names.reserve(table.size());
+  for (const auto& entry : table) names.emplace_back(entry.name);
+  return names;
+}
+
+template <class Table>
 auto required(const Table& table, std::string_view name) {
   const auto found = found_in(table, name);
   if (found) return *found;
-  std::string names;
-  for (const auto& entry : table) names.append(names.empty() ? "" : ", ").append(entry.name);
-  throw InvalidInput(fmt::format("expected one of {}, found {}", names, dravo::quoted(name)));
+  throw InvalidInput(fmt::format("expected one of {}, found {}", fmt::join(names_in(table), ", "),
+                                 dravo::quoted(name)));
 }
 
 }  // namespace
@@ -62,9 +70,13 @@ std::string_view name_of(EnergyMethod method) { return name_in(kMethods, method)
 
 EnergyMethod energy_method(std::string_view name) { return required(kMethods, name); }
 
+std::vector<std::string> energy_method_names() { return names_in(kMethods); }
+
 std::string_view name_of(EnergyUnit unit) { return name_in(kUnits, unit); }
 
 EnergyUnit energy_unit(std::string_view name) { return required(kUnits, name); }
+
+std::vector<std::string> energy_unit_names() { return names_in(kUnits); }
 
 std::string_view name_of(EnergyStatus status) { return name_in(kStatuses, status); }
 

@@ -15,7 +15,6 @@
 #include "energy/pose_energy.hpp"
 #include "energy/system_engine.hpp"
 #include "molecules/fragments.hpp"
-#include "scan/pose_maker.hpp"
 
 namespace dravo {
 namespace {

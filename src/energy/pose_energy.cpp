@@ -1,8 +1,18 @@
 #include "energy/pose_energy.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace dravo {
+
+std::int64_t poses_of_a_moment(EnergyMethod method, std::int32_t atoms) {
+  constexpr double kDozen = 12.0;
+  constexpr double kForceField = 256.0, kTightBinding = 8.0;
+  if (method == EnergyMethod::command) return 1;
+  const double poses = method == EnergyMethod::gfnff ? kForceField : kTightBinding;
+  const double size = std::max(atoms / kDozen, 1.0);
+  return std::max<std::int64_t>(std::llround(poses / (size * size)), 1);
+}
 
 /// The last term makes -0 to 0.
 double rounded_energy(double interaction) {

@@ -3,9 +3,9 @@
 #include <tuple>
 
 #include "common/constants.hpp"
+#include "common/neighbour_grid.hpp"
 #include "dravo/contacts.hpp"
 #include "molecules/covalent_radii.hpp"
-#include "molecules/neighbour_grid.hpp"
 #include "molecules/pair_table.hpp"
 
 namespace dravo {

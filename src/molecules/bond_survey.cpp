@@ -5,10 +5,10 @@
 #include <tuple>
 #include <vector>
 
+#include "common/neighbour_grid.hpp"
 #include "common/vector.hpp"
 #include "driver/element_table.hpp"
 #include "molecules/covalent_radii.hpp"
-#include "molecules/neighbour_grid.hpp"
 
 namespace dravo {
 namespace {

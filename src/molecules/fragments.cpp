@@ -7,9 +7,9 @@
 #include <map>
 #include <string_view>
 
+#include "common/neighbour_grid.hpp"
 #include "driver/element_table.hpp"
 #include "molecules/covalent_radii.hpp"
-#include "molecules/neighbour_grid.hpp"
 
 namespace dravo {
 namespace {

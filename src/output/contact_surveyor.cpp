@@ -7,7 +7,7 @@
 #include <tuple>
 #include <utility>
 
-#include "molecules/neighbour_grid.hpp"
+#include "common/neighbour_grid.hpp"
 #include "output/short_contacts.hpp"
 
 namespace dravo {

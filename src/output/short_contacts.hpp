@@ -8,8 +8,8 @@
 
 #include "common/atom_table.hpp"
 #include "common/constants.hpp"
+#include "common/neighbour_grid.hpp"
 #include "dravo/contacts.hpp"
-#include "molecules/neighbour_grid.hpp"
 
 namespace dravo {
 

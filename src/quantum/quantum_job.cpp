@@ -10,6 +10,7 @@
 #include "dravo/error.hpp"
 #include "driver/element_table.hpp"
 #include "energy/electrons.hpp"
+#include "quantum/quantum_text.hpp"
 
 namespace dravo {
 namespace {
@@ -132,12 +133,17 @@ int multiplicity_of(const QuantumJob& job) { return multiplicity_of(job, kBoth);
 std::string_view name_of(QuantumProgram program) { return abilities(program).name; }
 
 QuantumProgram quantum_program(std::string_view name) {
-  std::string names;
-  for (const Abilities& program : kAbilities) {
+  for (const Abilities& program : kAbilities)
     if (program.name == name) return program.program;
-    names += fmt::format("{}{}", names.empty() ? "" : ", ", program.name);
-  }
-  throw InvalidInput(fmt::format("expected one of {}, found {}", names, dravo::quoted(name)));
+  throw InvalidInput(fmt::format("expected one of {}, found {}",
+                                 fmt::join(quantum_program_names(), ", "), dravo::quoted(name)));
+}
+
+std::vector<std::string> quantum_program_names() {
+  std::vector<std::string> names;
+  names.reserve(kAbilities.size());
+  for (const Abilities& program : kAbilities) names.emplace_back(program.name);
+  return names;
 }
 
 Treatment usual_treatment(QuantumProgram program) {

@@ -85,6 +85,9 @@ std::string_view name_of(QuantumProgram program);
 /// By its name. Throws InvalidInput with the names that there are.
 QuantumProgram quantum_program(std::string_view name);
 
+/// The names of all programs.
+std::vector<std::string> quantum_program_names();
+
 /// Counterpoise where the program has ghost atoms.
 Treatment usual_treatment(QuantumProgram program);
 

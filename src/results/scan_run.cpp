@@ -13,6 +13,7 @@
 #include "common/number_format.hpp"
 #include "common/ordered_chunks.hpp"
 #include "driver/user_parameters.hpp"
+#include "energy/pose_energy.hpp"
 #include "results/best_results.hpp"
 #include "results/interruption.hpp"
 #include "results/pose_folders.hpp"

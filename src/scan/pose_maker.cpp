@@ -25,15 +25,6 @@ bool is_wanted(ContactRule rule, bool has_contacts) {
 }  // namespace
 
 /// Of a pair of a dozen atoms; the work grows with the square of their number.
-std::int64_t poses_of_a_moment(EnergyMethod method, std::int32_t atoms) {
-  constexpr double kDozen = 12.0;
-  constexpr double kForceField = 256.0, kTightBinding = 8.0;
-  if (method == EnergyMethod::command) return 1;
-  const double poses = method == EnergyMethod::gfnff ? kForceField : kTightBinding;
-  const double size = std::max(atoms / kDozen, 1.0);
-  return std::max<std::int64_t>(std::llround(poses / (size * size)), 1);
-}
-
 PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& radians) {
   PoseDegrees applied;
   applied.r = placement.applied.r;

@@ -30,9 +30,6 @@ struct PoseRules {
   bool drawn = false;    ///< poses have all of their placement
 };
 
-/// How many poses of so many atoms take about a tenth of a second, at most.
-std::int64_t poses_of_a_moment(EnergyMethod method, std::int32_t atoms);
-
 /// What was found in a pose, and how it came about.
 struct MadePose {
   ScannedPose numbers;

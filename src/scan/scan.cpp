@@ -11,6 +11,7 @@
 
 #include "common/ordered_chunks.hpp"
 #include "dravo/error.hpp"
+#include "energy/pose_energy.hpp"
 #include "scan/pose_maker.hpp"
 
 namespace dravo {

@@ -15,6 +15,7 @@
 
 #include "cli/command.hpp"
 #include "cli/known_energies.hpp"
+#include "cli/shown_commands.hpp"
 #include "support/text_lines.hpp"
 
 namespace dravo::test {
@@ -89,43 +90,6 @@ void expect_same_distances(const std::vector<Atom>& pair, const std::vector<Atom
 }
 
 // --- the document -----------------------------------------------------------------------------
-
-/// A command of the document and what stands below it.
-struct Shown {
-  std::string command;
-  Lines output;
-};
-
-/// Commands are indented; a fenced block with nothing but blank lines before it is what the command
-/// above it prints.
-std::vector<Shown> shown_in(const Lines& document) {
-  const std::string indent = "    ", fence = "```";
-  std::vector<Shown> shown;
-  bool in_block = false, below_command = false;
-  for (const std::string& line : document) {
-    if (line.starts_with(fence)) {
-      below_command = below_command && !in_block;
-      in_block = !in_block;
-    } else if (in_block) {
-      if (below_command) shown.back().output.push_back(line);
-    } else if (!line.empty()) {
-      below_command = line.starts_with(indent + "dravo ");
-      if (below_command) shown.push_back({line.substr(indent.size()), {}});
-    }
-  }
-  return shown;
-}
-
-/// Whether the lines are those shown, where "..." stands for any lines.
-bool are_as_shown(const Lines& lines, const Lines& shown, std::size_t line = 0,
-                  std::size_t at = 0) {
-  for (; at < shown.size() && shown[at] != "..."; ++at, ++line)
-    if (line == lines.size() || lines[line] != shown[at]) return false;
-  if (at == shown.size()) return line == lines.size();
-  for (; line <= lines.size(); ++line)
-    if (are_as_shown(lines, shown, line, at + 1)) return true;
-  return false;
-}
 
 TEST(AreAsShown, ComparesEveryLineThatIsNotLeftOut) {
   const Lines lines{"a", "b", "c"};

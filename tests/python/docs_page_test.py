@@ -1,4 +1,4 @@
-"""docs/python.md and README.md: every block of Python is run, and prints what stands below it."""
+"""Pages with blocks of Python: every block is run, and prints what stands below it."""
 
 import doctest
 import os
@@ -19,6 +19,20 @@ FILES = [
     "argon-hcn/argon.xyz",
     "argon-hcn/hcn.xyz",
 ]
+#: With how many examples each has at least.
+PAGES = [
+    ("docs/accuracy.md", 9),
+    ("docs/conventions.md", 15),
+    ("docs/python.md", 60),
+    ("docs/tutorial/python.md", 30),
+    ("README.md", 4),
+]
+
+
+def test_no_page_with_python_is_left_out() -> None:
+    pages = {path.relative_to(SOURCES).as_posix() for path in SOURCES.glob("docs/**/*.md")}
+    with_python = {page for page in pages if "```python\n" in (SOURCES / page).read_text()}
+    assert with_python | {"README.md"} == {page for page, _ in PAGES}
 
 
 def only_python(page: str) -> str:
@@ -39,7 +53,7 @@ def test_the_page_has_its_blocks_and_nothing_else() -> None:
 
 
 @pytest.mark.skipif(not (BUILD / "dravo-xtb-worker").exists(), reason="a build without libxtb")
-@pytest.mark.parametrize("page, fewest", [("docs/python.md", 60), ("README.md", 4)])
+@pytest.mark.parametrize("page, fewest", PAGES)
 def test_every_block_prints_what_the_page_shows(
     page: str, fewest: int, tmp_path: Path, monkeypatch: pytest.MonkeyPatch
 ) -> None:

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "energy/pose_energy.hpp"
 #include "scan/pose_maker.hpp"
 #include "scan/scan.hpp"
 #include "support/message_of.hpp"

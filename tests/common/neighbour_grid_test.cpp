@@ -1,4 +1,4 @@
-#include "molecules/neighbour_grid.hpp"
+#include "common/neighbour_grid.hpp"
 
 #include <gtest/gtest.h>
 
