@@ -3,8 +3,13 @@
 The source of the site has the layout of the project, so links between pages lead to the same files as on a disk.
 """
 
+import sys
+from pathlib import Path
+
 from pygments.lexers.special import TextLexer
 from sphinx.application import Sphinx
+
+sys.path.insert(0, str(Path(__file__).parent))
 
 project = "QN-DRAVO"
 author = "QN-DRAVO Developers"
@@ -13,15 +18,20 @@ root_doc = "docs/index"
 html_title = "QN-DRAVO manual"
 language = "en"
 
-extensions = ["breathe", "myst_parser", "sphinx.ext.autodoc", "sphinx_copybutton"]
+extensions = ["breathe", "docstrings", "myst_parser", "sphinx.ext.autodoc", "sphinx_copybutton"]
 # What a heading is called in a link, as forges do it.
 myst_heading_anchors = 4
 exclude_patterns = ["docs/Doxyfile"]
 
-breathe_projects = {"dravo": "../doxygen/xml"}
+breathe_projects = {"dravo": "../build-guide/doxygen/xml"}
 breathe_default_project = "dravo"
 autodoc_typehints = "signature"
+autodoc_type_aliases = {
+    name: name for name in ("FileName", "Floats", "Integers", "Numbers", "Split", "Value", "Values")
+}
 autodoc_member_order = "bysource"
+# Names in docstrings are links.
+default_role = "py:obj"
 
 html_theme = "furo"
 html_theme_options = {"navigation_with_keys": True}

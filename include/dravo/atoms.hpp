@@ -7,11 +7,11 @@
 
 namespace dravo {
 
-/// A point or a vector.
+/// A point or a vector: three coordinates, in Angstrom where nothing else is said.
 struct Vec3 {
-  double x = 0.0;
-  double y = 0.0;
-  double z = 0.0;
+  double x = 0.0;  ///< along the first axis
+  double y = 0.0;  ///< along the second one
+  double z = 0.0;  ///< along the third one
 };
 
 /// Symbol of an element, blank-padded on the right: {'C', 'l'}, {'H', ' '}.

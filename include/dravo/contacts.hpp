@@ -49,6 +49,8 @@ class ContactCriterion {
 
   /// Whether it goes by radii, and `value` is the factor. Otherwise that is the distance.
   [[nodiscard]] constexpr bool by_radii() const { return by_radii_; }
+
+  /// The factor, or the distance in Angstrom.
   [[nodiscard]] constexpr double value() const { return value_; }
 
   /// As `of_text` takes it; "1.9" for `kShortDistance`.
@@ -61,6 +63,7 @@ class ContactCriterion {
   bool by_radii_ = false;
 };
 
+/// Two atoms of different molecules that are in short contact.
 struct ShortContact {
   std::int32_t atom1;  ///< of molecule 1, from 0
   std::int32_t atom2;  ///< of molecule 2, counted from 0 at the first atom of molecule 1
@@ -86,7 +89,7 @@ struct ContactSurvey {
   /// (-1), where there is no such pair or nobody asked.
   double clearance = std::numeric_limits<double>::infinity();
   std::int32_t clearance_atom1 = -1;  ///< numbered as in ShortContact
-  std::int32_t clearance_atom2 = -1;
+  std::int32_t clearance_atom2 = -1;  ///< the other one
 };
 
 /// All of that, in time that hardly grows with pairs of atoms that are far apart.
@@ -94,28 +97,30 @@ ContactSurvey survey_contacts(const Pair& pair, const ContactCriterion& criterio
 
 /// Two atoms of different molecules, numbered as in ShortContact.
 struct ClosePair {
-  std::int32_t atom1;
-  std::int32_t atom2;
-  double distance;  ///< Angstrom
-  double ratio;     ///< to the sum of the van der Waals radii; not a number where one is unknown
+  std::int32_t atom1;  ///< of molecule 1
+  std::int32_t atom2;  ///< of molecule 2
+  double distance;     ///< Angstrom
+  double ratio;        ///< to the sum of the van der Waals radii; not a number where one is unknown
 };
 
 /// The `count` closest intermolecular pairs, or all where there are fewer: by distance, then by
 /// atoms.
 std::vector<ClosePair> closest_pairs(const Pair& pair, std::size_t count);
 
-/// Longest H...A distance of a hydrogen bond, Angstrom, and smallest D-H...A angle, degrees (Baker
-/// and Hubbard, Prog. Biophys. Mol. Biol. 1984, 44, 97). Both belong to them.
+/// Longest H...A distance of a hydrogen bond, Angstrom (Baker and Hubbard, Prog. Biophys. Mol.
+/// Biol. 1984, 44, 97). It belongs to them.
 inline constexpr double kLongestHydrogenBond = 2.5;
+
+/// Smallest D-H...A angle of a hydrogen bond, degrees, by the same work. It belongs to them.
 inline constexpr double kSmallestHydrogenBondAngle = 120.0;
 
 /// D-H...A with A in the other molecule. Atoms count from 0 at the first atom of molecule 1.
 struct HydrogenBond {
-  std::int32_t donor;
-  std::int32_t hydrogen;
-  std::int32_t acceptor;
-  double distance;  ///< H...A, Angstrom
-  double angle;     ///< D-H...A, degrees
+  std::int32_t donor;     ///< D
+  std::int32_t hydrogen;  ///< H, of the same molecule
+  std::int32_t acceptor;  ///< A, of the other one
+  double distance;        ///< H...A, Angstrom
+  double angle;           ///< D-H...A, degrees
 };
 
 /// The hydrogen bonds between the molecules by the two numbers above, ordered as short contacts: by

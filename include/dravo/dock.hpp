@@ -33,6 +33,7 @@
 
 namespace dravo {
 
+/// How minima are searched for, and what is searched.
 struct DockOptions {
   EnergyMethod search = EnergyMethod::gfnff;  ///< of every start; GFN2 for two ions
   EnergyMethod score = EnergyMethod::gfn2;    ///< of every minimum, and of the second minimisation
@@ -44,12 +45,13 @@ struct DockOptions {
 
 /// How a start ended.
 enum class DockEnd : std::uint8_t {
-  minimum,
+  minimum,        ///< no force is left
   drifted_apart,  ///< no two atoms are near each other any more
   not_converged,  ///< a force was left
   failed,         ///< the engine found no energy where it began
 };
 
+/// All of them.
 inline constexpr std::array<DockEnd, 4> kDockEnds{DockEnd::minimum, DockEnd::drifted_apart,
                                                   DockEnd::not_converged, DockEnd::failed};
 
@@ -61,8 +63,8 @@ std::optional<DockEnd> dock_end(std::string_view name);
 
 /// Where one start ended. Depends on the pair, the options and the number alone.
 struct DockStart {
-  std::int64_t number = 0;  ///< from 1
-  DockEnd end = DockEnd::failed;
+  std::int64_t number = 0;        ///< from 1
+  DockEnd end = DockEnd::failed;  ///< how it ended
   /// Of `DockOptions::search`, kcal/mol, in this very pose; not a number for a start that failed.
   double energy = std::numeric_limits<double>::quiet_NaN();
   /// The parameters that `identify` tells, rounded to 8 decimals. Of a start that failed where it
@@ -74,9 +76,9 @@ struct DockStart {
 /// One of the minima of a pair.
 struct DockMinimum {
   PoseDegrees pose;  ///< as that of a start
-  /// Of `DockOptions::score` and `DockOptions::search` in this very pose, kcal/mol; not a number
-  /// where the engine found none.
+  /// Of `DockOptions::score` in this very pose, kcal/mol; not a number where the engine found none.
   double score_energy = std::numeric_limits<double>::quiet_NaN();
+  /// The same of `DockOptions::search`.
   double search_energy = std::numeric_limits<double>::quiet_NaN();
   std::int64_t starts = 0;  ///< how many led there; the same in a minimum kept beside another
   /// Minimised with `DockOptions::score`. Otherwise it is as `search` left it: others are better,
@@ -94,16 +96,22 @@ class Docking {
   /// (EnergyMethod::command).
   Docking(const Pair& pair, const DockOptions& options);
 
+  /// As they were given.
   [[nodiscard]] const DockOptions& options() const;
 
   /// Of exact poses; those found here are its own.
   [[nodiscard]] const Placer& placer() const;
+
+  /// Of `DockOptions::search`.
   [[nodiscard]] const EnergyModel& search_model() const;
+
+  /// Of `DockOptions::score`.
   [[nodiscard]] const EnergyModel& score_model() const;
 
   /// Minimises starts with an engine of its own. For one thread.
   class Starter {
    public:
+    /// For the library itself; Docking::starter makes them.
     explicit Starter(std::shared_ptr<const DockInside> docking);
 
     /// `number` counts from 1. Throws EngineFailure when an engine that died cannot be replaced,
@@ -143,8 +151,13 @@ class DockSearch {
   static constexpr std::int64_t kIdleStarts = 50;     ///< that found nothing new, at its end
   static constexpr std::size_t kLowest = 30;          ///< minima among which something would be new
 
+  /// Nothing is found yet.
   explicit DockSearch(const Docking& docking);
+
+  /// What is left of the other one may only be assigned to or destroyed.
   DockSearch(DockSearch&&) noexcept;
+
+  /// As the constructor above.
   DockSearch& operator=(DockSearch&&) noexcept;
   ~DockSearch();
 

@@ -13,20 +13,25 @@ namespace dravo {
 /// Where somebody stands who looks at molecule 2, whose Z axis points up: degrees, the azimuth from
 /// X towards Y, the elevation from -90 to 90. There, with azimuth -90, X points right and Y up.
 struct ViewDirection {
-  double azimuth = 35.0;
-  double elevation = 20.0;
+  double azimuth = 35.0;    ///< from X towards Y
+  double elevation = 20.0;  ///< above the plane of X and Y
 
   /// "x", "y", "z", each from its tip; "iso"; "AZ,EL". Throws InvalidInput.
   static ViewDirection of_text(std::string_view text);
 };
 
-enum class Theme { light, dark };
+/// For which background a drawing is.
+enum class Theme {
+  light,  ///< a white one
+  dark,   ///< a dark one
+};
 
+/// How a scene is drawn.
 struct Drawing {
-  ViewDirection view = {};
-  std::int32_t width = 800;  ///< pixels
-  std::int32_t height = 600;
-  Theme theme = Theme::light;
+  ViewDirection view = {};       ///< from where it is seen
+  std::int32_t width = 800;      ///< pixels
+  std::int32_t height = 600;     ///< pixels
+  Theme theme = Theme::light;    ///< its colours
   std::string title = {};        ///< for whom the picture is read to
   std::string description = {};  ///< the same, one or more sentences
 };

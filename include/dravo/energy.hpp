@@ -27,8 +27,10 @@
 
 namespace dravo {
 
-/// CODATA 2018.
+/// One Hartree per molecule in kcal/mol (CODATA 2018).
 inline constexpr double kKcalPerMolPerHartree = 627.5094740631;
+
+/// One Bohr in Angstrom (CODATA 2018).
 inline constexpr double kAngstromPerBohr = 0.529177210903;
 
 /// How energies are computed.
@@ -50,7 +52,12 @@ EnergyMethod energy_method(std::string_view name);
 std::vector<std::string> energy_method_names();
 
 /// Energy per molecule of what a program prints.
-enum class EnergyUnit { hartree, ev, kcal_mol, kj_mol };
+enum class EnergyUnit {
+  hartree,   ///< atomic unit
+  ev,        ///< electron volts
+  kcal_mol,  ///< kcal/mol
+  kj_mol,    ///< kJ/mol
+};
 
 /// "hartree", "ev", "kcal/mol", "kj/mol".
 std::string_view name_of(EnergyUnit unit);
@@ -70,25 +77,27 @@ struct EnergyCommand {
   /// A regular expression (ECMAScript) with one group, which holds the energy, looked for in each
   /// line that the program prints. The last match counts.
   std::string read;
-  EnergyUnit unit = EnergyUnit::hartree;
+  EnergyUnit unit = EnergyUnit::hartree;  ///< of that energy
 };
 
+/// A method, and what it has to know about the molecules.
 struct EnergyOptions {
-  EnergyMethod method = EnergyMethod::gfnff;
-  std::array<int, 2> charges{};   ///< net charges of molecule 1 and molecule 2, e
+  EnergyMethod method = EnergyMethod::gfnff;  ///< by which energies are computed
+  std::array<int, 2> charges{};               ///< net charges of molecule 1 and molecule 2, e
   std::array<int, 2> unpaired{};  ///< their unpaired electrons; the pair has all of them
   EnergyCommand command{};        ///< of EnergyMethod::command
 };
 
 /// What became of the energy of a pose.
 enum class EnergyStatus : std::uint8_t {
-  ok,
+  ok,           ///< it was computed
   clash,        ///< not computed: atoms closer than `kClash` times the sum of their radii
   scf_fail,     ///< the engine found no energy
   nonphysical,  ///< below `kLowestInteraction` or above `kHighestInteraction`
   engine_died,  ///< the process of the engine ended, and so did another one that tried again
 };
 
+/// All of them.
 inline constexpr std::array<EnergyStatus, 5> kEnergyStatuses{
     EnergyStatus::ok, EnergyStatus::clash, EnergyStatus::scf_fail, EnergyStatus::nonphysical,
     EnergyStatus::engine_died};
@@ -102,9 +111,11 @@ std::optional<EnergyStatus> energy_status(std::string_view name);
 /// Poses with a smaller clearance (`ContactSurvey::clearance`) are not computed.
 inline constexpr double kClash = 0.5;
 
-/// Energies beyond these, kcal/mol, come from collapsed geometries, which an engine may take
-/// without an error.
+/// Energies below this, kcal/mol, come from collapsed geometries, which an engine may take without
+/// an error.
 inline constexpr double kLowestInteraction = -500.0;
+
+/// So do energies above this, kcal/mol.
 inline constexpr double kHighestInteraction = 5000.0;
 
 /// On molecule 1 as a rigid body.
@@ -113,8 +124,9 @@ struct RigidForce {
   Vec3 torque;  ///< about a point that is told, kcal/mol/radian
 };
 
+/// Energy of one pose, or why there is none.
 struct PoseEnergy {
-  EnergyStatus status = EnergyStatus::ok;
+  EnergyStatus status = EnergyStatus::ok;  ///< what became of it
   /// kcal/mol; not a number unless the status is ok.
   double interaction = std::numeric_limits<double>::quiet_NaN();
   RigidForce on_molecule1{};  ///< when it was asked for and the status is ok
@@ -132,9 +144,17 @@ class EnergyEngine {
  public:
   /// For the library itself.
   struct Inside;
+
+  /// For the library itself; EnergyModel::start makes engines.
   explicit EnergyEngine(std::unique_ptr<Inside> inside);
+
+  /// The process goes with it; what is left may only be assigned to or destroyed.
   EnergyEngine(EnergyEngine&&) noexcept;
+
+  /// Ends its own process, and takes over the other one.
   EnergyEngine& operator=(EnergyEngine&&) noexcept;
+
+  /// Ends the process.
   ~EnergyEngine();
 
   /// The pair with its atoms at these positions, N, Angstrom. Depends on them alone. The status is
@@ -160,6 +180,7 @@ class EnergyModel {
   /// and a charged molecule of several parts; EngineFailure.
   EnergyModel(const Pair& pair, const EnergyOptions& options);
 
+  /// As they were given.
   [[nodiscard]] const EnergyOptions& options() const;
 
   /// "libxtb 6.5.1", or "command".

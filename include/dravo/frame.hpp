@@ -29,15 +29,27 @@ enum class FrameKind {
   carried,   ///< carried along from the same molecule in a reference
 };
 
+/// "strict", "extended", "carried".
 std::string_view name_of(FrameKind kind);
 
 /// How many directions a molecule has: none, one, or three.
-enum class Shape { atom, linear, general };
+enum class Shape {
+  atom,     ///< one atom
+  linear,   ///< all atoms in one line
+  general,  ///< anything else
+};
 
 /// "atom", "linear", "general".
 std::string_view name_of(Shape shape);
 
-enum class RotorType { linear, spherical, prolate, oblate, asymmetric };
+/// Which moments of inertia are equal.
+enum class RotorType {
+  linear,      ///< I_A is zero, I_B and I_C are equal
+  spherical,   ///< all are equal
+  prolate,     ///< I_B and I_C
+  oblate,      ///< I_A and I_B
+  asymmetric,  ///< none
+};
 
 /// Moments that differ by less than this part of the larger one count as equal, and so small a part
 /// of it as zero.
@@ -51,8 +63,8 @@ std::string_view name_of(RotorType type);
 
 /// What gave an axis its direction.
 enum class FixedBy {
-  reference_angle,
-  right_handedness,
+  reference_angle,   ///< the centre of the heaviest element lies on its side
+  right_handedness,  ///< the other two axes
   /// All three axes have a direction, and the frame is right-handed with or without this one's.
   right_handedness_over_reference,
   lever,            ///< from the centre of all other atoms to the centre of an element's
@@ -67,39 +79,41 @@ enum class FixedBy {
   reference_molecule,  ///< the same molecule in a reference
 };
 
+/// As `dravo identify --json` has it: "reference angle", for example.
 std::string_view name_of(FixedBy reason);
 
 /// What decided about a direction.
 struct AxisReason {
-  FixedBy by = FixedBy::right_handedness;
-  std::int32_t element = 0;  ///< atomic number; 0 for all atoms
-  double size = 0.0;         ///< how strongly it decided, Angstrom
+  FixedBy by = FixedBy::right_handedness;  ///< what it was
+  std::int32_t element = 0;                ///< atomic number; 0 for all atoms
+  double size = 0.0;                       ///< how strongly it decided, Angstrom
 };
 
 /// Angle between an axis and the line from the centre of mass to the centre of the heaviest
 /// element, and between the reversed axis and that line, degrees. Not-a-number where those centres
 /// are 0.1 Angstrom or less apart.
 struct ReferenceAngles {
-  double along = 0.0;
-  double reversed = 0.0;
+  double along = 0.0;     ///< of the axis
+  double reversed = 0.0;  ///< of the reversed axis: 180 minus the other one
 };
 
+/// One of the three axes of a molecule.
 struct PrincipalAxis {
   char letter;        ///< z, y, x of molecule 1; Y, X, Z of molecule 2
   double moment;      ///< g cm^2
   double moment_amu;  ///< amu Angstrom^2
   double constant;    ///< rotational constant, GHz (CODATA 2018); infinite for a moment of zero
   Vec3 direction;     ///< unit vector, in the coordinates of the molecule as given
-  ReferenceAngles angles = {};  ///< of that direction and its opposite
-  FixedBy fixed_by = FixedBy::right_handedness;
-  AxisReason reason = {};
+  ReferenceAngles angles = {};                   ///< of that direction and its opposite
+  FixedBy fixed_by = FixedBy::right_handedness;  ///< what gave it its direction
+  AxisReason reason = {};                        ///< the same with its element and size
 };
 
 /// The heaviest element of a molecule.
 struct ReferenceElement {
   std::string_view symbol;  ///< lives as long as the program
-  std::int32_t atoms;
-  double distance;  ///< of their centre from the centre of mass, Angstrom
+  std::int32_t atoms;       ///< how many of them the molecule has
+  double distance;          ///< of their centre from the centre of mass, Angstrom
 };
 
 /// Turns a molecule onto itself, about its centre of mass.
@@ -110,12 +124,12 @@ struct MoleculeRotation {
 
 /// Right-handed frame of the principal axes.
 struct PrincipalFrame {
-  std::int32_t atoms;
-  FrameKind kind;
-  Shape shape;
-  RotorType rotor;
-  Vec3 cm;  ///< centre of mass as given, Angstrom
-  ReferenceElement reference;
+  std::int32_t atoms;          ///< of the molecule
+  FrameKind kind;              ///< where the directions come from
+  Shape shape;                 ///< how many directions the molecule has
+  RotorType rotor;             ///< by its moments
+  Vec3 cm;                     ///< centre of mass as given, Angstrom
+  ReferenceElement reference;  ///< its heaviest element
   /// I_A, I_B, I_C, ascending. I_B and I_C of a linear molecule, and all axes of an atom, are any.
   std::array<PrincipalAxis, 3> axes;
   /// Those that hold within 0.002 Angstrom, the identity first. Of a linear molecule the identity,

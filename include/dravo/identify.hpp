@@ -13,16 +13,18 @@
 
 namespace dravo {
 
+/// The parameters of a pair, and its frames.
 struct Identification {
   PoseDegrees parameters;  ///< theta and beta 0 to 180, the other angles from 0 to below 360
-  std::array<PrincipalFrame, 2> molecules;
+  std::array<PrincipalFrame, 2> molecules;  ///< frames of molecule 1 and molecule 2
   /// All parameters that make this pair, `parameters` first: rotations of the molecules make them
   /// equal.
   std::vector<PoseDegrees> equivalent;
 };
 
+/// By which frames a pair is measured.
 struct IdentifyOptions {
-  FrameRule frames = FrameRule::extended;
+  FrameRule frames = FrameRule::extended;  ///< which molecules have one
   /// The axes of each molecule are those of the same molecule here, carried along; parameters are
   /// then not reduced by symmetry. Not owned; null for none.
   const Pair* like = nullptr;
@@ -47,9 +49,9 @@ bool is_for_qn_dravo(const std::array<PrincipalFrame, 2>& molecules);
 
 /// A parameter that a build moves off the value given, because angles lose their meaning there.
 struct NudgedParameter {
-  std::string_view name;
-  double given;  ///< degrees
-  double used;
+  std::string_view name;  ///< of `kPoseParameters`
+  double given;           ///< degrees; Angstrom for r
+  double used;            ///< in the same unit
 };
 
 /// Those of a pose in range. Angstrom and degrees.

@@ -14,8 +14,10 @@
 
 namespace dravo {
 
-/// Where a coordinate may lie, Angstrom: what a file with eight decimals in fifteen columns holds.
+/// Smallest coordinate, Angstrom: what a file with eight decimals in fifteen columns holds.
 inline constexpr double kLowestCoordinate = -99999.0;
+
+/// Largest coordinate, Angstrom.
 inline constexpr double kHighestCoordinate = 999999.0;
 
 /// One or more atoms, each of an element H to U and at a point with coordinates from
@@ -34,7 +36,10 @@ class Molecule {
   /// The same from labels, each the symbol of an element in its usual spelling.
   Molecule(std::vector<Label> labels, std::vector<Vec3> positions);
 
+  /// Number of atoms, 1 or more.
   [[nodiscard]] std::int32_t size() const { return static_cast<std::int32_t>(labels_.size()); }
+
+  /// One for each atom.
   [[nodiscard]] const std::vector<Label>& labels() const { return labels_; }
   [[nodiscard]] const std::vector<Vec3>& positions() const { return positions_; }  ///< Angstrom
 
@@ -55,6 +60,7 @@ class Molecule {
 /// @endcode
 class Pair {
  public:
+  /// Throws InvalidInput for more than `kMaxAtoms` atoms in all.
   Pair(const Molecule& molecule1, const Molecule& molecule2);
 
   /// The first `n1` atoms are molecule 1. Throws InvalidInput.
@@ -63,8 +69,10 @@ class Pair {
   [[nodiscard]] std::int32_t size() const { return atoms_.size(); }  ///< N
   [[nodiscard]] std::int32_t n1() const { return n1_; }  ///< atoms of molecule 1, the first ones
 
-  /// Of both molecules.
+  /// Of both molecules, one for each atom.
   [[nodiscard]] const std::vector<Label>& labels() const { return atoms_.labels(); }
+
+  /// Of both molecules, Angstrom.
   [[nodiscard]] const std::vector<Vec3>& positions() const { return atoms_.positions(); }
 
  private:
@@ -72,7 +80,12 @@ class Pair {
   std::int32_t n1_;
 };
 
-enum class LengthUnit { angstrom, bohr, nm };
+/// Unit of the coordinates of a file.
+enum class LengthUnit {
+  angstrom,  ///< 1e-10 m
+  bohr,      ///< 0.529177210903 Angstrom (CODATA 2018)
+  nm,        ///< 10 Angstrom
+};
 
 /// The two molecules are the two bonded components.
 struct SplitByBonds {};
@@ -85,9 +98,9 @@ using Split = std::optional<std::variant<SplitByBonds, std::int32_t>>;
 struct PairRequest {
   std::string file;              ///< "-" for standard input
   std::string second_file = {};  ///< molecule 2, when `file` holds molecule 1 alone; else empty
-  Split split = std::nullopt;
-  std::int32_t frame = 1;  ///< of files with several, from 1
-  LengthUnit unit = LengthUnit::angstrom;
+  Split split = std::nullopt;    ///< of a file of both molecules
+  std::int32_t frame = 1;        ///< of files with several, from 1
+  LengthUnit unit = LengthUnit::angstrom;  ///< of all coordinates that are read
   /// Refuse bonds across the split, atoms closer than 0.5 Angstrom and coordinates in another unit;
   /// remark on molecules that are not one connected whole.
   bool check = true;
@@ -95,8 +108,9 @@ struct PairRequest {
   std::optional<std::int32_t> n1_if_untold = std::nullopt;
 };
 
+/// A pair that was read.
 struct PairFile {
-  Pair pair;
+  Pair pair;  ///< molecule 1 first, whatever the order in the file
   /// As a QN-input-GEOMETRY.xyz states it; empty for other files.
   std::optional<PoseDegrees> parameters;
   /// What the user should know about the reading, one sentence each: atoms that were reordered, an
@@ -111,7 +125,7 @@ PairFile read_pair(const PairRequest& request);
 
 /// All atoms of a file, whatever their molecules.
 struct AtomsFile {
-  Molecule atoms;
+  Molecule atoms;  ///< those of molecule 1 first where the file has two
   /// Atoms of molecule 1, the first ones, where the file or the request divides them; else empty.
   std::optional<std::int32_t> n1;
   std::vector<std::string> remarks;  ///< as those of a `PairFile`

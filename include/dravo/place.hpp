@@ -25,8 +25,9 @@ enum class Placing {
   as_qn_dravo,  ///< digit for digit as `qn-dravo`, for pairs that it places
 };
 
+/// How poses are placed, and what counts as a contact.
 struct PlacerOptions {
-  Placing placing = Placing::automatic;
+  Placing placing = Placing::automatic;  ///< as `dravo scan` does
   /// The axes of each molecule are those of the same molecule here, carried along. Poses are then
   /// exact. Not owned, and not needed after the placer is made; null for none.
   const Pair* like = nullptr;
@@ -40,7 +41,7 @@ struct Placed {
   /// as measured after the placement; the Euler angles are those applied, and singular values have
   /// been moved off (theta 0 is applied as 0.049).
   PoseDegrees applied;
-  ContactSurvey survey;
+  ContactSurvey survey;  ///< by the criterion of the placer
 };
 
 /// Names of the parameters that change nothing in any pose of these molecules: the Euler angles
@@ -75,11 +76,10 @@ class Placer {
   /// Zero for exact ones.
   [[nodiscard]] double missed() const;
 
-  /// Places molecule 1. `positions`: x, y, z of each atom one
-  /// behind the other, 3 N doubles, Angstrom; molecule 2's centre of mass is the origin and its
-  /// principal axes are X, Y, Z. phi, alpha and gamma may have any number of full turns. Throws
-  /// OutOfRange for another parameter out of its range and for what is not finite, and InvalidInput
-  /// for a span of another length.
+  /// Places molecule 1. `positions`: x, y, z of each atom one behind the other, 3 N doubles,
+  /// Angstrom; molecule 2's centre of mass is the origin and its principal axes are X, Y, Z. phi,
+  /// alpha and gamma may have any number of full turns. Throws OutOfRange for another parameter out
+  /// of its range and for what is not finite, and InvalidInput for a span of another length.
   Placed place(const PoseDegrees& pose, std::span<double> positions) const;
 
   /// The atoms alone. Throws OutOfRange.

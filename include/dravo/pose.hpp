@@ -35,20 +35,21 @@ struct PoseDegrees {
 
 /// The same with angles in radians.
 struct PoseRadians {
-  double r = 0.0;  ///< Angstrom
-  double theta = 0.0;
-  double phi = 0.0;
-  double alpha = 0.0;
-  double beta = 0.0;
-  double gamma = 0.0;
+  double r = 0.0;      ///< Angstrom
+  double theta = 0.0;  ///< 0 to pi
+  double phi = 0.0;    ///< periodic
+  double alpha = 0.0;  ///< periodic
+  double beta = 0.0;   ///< 0 to pi
+  double gamma = 0.0;  ///< periodic
 };
 
 /// A number of a pose by the name that options, plans and columns give it.
 struct PoseParameter {
-  const char* name;
-  double PoseDegrees::*value;
+  const char* name;            ///< "r", "theta", "phi", "alpha", "beta" or "gamma"
+  double PoseDegrees::*value;  ///< where it stands: `pose.*value`
 };
 
+/// All six, in their order.
 inline constexpr std::array<PoseParameter, 6> kPoseParameters{{
     {"r", &PoseDegrees::r},
     {"theta", &PoseDegrees::theta},

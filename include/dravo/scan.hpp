@@ -50,6 +50,7 @@ class PoseAxis {
   template <std::convertible_to<std::string_view> Text>
   PoseAxis(const Text& text) : PoseAxis(of_text(text)) {}
 
+  /// Number of values, 1 or more.
   [[nodiscard]] std::int64_t size() const;
 
   /// Value `i`, from 0 to before `size()`.
@@ -67,12 +68,12 @@ class PoseAxis {
 
 /// An axis for each parameter.
 struct PoseAxes {
-  PoseAxis r;
-  PoseAxis theta;
-  PoseAxis phi;
-  PoseAxis alpha;
-  PoseAxis beta;
-  PoseAxis gamma;
+  PoseAxis r;      ///< Angstrom
+  PoseAxis theta;  ///< degrees, as all below
+  PoseAxis phi;    ///< with any number of full turns
+  PoseAxis alpha;  ///< with any number of full turns
+  PoseAxis beta;   ///< 0 to 180, as theta
+  PoseAxis gamma;  ///< with any number of full turns
 };
 
 /// Poses in an order, numbered from 0. Immutable, cheap to copy, and usable from several threads.
@@ -95,6 +96,7 @@ class Poses {
   /// For the library itself.
   explicit Poses(std::shared_ptr<const PoseSource> source);
 
+  /// Number of poses.
   [[nodiscard]] std::int64_t size() const;
 
   /// Poses `first` and following, as many as `poses` has room for. Throws InvalidInput when there
@@ -108,9 +110,13 @@ class Poses {
   std::shared_ptr<const PoseSource> source_;
 };
 
-/// Which poses are handed on: all, those without short contacts, those with some. What a short
-/// contact is, the placer knows (`PlacerOptions::criterion`).
-enum class ContactRule { keep, drop, only };
+/// Which poses are handed on, by their short contacts. What a short contact is, the placer knows
+/// (`PlacerOptions::criterion`).
+enum class ContactRule {
+  keep,  ///< all
+  drop,  ///< those without
+  only,  ///< those with one or more
+};
 
 /// What is found in a pose.
 struct ScannedPose {
@@ -122,8 +128,8 @@ struct ScannedPose {
   std::int64_t contacts = 0;   ///< how many pairs of them are in short contact
   /// As ContactSurvey has it. Infinite, and no atoms, unless asked for.
   double clearance = std::numeric_limits<double>::infinity();
-  std::int32_t clearance_atom1 = -1;
-  std::int32_t clearance_atom2 = -1;
+  std::int32_t clearance_atom1 = -1;  ///< of molecule 1, from 0
+  std::int32_t clearance_atom2 = -1;  ///< of molecule 2, from 0 at the first atom of molecule 1
   /// How many of the poses it stands for, when equal ones are left out.
   std::int64_t equivalents = 1;
   /// What became of its energy, when energies are computed.
@@ -142,8 +148,9 @@ struct ScanBatch {
   std::span<const double> positions;
 };
 
+/// What a scan looks for, and which poses it hands on.
 struct ScanOptions {
-  ContactRule contacts = ContactRule::keep;
+  ContactRule contacts = ContactRule::keep;  ///< which poses are wanted
   int threads = 0;             ///< that place poses; 0 for as many as the machine has cores
   bool above_contact = false;  ///< the r of the poses counts from the first contact, see below
   bool positions = false;      ///< batches hold the positions of the atoms

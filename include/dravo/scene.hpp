@@ -30,69 +30,73 @@ enum class Ink {
 
 /// An atom. Lengths of a scene are in Angstrom.
 struct Ball {
-  Vec3 centre;
-  double radius;
+  Vec3 centre;           ///< where the atom is
+  double radius;         ///< small enough for bonds to be seen
   std::int32_t element;  ///< atomic number
 };
 
 /// Half of a bond, from its atom to the middle.
 struct Stick {
-  Vec3 from;
-  Vec3 to;
-  std::int32_t element;
+  Vec3 from;             ///< its atom
+  Vec3 to;               ///< the middle of the bond
+  std::int32_t element;  ///< atomic number of its atom
 };
 
+/// An axis, with a tip.
 struct Arrow {
-  Vec3 from;
-  Vec3 to;
-  Ink ink;
+  Vec3 from;  ///< where it begins
+  Vec3 to;    ///< its tip
+  Ink ink;    ///< what it belongs to
 };
 
 /// The points centre + radius (cos t start + sin t across) for t from 0 to `degrees`.
 struct Arc {
-  Vec3 centre;
-  Vec3 start;   ///< unit vector
-  Vec3 across;  ///< unit vector at a right angle to it
-  double radius;
-  double degrees;
-  Ink ink;
+  Vec3 centre;     ///< of the circle
+  Vec3 start;      ///< unit vector
+  Vec3 across;     ///< unit vector at a right angle to it
+  double radius;   ///< of the circle
+  double degrees;  ///< how far it goes
+  Ink ink;         ///< what it belongs to
 };
 
+/// A thin line from point to point.
 struct Line {
-  Vec3 from;
-  Vec3 to;
-  Ink ink;
-  bool dashed;
+  Vec3 from;    ///< one end
+  Vec3 to;      ///< the other end
+  Ink ink;      ///< what it belongs to
+  bool dashed;  ///< broken into dashes
 };
 
 /// Words in front of everything.
 struct Caption {
-  Vec3 at;  ///< their middle
-  std::string text;
-  Ink ink;
+  Vec3 at;           ///< their middle
+  std::string text;  ///< UTF-8
+  Ink ink;           ///< what they belong to
 };
 
+/// All that a picture shows.
 struct Scene {
-  std::vector<Ball> balls;
-  std::vector<Stick> sticks;
-  std::vector<Arrow> arrows;
-  std::vector<Arc> arcs;
-  std::vector<Line> lines;
-  std::vector<Caption> captions;
+  std::vector<Ball> balls;        ///< an atom each
+  std::vector<Stick> sticks;      ///< half a bond each
+  std::vector<Arrow> arrows;      ///< axes that have a direction
+  std::vector<Arc> arcs;          ///< angles
+  std::vector<Line> lines;        ///< r, contacts, hydrogen bonds, axes without a direction
+  std::vector<Caption> captions;  ///< letters of axes and angles, lengths, names of atoms
 };
 
+/// What of a pair or a molecule is shown.
 struct SceneOptions {
   bool frames = true;    ///< the principal axes of both molecules, with their letters
   bool angles = false;   ///< r, theta and phi from molecule 2; alpha, beta and gamma at molecule 1
   bool contacts = true;  ///< short contacts and hydrogen bonds with their lengths
   bool labels = false;   ///< symbol and number of each atom
-  ContactCriterion criterion = {};
+  ContactCriterion criterion = {};  ///< what a short contact is
 };
 
 /// A pair in the frame of molecule 2, as `Placer::positions` makes it, and how it was placed.
 struct PlacedPair {
-  Pair pair;
-  PoseDegrees pose;
+  Pair pair;                    ///< with its atoms where they were placed
+  PoseDegrees pose;             ///< in which they were placed
   std::array<Shape, 2> shapes;  ///< of molecule 1 and 2
 };
 

@@ -1,5 +1,7 @@
 """Places two molecules exactly: poses, scans, energies, minima, pictures.
 
+In short::
+
     import dravo
 
     pair = dravo.read("dimer.xyz", split=6)

@@ -160,6 +160,7 @@ def energies(
 class Minimum(NamedTuple):
     """A minimum of a pair of rigid molecules, from `dock`."""
 
+    #: the parameters, Angstrom and degrees
     pose: Pose
     #: by the method of `score`, kcal/mol; nan where the engine found none
     energy: float
@@ -175,6 +176,7 @@ class Minimum(NamedTuple):
 class Docking(Sequence[Minimum]):
     """The minima that `dock` found, lowest energy first."""
 
+    #: places the pair in the minima
     placer: Placer
     #: r to gamma (n x 6)
     poses: Floats

@@ -32,19 +32,19 @@ class Pose(NamedTuple):
     Pose(r=4.0, theta=90, phi=0.0, alpha=0.0, beta=0.0, gamma=0.0)
     """
 
-    r: float
-    theta: float = 0.0
-    phi: float = 0.0
-    alpha: float = 0.0
-    beta: float = 0.0
-    gamma: float = 0.0
+    r: float  #: distance of the centres of mass, Angstrom
+    theta: float = 0.0  #: angle between Z and the line to molecule 1, degrees
+    phi: float = 0.0  #: angle from X to the projection of that line on XY
+    alpha: float = 0.0  #: first Euler angle
+    beta: float = 0.0  #: second Euler angle, between z and Z
+    gamma: float = 0.0  #: third Euler angle
 
 
 class Contact(NamedTuple):
     """Two atoms of different molecules, by their places in `Pair.symbols`, from 0."""
 
-    atom1: int
-    atom2: int
+    atom1: int  #: of molecule 1
+    atom2: int  #: of molecule 2
     distance: float  #: Angstrom
 
 
@@ -52,18 +52,18 @@ class ClosePair(NamedTuple):
     """The same, with the ratio of the distance to the sum of the van der Waals radii (nan where a
     radius is not known)."""
 
-    atom1: int
-    atom2: int
+    atom1: int  #: of molecule 1
+    atom2: int  #: of molecule 2
     distance: float  #: Angstrom
-    ratio: float
+    ratio: float  #: of the distance to the sum of the radii
 
 
 class HydrogenBond(NamedTuple):
     """D-H...A between the molecules, atoms by their places in `Pair.symbols`, from 0."""
 
-    donor: int
-    hydrogen: int
-    acceptor: int
+    donor: int  #: D
+    hydrogen: int  #: H, of the same molecule
+    acceptor: int  #: A, of the other one
     distance: float  #: H...A, Angstrom
     angle: float  #: D-H...A, degrees
 

@@ -43,7 +43,9 @@ class Placer:
 
     #: of the molecules, as they were given
     pair: Pair
+    #: "exact", "as_qn_dravo" or "automatic", as it was given
     placing: str
+    #: what a short contact is
     contact_distance: float | str
 
     def __init__(
