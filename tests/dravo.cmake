@@ -236,6 +236,8 @@ if(PYTHON_WITH_ASE)
   foreach(tool check_site developing folders)
     add_test(NAME docs/${tool} COMMAND ${PYTHON_WITH_ASE} ${CMAKE_CURRENT_SOURCE_DIR}/docs/${tool}_test.py)
   endforeach()
+  add_test(NAME docs/commands_run COMMAND ${PYTHON_WITH_ASE}
+    ${CMAKE_CURRENT_SOURCE_DIR}/docs/commands_run_test.py $<TARGET_FILE:dravo-cli>)
 endif()
 
 # The script of the page of `dravo view`: its modules, and the page against the program.
