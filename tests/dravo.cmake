@@ -233,7 +233,7 @@ if(PYTHON_WITH_ASE)
   add_test(NAME cli/qcelemental_read_back COMMAND ${PYTHON_WITH_ASE}
     ${CMAKE_CURRENT_SOURCE_DIR}/cli/qcelemental_read_back.py $<TARGET_FILE:dravo-cli>)
   set_tests_properties(cli/ase_read_back cli/qcelemental_read_back PROPERTIES SKIP_RETURN_CODE 77)
-  foreach(tool check_site developing folders)
+  foreach(tool check_site code_blocks developing folders)
     add_test(NAME docs/${tool} COMMAND ${PYTHON_WITH_ASE} ${CMAKE_CURRENT_SOURCE_DIR}/docs/${tool}_test.py)
   endforeach()
   add_test(NAME docs/commands_run COMMAND ${PYTHON_WITH_ASE}
