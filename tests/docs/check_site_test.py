@@ -16,6 +16,10 @@ GOOD = {
 }
 #: a file in place of a good one, and what is said of it
 FAULTS = [
+    ("two.html", '<title>t</title><p id="part"><a href="../out.html">', "two.html: leads to ../out.html, which is outside"),
+    ("two.html", '<title>t</title><p id="part"><img srcset="//h/p 2x" alt="p">', "two.html: loads //h/p"),
+    ("two.html", '<title>t</title><p id="part"><video src="//h/v">', "two.html: loads //h/v"),
+    ("two.html", '<title>t</title><p id="part"><link rel="stylesheet preload" href="//h/s">', "two.html: loads //h/s"),
     ("two.html", "<title>Two</title>", "index.html: leads to two.html#part, of which the anchor is not there"),
     ("two.html", '<p id="part">', "two.html: has no title"),
     ("two.html", '<title> </title><p id="part">', "two.html: has no title"),
