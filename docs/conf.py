@@ -17,6 +17,8 @@ copyright = "QN-DRAVO Developers"
 root_doc = "docs/index"
 html_title = "QN-DRAVO manual"
 language = "en"
+# Two hyphens begin an option; they are no dash.
+smartquotes = False
 
 extensions = ["breathe", "docstrings", "myst_parser", "sphinx.ext.autodoc", "sphinx_copybutton"]
 # What a heading is called in a link, as forges do it.
