@@ -39,7 +39,7 @@ html_theme = "furo"
 html_theme_options = {"navigation_with_keys": True}
 html_copy_source = False
 html_show_sourcelink = False
-# Output, which nobody copies, has no button; the prompt of Python is not copied.
+# The prompt of Python is not copied, and nor is what it prints.
 copybutton_prompt_text = r">>> |\.\.\. "
 copybutton_prompt_is_regexp = True
 copybutton_only_copy_prompt_lines = True

@@ -5,6 +5,7 @@
 
 namespace dravo {
 
+/// Of a pair of a dozen atoms; the work grows with the square of their number.
 std::int64_t poses_of_a_moment(EnergyMethod method, std::int32_t atoms) {
   constexpr double kDozen = 12.0;
   constexpr double kForceField = 256.0, kTightBinding = 8.0;

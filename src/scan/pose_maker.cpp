@@ -1,6 +1,5 @@
 #include "scan/pose_maker.hpp"
 
-#include <algorithm>
 #include <cmath>
 
 #include "common/constants.hpp"
@@ -24,7 +23,6 @@ bool is_wanted(ContactRule rule, bool has_contacts) {
 
 }  // namespace
 
-/// Of a pair of a dozen atoms; the work grows with the square of their number.
 PoseDegrees applied_parameters(const Placement& placement, const PoseRadians& radians) {
   PoseDegrees applied;
   applied.r = placement.applied.r;

@@ -24,8 +24,9 @@ TEST(Release, HasOneVersion) {
 }
 
 TEST(Release, HasOneDate) {
-  EXPECT_EQ(first_match("CHANGELOG.md", "\n## [^ ]* \\(([^)]*)\\)"),
-            first_match("CITATION.cff", "\ndate-released: ([^\n]*)"));
+  const std::string date = first_match("CITATION.cff", "\ndate-released: (\\d{4}-\\d\\d-\\d\\d)\n");
+  EXPECT_NE(date, "nothing");
+  EXPECT_EQ(first_match("CHANGELOG.md", "\n## [^ ]* \\(([^)]*)\\)"), date);
 }
 
 }  // namespace
