@@ -52,22 +52,6 @@ char* write_digits_before(char* end, std::uint64_t value) {
   }
 }
 
-/// As many decimal digits of `value` as it has, the last one before `end`. Returns the first.
-char* write_whole_before(char* end, std::uint64_t value) {
-  do {
-    *--end = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  return end;
-}
-
-/// Of the first digit of a value from 0.001 to below 10^16.
-int decimal_exponent(double value) {
-  int exponent = kLeastExponent;
-  while (value >= kTens[static_cast<std::size_t>(exponent + 1 - kLeastExponent)]) ++exponent;
-  return exponent;
-}
-
 __extension__ using Wide = unsigned __int128;
 
 constexpr int kFractionBits = 52;
@@ -85,6 +69,14 @@ BinaryFraction binary_fraction(double value) {
   const std::uint64_t fraction = bits & ((std::uint64_t{1} << kFractionBits) - 1);
   const auto biased = static_cast<int>((bits >> kFractionBits) & 0x7FFU);
   return {fraction | std::uint64_t{1} << kFractionBits, kFractionBits + kExponentBias - biased};
+}
+
+/// Of the first digit of a value from 0.001 to below 10^16.
+int decimal_exponent(double value) {
+  const auto biased = static_cast<int>(std::bit_cast<std::uint64_t>(value) >> kFractionBits);
+  const int of_power = (biased - kExponentBias) * 1233 >> 12;  // 1233/4096 is nearly log10(2)
+  const int next = of_power + 1;
+  return value >= kTens[static_cast<std::size_t>(next - kLeastExponent)] ? next : of_power;
 }
 
 /// A value below 2^52 by a power of ten up to 10^19, rounded to a whole number below 2^63, a tie to
@@ -116,11 +108,56 @@ std::uint64_t scaled_to_whole(double value) {
   return scaled_exactly(value, decimals);
 }
 
+/// The texts of whole numbers below 1000, with blanks in front.
+constexpr std::array<std::array<char, 4>, 1000> kSmallWholes = [] {
+  std::array<std::array<char, 4>, 1000> texts{};
+  for (std::size_t value = 0; value < texts.size(); ++value) {
+    texts[value].fill(' ');
+    std::size_t digits = value, k = texts[value].size();
+    do texts[value][--k] = static_cast<char>('0' + digits % 10);
+    while ((digits /= 10) != 0);
+  }
+  return texts;
+}();
+
+/// How many digits a value below 1000 has.
+constexpr int digits_of_small(std::uint64_t value) {
+  return 1 + (value > 9 ? 1 : 0) + (value > 99 ? 1 : 0);
+}
+
+/// As many decimal digits of `value` as it has, the last one before `end`. Returns the first.
+/// Blanks may be written before it.
+char* write_whole_before(char* end, std::uint64_t value) {
+  if (value < 10) {
+    *--end = static_cast<char>('0' + value);
+    return end;
+  }
+  if (value < kSmallWholes.size()) {
+    std::memcpy(end - sizeof kSmallWholes[value], &kSmallWholes[value], sizeof kSmallWholes[value]);
+    return end - digits_of_small(value);
+  }
+  do {
+    *--end = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  return end;
+}
+
+/// The same at `to`, for a value below 2^32. Returns the end, behind which up to three characters
+/// may be written.
+char* write_whole(char* to, std::uint64_t value) {
+  if (value >= kSmallWholes.size()) return std::to_chars(to, to + kLongestNumber, value).ptr;
+  const int digits = digits_of_small(value);
+  const auto text = std::bit_cast<std::uint32_t>(kSmallWholes[value]) >> 8 * (4 - digits);
+  std::memcpy(to, &text, sizeof text);
+  return to + digits;
+}
+
 /// The fixed notation of a value below 2^31, as `std::to_chars` writes it. Returns the first
 /// character of the text that ends at `end`. Nobody can guess a sign, so one or a blank is written
 /// before every text.
 template <int decimals>
-char* write_small_fixed(char* end, double value) {
+char* write_small_fixed_before(char* end, double value) {
   constexpr std::uint64_t kPower = kPowersOfTen[decimals];
   const std::uint64_t scaled = scaled_to_whole<decimals>(std::abs(value));
   if constexpr (decimals > 0) {
@@ -133,40 +170,58 @@ char* write_small_fixed(char* end, double value) {
   return end - negative;
 }
 
-/// By the number of decimals: divisions by a power that the compiler knows are products.
-constexpr auto kWriteSmallFixed = []<int... decimals>(std::integer_sequence<int, decimals...>) {
-  return std::array{&write_small_fixed<decimals>...};
+/// The same text at `to`. Returns its end.
+template <int decimals>
+char* write_small_fixed(char* to, double value) {
+  constexpr std::uint64_t kPower = kPowersOfTen[decimals];
+  const std::uint64_t scaled = scaled_to_whole<decimals>(std::abs(value));
+  *to = '-';
+  to = write_whole(to + static_cast<int>(std::signbit(value)), scaled / kPower);
+  if constexpr (decimals > 0) {
+    *to++ = '.';
+    to += decimals;
+    write_digits_before<decimals>(to, scaled % kPower);
+  }
+  return to;
 }
-(std::make_integer_sequence<int, 10>{});
 
-constexpr double kSmallFixed = 2147483648.0;
+using WriteFixed = char* (*)(char* place, double value);
+constexpr int kMostDecimals = 9;
+
+/// By the number of decimals: divisions by a power that the compiler knows are products.
+constexpr auto kWriteBefore = []<int... decimals>(std::integer_sequence<int, decimals...>) {
+  return std::array<WriteFixed, sizeof...(decimals)>{&write_small_fixed_before<decimals>...};
+}
+(std::make_integer_sequence<int, kMostDecimals + 1>{});
+
+constexpr auto kWrite = []<int... decimals>(std::integer_sequence<int, decimals...>) {
+  return std::array<WriteFixed, sizeof...(decimals)>{&write_small_fixed<decimals>...};
+}
+(std::make_integer_sequence<int, kMostDecimals + 1>{});
+
+bool is_small_fixed(double value, int decimals) {
+  constexpr double kSmall = 0x1p31;
+  return std::abs(value) < kSmall && decimals <= kMostDecimals;
+}
 
 }  // namespace
 
 char* write_fixed_before(char* end, double value, int decimals) {
-  if (!(std::abs(value) < kSmallFixed) || decimals >= static_cast<int>(kWriteSmallFixed.size()))
-    return nullptr;
-  return kWriteSmallFixed[static_cast<std::size_t>(decimals)](end, value);
-}
-
-std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals) {
-  constexpr std::size_t kRoom = 32;  // a sign, 10 digits, the point, 9 decimals
-  char* const small_end = buffer.data() + kRoom;
-  if (const char* const begin = write_fixed_before(small_end, value, decimals))
-    return {begin, static_cast<std::size_t>(small_end - begin)};
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                          std::chars_format::fixed, decimals);
-  return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
+  if (!is_small_fixed(value, decimals)) return nullptr;
+  return kWriteBefore[static_cast<std::size_t>(decimals)](end, value);
 }
 
 char* write_fixed(char* to, double value, int decimals) {
-  constexpr std::size_t kRoom = 32;
-  std::array<char, 2 * kRoom> text{};
-  if (const char* const begin = write_fixed_before(text.data() + kRoom, value, decimals)) {
-    std::memcpy(to, begin, kRoom);  // sooner done than as many as there are
-    return to + (text.data() + kRoom - begin);
-  }
+  if (is_small_fixed(value, decimals)) return kWrite[static_cast<std::size_t>(decimals)](to, value);
   return std::to_chars(to, to + kLongestNumber, value, std::chars_format::fixed, decimals).ptr;
+}
+
+std::string_view fixed_notation(FixedBuffer& buffer, double value, int decimals) {
+  char* const begin = buffer.data();
+  if (is_small_fixed(value, decimals)) return {begin, write_fixed(begin, value, decimals)};
+  const auto [end, error] =
+      std::to_chars(begin, begin + buffer.size(), value, std::chars_format::fixed, decimals);
+  return {begin, end};
 }
 
 namespace {
@@ -177,6 +232,10 @@ struct ShortDecimal {
   int decimals = 0;
   int whole_digits = 0;  ///< before the point
 };
+
+/// A number of which 64 bits are the whole part, and 64 are behind the point.
+std::uint64_t whole_part(Wide value) { return static_cast<std::uint64_t>(value >> 64U); }
+std::uint64_t fraction(Wide value) { return static_cast<std::uint64_t>(value); }
 
 /// The decimal of fewest digits that is closer to the value than to any other double; of several
 /// the closest. From what lies half way to the neighbours, in units of the seventeenth digit,
@@ -189,26 +248,32 @@ ShortDecimal short_decimal(double value) {
   const int exponent = decimal_exponent(value);
   int decimals = kSignificantDigits - 1 - exponent;
 
-  const std::uint64_t half_ulp = kPowersOfTen[static_cast<std::size_t>(decimals)];
-  const auto unit_bits = static_cast<unsigned>(shift) + 1;
-  const Wide below_unit = (Wide{1} << unit_bits) - 1;
-  const Wide exact = Wide{mantissa} * half_ulp * 2;
+  // With the first bit of the mantissa in front, the point comes to stand between the two halves of
+  // the product. A power of ten is a multiple of as many twos, so no bit is lost to the right.
+  constexpr int kPointShift = 64 - 11;
+  const std::uint64_t power = kPowersOfTen[static_cast<std::size_t>(decimals)];
+  const std::uint64_t unit = shift <= kPointShift
+                                 ? power << static_cast<unsigned>(kPointShift - shift)
+                                 : power >> static_cast<unsigned>(shift - kPointShift);
+  const Wide exact = Wide{mantissa << 11U} * unit;
   // A number half way is read as the neighbour whose mantissa is even.
-  const std::uint64_t odd = mantissa % 2;
-  auto lowest = static_cast<std::uint64_t>((exact - half_ulp + odd + below_unit) >> unit_bits);
-  auto highest = static_cast<std::uint64_t>((exact + half_ulp - odd) >> unit_bits);
-  std::uint64_t power = 1;
+  const Wide half_way = (Wide{unit} << 10U) - mantissa % 2;
+  std::uint64_t lowest = whole_part(exact - half_way + ~std::uint64_t{0});
+  std::uint64_t highest = whole_part(exact + half_way);
+  std::uint64_t digits = whole_part(exact);
+  const Wide tenths = Wide{fraction(exact)} * 10;
+  std::uint64_t next_digit = whole_part(tenths);
+  bool more = fraction(tenths) != 0;  // digits behind it
   while ((lowest + 9) / 10 <= highest / 10) {
     lowest = (lowest + 9) / 10;
     highest /= 10;
-    power *= 10;
+    more = more || next_digit != 0;
+    next_digit = digits % 10;
+    digits /= 10;
     --decimals;
   }
-  const auto digits = static_cast<std::uint64_t>(exact >> unit_bits);
-  const Wide rest = (Wide{digits % power} << unit_bits) + (exact & below_unit);
-  const Wide half = Wide{power} << (unit_bits - 1);
-  if (rest == half) return {};  // two are as close
-  return {digits / power + (rest > half ? 1 : 0), decimals, std::max(exponent, 0) + 1};
+  if (next_digit == 5 && !more) return {};  // two are as close
+  return {digits + (next_digit >= 5 ? 1 : 0), decimals, std::max(exponent, 0) + 1};
 }
 
 }  // namespace
@@ -216,11 +281,14 @@ ShortDecimal short_decimal(double value) {
 char* write_shortest(char* to, double value) {
   const ShortDecimal decimal = short_decimal(std::abs(value));
   if (decimal.decimals <= 0) return std::to_chars(to, to + kLongestNumber, value).ptr;
-  constexpr int kDigits = 24;
-  std::array<char, std::size_t{2} * kDigits>
-      text{};  // what is copied sooner than as many as there are
-  char* const point = text.data() + kDigits - decimal.decimals;
-  write_digits_before<kDigits>(text.data() + kDigits, decimal.digits);
+  // Up to seventeen digits, the last sixteen together, with zeros in front. Behind them is what is
+  // copied sooner than as many as there are.
+  constexpr int kZeros = 7, kTogether = kSignificantDigits - 1, kDigits = kZeros + 1 + kTogether;
+  constexpr std::uint64_t kPower = kPowersOfTen[kTogether];
+  std::array<char, std::size_t{2} * kDigits> text{'0', '0', '0', '0', '0', '0', '0'};
+  text[kZeros] = static_cast<char>('0' + decimal.digits / kPower);
+  write_digits_before<kTogether>(text.data() + kDigits, decimal.digits % kPower);
+  const char* const point = text.data() + kDigits - decimal.decimals;
   if (std::signbit(value)) *to++ = '-';
   std::memcpy(to, point - decimal.whole_digits, kDigits);
   to += decimal.whole_digits;

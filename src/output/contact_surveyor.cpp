@@ -102,8 +102,25 @@ struct ContactSurveyor::Clearance {
   std::int64_t contacts = 0;
   double reach = smallest;  ///< beyond it is neither a smaller ratio nor a contact
 
+  /// Whose smallest ratio may be the smallest of all, which is then nearly the root of `least`.
+  struct Waiting {
+    std::int32_t row = -1;
+    Vec3 position{};
+    double least = std::numeric_limits<double>::infinity();
+  };
+  Waiting waiting = {};
+
+  [[nodiscard]] std::size_t place(std::int32_t row) const {
+    return static_cast<std::size_t>(row - molecule1.begin);
+  }
+
+  /// Up to where squares may be those of contacts, or of a ratio as small as the root of `least`.
+  [[nodiscard]] double most_square(double least) const {
+    return std::max(least, square(factor)) * (1.0 + kMargin);
+  }
+
   void add(std::int32_t row, const Vec3& p, const Group& group) {
-    const double radius = surveyor.radii1_[static_cast<std::size_t>(row - molecule1.begin)];
+    const double radius = surveyor.radii1_[place(row)];
     double reach_square = square(reach) * (1.0 + kMargin);
     for (std::size_t k = group.begin; k < group.end; ++k) {
       const Vec3 d = p - surveyor.atoms_[k];
@@ -116,17 +133,28 @@ struct ContactSurveyor::Clearance {
     }
   }
 
-  /// The same with the squares of the distances, which are lost. Ratios are computed where they may
-  /// be the smallest of the atom, or contacts.
+  /// The same with the squares of the distances, which are lost. The row waits for its ratios to be
+  /// computed until no other can have a smaller one, or until it may share the smallest.
   void add_few(std::int32_t row, const Vec3& p, FewAtoms::Numbers& squares) {
-    const auto i = static_cast<std::size_t>(row - molecule1.begin);
-    const double least = surveyor.few_->divide_by_sums(i, squares);
-    if (!(least <= square(reach) * (1.0 + kMargin))) return;
-    const double most = std::max(least, square(factor)) * (1.0 + kMargin);
+    const double least = surveyor.few_->divide_by_sums(place(row), squares);
+    if (!(least <= most_square(waiting.least))) return;
+    const bool outdone = least * (1.0 + kMargin) < waiting.least;
+    if (!outdone || waiting.least <= most_square(0.0)) settle();
+    waiting = {row, p, std::min(least, waiting.least)};
+  }
+
+  /// Computes the ratios of the row that waits which may be the smallest, or contacts.
+  void settle() {
+    if (waiting.row < 0) return;
+    const auto& [row, p, least] = waiting;
+    FewAtoms::Numbers squares;
+    surveyor.few_->take_squares(p, squares);
+    surveyor.few_->divide_by_sums(place(row), squares);
+    const double most = most_square(least);
     for (std::size_t k = 0; k < surveyor.atoms_.size(); ++k) {
       if (!(squares[k] <= most)) continue;
       const double ratio =
-          modulus(p - surveyor.atoms_[k]) / (surveyor.radii1_[i] + surveyor.radii_[k]);
+          modulus(p - surveyor.atoms_[k]) / (surveyor.radii1_[place(row)] + surveyor.radii_[k]);
       if (ratio <= factor) ++contacts;
       take(ratio, row, molecule1.end + surveyor.rows_[k]);
     }
@@ -301,6 +329,7 @@ ContactSurvey ContactSurveyor::survey_few(const ConstAtomTable& placed, RowRange
         if (contact.holds(squares[k])) ++contacts;
     if (clearance != nullptr) clearance->add_few(i, p, squares);
   }
+  if (clearance != nullptr) clearance->settle();
   return {half_power(shortest_square), contacts};
 }
 

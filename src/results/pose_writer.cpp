@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -52,7 +51,7 @@ char* write_status(char* to, const ScannedPose& pose) {
   return std::copy(name.begin(), name.end(), to);
 }
 
-constexpr std::array<PoseColumn, 22> kPoseColumns{{
+constexpr std::array<PoseColumn, PoseRow::kMostColumns> kPoseColumns{{
     {"index", [](char* to, const auto& p) { return write_shortest(to, p.index); }},
     {"above_contact", [](char* to, const auto& p) { return write_shortest(to, p.above_contact); },
      &PoseColumns::above_contact},
@@ -218,7 +217,8 @@ PoseWriter::PoseWriter(FrameAtoms atoms, const PoseColumns& columns)
       Key& key = keys_.emplace_back();
       key.size = fmt::format_to_n(key.text.begin(), key.text.size(), " {}=", column.name).size;
     }
-  longest_comment_ = head_.size() + keys_.size() * sizeof(Key::text) + kExactWords.size() + 1;
+  longest_comment_ =
+      head_.size() + keys_.size() * sizeof(Key::text) + kExactWords.size() + 1 + PoseRow::kCopied;
 }
 
 std::string PoseWriter::table_heading() const {
@@ -228,18 +228,16 @@ std::string PoseWriter::table_heading() const {
   return heading + "\n";
 }
 
-std::string_view PoseWriter::append_row(std::string& table, const ScannedPose& pose) const {
-  std::array<char, kPoseColumns.size() * (kLongestNumber + 1)> row;
-  char* end = row.data();
+void PoseWriter::fill(PoseRow& row, const ScannedPose& pose) const {
+  char* end = row.cells_.data();
+  row.columns_ = 0;
   for (const PoseColumn& column : kPoseColumns) {
     if (!is_there(column, columns_)) continue;
     end = column.write(end, pose);
+    row.ends_[row.columns_++] = static_cast<std::size_t>(end - row.cells_.data());
     *end++ = ',';
   }
   end[-1] = '\n';
-  const std::size_t begin = table.size();
-  table.append(row.data(), end);
-  return {table.data() + begin, table.size() - begin - 1};
 }
 
 std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
@@ -254,10 +252,10 @@ std::optional<ScannedPose> PoseWriter::read_row(std::string_view row) const {
   return pose;
 }
 
-void PoseWriter::append_frame(std::string& frames, std::string_view row,
+void PoseWriter::append_frame(std::string& frames, const PoseRow& row,
                               const ConstAtomTable& placed) const {
   const std::size_t begin = frames.size();
-  frames.resize(begin + longest_comment_ + row.size() +
+  frames.resize(begin + longest_comment_ + row.line().size() +
                 atoms_.molecule1.size() * kBlankLine.size() + atoms_.molecule2.size());
   char* next = write_comment(frames.data() + begin, row);
   next = write_atoms(next, atoms_.molecule1, 0, '1', placed, columns_.exact);
@@ -265,36 +263,21 @@ void PoseWriter::append_frame(std::string& frames, std::string_view row,
   frames.resize(static_cast<std::size_t>(next - frames.data()));
 }
 
-namespace {
-
-/// Copies up to the first comma, or all. Returns how many characters.
-std::size_t copy_cell(char* to, std::string_view row) {
-  constexpr std::uint64_t kCommas = 0x2C2C2C2C2C2C2C2CU;
-  constexpr std::uint64_t kOnes = 0x0101010101010101U;
-  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
-  std::size_t k = 0;
-  for (; k + sizeof(std::uint64_t) <= row.size(); k += sizeof(std::uint64_t)) {
-    std::uint64_t eight = 0;
-    std::memcpy(&eight, row.data() + k, sizeof eight);
-    std::memcpy(to + k, &eight, sizeof eight);
-    const std::uint64_t no_bits = eight ^ kCommas;  // zero in the bytes that are commas
-    if (const std::uint64_t first = (no_bits - kOnes) & ~no_bits & kHighBits; first != 0)
-      return k + static_cast<std::size_t>(std::countr_zero(first)) / 8;
-  }
-  for (; k < row.size() && row[k] != ','; ++k) to[k] = row[k];
-  return k;
-}
-
-}  // namespace
-
 /// " name=value" for each value of the row, nothing for one that is none. Returns the end.
-char* PoseWriter::write_comment(char* next, std::string_view row) const {
+char* PoseWriter::write_comment(char* next, const PoseRow& row) const {
   next = std::copy(head_.begin(), head_.end(), next);
-  for (const Key& key : keys_) {
+  std::size_t begin = 0;
+  for (std::size_t k = 0; k < keys_.size(); ++k) {
+    const Key& key = keys_[k];
+    const char* const cell = row.cells_.data() + begin;
+    const std::size_t size = row.ends_[k] - begin;
+    begin = row.ends_[k] + 1;
+    if (size == 0) continue;
     std::memcpy(next, key.text.data(), key.text.size());
-    const std::size_t size = copy_cell(next + key.size, row);
-    if (size > 0) next += key.size + size;
-    row.remove_prefix(std::min(size + 1, row.size()));
+    next += key.size;
+    std::memcpy(next, cell, PoseRow::kCopied);  // sooner done than as many as there are
+    if (size > PoseRow::kCopied) std::memcpy(next, cell, size);
+    next += size;
   }
   if (columns_.exact) next = std::copy(kExactWords.begin(), kExactWords.end(), next);
   *next++ = '\n';

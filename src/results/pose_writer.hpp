@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "common/atom_table.hpp"
+#include "common/number_format.hpp"
 #include "dravo/scan.hpp"
 
 namespace dravo {
@@ -51,6 +52,25 @@ FrameAtoms frame_atoms(std::span<const Label> labels, std::int32_t n1, const Con
 /// Molecule 2 as a frame of its own.
 std::string molecule2_frame(const FrameAtoms& atoms);
 
+/// The numbers of a pose as a row of the table.
+class PoseRow {
+ public:
+  static constexpr std::size_t kMostColumns = 22;
+
+  [[nodiscard]] std::string_view line() const { return {cells_.data(), ends_[columns_ - 1] + 1}; }
+  [[nodiscard]] std::string_view without_line_end() const {
+    return {cells_.data(), ends_[columns_ - 1]};
+  }
+
+ private:
+  friend class PoseWriter;
+  static constexpr std::size_t kCopied = 32;  ///< characters of a cell, also where it has fewer
+
+  std::array<char, kMostColumns*(kLongestNumber + 1) + kCopied> cells_{};
+  std::array<std::size_t, kMostColumns> ends_{};  ///< of the cells, behind each of which is a comma
+  std::size_t columns_ = 1;
+};
+
 /// Both texts have the same columns: index, the six parameters asked, the six applied, shortest
 /// intermolecular distance, number of short contacts, clearance and its two atoms, from 1;
 /// `above_contact` behind the index in plans that count r from the contact, and `equivalents` at
@@ -64,17 +84,16 @@ class PoseWriter {
 
   [[nodiscard]] std::string table_heading() const;
 
-  /// Returns the row without its end of line, as long as the table stays as it is.
-  std::string_view append_row(std::string& table, const ScannedPose& pose) const;
+  /// What the row was before is gone.
+  void fill(PoseRow& row, const ScannedPose& pose) const;
 
   /// What a row tells that cannot be found again by placing the pose: index, r above the contact,
   /// what was asked, how many poses it stands for, energy and status. Empty for a text that is no
   /// row.
   [[nodiscard]] std::optional<ScannedPose> read_row(std::string_view row) const;
 
-  /// The pose that has this row, behind which others' columns may follow, and whose atoms stand in
-  /// `placed`.
-  void append_frame(std::string& frames, std::string_view row, const ConstAtomTable& placed) const;
+  /// The pose that has this row and whose atoms stand in `placed`.
+  void append_frame(std::string& frames, const PoseRow& row, const ConstAtomTable& placed) const;
 
  private:
   /// " r=", with room behind it.
@@ -83,7 +102,7 @@ class PoseWriter {
     std::size_t size = 0;
   };
 
-  char* write_comment(char* next, std::string_view row) const;
+  char* write_comment(char* next, const PoseRow& row) const;
 
   FrameAtoms atoms_;
   PoseColumns columns_;

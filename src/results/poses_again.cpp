@@ -91,9 +91,8 @@ MadePose PosesAgain::made(std::string_view row) {
     throw IoFailure(
         fmt::format("{}: expected a row of the scan, found {}", table_, dravo::quoted(row)));
   const MadePose pose = maker_.made_again(*known);
-  row_.clear();
-  writer_.append_row(row_, pose.numbers);
-  if (!begins_with(row, without_line_end(row_)))
+  writer_.fill(row_, pose.numbers);
+  if (!begins_with(row, row_.without_line_end()))
     throw IoFailure(
         fmt::format("{}: the row of pose {} is not the one that this program writes: the table has "
                     "changed, or another version made it",
@@ -102,7 +101,7 @@ MadePose PosesAgain::made(std::string_view row) {
 }
 
 void PosesAgain::append_frame(std::string& frames, const MadePose& last) const {
-  writer_.append_frame(frames, without_line_end(row_), last.atoms);
+  writer_.append_frame(frames, row_, last.atoms);
 }
 
 }  // namespace dravo

@@ -46,7 +46,7 @@ class PosesAgain {
   PoseWriter writer_;
   PoseMaker maker_;
   std::string table_;
-  std::string row_;  ///< of the pose that was made last
+  PoseRow row_;  ///< of the pose that was made last
 };
 
 }  // namespace dravo

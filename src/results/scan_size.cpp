@@ -71,12 +71,14 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const Sca
   const std::int64_t poses = end - first;
   const std::int64_t looked_at = std::min(poses, kMostLookedAt);
   ScanSize size;
-  std::string rows, frames;
+  std::string frames;
+  PoseRow row;
   const auto look = [&](const MadePose& pose) {
     ScannedPose numbers = pose.numbers;
     numbers.energy_status = EnergyStatus::ok;
     numbers.interaction = kUsualEnergy;
-    const std::string_view row = writer.append_row(rows, numbers);
+    writer.fill(row, numbers);
+    size.table += static_cast<double>(row.line().size());
     if (writing == Writing::files) size.frames += files_of_pose(placer, pose);
     if (writing == Writing::frames || writing == Writing::moving)
       writer.append_frame(frames, row, pose.atoms);
@@ -88,7 +90,7 @@ ScanSize expected_size(const PairPlacer& placer, const ScanPlan& plan, const Sca
   const double times =
       looked_at == 0 ? 0.0 : static_cast<double>(poses) / static_cast<double>(looked_at);
   size.frames = times * (size.frames + static_cast<double>(frames.size()));
-  size.table = times * static_cast<double>(rows.size());
+  size.table *= times;
   size.at_most = plan.contacts() != ContactRule::keep || plan.unique() || output.keep_below;
   return size;
 }

@@ -70,11 +70,12 @@ void TextMaker::make(std::int64_t first, std::int64_t end, TextChunk& chunk) {
 }
 
 void TextMaker::write(const MadePose& pose, TextChunk& chunk) {
-  const std::string_view row = writer_.append_row(chunk.table, pose.numbers);
+  writer_.fill(row_, pose.numbers);
+  chunk.table += row_.line();
   if (output_->writing == Writing::files)
     write_files(pose);
   else if (output_->writing != Writing::table)
-    writer_.append_frame(chunk.frames, row, pose.atoms);
+    writer_.append_frame(chunk.frames, row_, pose.atoms);
 }
 
 /// Names hold whole degrees, so poses may share theirs: each gets a folder of its own, by index.

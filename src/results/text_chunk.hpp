@@ -56,6 +56,7 @@ class TextMaker {
   const ScanOutput* output_;
   PoseMaker poses_;
   PoseWriter writer_;
+  PoseRow row_;
   PoseFolders folders_;
 };
 

@@ -45,6 +45,27 @@ TEST(FixedNotation, IsThatOfTheLibraryForValuesOfEverySize) {
   }
 }
 
+/// Both ways of writing it into a place.
+TEST(FixedNotation, IsTheSameBeforeAndBehindAPlace) {
+  std::mt19937_64 random(20240229);
+  for (const double largest : {9.0, 99.0, 999.0, 9999.0, 1e9})
+    for (int k = 0; k < 20000; ++k) {
+      const double value = (static_cast<double>(random() >> 11U) * 0x1p-52 - 1.0) * largest;
+      const int decimals = static_cast<int>(random() % 10);
+      std::string place(64, '#');
+      char* const begin = write_fixed_before(place.data() + 48, value, decimals);
+      ASSERT_NE(begin, nullptr);
+      ASSERT_EQ(std::string(begin, place.data() + 48), library_fixed(value, decimals));
+      ASSERT_EQ(place.substr(48), std::string(16, '#')) << "nothing behind it";
+      if (value >= 0.0) {
+        ASSERT_EQ(begin[-1], ' ');
+      }
+      std::array<char, kLongestNumber> other;
+      ASSERT_EQ(std::string(other.data(), write_fixed(other.data(), value, decimals)),
+                library_fixed(value, decimals));
+    }
+}
+
 TEST(FixedNotation, TiesGoToTheEvenDigit) {
   EXPECT_EQ(plain_fixed(0.5, 0), "0");
   EXPECT_EQ(plain_fixed(1.5, 0), "2");

@@ -32,14 +32,15 @@ constexpr std::int64_t kMost = 5;
 void read_rows(const std::string& file, const PoseColumns& columns) {
   const PoseWriter writer({}, columns);
   TableRows rows(file);
-  for (std::string row, first, second; rows.next(row); first.clear(), second.clear()) {
+  PoseRow first, second;
+  for (std::string row; rows.next(row);) {
     const auto pose = writer.read_row(row);
     if (!pose) continue;
-    writer.append_row(first, *pose);
-    const auto again = writer.read_row(std::string_view(first).substr(0, first.size() - 1));
+    writer.fill(first, *pose);
+    const auto again = writer.read_row(first.without_line_end());
     if (!again) continue;
-    writer.append_row(second, *again);
-    require(first == second, "a row that is written is read as the same");
+    writer.fill(second, *again);
+    require(first.line() == second.line(), "a row that is written is read as the same");
   }
 }
 

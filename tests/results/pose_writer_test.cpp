@@ -42,9 +42,9 @@ constexpr PoseColumns kExact{.exact = true};
 PoseWriter table_writer(const PoseColumns& columns) { return {{}, columns}; }
 
 std::string row_of(const ScannedPose& pose, const PoseColumns& columns = {}) {
-  std::string table;
-  table_writer(columns).append_row(table, pose);
-  return table;
+  PoseRow row;
+  table_writer(columns).fill(row, pose);
+  return std::string(row.line());
 }
 
 TEST(PoseTable, HasAHeading) {
@@ -65,14 +65,6 @@ TEST(PoseTable, HasARowForAPose) {
   EXPECT_EQ(row_of(hand_made(), kAboveContact),
             "42,0.25,3.5,90,45,0.1,1e-07,359.99,3.50000000,90.000000,45.000000,0.090000,"
             "179.990000,359.990000,1.89999998,3,0.714286,1,2\n");
-}
-
-TEST(PoseTable, GrowsAtItsEnd) {
-  std::string table = "before\n";
-  const PoseWriter writer = table_writer({});
-  writer.append_row(table, hand_made());
-  writer.append_row(table, hand_made());
-  EXPECT_EQ(table, "before\n" + row_of(hand_made()) + row_of(hand_made()));
 }
 
 TEST(PoseTable, ShowsDirectionsThatHaveNoMeaning) {
@@ -147,15 +139,24 @@ TEST(PoseTable, HasTheStatusOfAPoseWithoutEnergy) {
     EXPECT_EQ(row_of(with_energy(status, kNoNumber), kEnergies), kPlainRow + ",," + name + "\n");
 }
 
+TEST(PoseTable, HasNothingOfTheRowBefore) {
+  const PoseWriter writer = table_writer(kAboveContact);
+  PoseRow row;
+  writer.fill(row, with_energy(EnergyStatus::ok, -123456789.0));
+  writer.fill(row, without_clearance());
+  EXPECT_EQ(row.line(), row_of(without_clearance(), kAboveContact));
+  EXPECT_EQ(std::string(row.without_line_end()) + "\n", row.line());
+}
+
 TEST(PoseTable, ReadsBackWhatPlacingAPoseDoesNotFind) {
   const PoseWriter writer =
       table_writer({.above_contact = true, .equivalents = true, .energy = true});
   for (const ScannedPose& pose :
        {with_energy(EnergyStatus::ok, -0.000001), with_energy(EnergyStatus::clash, kNoNumber)}) {
-    std::string row;
-    writer.append_row(row, pose);
-    const auto read = writer.read_row(row.substr(0, row.size() - 1));
-    ASSERT_TRUE(read) << row;
+    PoseRow row;
+    writer.fill(row, pose);
+    const auto read = writer.read_row(row.without_line_end());
+    ASSERT_TRUE(read) << row.line();
     EXPECT_EQ(read->index, 42);
     EXPECT_EQ(read->above_contact, 0.25);
     EXPECT_EQ(read->asked.gamma, 359.99);
@@ -208,9 +209,10 @@ TEST(PoseTable, CountsFarPoses) {
 /// Behind what `frames` holds.
 void append_frame(std::string& frames, const ScannedPose& pose, const std::vector<Label>& labels,
                   std::int32_t n1, SmallTable& placed, const PoseColumns& columns = {}) {
-  const std::string row = row_of(pose, columns);
-  PoseWriter(frame_atoms(labels, n1, placed.table(), columns.exact), columns)
-      .append_frame(frames, row.substr(0, row.size() - 1), placed.table());
+  const PoseWriter writer(frame_atoms(labels, n1, placed.table(), columns.exact), columns);
+  PoseRow row;
+  writer.fill(row, pose);
+  writer.append_frame(frames, row, placed.table());
 }
 
 std::string frame_of(const ScannedPose& pose, const std::vector<Atom>& atoms,
@@ -304,21 +306,25 @@ TEST(PoseFrame, TellsTheMoleculeOfEachAtom) {
   }
 }
 
-/// A table may have columns of others behind those of the scan.
-TEST(PoseFrame, HasTheColumnsOfTheScanAlone) {
-  SmallTable placed(std::vector<Atom>{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}});
-  const PoseWriter writer(frame_atoms(kLabels, 1, placed.table(), false), {});
-  std::string frame, frame_with_more;
-  writer.append_frame(frame, kPlainRow, placed.table());
-  writer.append_frame(frame_with_more, kPlainRow + ",-1.5,ok", placed.table());
-  EXPECT_EQ(frame_with_more, frame);
+TEST(PoseFrame, HasNumbersOfAnyLength) {
+  ScannedPose pose = hand_made();
+  pose.asked.r = -1.2345678901234568e-300;
+  pose.applied.r = 1e300;
+  const std::string frame = frame_of(pose, {{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}});
+  EXPECT_NE(frame.find(" r=-1.2345678901234568e-300 theta=90 "), std::string::npos) << frame;
+  const std::string six_decimals = std::to_string(1e300);
+  EXPECT_NE(frame.find(" r_applied=" + six_decimals + "00 theta_applied="), std::string::npos)
+      << frame;
 }
 
 TEST(PoseFrame, OfMolecule1AloneCountsItsAtoms) {
   SmallTable placed(std::vector<Atom>{{"O", {1.0, -2.5, 0.0}}, {"Cl", {4.0, 5.0, 6.0}}});
   const FrameAtoms both = frame_atoms(kLabels, 1, placed.table(), false);
   std::string frame;
-  PoseWriter({both.molecule1}, {}).append_frame(frame, kPlainRow, placed.table());
+  const PoseWriter writer({both.molecule1}, {});
+  PoseRow row;
+  writer.fill(row, hand_made());
+  writer.append_frame(frame, row, placed.table());
   EXPECT_EQ(frame, "1\nProperties=species:S:1:pos:R:3:molecule:I:1 index=42 " + kComment +
                        "O       1.00000000     -2.50000000      0.00000000 1\n");
   EXPECT_EQ(molecule2_frame(both),
