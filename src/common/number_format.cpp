@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace dravo {
@@ -237,6 +238,11 @@ struct ShortDecimal {
 std::uint64_t whole_part(Wide value) { return static_cast<std::uint64_t>(value >> 64U); }
 std::uint64_t fraction(Wide value) { return static_cast<std::uint64_t>(value); }
 
+/// Of a value below 2^63.
+bool is_whole(double value) {
+  return static_cast<double>(static_cast<std::int64_t>(value)) == value;
+}
+
 /// The decimal of fewest digits that is closer to the value than to any other double; of several
 /// the closest. From what lies half way to the neighbours, in units of the seventeenth digit,
 /// digits are taken off as long as a whole number is left between.
@@ -244,7 +250,7 @@ ShortDecimal short_decimal(double value) {
   if (!(value >= kTens.front() && value < 0x1p52)) return {};
   const auto [mantissa, shift] = binary_fraction(value);
   const bool neighbours_differ = mantissa == std::uint64_t{1} << kFractionBits;
-  if (neighbours_differ || value == std::floor(value)) return {};
+  if (neighbours_differ || is_whole(value)) return {};
   const int exponent = decimal_exponent(value);
   int decimals = kSignificantDigits - 1 - exponent;
 
@@ -279,7 +285,13 @@ ShortDecimal short_decimal(double value) {
 }  // namespace
 
 char* write_shortest(char* to, double value) {
-  const ShortDecimal decimal = short_decimal(std::abs(value));
+  const double size = std::abs(value);
+  if (size < static_cast<double>(kSmallWholes.size()) && is_whole(size)) {
+    *to = '-';
+    return write_whole(to + static_cast<int>(std::signbit(value)),
+                       static_cast<std::uint64_t>(size));
+  }
+  const ShortDecimal decimal = short_decimal(size);
   if (decimal.decimals <= 0) return std::to_chars(to, to + kLongestNumber, value).ptr;
   // Up to seventeen digits, the last sixteen together, with zeros in front. Behind them is what is
   // copied sooner than as many as there are.
@@ -298,6 +310,8 @@ char* write_shortest(char* to, double value) {
 }
 
 char* write_shortest(char* to, std::int64_t value) {
+  if (value >= 0 && value < std::ssize(kSmallWholes))
+    return write_whole(to, static_cast<std::uint64_t>(value));
   return std::to_chars(to, to + kLongestNumber, value).ptr;
 }
 
@@ -318,9 +332,8 @@ void append_shortest(std::string& text, double value) {
 }
 
 void append_shortest(std::string& text, std::int64_t value) {
-  std::array<char, 32> digits;
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-  text.append(digits.data(), end);
+  std::array<char, kLongestNumber> digits;
+  text.append(digits.data(), write_shortest(digits.data(), value));
 }
 
 int write_significant_digits(std::span<char, kSignificantDigits> digits, double value) {

@@ -155,6 +155,17 @@ TEST(ShortestText, IsThatOfTheLibraryForShortNumbersAndTheirNeighbours) {
   }
 }
 
+TEST(ShortestText, OfWholeNumbersHasNoPoint) {
+  for (std::int64_t value = -1200; value <= 1200; ++value) {
+    const std::string expected = std::to_string(value);
+    std::string text;
+    append_shortest(text, value);
+    EXPECT_EQ(text, expected);
+    EXPECT_EQ(shortest_text(static_cast<double>(value)), expected);
+  }
+  EXPECT_EQ(shortest_text(-0.0), "-0");
+}
+
 /// Neighbours of powers of two are not equally far away.
 TEST(ShortestText, IsThatOfTheLibraryAroundPowersOfTwoAndHalves) {
   for (int exponent = -40; exponent <= 70; ++exponent)
