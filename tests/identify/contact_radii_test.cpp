@@ -148,6 +148,24 @@ TEST(SurveyWithRadii, CountsARatioThatIsTheFactorButNotTheNextNumber) {
   }
 }
 
+/// From the last bit to what squares surely tell apart, in any order of the atoms.
+TEST(SurveyWithRadii, FindsTheSmallestOfRatiosThatAreNearlyEqual) {
+  Random random(15);
+  std::uniform_int_distribution<int> power(-17, -11);
+  std::uniform_real_distribution<double> part(0.0, 1.0);
+  for (const ContactCriterion& criterion : kCriteria)
+    for (int repeat = 0; repeat < 300; ++repeat) {
+      const RadiiCloud molecule2{{{0.0, 0.0, 0.0}, {0.0, 0.0, 40.0}}, {1.7, 1.2}};
+      RadiiCloud molecule1{{}, Radii(9, 1.5)};
+      for (std::size_t k = 0; k < molecule1.radii.size(); ++k) {
+        const double more = part(random) * std::pow(10.0, power(random));
+        molecule1.atoms.push_back(3.2 * (1.0 + more) * unit_vector(random));
+      }
+      expect_true_survey(molecule1, molecule2, criterion);
+      ASSERT_FALSE(HasFailure()) << criterion.text() << ' ' << repeat;
+    }
+}
+
 TEST(ClosestPairs, AreTheFirstOfAllPairsInOrder) {
   Random random(13);
   for (const std::size_t atoms2 : {1U, 6U, 40U, 700U})
