@@ -26,7 +26,7 @@ inline void require(bool condition, const char* what) {
 
 /// Some lines that a terminal shows as they are, each of them readable at once.
 inline void require_message(std::string_view message) {
-  constexpr std::size_t kMostLines = 12;
+  constexpr std::size_t kMostLines = 13;  // two, and up to eleven that list molecules
   constexpr std::size_t kLongestLine = 600;
   require(!message.empty(), "a message says something");
   std::size_t lines = 0;
