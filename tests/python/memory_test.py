@@ -57,20 +57,27 @@ def resident() -> int:
     return pages * os.sysconf("SC_PAGE_SIZE")
 
 
-@pytest.mark.parametrize("name", CALLS)
-def test_calls_leave_nothing_behind(name: str) -> None:
-    call, times = CALLS[name]
-    for _ in range(times // 5 + 20):  # until the allocators have what they need
-        call()
-    gc.collect()
+def growth(call: Callable[[], Any], times: int) -> int:
+    """Bytes that calls leave behind."""
     before = resident()
     for _ in range(times):
         call()
     gc.collect()
-    grown = resident() - before
-    print(f"{name}: {grown / 1024:.0f} KiB in {times} calls")
+    return resident() - before
+
+
+@pytest.mark.parametrize("name", CALLS)
+def test_calls_leave_nothing_behind(name: str) -> None:
+    call, times = CALLS[name]
+    growth(call, times // 5 + 20)  # until the allocators have what they need
     # The smallest that any of these makes, 12 atoms or an exception, has some 300 bytes.
-    assert grown < max(300 * times, 1_500_000) * 0.5
+    limit = max(300 * times, 1_500_000) * 0.5
+    # Buffers of threads come and go, by a megabyte; what leaks does so every time.
+    grown = [growth(call, times)]
+    while grown[-1] >= limit and len(grown) < 3:
+        grown.append(growth(call, times))
+    print(f"{name}: {[size // 1024 for size in grown]} KiB in {times} calls")
+    assert grown[-1] < limit
 
 
 def test_a_leak_would_be_seen() -> None:
