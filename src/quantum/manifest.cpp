@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
-#include <utility>
 
+#include "common/json_number.hpp"
 #include "common/version.hpp"
 #include "dravo/error.hpp"
 #include "results/checksum.hpp"
@@ -24,19 +24,8 @@ std::uint64_t checksum_in(const Json& json) {
   return *checksum;
 }
 
-/// A whole number that its type holds.
-template <class Whole>
-void read_whole(const Json& json, Whole& number) {
-  const bool is_held =
-      json.is_number_unsigned()
-          ? std::in_range<Whole>(json.get<std::uint64_t>())
-          : json.is_number_integer() && std::in_range<Whole>(json.get<std::int64_t>());
-  if (!is_held) throw std::out_of_range("number");
-  json.get_to(number);
-}
-
 void read_two(const Json& json, std::array<int, 2>& numbers) {
-  for (std::size_t k = 0; k < numbers.size(); ++k) read_whole(json.at(k), numbers[k]);
+  for (std::size_t k = 0; k < numbers.size(); ++k) numbers[k] = whole_number<int>(json.at(k));
 }
 
 void require_possible(const Manifest& manifest) {
@@ -100,19 +89,17 @@ Manifest parse_manifest(const std::string& name, const std::string& text) {
     read_two(json.at("charges"), job.charges);
     read_two(json.at("multiplicities"), job.multiplicities);
     job.treatment = treatment_of(json.at("treatment").get<std::string>());
-    read_whole(json.at("ghost"), job.ghost);
+    job.ghost = whole_number<int>(json.at("ghost"));
     json.at("input_ending").get_to(manifest.ending);
     json.at("source").get_to(manifest.source);
     manifest.source_checksum = checksum_in(json.at("source_xxh3"));
     json.at("selection").get_to(manifest.selection);
-    read_whole(json.at("n1"), manifest.n1);
+    manifest.n1 = whole_number<std::int32_t>(json.at("n1"));
     json.at("symbols").get_to(manifest.symbols);
     manifest.table = checksum_in(json.at("poses_csv_xxh3"));
-    for (const Json& pose : json.at("poses")) {
-      ManifestPose& read = manifest.poses.emplace_back();
-      read_whole(pose.at("index"), read.index);
-      read.geometry = checksum_in(pose.at("geometry_xxh3"));
-    }
+    for (const Json& pose : json.at("poses"))
+      manifest.poses.push_back(
+          {whole_number<std::int64_t>(pose.at("index")), checksum_in(pose.at("geometry_xxh3"))});
     require_possible(manifest);
     return manifest;
   } catch (const std::exception&) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "common/errors.hpp"
+#include "common/json_number.hpp"
 #include "common/number_text.hpp"
 #include "results/checksum.hpp"
 #include "results/record_keys.hpp"
@@ -23,8 +24,7 @@ using ReadJson = nlohmann::json;  // finds a key at once among however many a fi
 
 /// A count of a record.
 std::int64_t whole(const ReadJson& json, const std::string& key, std::int64_t lowest = 0) {
-  const ReadJson& value = json.at(key);
-  const auto count = value.is_number_integer() ? value.get<std::int64_t>() : lowest - 1;
+  const auto count = whole_number<std::int64_t>(json.at(key));
   if (count < lowest) throw std::out_of_range(key);
   return count;
 }
